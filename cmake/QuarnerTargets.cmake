@@ -1,0 +1,41 @@
+# The building blocks of the tree. Every folder of sources is compiled once, as an object library
+# (quarner_NAME); the shared libraries that are installed and the static twins that the tests link
+# are made from the same objects. The tests need the twins because the shared libraries hide
+# everything that is not exported.
+
+add_library(quarner_options INTERFACE)
+target_compile_options(quarner_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast -Werror)
+target_include_directories(quarner_options INTERFACE ${PROJECT_SOURCE_DIR})
+if(QUARNER_SANITIZE)
+  target_compile_options(quarner_options INTERFACE
+    -fsanitize=${QUARNER_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(quarner_options INTERFACE -fsanitize=${QUARNER_SANITIZE})
+endif()
+
+# quarner_objects(NAME [DEPENDS target...] [FOLDERS folder...])
+# All .cpp files of the folders (this one by default) as the object library quarner_NAME.
+function(quarner_objects NAME)
+  cmake_parse_arguments(ARG "" "" "DEPENDS;FOLDERS" ${ARGN})
+  if(NOT ARG_FOLDERS)
+    set(ARG_FOLDERS .)
+  endif()
+  set(sources)
+  foreach(folder IN LISTS ARG_FOLDERS)
+    file(GLOB found CONFIGURE_DEPENDS ${folder}/*.cpp)
+    list(APPEND sources ${found})
+  endforeach()
+  add_library(quarner_${NAME} OBJECT ${sources})
+  target_link_libraries(quarner_${NAME} PUBLIC quarner_options Threads::Threads ${ARG_DEPENDS})
+endfunction()
+
+# quarner_test(NAME SOURCES file... OBJECTS name... [DEPENDS target...] [LABELS label...])
+# A GoogleTest program whose tests ctest lists one by one, linked from the objects quarner_name.
+function(quarner_test NAME)
+  cmake_parse_arguments(ARG "" "" "SOURCES;OBJECTS;DEPENDS;LABELS" ${ARGN})
+  add_executable(${NAME} ${ARG_SOURCES})
+  list(TRANSFORM ARG_OBJECTS PREPEND quarner_ OUTPUT_VARIABLE objects)
+  target_link_libraries(${NAME} PRIVATE quarner_options ${objects} ${ARG_DEPENDS}
+                        GTest::gmock GTest::gtest_main)
+  gtest_discover_tests(${NAME} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120 LABELS "${ARG_LABELS}")
+endfunction()

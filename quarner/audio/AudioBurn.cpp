@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "quarner/audio/AudioCDBurner.h"
+#include "quarner/device/QuarnerDevice.h"
+#include "quarner/platform/DRKeys.h"
+#include "quarner/platform/DRTrack.h"
+#include "quarner/platform/Platform.h"
+
+namespace quarner {
+namespace {
+
+Dictionary burnSettings(const QuarnerDevice& device) {
+    Dictionary settings = {
+        {DRBurnAppendableKey, false}, {DRBurnOverwriteDiscKey, true}, {DRBurnVerifyDiscKey, true}};
+    const std::optional<Array> speeds = device.availableBurnSpeeds();
+    if (speeds && !speeds->empty())
+        settings[DRBurnRequestedSpeedKey] = speeds->back();
+    return settings;
+}
+
+DRLayout layoutOf(const BurnItemList& items) {
+    DRLayout layout;
+    for (const BurnItemRef& item : items)
+        if (auto track = std::dynamic_pointer_cast<const DRTrack>(item))
+            layout.push_back(std::move(track));
+    return layout;
+}
+
+std::uint64_t estimatedBlocks(const DRLayout& layout) {
+    std::uint64_t blocks = 0;
+    for (const auto& track : layout)
+        blocks += track->estimateLength();
+    return blocks;
+}
+
+} // namespace
+
+void AudioCDBurner::burnWithDevice(const QuarnerDevice& device,
+                                   const std::optional<std::string>& discNamed) {
+    tell(&QuarnDelegate::burnProgressDidStarted);
+    // A burn object of an earlier burn is only let go: that burn runs on and still reports.
+    _burner = currentPlatform()->recording->burnForDevice(device.device());
+    const Dictionary settings = burnSettings(device);
+    const ContentList::Snapshot items = _content.snapshot();
+    fillTextBlock(discNamed, *items);
+    _burner->setProperties(settings);
+    DRLayout layout = layoutOf(*items);
+    _estimateTotalLength = estimatedBlocks(layout);
+    // Bytes against blocks, unconverted: this only tells a drive with (almost) no free space.
+    if (device.freeSizeOfDisc() <= _estimateTotalLength) {
+        tell(&QuarnDelegate::burnProgressDidError, BurnError{burnErrorDomain, 0});
+        return;
+    }
+    _burner->writeLayout(std::move(layout));
+    observeBurn();
+}
+
+void AudioCDBurner::fillTextBlock(const std::optional<std::string>& discName,
+                                  const BurnItemList& items) {
+    if (discName)
+        _textBlock->setObject(*discName, DRCDTextTitleKey, 0);
+    std::int64_t track = 0;
+    for (const BurnItemRef& item : items)
+        _textBlock->setObject(valueFor(*item->properties(), kQuarnItemDisplayNameKey),
+                              DRCDTextTitleKey, ++track);
+}
+
+void AudioCDBurner::observeBurn() {
+    // The burn may outlive its burner, which then hears no more of it.
+    const auto self = std::static_pointer_cast<AudioCDBurner>(shared_from_this());
+    const std::weak_ptr<AudioCDBurner> weakSelf = self;
+    currentPlatform()->recording->currentRunLoopCenter()->addObserver(
+        this,
+        [weakSelf](const DRNotification& notification) {
+            if (const auto burner = weakSelf.lock())
+                burner->burnStatusDidChange(notification);
+        },
+        DRBurnStatusChangedNotification, _burner.get());
+}
+
+} // namespace quarner

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "quarner/audio/AudioCDBurner.h"
+
+#include "quarner/front/BurnerRegistry.h"
+
+namespace quarner {
+namespace {
+
+const bool registered =
+    registerBurner("AudioCDBurner", [] { return std::make_shared<AudioCDBurner>(); });
+
+} // namespace
+
+AudioCDBurner::AudioCDBurner()
+    : _textBlock(std::make_unique<DRCDTextBlock>("", isoLatin1StringEncoding)) {}
+
+AudioCDBurner::~AudioCDBurner() {
+    _textBlock.reset();
+    _supportedFiles.reset();
+}
+
+} // namespace quarner

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <algorithm>
+
+#include "quarner/audio/AudioCDBurner.h"
+#include "quarner/front/BurnItemRecord.h"
+#include "quarner/platform/Platform.h"
+#include "quarner/util/Paths.h"
+
+namespace quarner {
+
+/// The lists of one call of `addFiles`, shared by its two phases.
+struct AudioCDBurner::AddFilesRun {
+    std::vector<std::string> protectedFiles;
+    std::vector<std::string> accepted;
+    std::vector<std::string> incompatible;
+};
+
+namespace {
+
+constexpr std::uint32_t preGapFrames = 150; // two seconds, as the Red Book has it for track 1
+
+std::vector<std::string> sortedForUser(std::vector<std::string> paths) {
+    const auto text = currentPlatform()->text;
+    std::stable_sort(paths.begin(), paths.end(), [&](const std::string& a, const std::string& b) {
+        return text->compareLocalizedCaseInsensitive(a, b) < 0;
+    });
+    return paths;
+}
+
+bool contains(const std::vector<std::string>& list, const std::string& text) {
+    return std::find(list.begin(), list.end(), text) != list.end();
+}
+
+} // namespace
+
+bool AudioCDBurner::addFiles(const std::vector<std::string>& paths) {
+    if (paths.empty())
+        return false;
+    _continue2AddFiles = true;
+    const auto run = std::make_shared<AddFilesRun>();
+    for (const std::string& path : sortedForUser(paths))
+        filterPath(path, *run);
+    const bool anyAccepted = !run->accepted.empty();
+    auto self = std::static_pointer_cast<AudioCDBurner>(shared_from_this());
+    currentPlatform()->dispatch->asyncGlobal([self, run] { self->performRun(*run); });
+    return anyAccepted;
+}
+
+void AudioCDBurner::filterPath(const std::string& path, AddFilesRun& run) {
+    const std::string resolved = Paths::realPath(path);
+    if (isInContent(resolved))
+        return;
+    // What is refused here is reported as the caller wrote it, what is accepted goes on resolved.
+    if (Paths::isQuickTimeProtectedFile(resolved))
+        run.protectedFiles.push_back(path);
+    else if (isSupported(resolved))
+        run.accepted.push_back(resolved);
+    else
+        run.incompatible.push_back(path);
+}
+
+bool AudioCDBurner::isInContent(const std::string& resolvedPath) const {
+    const ContentList::Snapshot items = _content.snapshot();
+    return std::any_of(items->begin(), items->end(), [&](const BurnItemRef& item) {
+        const auto properties = item->properties();
+        const std::string* path = valueFor(*properties, kQuarnItemFilePathKey).asString();
+        return path != nullptr && *path == resolvedPath;
+    });
+}
+
+bool AudioCDBurner::isSupported(const std::string& resolvedPath) {
+    if (contains(supportedFileTypes(), Paths::lowercaseExtension(resolvedPath)))
+        return true;
+    const std::optional<std::string> type = Paths::hfsType(resolvedPath);
+    return type && contains(supportedFileTypes(), *type);
+}
+
+void AudioCDBurner::performRun(AddFilesRun& run) {
+    if (run.accepted.empty())
+        return;
+    tell(&QuarnDelegate::addFilesProgressDidStarted);
+    for (std::int32_t i = 0; static_cast<std::size_t>(i) < run.accepted.size(); ++i) {
+        if (!_continue2AddFiles) {
+            tell(&QuarnDelegate::addFilesProgressDidCanceled);
+            break;
+        }
+        const std::string& path = run.accepted[static_cast<std::size_t>(i)];
+        tell(&QuarnDelegate::addFilesProgressDidChanged,
+             currentPlatform()->files->displayName(path), std::int64_t(i) + 1,
+             std::uint64_t(run.accepted.size()));
+        addFile(path, run);
+    }
+    tell(&QuarnDelegate::addFilesProgressDidEnd,
+         EndReport{{protectedFilesReportKey, run.protectedFiles},
+                   {incompatibleFilesReportKey, run.incompatible}});
+}
+
+void AudioCDBurner::addFile(const std::string& path, AddFilesRun& run) {
+    const std::int64_t seconds = getMovieDuration(path);
+    const Dictionary record = burnItemRecord(path, seconds);
+    const std::shared_ptr<DRTrack> track = currentPlatform()->recording->trackForAudioFile(path);
+    if (track)
+        track->setPreGap(DRMSF::msfWithFrames(preGapFrames));
+    if (!track || seconds <= 0) {
+        run.incompatible.push_back(path);
+        return;
+    }
+    Dictionary properties = *track->properties();
+    for (const auto& [key, value] : record)
+        properties.insert_or_assign(key, value);
+    track->setProperties(std::move(properties));
+    _content.append(track);
+    tell(&QuarnDelegate::fileDidAdded, record);
+}
+
+} // namespace quarner

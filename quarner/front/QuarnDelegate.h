@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "quarner/platform/BurnItem.h"
+#include "quarner/platform/Export.h"
+
+namespace quarner {
+
+/// The report at the end of an add-files run: refused paths by reason. An audio burner gives both
+/// keys below, a data burner only the second; look a key up before reading it. Paths that were
+/// refused before the run began stand as the caller wrote them, the others resolved.
+using EndReport = std::map<std::string, std::vector<std::string>, std::less<>>;
+
+/// Copy-protected media, and files that cannot be examined at all.
+inline constexpr char protectedFilesReportKey[] = "protected-files";
+/// Files of an unsupported type, unreadable ones, and ones shorter than a second.
+inline constexpr char incompatibleFilesReportKey[] = "incompatible-files";
+
+/// Why a burn could not start or failed.
+struct BurnError {
+    std::string domain; ///< always `burnErrorDomain`
+    /// 0: the content does not fit (or the failure carried no code); otherwise the recording
+    /// service's 32-bit code read as signed, see DRErrors.h.
+    std::int64_t code = 0;
+
+    bool operator==(const BurnError&) const = default;
+};
+
+inline constexpr char burnErrorDomain[] = "Quarn";
+
+/// Through this interface a burner reports to its host. Every operation is optional: override
+/// those you want. The spelling of the names is part of the interface.
+///
+/// The burner does not own its delegate, which must outlive every call that may reach it: set the
+/// burner's delegate to null, and let an add-files run that is under way end, before destroying it.
+class QUARNER_EXPORT QuarnDelegate {
+public:
+    virtual ~QuarnDelegate();
+
+    // --- Editing. Called at once, on the thread that called the burner. ---
+
+    /// `clearAll` has emptied the list.
+    virtual void allFilesDidCleared() {}
+
+    /// `burnItemDidDelete:` An item was removed by `removeItem`.
+    virtual void burnItemDidDelete(const BurnItemRef& /*item*/) {}
+
+    /// `burnItemsDidDelete:` The list given to `removeItems`, whether or not anything of it was in
+    /// the compilation.
+    virtual void burnItemsDidDelete(const BurnItemList& /*items*/) {}
+
+    /// `moveBurnItem` has ended; also sent when the order stayed the same.
+    virtual void burnItemDidSorted() {}
+
+    // --- Adding files. Called on the background thread of the run, in this order; a run in which
+    // --- no file was accepted sends nothing. Never block the main thread meanwhile: the run waits
+    // --- for it once per file.
+
+    /// First, once.
+    virtual void addFilesProgressDidStarted() {}
+
+    /// `addFilesProgressDidChanged:index:of:` Once per file, before work on it begins: its display
+    /// name, its position from 1, and the number of files in the run.
+    virtual void addFilesProgressDidChanged(const std::string& /*displayName*/,
+                                            std::int64_t /*index*/, std::uint64_t /*of*/) {}
+
+    /// `fileDidAdded:` A file is now in the compilation: its record (BurnItemKeys.h).
+    virtual void fileDidAdded(const Dictionary& /*item*/) {}
+
+    /// `cancelToAddFiles` stopped the run; `addFilesProgressDidEnd` follows.
+    virtual void addFilesProgressDidCanceled() {}
+
+    /// `addFilesProgressDidEnd:` Last, once, also after a cancellation.
+    virtual void addFilesProgressDidEnd(const EndReport& /*report*/) {}
+
+    // --- Burning. `burnProgressDidStarted` and the error of a burn that is refused at once come
+    // --- on the thread that called `burnWithDevice`, before it returns; everything else on the
+    // --- run loop of that same thread. The last call is one of Done, Canceled, Error.
+
+    /// First, once, also for a burn that is then refused.
+    virtual void burnProgressDidStarted() {}
+
+    /// `burnProgressDidError:` The burn could not start or failed. Ends the burn.
+    virtual void burnProgressDidError(const BurnError& /*error*/) {}
+
+    /// `burnProgressDidChanaged:lefttime:` The fraction complete of the phase under way (writing,
+    /// then verifying), 0.0 to 1.0, and the time left in it: blocks over blocks per second, so
+    /// seconds.
+    virtual void burnProgressDidChanaged(double /*fraction*/, std::uint64_t /*lefttime*/) {}
+
+    virtual void burnProgressIsPreparing() {}
+
+    /// `burnProgressIsOpeningTrack:of:`, `burnProgressIsWriteingTrack:of:`,
+    /// `burnProgressDidCloseTrack:of:` The track, from 1, and the number of tracks.
+    virtual void burnProgressIsOpeningTrack(std::int64_t /*track*/, std::int64_t /*of*/) {}
+    virtual void burnProgressIsWriteingTrack(std::int64_t /*track*/, std::int64_t /*of*/) {}
+    virtual void burnProgressDidCloseTrack(std::int64_t /*track*/, std::int64_t /*of*/) {}
+
+    virtual void burnProgressDidCloseSession() {}
+    virtual void burnProgressIsFinishing() {}
+
+    /// The written disc is being read back and compared.
+    virtual void burnProgressIsVerifying() {}
+
+    /// The disc is written and verified. Ends the burn.
+    virtual void burnProgressDidDone() {}
+
+    /// The burn was cancelled, by `stopBurn` for instance. Ends the burn.
+    virtual void burnProgressDidCanceled() {}
+};
+
+} // namespace quarner

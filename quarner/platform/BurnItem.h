@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <memory>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "quarner/platform/Export.h"
+#include "quarner/platform/Value.h"
+
+namespace quarner {
+
+/// One entry of a compilation: an object that carries a property dictionary. Items are compared
+/// by identity. An item is filled before it enters a compilation and never changes afterwards,
+/// so a host may read it on any thread.
+///
+/// Every kind of item names its class: `className` answers the class of the very object,
+/// `isKindOfClass` is also true for each class that this one is derived from.
+class QUARNER_EXPORT BurnItem {
+public:
+    BurnItem() = default;
+    virtual ~BurnItem();
+    BurnItem(const BurnItem&) = delete;
+    BurnItem& operator=(const BurnItem&) = delete;
+
+    virtual std::string_view className() const = 0;
+    virtual bool isKindOfClass(std::string_view name) const = 0;
+
+    /// The property dictionary; never null.
+    std::shared_ptr<const Dictionary> properties() const { return _properties; }
+    void setProperties(Dictionary properties) {
+        _properties = std::make_shared<const Dictionary>(std::move(properties));
+    }
+
+private:
+    std::shared_ptr<const Dictionary> _properties = std::make_shared<const Dictionary>();
+};
+
+/// A burn item as hosts and burners hold it.
+using BurnItemRef = std::shared_ptr<const BurnItem>;
+using BurnItemList = std::vector<BurnItemRef>;
+
+} // namespace quarner

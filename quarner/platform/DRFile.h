@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "quarner/platform/BurnItem.h"
+
+namespace quarner {
+
+/// A file node of a data disc: refers to one file on disk.
+class QUARNER_EXPORT DRFile : public BurnItem {
+public:
+    static constexpr std::string_view drClassName = "DRFile";
+
+    explicit DRFile(std::string sourcePath) : _sourcePath(std::move(sourcePath)) {}
+
+    std::string_view className() const override;
+    bool isKindOfClass(std::string_view name) const override;
+
+    /// The path that the node was made from, letter for letter.
+    const std::string& sourcePath() const { return _sourcePath; }
+
+private:
+    std::string _sourcePath;
+};
+
+} // namespace quarner

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "quarner/platform/BurnItem.h"
+#include "quarner/platform/DRMSF.h"
+#include "quarner/platform/FileStamp.h"
+
+namespace quarner {
+
+/// An audio track: a plain record of the file that it is made from, its exact length and the
+/// pre-gap before it. Made by the recording service (`RecordingService::trackForAudioFile`) and
+/// read by the recorder that writes it.
+class QUARNER_EXPORT DRTrack : public BurnItem {
+public:
+    static constexpr std::string_view drClassName = "DRTrack";
+
+    /// Stereo samples at 44.1 kHz in one sector of 2352 bytes (Red Book: 44100 / 75).
+    static constexpr std::uint32_t samplesPerSector = 588;
+    /// A track lasts at least four seconds (Red Book).
+    static constexpr std::uint32_t minimumSectors = 300;
+
+    std::string_view className() const override;
+    bool isKindOfClass(std::string_view name) const override;
+
+    /// The file that the track plays, as an absolute or working-directory-relative path.
+    std::string path;
+    /// Exactly how many stereo samples at 44.1 kHz the file delivers.
+    std::uint64_t sampleCount = 0;
+    /// The file as it was when the track was made: a recorder refuses to write another.
+    FileStamp stamp;
+
+    /// The play length: the samples in whole sectors, at least `minimumSectors`. The pre-gap is
+    /// not counted.
+    DRMSF length() const { return _length; }
+    void setLength(DRMSF length) { _length = length; }
+
+    /// The silence before the track.
+    DRMSF preGap() const { return _preGap; }
+    void setPreGap(DRMSF preGap) { _preGap = preGap; }
+
+    /// The blocks that the track takes on the disc: its length and its pre-gap, one block to a
+    /// frame, unless the maker of the track has set another estimate.
+    std::uint64_t estimateLength() const;
+    void setEstimateLength(std::uint64_t blocks) { _estimateLength = blocks; }
+
+private:
+    DRMSF _length = DRMSF::msf();
+    DRMSF _preGap = DRMSF::msf();
+    std::optional<std::uint64_t> _estimateLength;
+};
+
+/// The sectors that so many stereo samples take as a track: whole sectors, the last one filled
+/// with silence, and at least `DRTrack::minimumSectors`. Saturates at 2^32 - 1.
+QUARNER_EXPORT std::uint32_t sectorsForSamples(std::uint64_t sampleCount);
+
+} // namespace quarner

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <functional>
+
+#include "quarner/platform/Export.h"
+
+namespace quarner {
+
+/// Work on other threads.
+class QUARNER_EXPORT DispatchService {
+public:
+    DispatchService() = default;
+    virtual ~DispatchService();
+    DispatchService(const DispatchService&) = delete;
+    DispatchService& operator=(const DispatchService&) = delete;
+
+    /// Submits work to the global concurrent queue of default priority and returns at once. Work
+    /// may start in any order and run at the same time as other work.
+    virtual void asyncGlobal(std::function<void()> work) = 0;
+
+    /// Runs work on the main thread and waits until it has run. On the main thread itself the
+    /// work runs at once. When the main queue is shut down while the caller waits, the work is
+    /// dropped and the call returns.
+    virtual void syncMain(std::function<void()> work) = 0;
+};
+
+} // namespace quarner

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "quarner/platform/Export.h"
+
+namespace quarner {
+
+/// What tells whether a file on disk is still the one that was looked at before.
+struct FileStamp {
+    std::uint64_t size = 0;           ///< bytes
+    std::int64_t modifiedSeconds = 0; ///< since 1970-01-01 00:00 UTC
+    std::int64_t modifiedNanoseconds = 0;
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+
+    bool operator==(const FileStamp&) const = default;
+};
+
+/// The stamp of the regular file at a path (symbolic links followed), or nothing when there is
+/// none. Any thread.
+QUARNER_EXPORT std::optional<FileStamp> stampOfFile(const std::string& path);
+
+} // namespace quarner

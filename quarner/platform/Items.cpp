@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <limits>
+
+#include "quarner/platform/DRFile.h"
+#include "quarner/platform/DRTrack.h"
+
+namespace quarner {
+
+BurnItem::~BurnItem() = default;
+
+std::string_view DRTrack::className() const { return drClassName; }
+
+bool DRTrack::isKindOfClass(std::string_view name) const { return name == drClassName; }
+
+std::uint64_t DRTrack::estimateLength() const {
+    const std::uint64_t blocks = std::uint64_t(_length.totalFrames()) + _preGap.totalFrames();
+    return _estimateLength.value_or(blocks);
+}
+
+std::string_view DRFile::className() const { return drClassName; }
+
+bool DRFile::isKindOfClass(std::string_view name) const { return name == drClassName; }
+
+std::uint32_t sectorsForSamples(std::uint64_t sampleCount) {
+    const std::uint64_t whole = sampleCount / DRTrack::samplesPerSector;
+    const std::uint64_t sectors = whole + (sampleCount % DRTrack::samplesPerSector != 0 ? 1 : 0);
+    constexpr std::uint64_t least = DRTrack::minimumSectors;
+    constexpr std::uint64_t most = std::numeric_limits<std::uint32_t>::max();
+    return static_cast<std::uint32_t>(std::clamp(sectors, least, most));
+}
+
+std::optional<FileStamp> stampOfFile(const std::string& path) {
+    struct stat status = {};
+    if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
+        return std::nullopt;
+    return FileStamp{.size = static_cast<std::uint64_t>(status.st_size),
+                     .modifiedSeconds = status.st_mtim.tv_sec,
+                     .modifiedNanoseconds = status.st_mtim.tv_nsec,
+                     .device = status.st_dev,
+                     .inode = status.st_ino};
+}
+
+} // namespace quarner

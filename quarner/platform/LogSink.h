@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <string>
+
+#include "quarner/platform/Export.h"
+
+namespace quarner {
+
+/// The platform's standard diagnostic log.
+class QUARNER_EXPORT LogSink {
+public:
+    LogSink() = default;
+    virtual ~LogSink();
+    LogSink(const LogSink&) = delete;
+    LogSink& operator=(const LogSink&) = delete;
+
+    /// Writes one line, given without its line end. Any thread.
+    virtual void log(const std::string& line) = 0;
+};
+
+} // namespace quarner

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "quarner/platform/Export.h"
+
+namespace quarner {
+
+/// A play time: `value` ticks of which `scale` make a second. A scale of 0: nothing is known.
+struct QTTime {
+    std::int64_t value = 0;
+    std::int64_t scale = 0;
+    std::int64_t flags = 0; ///< nothing in this library reads it
+};
+
+/// An opened media file.
+class QUARNER_EXPORT QTMovie {
+public:
+    QTMovie() = default;
+    virtual ~QTMovie();
+    QTMovie(const QTMovie&) = delete;
+    QTMovie& operator=(const QTMovie&) = delete;
+
+    virtual QTTime duration() const = 0;
+};
+
+/// The media service: what can be played, and for how long.
+class QUARNER_EXPORT MediaService {
+public:
+    MediaService() = default;
+    virtual ~MediaService();
+    MediaService(const MediaService&) = delete;
+    MediaService& operator=(const MediaService&) = delete;
+
+    /// Opens a file; null when it is missing or not a media file with sound. Called on the main
+    /// thread.
+    virtual std::unique_ptr<QTMovie> movieWithFile(const std::string& path) = 0;
+
+    /// The types that can be opened, as file-name extensions and type codes in single quotes.
+    /// `flags` 0 asks for the common ones only.
+    virtual std::vector<std::string> movieFileTypes(std::uint32_t flags) = 0;
+};
+
+} // namespace quarner

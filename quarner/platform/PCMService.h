@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "quarner/platform/Export.h"
+
+namespace quarner {
+
+/// How long a file plays, exactly: without the silence that encoders put before and after.
+struct PCMLength {
+    std::uint64_t sourceSamples = 0; ///< samples per channel at the file's own rate
+    std::uint32_t sourceRate = 0;    ///< samples per second
+    std::uint64_t discSamples = 0;   ///< stereo samples after conversion to 44.1 kHz
+};
+
+/// A file decoded to what a CD holds: 44.1 kHz, 16 bits, stereo, left sample first.
+class QUARNER_EXPORT PCMStream {
+public:
+    PCMStream() = default;
+    virtual ~PCMStream();
+    PCMStream(const PCMStream&) = delete;
+    PCMStream& operator=(const PCMStream&) = delete;
+
+    /// Fills the buffer with stereo pairs in the byte order of this machine; its size is even.
+    /// Answers how many 16-bit values were filled: fewer than asked only at the end of the file.
+    /// The stream delivers exactly `PCMLength::discSamples` pairs: a damaged passage becomes
+    /// silence of the same length. Nothing is answered when the file cannot be read any further.
+    virtual std::optional<std::size_t> read(std::span<std::int16_t> samples) = 0;
+};
+
+/// Measures and decodes audio files. Every operation may be called on any thread, and several
+/// streams may be read at once, each on one thread at a time. Nothing throws.
+class QUARNER_EXPORT PCMService {
+public:
+    PCMService() = default;
+    virtual ~PCMService();
+    PCMService(const PCMService&) = delete;
+    PCMService& operator=(const PCMService&) = delete;
+
+    /// The exact length of a file, without decoding it; nothing when it holds no sound that can
+    /// be decoded.
+    virtual std::optional<PCMLength> measure(const std::string& path) = 0;
+
+    /// Opens a file for decoding; null when that is not possible.
+    virtual std::unique_ptr<PCMStream> open(const std::string& path) = 0;
+};
+
+} // namespace quarner

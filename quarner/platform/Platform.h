@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <memory>
+
+#include "quarner/platform/DispatchService.h"
+#include "quarner/platform/Export.h"
+#include "quarner/platform/FileService.h"
+#include "quarner/platform/LogSink.h"
+#include "quarner/platform/MediaService.h"
+#include "quarner/platform/RecordingService.h"
+#include "quarner/platform/TextService.h"
+
+namespace quarner {
+
+/// The services that the framework runs on. A service left null stands for its null form: no
+/// drives, nothing opens, no file has attributes, texts stay untranslated; background work runs
+/// on a thread of its own and work for the main thread runs at once on the caller's.
+struct Platform {
+    std::shared_ptr<RecordingService> recording;
+    std::shared_ptr<MediaService> media;
+    std::shared_ptr<FileService> files;
+    std::shared_ptr<DispatchService> dispatch;
+    std::shared_ptr<TextService> text;
+    std::shared_ptr<LogSink> log;
+};
+
+/// Installs the platform of this process, once, before anything else of the framework is used
+/// (a test may replace it between two stories). Work that is under way keeps the services that it
+/// started with. Any thread.
+QUARNER_EXPORT void installPlatform(Platform platform);
+
+/// The platform that is installed, every service present. Before `installPlatform`, the null
+/// platform. Any thread.
+QUARNER_EXPORT std::shared_ptr<const Platform> currentPlatform();
+
+} // namespace quarner

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "quarner/platform/DRBurn.h"
+#include "quarner/platform/DRDevice.h"
+#include "quarner/platform/DRNotificationCenter.h"
+#include "quarner/platform/DRTrack.h"
+
+namespace quarner {
+
+/// The disc-recording service: drives, burns, tracks and their notifications.
+class QUARNER_EXPORT RecordingService {
+public:
+    RecordingService() = default;
+    virtual ~RecordingService();
+    RecordingService(const RecordingService&) = delete;
+    RecordingService& operator=(const RecordingService&) = delete;
+
+    /// All drives that are attached now, in a stable order. Any thread.
+    virtual std::vector<std::shared_ptr<DRDevice>> devices() = 0;
+
+    /// A new burn on a drive; never null. A null drive gives a burn that fails with
+    /// `DRError::DeviceVanished`.
+    virtual std::shared_ptr<DRBurn> burnForDevice(std::shared_ptr<DRDevice> device) = 0;
+
+    /// `trackForAudioFile:`: a new track that plays a file, its path, exact length and stamp
+    /// filled in, the pre-gap zero; null when the file cannot be played. Any thread.
+    virtual std::shared_ptr<DRTrack> trackForAudioFile(const std::string& path) = 0;
+
+    /// `currentRunLoopCenter`: the notification centre of the calling thread's run loop; the
+    /// same object for every call on that thread. Never null.
+    virtual std::shared_ptr<DRNotificationCenter> currentRunLoopCenter() = 0;
+};
+
+} // namespace quarner

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <string>
+
+#include "quarner/platform/Export.h"
+
+namespace quarner {
+
+/// Texts in the user's language and locale. Every operation may be called on any thread.
+class QUARNER_EXPORT TextService {
+public:
+    TextService() = default;
+    virtual ~TextService();
+    TextService(const TextService&) = delete;
+    TextService& operator=(const TextService&) = delete;
+
+    /// Compares two texts by the user's locale, ignoring case: below 0, 0 or above 0 as `a` sorts
+    /// before, with or after `b`. A strict weak order, also for bytes that are not valid UTF-8.
+    virtual int compareLocalizedCaseInsensitive(const std::string& a, const std::string& b) = 0;
+
+    /// A number with so many decimals ("%.*f") and the decimal separator of the user's locale,
+    /// without grouping.
+    virtual std::string localizedNumber(double number, int decimals) = 0;
+
+    /// The translation of a key in the host application's default string table, or the key
+    /// itself where there is none.
+    virtual std::string localizedString(const std::string& key) = 0;
+};
+
+} // namespace quarner

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "quarner/platform/Export.h"
+
+namespace quarner {
+
+class Value;
+
+/// An ordered list of values.
+using Array = std::vector<Value>;
+
+/// A property dictionary: strings to values. Look an entry up with `valueFor`, which answers an
+/// empty value where there is none, or with the map's own `find`.
+using Dictionary = std::map<std::string, Value, std::less<>>;
+
+/// A file's icon as names in the desktop's icon theme, the best match first. A host looks them
+/// up in order in its own toolkit. Empty when nothing is known of the file.
+struct Icon {
+    std::vector<std::string> names;
+
+    bool operator==(const Icon&) const = default;
+};
+
+/// One value of a property dictionary: nothing, a truth value, a whole number, a real number, a
+/// text (UTF-8 by convention, but file names keep whatever bytes they have), an icon, a list, or
+/// a dictionary of its own. A plain value type: copying it is safe from any thread.
+class QUARNER_EXPORT Value {
+public:
+    Value() = default;
+    Value(bool value) : _value(value) {}
+    template <typename Integer>
+    requires(std::is_integral_v<Integer> && !std::is_same_v<Integer, bool>) Value(Integer value)
+        : _value(static_cast<std::int64_t>(value)) {}
+    Value(double value) : _value(value) {}
+    Value(float value) : _value(static_cast<double>(value)) {}
+    Value(const char* text) : _value(std::string(text)) {}
+    Value(std::string_view text) : _value(std::string(text)) {}
+    Value(std::string text) : _value(std::move(text)) {}
+    Value(Icon icon) : _value(std::move(icon)) {}
+    Value(Array list) : _value(std::move(list)) {}
+    Value(Dictionary dictionary);
+
+    bool isNull() const;
+    bool isNumber() const; ///< A whole number, a real number or a truth value.
+
+    /// The number readings below answer 0 (false) for anything that is not a number, and never
+    /// convert out of range: a real number too large for the type gives the type's nearest limit,
+    /// a NaN gives 0. A whole number is taken modulo the width of the type, as a signed or an
+    /// unsigned reading of the same bits.
+    bool asBool() const;
+    std::int64_t asInt64() const;
+    std::uint64_t asUInt64() const;
+    std::uint32_t asUInt32() const;
+    double asDouble() const;
+    float asFloat() const; ///< Single precision; beyond its range an infinity of the same sign.
+
+    /// The text, list, dictionary or icon, owned by this value, or null for another kind of value.
+    const std::string* asString() const;
+    const Array* asArray() const;
+    const Dictionary* asDictionary() const;
+    const Icon* asIcon() const;
+
+    /// Deep equality. A whole number equals a real number only if both are of the same kind.
+    bool operator==(const Value& other) const;
+
+    /// A text for people, on one line: texts in double quotes, lists as (a, b), dictionaries as
+    /// {key = value; ...} in the order of their keys. Meant for the diagnostic log.
+    std::string description() const;
+
+private:
+    std::variant<std::monostate, bool, std::int64_t, double, std::string, Icon, Array,
+                 std::shared_ptr<const Dictionary>>
+        _value;
+};
+
+/// The entry under a key, or an empty value (valid for ever) where the dictionary has none.
+QUARNER_EXPORT const Value& valueFor(const Dictionary& dictionary, std::string_view key);
+
+} // namespace quarner

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+/// Everything that a host needs of the framework. To run it, a host also installs a platform:
+/// `quarner/desktop.h` on a desktop, `quarner/scripted.h` in a test.
+
+#include "quarner/device/QuarnerDevice.h"
+#include "quarner/device/QuarnerDeviceDelegate.h"
+#include "quarner/front/BurnItemKeys.h"
+#include "quarner/front/OSXEnvironment.h"
+#include "quarner/front/QuarnDelegate.h"
+#include "quarner/front/Quarner.h"
+#include "quarner/platform/DRErrors.h"
+#include "quarner/util/MultiMedia.h"
+#include "quarner/util/Paths.h"

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "quarner/util/MultiMedia.h"
+
+#include <array>
+#include <cstdio>
+#include <string_view>
+
+#include "quarner/platform/Platform.h"
+
+namespace quarner {
+namespace {
+
+constexpr double kilo = 1024.0;
+
+/// A format of the host's string table with its one placeholder filled in: the first occurrence
+/// of the placeholder that the key has. "%%" stands for a percent sign, and everything else for
+/// itself, so whatever a translator writes is only text.
+std::string filled(const std::string& format, std::string_view placeholder,
+                   std::string_view argument) {
+    std::string text;
+    bool isFilled = false;
+    for (std::size_t at = 0; at < format.size();) {
+        const std::string_view rest = std::string_view(format).substr(at);
+        if (rest.substr(0, 2) == "%%") {
+            text += '%';
+            at += 2;
+        } else if (!isFilled && rest.substr(0, placeholder.size()) == placeholder) {
+            text += argument;
+            isFilled = true;
+            at += placeholder.size();
+        } else {
+            text += rest.front();
+            ++at;
+        }
+    }
+    return text;
+}
+
+std::string kilobyteForm(double number) {
+    const auto text = currentPlatform()->text;
+    return filled(text->localizedString("%.0f KB"), "%.0f", text->localizedNumber(number, 0));
+}
+
+std::string unitForm(const std::string& key, const std::string& number) {
+    return filled(currentPlatform()->text->localizedString(key), "%@", number);
+}
+
+/// Drops characters of UTF-8 text, not bytes: a decimal separator may take several.
+void dropLast(std::string& text, int characters) {
+    for (; characters > 0 && !text.empty(); --characters) {
+        while (text.size() > 1 && (static_cast<unsigned char>(text.back()) & 0xC0U) == 0x80U)
+            text.pop_back();
+        text.pop_back();
+    }
+}
+
+bool endsInZero(const std::string& text) { return !text.empty() && text.back() == '0'; }
+
+/// "1.0" gives "1".
+std::string trimmedToTenths(double number) {
+    std::string text = currentPlatform()->text->localizedNumber(number, 1);
+    if (endsInZero(text))
+        dropLast(text, 2);
+    return text;
+}
+
+/// "1.10" gives "1.1", "1.00" gives "1".
+std::string trimmedToHundredths(double number) {
+    std::string text = currentPlatform()->text->localizedNumber(number, 2);
+    if (endsInZero(text))
+        dropLast(text, 1);
+    if (endsInZero(text))
+        dropLast(text, 2);
+    return text;
+}
+
+} // namespace
+
+std::string MultiMedia::stringWithDuration(std::int64_t duration, bool framesEnabled) {
+    const std::int64_t hours = duration / 60 / 60;
+    const std::int64_t minutes = duration / 60 - hours * 60;
+    const auto seconds = static_cast<std::int64_t>(static_cast<double>(duration) -
+                                                   static_cast<double>(minutes) * 60.0 -
+                                                   static_cast<double>(hours * 3600));
+    std::array<char, 96> text = {};
+    std::snprintf(text.data(), text.size(), "%02.0f:%02.0f:%02.0f", static_cast<double>(hours),
+                  static_cast<double>(minutes), static_cast<double>(seconds));
+    // A duration is a whole number of seconds: the field of its fraction is always zero.
+    return std::string(text.data()) + (framesEnabled ? ".00" : "");
+}
+
+std::string MultiMedia::stringWithFilesize(std::int64_t size) {
+    const auto bytes = static_cast<double>(size);
+    if (bytes < kilo)
+        return kilobyteForm(size > 0 ? 4.0 : bytes);
+    if (bytes < kilo * kilo)
+        return kilobyteForm(bytes / kilo);
+    if (bytes < kilo * kilo * kilo)
+        return unitForm("%@ MB", trimmedToTenths(bytes / kilo / kilo));
+    if (bytes < kilo * kilo * kilo * kilo)
+        return unitForm("%@ GB", trimmedToHundredths(bytes / kilo / kilo / kilo));
+    if (bytes < kilo * kilo * kilo * kilo * kilo)
+        return unitForm("%@ TB", trimmedToHundredths(bytes / kilo / kilo / kilo / kilo));
+    return kilobyteForm(0.0);
+}
+
+} // namespace quarner
