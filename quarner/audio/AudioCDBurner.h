@@ -77,7 +77,7 @@ private:
     bool isInContent(const std::string& resolvedPath) const;
     bool isSupported(const std::string& resolvedPath);
     void performRun(AddFilesRun& run);
-    void addFile(const std::string& path, AddFilesRun& run);
+    void examineFile(const std::string& path, AddFilesRun& run);
 
     void fillTextBlock(const std::optional<std::string>& discName, const BurnItemList& items);
     void observeBurn();

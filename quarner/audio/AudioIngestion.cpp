@@ -88,14 +88,14 @@ void AudioCDBurner::performRun(AddFilesRun& run) {
         tell(&QuarnDelegate::addFilesProgressDidChanged,
              currentPlatform()->files->displayName(path), std::int64_t(i) + 1,
              std::uint64_t(run.accepted.size()));
-        addFile(path, run);
+        examineFile(path, run);
     }
     tell(&QuarnDelegate::addFilesProgressDidEnd,
          EndReport{{protectedFilesReportKey, run.protectedFiles},
                    {incompatibleFilesReportKey, run.incompatible}});
 }
 
-void AudioCDBurner::addFile(const std::string& path, AddFilesRun& run) {
+void AudioCDBurner::examineFile(const std::string& path, AddFilesRun& run) {
     const std::int64_t seconds = getMovieDuration(path);
     const Dictionary record = burnItemRecord(path, seconds);
     const std::shared_ptr<DRTrack> track = currentPlatform()->recording->trackForAudioFile(path);
