@@ -8,15 +8,6 @@
 namespace quarner {
 namespace {
 
-Dictionary burnSettings(const QuarnerDevice& device) {
-    Dictionary settings = {
-        {DRBurnAppendableKey, false}, {DRBurnOverwriteDiscKey, true}, {DRBurnVerifyDiscKey, true}};
-    const std::optional<Array> speeds = device.availableBurnSpeeds();
-    if (speeds && !speeds->empty())
-        settings[DRBurnRequestedSpeedKey] = speeds->back();
-    return settings;
-}
-
 DRLayout layoutOf(const BurnItemList& items) {
     DRLayout layout;
     for (const BurnItemRef& item : items)
@@ -45,8 +36,22 @@ void AudioCDBurner::burnWithDevice(const QuarnerDevice& device,
     _burner->setProperties(settings);
     DRLayout layout = layoutOf(*items);
     _estimateTotalLength = estimatedBlocks(layout);
+    writeOrRefuse(std::move(layout), _estimateTotalLength, device);
+}
+
+Dictionary AudioCDBurner::burnSettings(const QuarnerDevice& device) {
+    Dictionary settings = {
+        {DRBurnAppendableKey, false}, {DRBurnOverwriteDiscKey, true}, {DRBurnVerifyDiscKey, true}};
+    const std::optional<Array> speeds = device.availableBurnSpeeds();
+    if (speeds && !speeds->empty())
+        settings[DRBurnRequestedSpeedKey] = speeds->back();
+    return settings;
+}
+
+void AudioCDBurner::writeOrRefuse(DRLayout layout, std::uint64_t estimatedBlocks,
+                                  const QuarnerDevice& device) {
     // Bytes against blocks, unconverted: this only tells a drive with (almost) no free space.
-    if (device.freeSizeOfDisc() <= _estimateTotalLength) {
+    if (device.freeSizeOfDisc() <= estimatedBlocks) {
         tell(&QuarnDelegate::burnProgressDidError, BurnError{burnErrorDomain, 0});
         return;
     }

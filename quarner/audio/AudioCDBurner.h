@@ -60,6 +60,27 @@ public:
     void burnStatusDidChange(const DRNotification& notification);
 
 protected:
+    // --- The steps of adding files in which the two burners differ ---
+
+    /// Whether the list already holds the file at a resolved path.
+    virtual bool isInContent(const std::string& resolvedPath) const;
+    /// Whether a file is to be set aside as protected.
+    virtual bool isProtected(const std::string& resolvedPath) const;
+    /// Makes the item of a file and gives it its properties: the record, merged with what the item
+    /// itself knows. Null when no item can be made. The record is what the delegate then receives.
+    virtual std::shared_ptr<BurnItem> makeItem(const std::string& path, Dictionary& record) const;
+    /// The report at the end of a run.
+    virtual EndReport endReport(const std::vector<std::string>& protectedFiles,
+                                const std::vector<std::string>& incompatibleFiles) const;
+
+    // --- The steps of burning that they share ---
+
+    /// The settings of every burn: closed, overwriting, verified, at the drive's last speed.
+    static Dictionary burnSettings(const QuarnerDevice& device);
+    /// Starts the burn object in `_burner` and observes it, or refuses the burn, with error code
+    /// 0, when the estimate in blocks is not below the disc's free bytes.
+    void writeOrRefuse(DRLayout layout, std::uint64_t estimatedBlocks, const QuarnerDevice& device);
+
     /// `removeItem` for the kind of item that a burner compiles.
     void removeItemOfClass(const BurnItemRef& item, std::string_view className);
 
@@ -74,7 +95,6 @@ protected:
 private:
     struct AddFilesRun;
     void filterPath(const std::string& path, AddFilesRun& run);
-    bool isInContent(const std::string& resolvedPath) const;
     bool isSupported(const std::string& resolvedPath);
     void performRun(AddFilesRun& run);
     void examineFile(const std::string& path, AddFilesRun& run);

@@ -51,7 +51,7 @@ void AudioCDBurner::filterPath(const std::string& path, AddFilesRun& run) {
     if (isInContent(resolved))
         return;
     // What is refused here is reported as the caller wrote it, what is accepted goes on resolved.
-    if (Paths::isQuickTimeProtectedFile(resolved))
+    if (isProtected(resolved))
         run.protectedFiles.push_back(path);
     else if (isSupported(resolved))
         run.accepted.push_back(resolved);
@@ -66,6 +66,10 @@ bool AudioCDBurner::isInContent(const std::string& resolvedPath) const {
         const std::string* path = valueFor(*properties, kQuarnItemFilePathKey).asString();
         return path != nullptr && *path == resolvedPath;
     });
+}
+
+bool AudioCDBurner::isProtected(const std::string& resolvedPath) const {
+    return Paths::isQuickTimeProtectedFile(resolvedPath);
 }
 
 bool AudioCDBurner::isSupported(const std::string& resolvedPath) {
@@ -90,27 +94,38 @@ void AudioCDBurner::performRun(AddFilesRun& run) {
              std::uint64_t(run.accepted.size()));
         examineFile(path, run);
     }
-    tell(&QuarnDelegate::addFilesProgressDidEnd,
-         EndReport{{protectedFilesReportKey, run.protectedFiles},
-                   {incompatibleFilesReportKey, run.incompatible}});
+    tell(&QuarnDelegate::addFilesProgressDidEnd, endReport(run.protectedFiles, run.incompatible));
 }
 
 void AudioCDBurner::examineFile(const std::string& path, AddFilesRun& run) {
     const std::int64_t seconds = getMovieDuration(path);
-    const Dictionary record = burnItemRecord(path, seconds);
-    const std::shared_ptr<DRTrack> track = currentPlatform()->recording->trackForAudioFile(path);
-    if (track)
-        track->setPreGap(DRMSF::msfWithFrames(preGapFrames));
-    if (!track || seconds <= 0) {
+    Dictionary record = burnItemRecord(path, seconds);
+    const std::shared_ptr<BurnItem> item = makeItem(path, record);
+    if (!item || seconds <= 0) {
         run.incompatible.push_back(path);
         return;
     }
+    _content.append(item);
+    tell(&QuarnDelegate::fileDidAdded, record);
+}
+
+std::shared_ptr<BurnItem> AudioCDBurner::makeItem(const std::string& path,
+                                                  Dictionary& record) const {
+    const std::shared_ptr<DRTrack> track = currentPlatform()->recording->trackForAudioFile(path);
+    if (!track)
+        return nullptr;
+    track->setPreGap(DRMSF::msfWithFrames(preGapFrames));
     Dictionary properties = *track->properties();
     for (const auto& [key, value] : record)
         properties.insert_or_assign(key, value);
     track->setProperties(std::move(properties));
-    _content.append(track);
-    tell(&QuarnDelegate::fileDidAdded, record);
+    return track;
+}
+
+EndReport AudioCDBurner::endReport(const std::vector<std::string>& protectedFiles,
+                                   const std::vector<std::string>& incompatibleFiles) const {
+    return {{protectedFilesReportKey, protectedFiles},
+            {incompatibleFilesReportKey, incompatibleFiles}};
 }
 
 } // namespace quarner
