@@ -17,12 +17,12 @@ namespace quarner {
 /// drives, nothing opens, no file has attributes, texts stay untranslated; background work runs
 /// on a thread of its own and work for the main thread runs at once on the caller's.
 struct Platform {
-    std::shared_ptr<RecordingService> recording;
-    std::shared_ptr<MediaService> media;
-    std::shared_ptr<FileService> files;
-    std::shared_ptr<DispatchService> dispatch;
-    std::shared_ptr<TextService> text;
-    std::shared_ptr<LogSink> log;
+    std::shared_ptr<RecordingService> recording = nullptr;
+    std::shared_ptr<MediaService> media = nullptr;
+    std::shared_ptr<FileService> files = nullptr;
+    std::shared_ptr<DispatchService> dispatch = nullptr;
+    std::shared_ptr<TextService> text = nullptr;
+    std::shared_ptr<LogSink> log = nullptr;
 };
 
 /// Installs the platform of this process, once, before anything else of the framework is used

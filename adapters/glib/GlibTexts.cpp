@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <libintl.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <limits>
+
+#include "adapters/glib/GlibPointers.h"
+#include "adapters/glib/GlibServices.h"
+#include "adapters/glib/UserLocale.h"
+
+namespace quarner {
+namespace {
+
+constexpr int mostDecimals = 64;
+
+int sign(int comparison) { return (comparison > 0) - (comparison < 0); }
+
+/// A text as it is compared: three keys, each deciding where the ones before see no difference.
+/// Comparing them in turn is a strict weak order whatever the bytes are.
+class FoldedText {
+public:
+    explicit FoldedText(const std::string& text) {
+        const auto length = static_cast<gssize>(text.size());
+        if (!g_utf8_validate(text.data(), length, nullptr))
+            _invalidBytes = text;
+        const GText valid(g_utf8_make_valid(text.data(), length));
+        const GText folded(g_utf8_casefold(valid.get(), -1));
+        const GText normal(g_utf8_normalize(folded.get(), -1, G_NORMALIZE_ALL_COMPOSE));
+        _characters.reset(g_utf8_to_ucs4_fast(normal.get(), -1, nullptr));
+        _normal = normal.get();
+    }
+
+    int compare(const FoldedText& other, const UserLocale& locale) const {
+        if (const int order = locale.collate(_characters.get(), other._characters.get()))
+            return order;
+        if (const int order = sign(_normal.compare(other._normal)))
+            return order;
+        return sign(_invalidBytes.compare(other._invalidBytes));
+    }
+
+private:
+    GMemory<gunichar> _characters;
+    std::string _normal;
+    std::string _invalidBytes; // of a text that is not UTF-8
+};
+
+class GlibTextService : public TextService {
+public:
+    int compareLocalizedCaseInsensitive(const std::string& a, const std::string& b) override {
+        return FoldedText(a).compare(FoldedText(b), _locale);
+    }
+
+    std::string localizedNumber(double number, int decimals) override {
+        constexpr int mostDigits = std::numeric_limits<double>::max_exponent10 + 1;
+        std::array<char, mostDigits + mostDecimals + 8> digits = {};
+        const auto end =
+            std::to_chars(digits.data(), digits.data() + digits.size(), number,
+                          std::chars_format::fixed, std::clamp(decimals, 0, mostDecimals));
+        std::string text(digits.data(), end.ptr);
+        if (const std::size_t point = text.find('.'); point != std::string::npos)
+            text.replace(point, 1, _locale.decimalSeparator());
+        return text;
+    }
+
+    std::string localizedString(const std::string& key) override {
+        // The translation of an empty key is the header of the catalogue.
+        return key.empty() ? key : dgettext(nullptr, key.c_str());
+    }
+
+private:
+    const UserLocale _locale;
+};
+
+} // namespace
+
+std::shared_ptr<TextService> makeGlibTextService() { return std::make_shared<GlibTextService>(); }
+
+} // namespace quarner

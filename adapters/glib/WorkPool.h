@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+
+namespace quarner {
+
+/// Work on background threads. A thread lives while there is work, so that an idle pool holds
+/// none; the threads keep the pool alive. Held by a shared pointer.
+class WorkPool : public std::enable_shared_from_this<WorkPool> {
+public:
+    using Work = std::function<void()>;
+
+    /// At most `limit` threads at a time.
+    explicit WorkPool(std::size_t limit);
+
+    /// Runs work as soon as there is a thread for it; drops it after `shutDown`. Any thread.
+    void submit(Work work);
+
+    /// Drops the work that has not begun and waits for the other to end. Called from work of this
+    /// pool, it does not wait.
+    void shutDown();
+
+private:
+    void startThread();
+    void workUntilNoneIsLeft();
+    Work nextWork();
+
+    const std::size_t _limit;
+    std::mutex _mutex;
+    std::condition_variable _isIdle;
+    std::deque<Work> _waiting;
+    std::size_t _threads = 0;
+    bool _isShutDown = false;
+};
+
+} // namespace quarner
