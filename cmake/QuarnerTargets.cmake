@@ -5,13 +5,28 @@
 
 add_library(quarner_options INTERFACE)
 target_compile_options(quarner_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast -Werror)
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast
+  $<$<BOOL:${QUARNER_WARNINGS_ARE_ERRORS}>:-Werror>)
 target_include_directories(quarner_options INTERFACE ${PROJECT_SOURCE_DIR})
 if(QUARNER_SANITIZE)
   target_compile_options(quarner_options INTERFACE
     -fsanitize=${QUARNER_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(quarner_options INTERFACE -fsanitize=${QUARNER_SANITIZE})
 endif()
+
+# What the runtime libraries of the sanitizers are told in every test. The suppressions, each with
+# its reason, are in cmake/*.supp.
+set(QUARNER_TEST_ENVIRONMENT
+  ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:detect_stack_use_after_return=1
+  UBSAN_OPTIONS=print_stacktrace=1)
+function(quarner_sanitizer_options VARIABLE OPTIONS FILE)
+  if(EXISTS ${PROJECT_SOURCE_DIR}/cmake/${FILE})
+    string(APPEND OPTIONS ":suppressions=${PROJECT_SOURCE_DIR}/cmake/${FILE}")
+  endif()
+  set(QUARNER_TEST_ENVIRONMENT ${QUARNER_TEST_ENVIRONMENT} ${VARIABLE}=${OPTIONS} PARENT_SCOPE)
+endfunction()
+quarner_sanitizer_options(TSAN_OPTIONS halt_on_error=1:second_deadlock_stack=1 tsan.supp)
+quarner_sanitizer_options(LSAN_OPTIONS print_suppressions=0 lsan.supp)
 
 # quarner_objects(NAME [DEPENDS target...] [FOLDERS folder...])
 # All .cpp files of the folders (this one by default) as the object library quarner_NAME.
@@ -37,5 +52,14 @@ function(quarner_test NAME)
   list(TRANSFORM ARG_OBJECTS PREPEND quarner_ OUTPUT_VARIABLE objects)
   target_link_libraries(${NAME} PRIVATE quarner_options ${objects} ${ARG_DEPENDS}
                         GTest::gmock GTest::gtest_main)
-  gtest_discover_tests(${NAME} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120 LABELS "${ARG_LABELS}")
+  gtest_discover_tests(${NAME} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
+  # Properties that are lists do not get through gtest_discover_tests: set once the tests are known.
+  file(CONFIGURE OUTPUT ${NAME}_properties.cmake @ONLY CONTENT [[
+foreach(test IN LISTS @NAME@_TESTS)
+  set_tests_properties("${test}" PROPERTIES
+    ENVIRONMENT "@QUARNER_TEST_ENVIRONMENT@" LABELS "@ARG_LABELS@")
+endforeach()
+]])
+  set_property(DIRECTORY APPEND PROPERTY
+               TEST_INCLUDE_FILES ${CMAKE_CURRENT_BINARY_DIR}/${NAME}_properties.cmake)
 endfunction()

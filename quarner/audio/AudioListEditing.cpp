@@ -17,14 +17,14 @@ BurnItemList takeItems(BurnItemList& items, const std::set<std::uint64_t>& index
     BurnItemList taken;
     BurnItemList kept;
     for (std::size_t i = 0; i < items.size(); ++i)
-        (indexes.count(i) != 0 ? taken : kept).push_back(items[i]);
+        (indexes.contains(i) ? taken : kept).push_back(items[i]);
     items = std::move(kept);
     return taken;
 }
 
 void moveItems(BurnItemList& items, const std::set<std::uint64_t>& indexes,
                std::uint64_t destination) {
-    const bool isDroppedOntoItself = indexes.count(destination) != 0;
+    const bool isDroppedOntoItself = indexes.contains(destination);
     if (isDroppedOntoItself)
         return;
     // Rows taken from before the destination draw the row that is there forward.
