@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/scripted/MainQueue.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quarner {
+
+MainQueue::MainQueue(std::shared_ptr<Pulse> pulse) : _pulse(std::move(pulse)) {}
+
+void MainQueue::runAndWait(std::function<void()> work, bool isCallerInBackground) {
+    const auto item = std::make_shared<Item>();
+    item->work = std::move(work);
+    item->isCallerInBackground = isCallerInBackground;
+    {
+        const std::lock_guard lock(_mutex);
+        if (_isClosed)
+            return;
+        _items.push_back(item);
+    }
+    _pulse->beat();
+    std::unique_lock lock(_mutex);
+    _changed.wait(lock, [&] { return item->isDone || (_isClosed && !item->isBegun); });
+}
+
+bool MainQueue::serveOne() {
+    const ItemRef item = takeNext();
+    if (!item)
+        return false;
+    item->work();
+    {
+        const std::lock_guard lock(_mutex);
+        item->isDone = true;
+    }
+    _changed.notify_all();
+    return true;
+}
+
+MainQueue::ItemRef MainQueue::takeNext() {
+    const std::lock_guard lock(_mutex);
+    const auto next = std::find_if(_items.begin(), _items.end(),
+                                   [&](const ItemRef& item) { return !isHeldBack(*item); });
+    if (next == _items.end())
+        return nullptr;
+    const ItemRef item = *next;
+    item->isBegun = true;
+    _items.erase(next);
+    return item;
+}
+
+bool MainQueue::hasWork() const {
+    const std::lock_guard lock(_mutex);
+    return std::any_of(_items.begin(), _items.end(),
+                       [&](const ItemRef& item) { return !isHeldBack(*item); });
+}
+
+std::size_t MainQueue::heldBackgroundCallers() const {
+    const std::lock_guard lock(_mutex);
+    return static_cast<std::size_t>(
+        std::count_if(_items.begin(), _items.end(), [&](const ItemRef& item) {
+            return item->isCallerInBackground && isHeldBack(*item);
+        }));
+}
+
+void MainQueue::close() {
+    {
+        const std::lock_guard lock(_mutex);
+        _isClosed = true;
+        _items.clear();
+    }
+    _changed.notify_all();
+}
+
+void MainQueue::hold() {
+    const std::lock_guard lock(_mutex);
+    _isHeld = true;
+}
+
+void MainQueue::release() {
+    {
+        const std::lock_guard lock(_mutex);
+        _isHeld = false;
+    }
+    _pulse->beat();
+}
+
+bool MainQueue::releaseOne(std::size_t place) {
+    {
+        const std::lock_guard lock(_mutex);
+        std::size_t held = 0;
+        const auto item = std::find_if(_items.begin(), _items.end(), [&](const ItemRef& each) {
+            return isHeldBack(*each) && held++ == place;
+        });
+        if (item == _items.end())
+            return false;
+        (*item)->isLetThrough = true;
+    }
+    _pulse->beat();
+    return true;
+}
+
+std::size_t MainQueue::waiting() const {
+    const std::lock_guard lock(_mutex);
+    return static_cast<std::size_t>(std::count_if(
+        _items.begin(), _items.end(), [&](const ItemRef& item) { return isHeldBack(*item); }));
+}
+
+} // namespace quarner

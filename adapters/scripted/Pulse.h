@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+
+namespace quarner {
+
+/// Wakes whoever waits for something to happen on the platform. Any thread.
+class Pulse {
+public:
+    /// Something has happened.
+    void beat() {
+        {
+            const std::lock_guard lock(_mutex);
+            ++_count;
+        }
+        _happened.notify_all();
+    }
+
+    std::uint64_t count() const {
+        const std::lock_guard lock(_mutex);
+        return _count;
+    }
+
+    /// Waits until more has happened than was counted, or until the time is over.
+    void waitBeyond(std::uint64_t counted, std::chrono::milliseconds timeout) const {
+        std::unique_lock lock(_mutex);
+        _happened.wait_for(lock, timeout, [&] { return _count != counted; });
+    }
+
+private:
+    mutable std::mutex _mutex;
+    mutable std::condition_variable _happened;
+    std::uint64_t _count = 0;
+};
+
+} // namespace quarner

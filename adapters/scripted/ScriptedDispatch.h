@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <memory>
+#include <thread>
+
+#include "adapters/scripted/BackgroundQueue.h"
+#include "adapters/scripted/MainQueue.h"
+#include "adapters/scripted/ScriptedStage.h"
+#include "quarner/platform/DispatchService.h"
+
+namespace quarner {
+
+/// The dispatch service over two queues that can be held. The thread that makes it is the main
+/// thread.
+class ScriptedDispatch : public DispatchService {
+public:
+    explicit ScriptedDispatch(std::shared_ptr<ScriptedStage> stage);
+
+    void asyncGlobal(std::function<void()> work) override;
+    void syncMain(std::function<void()> work) override;
+
+    bool isMainThread() const { return std::this_thread::get_id() == _mainThread; }
+
+    /// Whether background work runs that does not wait for a held main queue.
+    bool isBackgroundBusy() const;
+
+    /// Drops what waits, and waits for what runs.
+    void close();
+
+    BackgroundQueue background;
+    MainQueue main;
+
+private:
+    const std::shared_ptr<ScriptedStage> _stage;
+    const std::thread::id _mainThread = std::this_thread::get_id();
+};
+
+} // namespace quarner

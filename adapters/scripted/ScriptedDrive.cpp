@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "quarner/scripted/ScriptedDrive.h"
+
+#include <utility>
+
+#include "adapters/scripted/ScriptedStage.h"
+#include "quarner/scripted/ScriptedBurn.h"
+
+namespace quarner {
+namespace {
+
+template <typename Entry>
+void set(Dictionary& dictionary, const char* key, const std::optional<Entry>& entry) {
+    if (entry)
+        dictionary[key] = *entry;
+}
+
+Dictionary mediaInfo(const DiscScript& disc) {
+    Dictionary info = {{DRDeviceMediaTypeKey, disc.type}};
+    set(info, DRDeviceMediaBlocksUsedKey, disc.blocksUsed);
+    set(info, DRDeviceMediaBlocksFreeKey, disc.blocksFree);
+    set(info, DRDeviceBurnSpeedsKey, disc.speeds);
+    return info;
+}
+
+} // namespace
+
+ScriptedDrive::ScriptedDrive(std::shared_ptr<ScriptedStage> stage, DriveScript script)
+    : _stage(std::move(stage)), _script(std::move(script)) {}
+
+void ScriptedDrive::insert(DiscScript disc) {
+    change([&](DriveScript& script) { script.disc = std::move(disc); });
+}
+
+void ScriptedDrive::change(const std::function<void(DriveScript&)>& change) {
+    {
+        const std::lock_guard lock(_mutex);
+        change(_script);
+    }
+    reportChange();
+}
+
+void ScriptedDrive::reportChange() {
+    _stage->post({DRDeviceStatusChangedNotification, shared_from_this(), {}});
+}
+
+DriveScript ScriptedDrive::script() const {
+    const std::lock_guard lock(_mutex);
+    return _script;
+}
+
+std::string ScriptedDrive::displayName() const { return script().name; }
+
+Dictionary ScriptedDrive::info() const {
+    Dictionary info;
+    if (!_stage->fails(ServiceCall::DriveInfo, displayName()))
+        set(info, DRDeviceCanWriteCDKey, script().canWriteCD);
+    return info;
+}
+
+Dictionary ScriptedDrive::status() const {
+    Dictionary status;
+    if (_stage->fails(ServiceCall::DriveStatus, displayName()))
+        return status;
+    const DriveScript now = script();
+    set(status, DRStatusCurrentSpeedKey, now.currentSpeed);
+    if (now.disc && now.disc->hasMediaInfo)
+        status[DRDeviceMediaInfoKey] = mediaInfo(*now.disc);
+    return status;
+}
+
+bool ScriptedDrive::mediaIsPresent() const { return script().disc.has_value(); }
+
+bool ScriptedDrive::mediaIsTransitioning() const { return script().isTransitioning; }
+
+bool ScriptedDrive::mediaIsBlank() const {
+    const DriveScript now = script();
+    return now.disc && now.disc->isBlank;
+}
+
+bool ScriptedDrive::mediaIsAppendable() const {
+    const DriveScript now = script();
+    return now.disc && now.disc->isAppendable;
+}
+
+bool ScriptedDrive::mediaIsErasable() const {
+    const DriveScript now = script();
+    return now.disc && now.disc->isErasable;
+}
+
+bool ScriptedDrive::mediaIsOverwritable() const {
+    const DriveScript now = script();
+    return now.disc && now.disc->isOverwritable;
+}
+
+std::optional<DRMSF> ScriptedDrive::mediaSpaceUsed() const {
+    const DriveScript now = script();
+    return now.disc ? now.disc->spaceUsed : std::nullopt;
+}
+
+std::optional<DRMSF> ScriptedDrive::mediaSpaceFree() const {
+    const DriveScript now = script();
+    return now.disc ? now.disc->spaceFree : std::nullopt;
+}
+
+bool ScriptedDrive::ejectMedia() {
+    if (_stage->fails(ServiceCall::EjectMedia, displayName()) || isBurning())
+        return false;
+    change([](DriveScript& script) { script.disc.reset(); });
+    return true;
+}
+
+bool ScriptedDrive::isBurning() const {
+    std::shared_ptr<const ScriptedBurn> burn;
+    {
+        const std::lock_guard lock(_mutex);
+        burn = _burn.lock();
+    }
+    return burn && !burn->isOver();
+}
+
+void ScriptedDrive::setBurn(std::weak_ptr<const ScriptedBurn> burn) {
+    const std::lock_guard lock(_mutex);
+    _burn = std::move(burn);
+}
+
+} // namespace quarner

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/scripted/ScriptedRecording.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quarner {
+
+ScriptedRecording::ScriptedRecording(std::shared_ptr<ScriptedStage> stage,
+                                     std::shared_ptr<FileStore> files)
+    : _stage(std::move(stage)), _files(std::move(files)) {}
+
+std::vector<std::shared_ptr<DRDevice>> ScriptedRecording::devices() {
+    if (_stage->fails(ServiceCall::Devices))
+        return {};
+    const std::lock_guard lock(_mutex);
+    return {_drives.begin(), _drives.end()};
+}
+
+std::shared_ptr<DRBurn> ScriptedRecording::burnForDevice(std::shared_ptr<DRDevice> device) {
+    const std::string name = device ? device->displayName() : std::string();
+    if (_stage->fails(ServiceCall::BurnForDevice, name))
+        device.reset();
+    const auto burn = std::make_shared<ScriptedBurn>(_stage, std::move(device));
+    const std::lock_guard lock(_mutex);
+    _burns.push_back(burn);
+    return burn;
+}
+
+std::shared_ptr<DRTrack> ScriptedRecording::trackForAudioFile(const std::string& path) {
+    const bool isFailing = _stage->fails(ServiceCall::TrackForAudioFile, path);
+    const std::optional<MediaScript> media = _files->media(path);
+    if (isFailing || !media || !media->makesTrack)
+        return nullptr;
+    auto track = std::make_shared<DRTrack>();
+    track->path = path;
+    track->sampleCount = samplesOf(*media);
+    const std::int64_t size = _files->file(path).value_or(FileScript{}).size;
+    track->stamp.size = static_cast<std::uint64_t>(std::max<std::int64_t>(size, 0));
+    track->setLength(
+        DRMSF::msfWithFrames(media->frames.value_or(sectorsForSamples(track->sampleCount))));
+    if (media->estimateLength)
+        track->setEstimateLength(*media->estimateLength);
+    track->setProperties(media->trackProperties);
+    return track;
+}
+
+std::shared_ptr<DRNotificationCenter> ScriptedRecording::currentRunLoopCenter() {
+    return _stage->loops.currentCenter();
+}
+
+std::shared_ptr<ScriptedDrive> ScriptedRecording::attach(DriveScript script) {
+    auto drive = std::make_shared<ScriptedDrive>(_stage, std::move(script));
+    const std::lock_guard lock(_mutex);
+    _drives.push_back(drive);
+    return drive;
+}
+
+bool ScriptedRecording::detach(const std::shared_ptr<ScriptedDrive>& drive) {
+    {
+        const std::lock_guard lock(_mutex);
+        if (std::erase(_drives, drive) == 0)
+            return false;
+    }
+    for (const auto& burn : burns())
+        if (burn->device() == drive)
+            burn->failStory(DRError::DeviceVanished);
+    return true;
+}
+
+std::vector<std::shared_ptr<ScriptedBurn>> ScriptedRecording::burns() const {
+    const std::lock_guard lock(_mutex);
+    return _burns;
+}
+
+bool ScriptedRecording::playNextRecord() {
+    const auto all = burns();
+    return std::any_of(all.begin(), all.end(),
+                       [](const auto& burn) { return burn->playNextRecord(); });
+}
+
+bool ScriptedRecording::isAnyPlaying() const {
+    const auto all = burns();
+    return std::any_of(all.begin(), all.end(), [](const auto& burn) { return burn->isPlaying(); });
+}
+
+} // namespace quarner

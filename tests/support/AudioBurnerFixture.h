@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <quarner/scripted.h>
+
+#include "quarner/audio/AudioCDBurner.h"
+#include "quarner/platform/DRTrack.h"
+#include "tests/support/RecordingDelegate.h"
+
+namespace quarner::testing {
+
+/// An audio burner that shows what it keeps to itself.
+class OpenAudioCDBurner : public AudioCDBurner {
+public:
+    using AudioCDBurner::_burner;
+    using AudioCDBurner::_content;
+    using AudioCDBurner::_estimateTotalLength;
+    using AudioCDBurner::_supportedFiles;
+    using AudioCDBurner::_textBlock;
+};
+
+/// An audio burner with a recording delegate on a scripted platform. This thread is the main one.
+class AudioBurnerTest : public ::testing::Test {
+protected:
+    AudioBurnerTest() { burner->setDelegate(&delegate); }
+
+    /// Turns the run loop until every run has ended.
+    void finishRuns() { ASSERT_TRUE(platform.runUntilIdle()); }
+
+    /// Adds files and waits for the run; the delegate has forgotten it afterwards.
+    void compile(const std::vector<std::string>& paths) {
+        burner->addFiles(paths);
+        finishRuns();
+        delegate.forget();
+    }
+
+    /// Puts songs of so many seconds at these paths.
+    void putSongs(const std::vector<std::string>& paths, double seconds = 10.0) {
+        for (const std::string& path : paths)
+            platform.putSong(path, {.seconds = seconds});
+    }
+
+    /// A track that did not come from a file.
+    static std::shared_ptr<DRTrack> trackOf(std::uint32_t frames, std::uint32_t preGapFrames) {
+        auto track = std::make_shared<DRTrack>();
+        track->setLength(DRMSF::msfWithFrames(frames));
+        track->setPreGap(DRMSF::msfWithFrames(preGapFrames));
+        return track;
+    }
+
+    std::uint64_t count() const { return burner->numberOfChildrenOfBurnItem(nullptr); }
+
+    /// The paths of the items, in order.
+    std::vector<std::string> paths() const {
+        std::vector<std::string> paths;
+        for (std::uint64_t i = 0; i < count(); ++i)
+            paths.push_back(
+                *valueFor(*burner->child(i, nullptr)->properties(), kQuarnItemFilePathKey)
+                     .asString());
+        return paths;
+    }
+
+    RecordingDelegate delegate; // outlives the runs, which end with the platform
+    ScriptedPlatform platform;
+    std::shared_ptr<OpenAudioCDBurner> burner = std::make_shared<OpenAudioCDBurner>();
+};
+
+} // namespace quarner::testing
