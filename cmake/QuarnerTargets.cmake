@@ -44,6 +44,30 @@ function(quarner_objects NAME)
   target_link_libraries(quarner_${NAME} PUBLIC quarner_options Threads::Threads ${ARG_DEPENDS})
 endfunction()
 
+# quarner_library(NAME OUTPUT file OBJECTS name... [HEADERS folder] [DEPENDS target...])
+# The installed shared library quarner::NAME, made from the objects quarner_name. HEADERS is the
+# folder that a host finds its headers in; DEPENDS are the libraries that those headers use.
+# Nothing but what the sources export from namespace quarner is visible in it.
+function(quarner_library NAME)
+  cmake_parse_arguments(ARG "" "OUTPUT;HEADERS" "OBJECTS;DEPENDS" ${ARGN})
+  set(target quarner_${NAME}_shared)
+  add_library(${target} SHARED)
+  add_library(quarner::${NAME} ALIAS ${target})
+  list(TRANSFORM ARG_OBJECTS PREPEND quarner_ OUTPUT_VARIABLE objects)
+  target_link_libraries(${target} PRIVATE ${objects} PUBLIC ${ARG_DEPENDS})
+  target_compile_features(${target} INTERFACE cxx_std_20)
+  target_include_directories(${target} INTERFACE $<BUILD_INTERFACE:${ARG_HEADERS}>)
+  set(exports ${PROJECT_SOURCE_DIR}/cmake/exports.map)
+  target_link_options(${target} PRIVATE LINKER:--version-script=${exports})
+  if(NOT QUARNER_SANITIZE) # the sanitizers' functions come with the program
+    target_link_options(${target} PRIVATE LINKER:-z,defs)
+  endif()
+  set_target_properties(${target} PROPERTIES
+    OUTPUT_NAME ${ARG_OUTPUT} EXPORT_NAME ${NAME} LINK_DEPENDS ${exports}
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  quarner_install_library(${NAME} ${ARG_OUTPUT} "${ARG_DEPENDS}")
+endfunction()
+
 # quarner_test(NAME SOURCES file... OBJECTS name... [DEPENDS target...] [LABELS label...])
 # A GoogleTest program whose tests ctest lists one by one, linked from the objects quarner_name.
 function(quarner_test NAME)

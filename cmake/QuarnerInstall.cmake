@@ -1,0 +1,80 @@
+# What `cmake --install` puts where: libraries, headers, the program, a CMake package with one
+# component for each library, and a pkg-config file for each.
+
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set(QUARNER_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/quarner)
+
+# Installed programs and libraries find the libraries beside them, unless the system looks there
+# anyway.
+if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr" AND NOT DEFINED CMAKE_INSTALL_RPATH)
+  file(RELATIVE_PATH from_bin ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+  set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/${from_bin}")
+endif()
+
+# The directory as a .pc file names it: below the prefix, or absolute if it was given so.
+function(quarner_pkg_config_dir VARIABLE DIRECTORY)
+  if(IS_ABSOLUTE ${DIRECTORY})
+    set(${VARIABLE} ${DIRECTORY} PARENT_SCOPE)
+  else()
+    set(${VARIABLE} "\${prefix}/${DIRECTORY}" PARENT_SCOPE)
+  endif()
+endfunction()
+
+# The libraries are found wherever the .pc file was put, also when the whole tree is moved. Only
+# where the libraries' directory is absolute is the prefix fixed.
+if(IS_ABSOLUTE ${CMAKE_INSTALL_LIBDIR})
+  set(pc_prefix ${CMAKE_INSTALL_PREFIX})
+else()
+  file(RELATIVE_PATH pc_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+  string(REGEX REPLACE "/$" "" pc_prefix "\${pcfiledir}/${pc_prefix}")
+endif()
+quarner_pkg_config_dir(pc_libdir ${CMAKE_INSTALL_LIBDIR})
+quarner_pkg_config_dir(pc_includedir ${CMAKE_INSTALL_INCLUDEDIR})
+
+set(QUARNER_LIBRARY_DESCRIPTION_core "${PROJECT_DESCRIPTION}")
+set(QUARNER_LIBRARY_DESCRIPTION_scripted "Scripted platform for the tests of a disc-burning host")
+set(QUARNER_LIBRARY_DESCRIPTION_desktop "Desktop platform for the disc-burning framework quarner")
+
+# Called by quarner_library.
+function(quarner_install_library NAME OUTPUT DEPENDS)
+  install(TARGETS quarner_${NAME}_shared EXPORT quarner-${NAME}-targets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  install(EXPORT quarner-${NAME}-targets NAMESPACE quarner:: DESTINATION ${QUARNER_PACKAGE_DIR})
+
+  set(pc_description "${QUARNER_LIBRARY_DESCRIPTION_${NAME}}")
+  set(pc_requires)
+  if(DEPENDS)
+    set(pc_requires "quarner = ${PROJECT_VERSION}")
+  endif()
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/quarner.pc.in
+                 ${PROJECT_BINARY_DIR}/${OUTPUT}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${OUTPUT}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endfunction()
+
+# quarner_install_headers(FOLDER [EXCEPT file...])
+# All headers below a folder, under include/quarner.
+function(quarner_install_headers FOLDER)
+  cmake_parse_arguments(ARG "" "" "EXCEPT" ${ARGN})
+  set(exclusions)
+  foreach(file IN LISTS ARG_EXCEPT)
+    list(APPEND exclusions PATTERN ${file} EXCLUDE)
+  endforeach()
+  install(DIRECTORY ${FOLDER}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quarner
+          FILES_MATCHING PATTERN "*.h" ${exclusions})
+endfunction()
+
+function(quarner_install_package)
+  configure_package_config_file(
+    ${PROJECT_SOURCE_DIR}/cmake/quarner-config.cmake.in ${PROJECT_BINARY_DIR}/quarner-config.cmake
+    INSTALL_DESTINATION ${QUARNER_PACKAGE_DIR})
+  write_basic_package_version_file(${PROJECT_BINARY_DIR}/quarner-config-version.cmake
+                                   COMPATIBILITY SameMinorVersion)
+  install(FILES ${PROJECT_BINARY_DIR}/quarner-config.cmake
+                ${PROJECT_BINARY_DIR}/quarner-config-version.cmake
+          DESTINATION ${QUARNER_PACKAGE_DIR})
+  install(FILES README.md CHANGELOG.md COPYING DESTINATION ${CMAKE_INSTALL_DOCDIR})
+  install(DIRECTORY LICENSES docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
+endfunction()
