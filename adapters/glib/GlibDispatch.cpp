@@ -3,8 +3,8 @@
 #include <thread>
 #include <utility>
 
+#include "adapters/glib/GlibMainQueue.h"
 #include "adapters/glib/GlibServices.h"
-#include "adapters/glib/MainQueue.h"
 #include "adapters/glib/WorkPool.h"
 
 namespace quarner {
@@ -27,7 +27,7 @@ public:
     }
 
 private:
-    MainQueue _mainQueue;
+    GlibMainQueue _mainQueue;
     const std::shared_ptr<WorkPool> _pool = std::make_shared<WorkPool>(threadLimit());
 };
 

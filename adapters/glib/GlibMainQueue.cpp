@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "adapters/glib/MainQueue.h"
+#include "adapters/glib/GlibMainQueue.h"
 
 #include <condition_variable>
 #include <deque>
@@ -10,13 +10,13 @@
 namespace quarner {
 
 /// Lives in the frame of the caller that waits for it.
-struct MainQueue::Job {
+struct GlibMainQueue::Job {
     const std::function<void()>& work;
     bool isOver = false;
 };
 
 /// What the source hands over. The source shares it, as it may outlive the queue by one turn.
-struct MainQueue::Jobs {
+struct GlibMainQueue::Jobs {
     std::mutex mutex;
     std::condition_variable anyIsOver;
     std::deque<Job*> waiting;
@@ -70,14 +70,14 @@ struct MainQueue::Jobs {
 };
 
 // Nesting: work that runs a loop of its own must not keep other callers waiting.
-MainQueue::MainQueue()
+GlibMainQueue::GlibMainQueue()
     : _makerThread(std::this_thread::get_id()), _jobs(std::make_shared<Jobs>()),
       _source(std::make_shared<WakeSource>(g_main_context_default(), WakeSource::Nesting::Yes,
                                            [jobs = _jobs] { return jobs->runOne(); })) {}
 
-MainQueue::~MainQueue() { shutDown(); }
+GlibMainQueue::~GlibMainQueue() { shutDown(); }
 
-void MainQueue::runAndWait(const std::function<void()>& work) {
+void GlibMainQueue::runAndWait(const std::function<void()>& work) {
     if (isMainThread()) {
         work();
         return;
@@ -91,9 +91,9 @@ void MainQueue::runAndWait(const std::function<void()>& work) {
     jobs->waitFor(job);
 }
 
-void MainQueue::shutDown() { _jobs->shutDown(); }
+void GlibMainQueue::shutDown() { _jobs->shutDown(); }
 
-bool MainQueue::isMainThread() const {
+bool GlibMainQueue::isMainThread() const {
     return std::this_thread::get_id() == _makerThread ||
            g_main_context_is_owner(g_main_context_default());
 }

@@ -10,14 +10,14 @@ namespace quarner {
 class WakeSource;
 
 /// Work for the thread that runs the loop of the default GMainContext.
-class MainQueue {
+class GlibMainQueue {
 public:
     /// The calling thread counts as the main thread.
-    MainQueue();
+    GlibMainQueue();
     /// As `shutDown`.
-    ~MainQueue();
-    MainQueue(const MainQueue&) = delete;
-    MainQueue& operator=(const MainQueue&) = delete;
+    ~GlibMainQueue();
+    GlibMainQueue(const GlibMainQueue&) = delete;
+    GlibMainQueue& operator=(const GlibMainQueue&) = delete;
 
     /// Runs work on the main thread and returns when it has run, or was dropped by `shutDown`.
     /// Any thread; at once on the main thread.
