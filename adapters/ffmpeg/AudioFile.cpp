@@ -63,12 +63,35 @@ bool AudioFile::findSound() {
     const auto index = static_cast<std::size_t>(best);
     if (index < namedRates.size() && namedRates[index] > 0)
         _skipScale = std::max(1, foundRate / namedRates[index]);
+    _isBareMpeg = isInputFormat("mp3") && _stream->codecpar->codec_id == AV_CODEC_ID_MP3;
+    _hasUnknownDurations = !hasExactDurations(_stream->codecpar->codec_id);
     return foundRate > 0;
 }
 
+bool AudioFile::isInputFormat(std::string_view name) const {
+    return std::string_view(_format->iformat->name).starts_with(name);
+}
+
+bool AudioFile::hasExactDurations(AVCodecID codec) const {
+    constexpr std::array containers = {"mp3", "mov", "flac", "wav", "aiff"};
+    constexpr std::array codecs = {AV_CODEC_ID_MP3, AV_CODEC_ID_AAC, AV_CODEC_ID_ALAC,
+                                   AV_CODEC_ID_FLAC};
+    const bool isExact = std::find(codecs.begin(), codecs.end(), codec) != codecs.end() ||
+                         av_get_exact_bits_per_sample(codec) > 0;
+    return isExact && std::any_of(containers.begin(), containers.end(),
+                                  [this](const char* name) { return isInputFormat(name); });
+}
+
 AudioFile::Reading AudioFile::read(Packet& packet) {
-    if (packet.get() == nullptr)
+    if (packet.get() == nullptr || _next.get() == nullptr)
         return Reading::failure;
+    const Reading reading = _isBareMpeg ? readFrame(packet) : readSound(packet);
+    if (reading == Reading::packet)
+        count(packet);
+    return reading;
+}
+
+AudioFile::Reading AudioFile::readSound(Packet& packet) {
     do {
         av_packet_unref(packet.get());
         const int outcome = av_read_frame(_format, packet.get());
@@ -77,11 +100,49 @@ AudioFile::Reading AudioFile::read(Packet& packet) {
         if (outcome < 0)
             return Reading::failure;
     } while (packet->stream_index != _stream->index);
+    return Reading::packet;
+}
+
+AudioFile::Reading AudioFile::readFrame(Packet& packet) {
+    if (_next->size > 0) {
+        av_packet_unref(packet.get());
+        av_packet_move_ref(packet.get(), _next.get());
+        return Reading::packet;
+    }
+    for (;;) {
+        const Reading reading = readSound(packet);
+        if (reading != Reading::packet)
+            return reading;
+        const MpegFrames::Content content = _mpeg.classify(packet.bytes());
+        if (content == MpegFrames::Content::damage)
+            return readPastDamage(packet);
+        if (content == MpegFrames::Content::frame)
+            return reading;
+    }
+}
+
+/// Damage counts only when sound follows: bytes after the last frame are none.
+AudioFile::Reading AudioFile::readPastDamage(Packet& packet) {
+    std::uint64_t frames = _mpeg.framesIn(packet.bytes());
+    for (;;) {
+        const Reading reading = readSound(_next);
+        if (reading != Reading::packet)
+            return reading;
+        const MpegFrames::Content content = _mpeg.classify(_next.bytes());
+        if (content == MpegFrames::Content::frame)
+            break;
+        if (content == MpegFrames::Content::damage)
+            frames += _mpeg.framesIn(_next.bytes());
+    }
+    packet->duration *= static_cast<std::int64_t>(frames);
+    return Reading::packet;
+}
+
+void AudioFile::count(Packet& packet) {
     const std::uint64_t start = samplesUntil(_ticks);
     _ticks += std::max<std::int64_t>(packet->duration, 0);
     packet.samples = samplesUntil(_ticks) - start;
     _hasUnknownDurations = _hasUnknownDurations || packet->duration <= 0;
-    return Reading::packet;
 }
 
 std::uint64_t AudioFile::samplesUntil(std::int64_t ticks) const {
