@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/engine/BurnFailure.h"
+
+#include <cerrno>
+#include <system_error>
+
+namespace quarner {
+namespace {
+
+DRError codeForErrno(int errorNumber) {
+    switch (errorNumber) {
+    case ENOSPC:
+    case EDQUOT:
+        return DRError::NoSpace;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+        return DRError::PermissionDenied;
+    default:
+        return DRError::WriteFailed;
+    }
+}
+
+} // namespace
+
+BurnFailure writeFailure(int errorNumber, const std::string& attempt) {
+    return {codeForErrno(errorNumber),
+            attempt + ": " + std::generic_category().message(errorNumber)};
+}
+
+} // namespace quarner

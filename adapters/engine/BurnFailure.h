@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <exception>
+#include <string>
+#include <utility>
+
+#include "quarner/platform/DRErrors.h"
+
+namespace quarner {
+
+/// Why a burn ends before its time. Thrown anywhere below the burn's own thread function, which
+/// turns it into the Failed record; it never leaves the engine.
+class BurnFailure : public std::exception {
+public:
+    /// `info` is a text for the diagnostic log, naming the file that is to blame.
+    BurnFailure(DRError error, std::string info) : _error(error), _info(std::move(info)) {}
+
+    DRError error() const { return _error; }
+    const std::string& info() const { return _info; }
+    const char* what() const noexcept override { return _info.c_str(); }
+
+private:
+    DRError _error;
+    std::string _info;
+};
+
+/// The failure for a system call that could not write: the code for the `errno` given, and a text
+/// of what was attempted ("creating /tmp/mix.bin") with the system's reason.
+BurnFailure writeFailure(int errorNumber, const std::string& attempt);
+
+} // namespace quarner

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/engine/Checksums.h"
+
+#define XXH_INLINE_ALL
+#include <xxhash.h>
+
+#include <algorithm>
+
+namespace quarner {
+
+class Checksums::State {
+public:
+    State() { reset(); }
+    void reset() { XXH3_64bits_reset(&_state); }
+    void add(std::span<const std::byte> bytes) {
+        XXH3_64bits_update(&_state, bytes.data(), bytes.size());
+    }
+    std::uint64_t sum() const { return XXH3_64bits_digest(&_state); }
+
+private:
+    XXH3_state_t _state = {};
+};
+
+Checksums::Checksums(std::uint32_t sectorSize)
+    : _blockSize(std::size_t(sectorSize) * sectorsPerBlock), _state(std::make_unique<State>()) {}
+
+Checksums::~Checksums() = default;
+
+void Checksums::add(std::span<const std::byte> bytes) {
+    while (!bytes.empty()) {
+        const auto part = bytes.first(std::min(bytes.size(), _blockSize - _bytesInBlock));
+        _state->add(part);
+        _bytesInBlock += part.size();
+        if (_bytesInBlock == _blockSize)
+            endBlock();
+        bytes = bytes.subspan(part.size());
+    }
+}
+
+void Checksums::endBlock() {
+    _sums.push_back(_state->sum());
+    _state->reset();
+    _bytesInBlock = 0;
+}
+
+void Checksums::finish() {
+    if (_bytesInBlock > 0)
+        endBlock();
+}
+
+bool Checksums::matches(std::size_t block, std::span<const std::byte> bytes) const {
+    return XXH3_64bits(bytes.data(), bytes.size()) == _sums.at(block);
+}
+
+} // namespace quarner

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/engine/EngineBurn.h"
+
+#include <utility>
+
+#include "adapters/engine/BurnRun.h"
+#include "adapters/engine/PCMTrackSource.h"
+#include "quarner/platform/DRKeys.h"
+
+namespace quarner {
+namespace {
+
+bool isVerified(const Dictionary& properties) {
+    const Value& wanted = valueFor(properties, DRBurnVerifyDiscKey);
+    return wanted.isNull() || wanted.asBool();
+}
+
+DiscContent audioContent(const DRLayout& layout, const std::shared_ptr<PCMService>& pcm) {
+    DiscContent content;
+    content.plan = planAudioDisc(layout);
+    content.sources = audioSources(layout, pcm);
+    return content;
+}
+
+} // namespace
+
+EngineBurn::EngineBurn(BurnServices services, std::shared_ptr<BurnTarget> target)
+    : _services(std::move(services)), _target(std::move(target)) {}
+
+void EngineBurn::setProperties(Dictionary properties) {
+    const std::lock_guard lock(_mutex);
+    _properties = std::move(properties);
+}
+
+bool EngineBurn::start() {
+    const std::lock_guard lock(_mutex);
+    return !std::exchange(_isStarted, true);
+}
+
+void EngineBurn::writeLayout(DRLayout layout) {
+    if (!start())
+        return;
+    const StatusReporter report(_services.runLoops->currentCenter(), shared_from_this());
+    if (!_target) {
+        report.failed(BurnFailure(DRError::DeviceVanished, "the drive is not attached"));
+        return;
+    }
+    const auto run =
+        std::make_shared<BurnRun>(_target, _stop, report, _services.clock, isVerified(_properties));
+    const auto work = [run, layout = std::move(layout), pcm = _services.pcm] {
+        run->perform([&] { return audioContent(layout, pcm); });
+    };
+    if (!_services.threads->run(work, _stop))
+        report.failed(BurnFailure(DRError::Internal, "no thread for the burn"));
+}
+
+void EngineBurn::abort() {
+    const std::lock_guard lock(_mutex);
+    if (_isStarted)
+        _stop->request(DRError::UserCanceled);
+}
+
+} // namespace quarner

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <memory>
+#include <mutex>
+
+#include "adapters/engine/BurnTarget.h"
+#include "adapters/engine/BurnThreads.h"
+#include "adapters/engine/Clock.h"
+#include "adapters/engine/StopSignal.h"
+#include "adapters/runloop/RunLoopCenter.h"
+#include "quarner/platform/DRBurn.h"
+#include "quarner/platform/PCMService.h"
+
+namespace quarner {
+
+/// What every burn of a recorder shares.
+struct BurnServices {
+    std::shared_ptr<RunLoops> runLoops;
+    std::shared_ptr<PCMService> pcm;
+    std::shared_ptr<BurnThreads> threads;
+    Clock clock;
+};
+
+/// A burn that the engine carries out on a thread of its own. Records go to the run loop of the
+/// thread that called `writeLayout`. Must be held by a shared pointer.
+class EngineBurn : public DRBurn, public std::enable_shared_from_this<EngineBurn> {
+public:
+    /// A null target gives a burn that fails with `DRError::DeviceVanished`.
+    EngineBurn(BurnServices services, std::shared_ptr<BurnTarget> target);
+
+    void setProperties(Dictionary properties) override;
+    /// Only the first call has an effect.
+    void writeLayout(DRLayout layout) override;
+    void abort() override;
+
+private:
+    bool start();
+
+    const BurnServices _services;
+    const std::shared_ptr<BurnTarget> _target;
+    const std::shared_ptr<StopSignal> _stop = std::make_shared<StopSignal>();
+
+    std::mutex _mutex;
+    Dictionary _properties;
+    bool _isStarted = false;
+};
+
+} // namespace quarner

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/engine/PCMTrackSource.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <utility>
+
+#include "adapters/engine/BurnFailure.h"
+
+namespace quarner {
+namespace {
+
+constexpr std::size_t bytesPerPair = 4; // left and right, 16 bits each
+
+bool mayBeRead(const std::string& path) {
+    return faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) == 0;
+}
+
+/// The buffer as the samples that lie in it. The buffers of the engine come from operator new, so
+/// they are aligned and may hold objects of any plain type.
+std::span<std::int16_t> asSamples(std::span<std::byte> bytes) {
+    return {reinterpret_cast<std::int16_t*>(bytes.data()), bytes.size() / sizeof(std::int16_t)};
+}
+
+void makeLittleEndian(std::span<std::byte> bytes) {
+    if constexpr (std::endian::native == std::endian::big)
+        for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
+            std::swap(bytes[i], bytes[i + 1]);
+}
+
+} // namespace
+
+TrackSource::~TrackSource() = default;
+
+PCMTrackSource::PCMTrackSource(std::shared_ptr<PCMService> service,
+                               std::shared_ptr<const DRTrack> track)
+    : _service(std::move(service)), _track(std::move(track)),
+      _bytesOfSoundLeft(_track->sampleCount * bytesPerPair) {}
+
+void PCMTrackSource::check() {
+    const std::optional<FileStamp> now = stampOfFile(_track->path);
+    if (!now || !mayBeRead(_track->path))
+        throw BurnFailure(DRError::SourceMissing, _track->path + ": gone or not readable");
+    if (*now != _track->stamp)
+        throw BurnFailure(DRError::SourceChanged, _track->path + ": changed since it was added");
+}
+
+void PCMTrackSource::fail() const {
+    throw BurnFailure(DRError::SourceUnreadable, _track->path + ": cannot be decoded");
+}
+
+void PCMTrackSource::open() {
+    _stream = _service->open(_track->path);
+    if (_stream)
+        return;
+    check();
+    fail();
+}
+
+void PCMTrackSource::read(std::span<std::byte> buffer) {
+    const std::uint64_t sound = std::min<std::uint64_t>(buffer.size(), _bytesOfSoundLeft);
+    const auto [samples, silence] =
+        std::pair(buffer.first(std::size_t(sound)), buffer.subspan(std::size_t(sound)));
+    if (!samples.empty())
+        readSamples(samples);
+    std::fill(silence.begin(), silence.end(), std::byte());
+}
+
+void PCMTrackSource::readSamples(std::span<std::byte> buffer) {
+    if (!_stream)
+        open();
+    const std::span<std::int16_t> samples = asSamples(buffer);
+    const std::optional<std::size_t> count = _stream->read(samples);
+    if (count != samples.size()) {
+        check(); // a file that was changed meanwhile is named as such
+        fail();
+    }
+    makeLittleEndian(buffer);
+    _bytesOfSoundLeft -= buffer.size();
+    if (_bytesOfSoundLeft == 0)
+        expectEnd();
+}
+
+void PCMTrackSource::expectEnd() {
+    std::array<std::int16_t, 2> beyond = {};
+    if (_stream->read(beyond).value_or(0) != 0)
+        throw BurnFailure(DRError::SourceChanged, _track->path + ": plays longer than measured");
+}
+
+TrackSources audioSources(const DRLayout& layout, const std::shared_ptr<PCMService>& service) {
+    TrackSources sources;
+    for (const auto& track : layout)
+        sources.push_back(std::make_unique<PCMTrackSource>(service, track));
+    return sources;
+}
+
+} // namespace quarner

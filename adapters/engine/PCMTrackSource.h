@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "adapters/engine/TrackSource.h"
+#include "quarner/platform/DRBurn.h"
+#include "quarner/platform/PCMService.h"
+
+namespace quarner {
+
+/// An audio track as a CD holds it: the samples of its file as little-endian pairs, then silence
+/// up to the track's length. The file is opened at the first reading.
+class PCMTrackSource : public TrackSource {
+public:
+    PCMTrackSource(std::shared_ptr<PCMService> service, std::shared_ptr<const DRTrack> track);
+
+    void check() override;
+    void read(std::span<std::byte> buffer) override;
+    void close() override { _stream.reset(); }
+
+private:
+    void open();
+    void readSamples(std::span<std::byte> buffer);
+    void expectEnd();
+    [[noreturn]] void fail() const;
+
+    const std::shared_ptr<PCMService> _service;
+    const std::shared_ptr<const DRTrack> _track;
+    std::unique_ptr<PCMStream> _stream;
+    std::uint64_t _bytesOfSoundLeft;
+};
+
+/// The sources of all tracks of a layout, in order.
+TrackSources audioSources(const DRLayout& layout, const std::shared_ptr<PCMService>& service);
+
+} // namespace quarner

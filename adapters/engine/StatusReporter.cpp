@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/engine/StatusReporter.h"
+
+#include <utility>
+
+#include "quarner/platform/DRKeys.h"
+
+namespace quarner {
+namespace {
+
+Dictionary recordWith(const char* state, const std::optional<BurnProgress>& progress) {
+    Dictionary record = {{DRStatusStateKey, state}};
+    if (progress) {
+        record.emplace(DRStatusPercentCompleteKey, progress->fraction);
+        record.emplace(DRStatusCurrentSpeedKey, progress->speed);
+    }
+    return record;
+}
+
+} // namespace
+
+StatusReporter::StatusReporter(std::shared_ptr<RunLoopCenter> center,
+                               std::shared_ptr<DRObject> burn)
+    : _center(std::move(center)), _burn(std::move(burn)) {}
+
+void StatusReporter::post(Dictionary record) const {
+    _center->post({DRBurnStatusChangedNotification, _burn, std::move(record)});
+}
+
+void StatusReporter::state(const char* state, std::optional<BurnProgress> progress) const {
+    post(recordWith(state, progress));
+}
+
+void StatusReporter::trackState(const char* state, std::size_t track, std::size_t tracks,
+                                std::optional<BurnProgress> progress) const {
+    Dictionary record = recordWith(state, progress);
+    record.emplace(DRStatusCurrentTrackKey, track);
+    record.emplace(DRStatusTotalTracksKey, tracks);
+    post(std::move(record));
+}
+
+void StatusReporter::failed(const BurnFailure& failure) const {
+    Dictionary record = recordWith(DRStatusStateFailed, std::nullopt);
+    record.emplace(DRErrorStatusKey,
+                   Dictionary{{DRErrorStatusErrorKey, static_cast<std::uint32_t>(failure.error())},
+                              {DRErrorStatusErrorInfoKey, failure.info()}});
+    post(std::move(record));
+}
+
+} // namespace quarner

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/engine/Verifier.h"
+
+#include <algorithm>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "adapters/engine/BurnFailure.h"
+#include "adapters/engine/SectorBuffer.h"
+
+namespace quarner {
+
+Verifier::Verifier(const DiscPlan& plan, const Checksums& checksums, SectorWriter& writer,
+                   const StopSignal& stop, std::function<void(std::uint64_t)> verified)
+    : _plan(plan), _checksums(checksums), _writer(writer), _stop(stop),
+      _verified(std::move(verified)) {}
+
+void Verifier::verify() {
+    std::vector<std::jthread> helpers;
+    for (unsigned i = 1; i < _writer.readers(); ++i)
+        helpers.emplace_back([this] { work(); });
+    work();
+    helpers.clear();
+    if (_failure)
+        std::rethrow_exception(_failure);
+}
+
+void Verifier::work() {
+    try {
+        SectorBuffer buffer(std::size_t(Checksums::sectorsPerBlock) * _plan.sectorSize);
+        while (const std::optional<std::size_t> block = claimBlock())
+            verifyBlock(*block, buffer.bytes());
+    } catch (...) {
+        const std::lock_guard lock(_mutex);
+        if (!_failure)
+            _failure = std::current_exception();
+    }
+}
+
+std::optional<std::size_t> Verifier::claimBlock() {
+    const std::lock_guard lock(_mutex);
+    if (_failure || _nextBlock == _checksums.blocks())
+        return std::nullopt;
+    return _nextBlock++;
+}
+
+void Verifier::verifyBlock(std::size_t block, std::span<std::byte> buffer) {
+    _stop.throwIfRequested();
+    const std::uint64_t firstSector = std::uint64_t(block) * Checksums::sectorsPerBlock;
+    const std::uint64_t sectors =
+        std::min<std::uint64_t>(Checksums::sectorsPerBlock, _plan.sectors() - firstSector);
+    const auto bytes = buffer.first(std::size_t(sectors * _plan.sectorSize));
+    _writer.readBack(firstSector, bytes);
+    if (!_checksums.matches(block, bytes))
+        fail(block);
+    const std::lock_guard lock(_mutex);
+    _verified(sectors);
+}
+
+void Verifier::fail(std::size_t block) const {
+    const std::uint64_t sector = std::uint64_t(block) * Checksums::sectorsPerBlock;
+    throw BurnFailure(DRError::VerifyFailed, "the " + std::to_string(Checksums::sectorsPerBlock) +
+                                                 " sectors from " + std::to_string(sector) +
+                                                 " on (track " +
+                                                 std::to_string(_plan.trackAtSector(sector)) +
+                                                 ") differ from what was sent");
+}
+
+} // namespace quarner

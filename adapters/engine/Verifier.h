@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <cstddef>
+#include <exception>
+#include <functional>
+#include <mutex>
+#include <optional>
+
+#include "adapters/engine/Checksums.h"
+#include "adapters/engine/DiscPlan.h"
+#include "adapters/engine/SectorWriter.h"
+#include "adapters/engine/StopSignal.h"
+
+namespace quarner {
+
+/// Reads a written disc back once and compares every block with its checksum, with as many
+/// threads as the writer can take.
+class Verifier {
+public:
+    /// `verified` is told of every block that is right, in sectors: on any of the threads, but
+    /// one call at a time. Everything given must outlive this object.
+    Verifier(const DiscPlan& plan, const Checksums& checksums, SectorWriter& writer,
+             const StopSignal& stop, std::function<void(std::uint64_t)> verified);
+
+    /// Returns when every block was found right; throws `BurnFailure` otherwise.
+    void verify();
+
+private:
+    void work();
+    std::optional<std::size_t> claimBlock();
+    void verifyBlock(std::size_t block, std::span<std::byte> buffer);
+    [[noreturn]] void fail(std::size_t block) const;
+
+    const DiscPlan& _plan;
+    const Checksums& _checksums;
+    SectorWriter& _writer;
+    const StopSignal& _stop;
+    const std::function<void(std::uint64_t)> _verified;
+
+    std::mutex _mutex;
+    std::size_t _nextBlock = 0;
+    std::exception_ptr _failure;
+};
+
+} // namespace quarner

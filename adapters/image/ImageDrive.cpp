@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/image/ImageDrive.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "adapters/engine/BurnFailure.h"
+#include "adapters/image/ImageNames.h"
+#include "adapters/image/ImageWriter.h"
+#include "quarner/platform/DRKeys.h"
+
+namespace quarner {
+namespace {
+
+/// Blocks per second of 4x, 8x, 16x, 24x, 32x, 40x, 48x and 52x. An image is written as fast as
+/// the machine can, whatever is asked for.
+constexpr std::array speeds = {300, 600, 1200, 1800, 2400, 3000, 3600, 3900};
+
+} // namespace
+
+ImageDrive::ImageDrive(std::string displayName, std::string cuePath, std::uint32_t capacity,
+                       Disc disc, std::shared_ptr<FileSystem> files,
+                       std::shared_ptr<RunLoops> runLoops)
+    : _displayName(std::move(displayName)), _cuePath(std::move(cuePath)), _capacity(capacity),
+      _files(std::move(files)), _runLoops(std::move(runLoops)), _disc(disc) {}
+
+std::optional<ImageDrive::Disc> ImageDrive::disc() const {
+    const std::lock_guard lock(_mutex);
+    return _disc;
+}
+
+std::uint64_t ImageDrive::freeBlocks(const Disc& disc) const {
+    return disc.isBlank ? _capacity : 0;
+}
+
+Dictionary ImageDrive::info() const { return {{DRDeviceCanWriteCDKey, true}}; }
+
+Dictionary ImageDrive::status() const {
+    Dictionary status;
+    const std::lock_guard lock(_mutex);
+    status.emplace(DRStatusCurrentSpeedKey, _speed);
+    if (_disc)
+        status.emplace(DRDeviceMediaInfoKey,
+                       Dictionary{{DRDeviceMediaTypeKey, DRDeviceMediaTypeCDR},
+                                  {DRDeviceMediaBlocksUsedKey, _disc->usedBlocks},
+                                  {DRDeviceMediaBlocksFreeKey, freeBlocks(*_disc)},
+                                  {DRDeviceBurnSpeedsKey, Array(speeds.begin(), speeds.end())}});
+    return status;
+}
+
+bool ImageDrive::mediaIsPresent() const { return disc().has_value(); }
+
+bool ImageDrive::mediaIsBlank() const {
+    const std::optional<Disc> found = disc();
+    return found && found->isBlank;
+}
+
+std::optional<DRMSF> ImageDrive::mediaSpaceUsed() const {
+    const std::optional<Disc> found = disc();
+    if (!found)
+        return std::nullopt;
+    return DRMSF::msfWithFrames(static_cast<std::uint32_t>(found->usedBlocks));
+}
+
+std::optional<DRMSF> ImageDrive::mediaSpaceFree() const {
+    const std::optional<Disc> found = disc();
+    if (!found)
+        return std::nullopt;
+    return DRMSF::msfWithFrames(static_cast<std::uint32_t>(freeBlocks(*found)));
+}
+
+bool ImageDrive::ejectMedia() {
+    {
+        const std::lock_guard lock(_mutex);
+        if (!_disc || _burning)
+            return false;
+        _disc.reset();
+    }
+    tellOfChange();
+    return true;
+}
+
+bool ImageDrive::insertBlank() {
+    {
+        const std::lock_guard lock(_mutex);
+        if (_disc || !_isAttached)
+            return false;
+        _disc = Disc{};
+    }
+    tellOfChange();
+    return true;
+}
+
+void ImageDrive::unplug() {
+    std::shared_ptr<StopSignal> burning;
+    {
+        const std::lock_guard lock(_mutex);
+        _isAttached = false;
+        _disc.reset();
+        burning = _burning;
+    }
+    if (burning)
+        burning->request(DRError::DeviceVanished);
+}
+
+std::unique_ptr<SectorWriter> ImageDrive::claim(const DiscPlan& plan,
+                                                const std::shared_ptr<StopSignal>& stop) {
+    std::optional<ImageNames> names = imageNames(_cuePath);
+    if (!names)
+        throw BurnFailure(DRError::WriteFailed, _cuePath + " is not the name of a CUE file");
+    {
+        const std::lock_guard lock(_mutex);
+        refuseUnlessReady(plan);
+        _burning = stop;
+    }
+    tellOfChange();
+    return std::make_unique<ImageWriter>(_files, std::move(*names));
+}
+
+void ImageDrive::refuseUnlessReady(const DiscPlan& plan) const {
+    if (!_isAttached)
+        throw BurnFailure(DRError::DeviceVanished, _displayName + ": unplugged");
+    if (_burning)
+        throw BurnFailure(DRError::DeviceBusy, _displayName + ": another burn is under way");
+    if (!_disc)
+        throw BurnFailure(DRError::MediaNotPresent, _displayName + ": no disc");
+    if (!_disc->isBlank)
+        throw BurnFailure(DRError::MediaNotWritable, _displayName + ": the disc is not blank");
+    if (plan.sectors() > _capacity)
+        throw BurnFailure(DRError::MediaTooSmall,
+                          "the layout takes " + std::to_string(plan.sectors()) +
+                              " sectors, the disc has " + std::to_string(_capacity));
+}
+
+void ImageDrive::speedChanged(double speed) {
+    const std::lock_guard lock(_mutex);
+    _speed = speed;
+}
+
+void ImageDrive::release(std::optional<std::uint64_t> writtenSectors) {
+    {
+        const std::lock_guard lock(_mutex);
+        _burning.reset();
+        _speed = 0.0;
+        if (writtenSectors && _disc)
+            _disc = Disc{.isBlank = false, .usedBlocks = *writtenSectors};
+    }
+    tellOfChange();
+}
+
+void ImageDrive::tellOfChange() {
+    _runLoops->postToAll({DRDeviceStatusChangedNotification, shared_from_this(), {}});
+}
+
+} // namespace quarner

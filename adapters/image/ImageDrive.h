@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "adapters/engine/BurnTarget.h"
+#include "adapters/image/FileSystem.h"
+#include "adapters/runloop/RunLoopCenter.h"
+#include "quarner/platform/DRDevice.h"
+
+namespace quarner {
+
+/// A drive whose blank disc is a CD-R that becomes a BIN and a CUE file when it is burnt. Every
+/// operation may be called on any thread.
+class ImageDrive : public DRDevice,
+                   public BurnTarget,
+                   public std::enable_shared_from_this<ImageDrive> {
+public:
+    /// What is in the tray.
+    struct Disc {
+        bool isBlank = true;
+        std::uint64_t usedBlocks = 0;
+    };
+
+    /// `capacity` in blocks, of this disc and of every blank one that is inserted later.
+    ImageDrive(std::string displayName, std::string cuePath, std::uint32_t capacity, Disc disc,
+               std::shared_ptr<FileSystem> files, std::shared_ptr<RunLoops> runLoops);
+
+    const std::string& cuePath() const { return _cuePath; }
+
+    std::string displayName() const override { return _displayName; }
+    Dictionary info() const override;
+    Dictionary status() const override;
+    bool mediaIsPresent() const override;
+    bool mediaIsTransitioning() const override { return false; }
+    bool mediaIsBlank() const override;
+    /// A blank disc takes a session; a written one is closed.
+    bool mediaIsAppendable() const override { return mediaIsBlank(); }
+    bool mediaIsErasable() const override { return false; }
+    bool mediaIsOverwritable() const override { return false; }
+    std::optional<DRMSF> mediaSpaceUsed() const override;
+    std::optional<DRMSF> mediaSpaceFree() const override;
+    bool ejectMedia() override;
+
+    /// Puts a blank disc into the empty tray; answers false when there is a disc already, or the
+    /// drive is unplugged. The image that the last burn made stays until the next one replaces it.
+    bool insertBlank();
+
+    /// Unplugs the drive for good: it has no disc from now on, and a burn under way fails.
+    void unplug();
+
+    std::unique_ptr<SectorWriter> claim(const DiscPlan& plan,
+                                        const std::shared_ptr<StopSignal>& stop) override;
+    void speedChanged(double speed) override;
+    void release(std::optional<std::uint64_t> writtenSectors) override;
+
+private:
+    std::optional<Disc> disc() const;
+    std::uint64_t freeBlocks(const Disc& disc) const;
+    void refuseUnlessReady(const DiscPlan& plan) const;
+    void tellOfChange();
+
+    const std::string _displayName;
+    const std::string _cuePath;
+    const std::uint32_t _capacity;
+    const std::shared_ptr<FileSystem> _files;
+    const std::shared_ptr<RunLoops> _runLoops;
+
+    mutable std::mutex _mutex;
+    std::optional<Disc> _disc;
+    bool _isAttached = true;
+    std::shared_ptr<StopSignal> _burning; ///< of the burn under way, otherwise null
+    double _speed = 0.0;
+};
+
+} // namespace quarner

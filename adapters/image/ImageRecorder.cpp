@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/image/ImageRecorder.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <utility>
+
+#include "adapters/engine/BurnFailure.h"
+#include "adapters/image/CueSheet.h"
+#include "adapters/image/ImageNames.h"
+#include "adapters/image/ReadableName.h"
+#include "quarner/platform/DRKeys.h"
+
+namespace quarner {
+namespace {
+
+std::optional<std::uint32_t> blocksOf(unsigned minutes) {
+    switch (minutes) {
+    case 74:
+        return 333'000;
+    case 80:
+        return 359'847;
+    default:
+        return std::nullopt;
+    }
+}
+
+/// The blocks of the BIN that a CUE sheet names, when it consists of whole sectors.
+std::optional<std::uint64_t> blocksOfImage(FileSystem& files, const ImageNames& names) {
+    const std::optional<std::string> sheet = files.content(names.cue);
+    const std::optional<std::string> bin = sheet ? binNamedBy(*sheet) : std::nullopt;
+    struct stat found = {};
+    if (!bin || stat((names.folder + '/' + *bin).c_str(), &found) != 0 || found.st_size == 0 ||
+        found.st_size % audioSectorSize != 0)
+        return std::nullopt;
+    return static_cast<std::uint64_t>(found.st_size) / audioSectorSize;
+}
+
+ImageDrive::Disc existingDisc(FileSystem& files, const ImageNames& names) {
+    try {
+        if (const std::optional<std::uint64_t> blocks = blocksOfImage(files, names))
+            return {.isBlank = false, .usedBlocks = *blocks};
+    } catch (const BurnFailure&) {
+        // What cannot be read is not whole.
+    }
+    return {};
+}
+
+} // namespace
+
+ImageRecorder::ImageRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<PCMService> pcm,
+                             ImageRecorderParts parts)
+    : _services{std::move(runLoops), std::move(pcm), std::make_shared<BurnThreads>(),
+                std::move(parts.clock)},
+      _files(std::move(parts.files)) {}
+
+ImageRecorder::~ImageRecorder() { _services.threads->shutDown(); }
+
+std::shared_ptr<ImageDrive> ImageRecorder::add(const ImageDriveSettings& settings) {
+    const std::optional<std::uint32_t> capacity = blocksOf(settings.minutes);
+    const std::optional<ImageNames> names = imageNames(settings.path);
+    if (!capacity || !names)
+        return nullptr;
+    const ImageDrive::Disc disc =
+        settings.loadExisting ? existingDisc(*_files, *names) : ImageDrive::Disc{};
+    std::error_code error;
+    const std::string path = std::filesystem::absolute(settings.path, error).string();
+    std::shared_ptr<ImageDrive> drive;
+    {
+        const std::lock_guard lock(_mutex);
+        drive = std::make_shared<ImageDrive>(uniqueName(path), path, *capacity, disc, _files,
+                                             _services.runLoops);
+        _drives.push_back(drive);
+    }
+    _services.runLoops->postToAll({DRDeviceAppearedNotification, drive, {}});
+    return drive;
+}
+
+std::string ImageRecorder::uniqueName(const std::string& path) const {
+    const std::string name = readableName(ImageNames::baseName(path));
+    std::string candidate = name;
+    for (int number = 2; isTaken(candidate); ++number)
+        candidate = name + " (" + std::to_string(number) + ')';
+    return candidate;
+}
+
+bool ImageRecorder::isTaken(const std::string& name) const {
+    return std::any_of(_drives.begin(), _drives.end(),
+                       [&](const auto& drive) { return drive->displayName() == name; });
+}
+
+bool ImageRecorder::remove(const std::shared_ptr<DRDevice>& device) {
+    std::shared_ptr<ImageDrive> drive;
+    {
+        const std::lock_guard lock(_mutex);
+        const auto found = std::find(_drives.begin(), _drives.end(), device);
+        if (found == _drives.end())
+            return false;
+        drive = *found;
+        _drives.erase(found);
+    }
+    drive->unplug();
+    _services.runLoops->postToAll({DRDeviceDisappearedNotification, drive, {}});
+    return true;
+}
+
+std::vector<std::shared_ptr<DRDevice>> ImageRecorder::devices() {
+    const std::lock_guard lock(_mutex);
+    return {_drives.begin(), _drives.end()};
+}
+
+std::shared_ptr<DRBurn> ImageRecorder::burnForDevice(std::shared_ptr<DRDevice> device) {
+    return std::make_shared<EngineBurn>(_services,
+                                        std::dynamic_pointer_cast<ImageDrive>(std::move(device)));
+}
+
+std::shared_ptr<DRTrack> ImageRecorder::trackForAudioFile(const std::string& path) {
+    const std::optional<FileStamp> stamp = stampOfFile(path);
+    const std::optional<PCMLength> length = stamp ? _services.pcm->measure(path) : std::nullopt;
+    if (!length || length->discSamples == 0)
+        return nullptr;
+    auto track = std::make_shared<DRTrack>();
+    track->path = path;
+    track->sampleCount = length->discSamples;
+    track->stamp = *stamp;
+    track->setLength(DRMSF::msfWithFrames(sectorsForSamples(length->discSamples)));
+    return track;
+}
+
+std::shared_ptr<DRNotificationCenter> ImageRecorder::currentRunLoopCenter() {
+    return _services.runLoops->currentCenter();
+}
+
+} // namespace quarner

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "adapters/engine/EngineBurn.h"
+#include "adapters/image/FileSystem.h"
+#include "adapters/image/ImageDrive.h"
+#include "adapters/runloop/RunLoopCenter.h"
+#include "quarner/platform/PCMService.h"
+#include "quarner/platform/RecordingService.h"
+
+namespace quarner {
+
+/// A drive to be added.
+struct ImageDriveSettings {
+    /// The image: a path that ends in .cue (see `ImageNames` for the BIN beside it). A relative one
+    /// counts from the working directory of now.
+    std::string path;
+    /// 74 or 80: a blank disc of 333,000 or 359,847 blocks.
+    unsigned minutes = 80;
+    /// An image that is there, and whole, is in the drive as a written disc. Otherwise, and without
+    /// an image, the disc is blank; burning it replaces the image that is there.
+    bool loadExisting = false;
+};
+
+/// What tests put in the place of the machine.
+struct ImageRecorderParts {
+    std::shared_ptr<FileSystem> files = posixFileSystem();
+    Clock clock = std::chrono::steady_clock::now;
+};
+
+/// A recorder whose discs are BIN and CUE files. Every operation may be called on any thread.
+class ImageRecorder : public RecordingService {
+public:
+    ImageRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<PCMService> pcm,
+                  ImageRecorderParts parts = {});
+    /// Cancels the burns that are under way and waits for their end. Not on a burn's thread.
+    ~ImageRecorder() override;
+
+    /// Attaches a drive, named after its image and unlike the other drives. Null when the path
+    /// does not name a CUE file, or the minutes are none of the two.
+    std::shared_ptr<ImageDrive> add(const ImageDriveSettings& settings);
+
+    /// Unplugs a drive; answers whether it was attached. A burn that is under way on it fails.
+    bool remove(const std::shared_ptr<DRDevice>& device);
+
+    std::vector<std::shared_ptr<DRDevice>> devices() override;
+    std::shared_ptr<DRBurn> burnForDevice(std::shared_ptr<DRDevice> device) override;
+    std::shared_ptr<DRTrack> trackForAudioFile(const std::string& path) override;
+    std::shared_ptr<DRNotificationCenter> currentRunLoopCenter() override;
+
+private:
+    std::string uniqueName(const std::string& path) const;
+    bool isTaken(const std::string& name) const;
+
+    const BurnServices _services;
+    const std::shared_ptr<FileSystem> _files;
+    std::mutex _mutex;
+    std::vector<std::shared_ptr<ImageDrive>> _drives;
+};
+
+} // namespace quarner

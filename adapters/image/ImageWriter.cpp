@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/image/ImageWriter.h"
+
+#include <sys/stat.h>
+
+#include <optional>
+#include <utility>
+
+#include "adapters/engine/BurnFailure.h"
+#include "adapters/image/CueSheet.h"
+
+namespace quarner {
+
+ImageWriter::ImageWriter(std::shared_ptr<FileSystem> files, ImageNames names)
+    : _files(std::move(files)), _names(std::move(names)) {}
+
+ImageWriter::~ImageWriter() {
+    _bin.reset();
+    try {
+        if (_lock)
+            removeParts();
+    } catch (const BurnFailure&) {
+        // The next burn to this image clears them.
+    }
+}
+
+void ImageWriter::openSession(const DiscPlan& plan) {
+    refuseOtherThanFile(_names.cue);
+    refuseOtherThanFile(_names.plainBin);
+    _lock = _files->lock(_names.lock);
+    removeParts();
+    if (!sheetNames(_names.newBin))
+        _files->remove(_names.newBin);
+    _plan = plan;
+    _bin = _files->create(_names.binPart);
+    _bin->reserve(plan.bytes());
+}
+
+void ImageWriter::refuseOtherThanFile(const std::string& path) const {
+    struct stat found = {};
+    if (stat(path.c_str(), &found) == 0 && !S_ISREG(found.st_mode))
+        throw BurnFailure(DRError::WriteFailed, path + " is not a file and is not replaced");
+}
+
+void ImageWriter::removeParts() {
+    for (const std::string* part :
+         {&_names.binPart, &_names.linkPart, &_names.cuePart, &_names.lastCuePart})
+        _files->remove(*part);
+}
+
+bool ImageWriter::sheetNames(const std::string& binPath) const {
+    const std::optional<std::string> sheet = _files->content(_names.cue);
+    return sheet && binNamedBy(*sheet) == ImageNames::baseName(binPath);
+}
+
+void ImageWriter::closeSession() {
+    _firstBin = sheetNames(_names.plainBin) ? _names.newBin : _names.plainBin;
+    writeSheet(_names.cuePart, _firstBin);
+    if (needsSecondStep())
+        writeSheet(_names.lastCuePart, _names.plainBin);
+}
+
+void ImageWriter::writeSheet(const std::string& path, const std::string& binPath) {
+    const std::string sheet = cueSheet(_plan, ImageNames::baseName(binPath));
+    const std::unique_ptr<ImageFile> file = _files->create(path);
+    file->append(std::as_bytes(std::span(sheet)));
+    file->sync();
+}
+
+void ImageWriter::finish() { _bin->sync(); }
+
+void ImageWriter::readBack(std::uint64_t firstSector, std::span<std::byte> buffer) {
+    _bin->read(firstSector * _plan.sectorSize, buffer);
+}
+
+void ImageWriter::verifyTableOfContents() {
+    verifySheet(_names.cuePart, _firstBin);
+    if (needsSecondStep())
+        verifySheet(_names.lastCuePart, _names.plainBin);
+}
+
+void ImageWriter::verifySheet(const std::string& path, const std::string& binPath) {
+    if (_files->content(path) != cueSheet(_plan, ImageNames::baseName(binPath)))
+        throw BurnFailure(DRError::VerifyFailed, path + " differs from what was written");
+}
+
+void ImageWriter::commit() {
+    _bin.reset();
+    switchOver();
+    try {
+        moveToPlainName();
+        _files->syncFolder(_names.folder);
+    } catch (const BurnFailure&) {
+        // The image is valid under its name; what is left of the old one goes with the next burn.
+    }
+}
+
+void ImageWriter::switchOver() {
+    _files->rename(_names.binPart, _firstBin);
+    try {
+        _files->syncFolder(_names.folder);
+        _files->rename(_names.cuePart, _names.cue);
+    } catch (const BurnFailure&) {
+        _files->remove(_firstBin);
+        throw;
+    }
+    _files->syncFolder(_names.folder);
+}
+
+/// The BIN has both names while the CUE changes from the one to the other.
+void ImageWriter::moveToPlainName() {
+    if (!needsSecondStep()) {
+        _files->remove(_names.newBin);
+    } else if (_files->link(_names.newBin, _names.linkPart)) {
+        _files->rename(_names.linkPart, _names.plainBin);
+        _files->syncFolder(_names.folder);
+        _files->rename(_names.lastCuePart, _names.cue);
+        _files->syncFolder(_names.folder);
+        _files->remove(_names.newBin);
+    } else {
+        _files->remove(_names.plainBin); // no second names here: the BIN stays where it is
+    }
+}
+
+} // namespace quarner

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "adapters/engine/SectorWriter.h"
+#include "adapters/image/FileSystem.h"
+#include "adapters/image/ImageNames.h"
+
+namespace quarner {
+
+/// Writes a disc as a BIN file and a CUE sheet. Both are written, synced and verified under hidden
+/// names; `commit` then makes them the image in one step, the renaming of the CUE. At every moment
+/// the CUE under the image's name either is not there or names a whole BIN that belongs to it.
+class ImageWriter : public SectorWriter {
+public:
+    ImageWriter(std::shared_ptr<FileSystem> files, ImageNames names);
+    ~ImageWriter() override;
+
+    void openSession(const DiscPlan& plan) override;
+    void write(std::span<const std::byte> sectors) override { _bin->append(sectors); }
+    void closeSession() override;
+    void finish() override;
+    unsigned readers() const override { return 2; }
+    void readBack(std::uint64_t firstSector, std::span<std::byte> buffer) override;
+    void verifyTableOfContents() override;
+    void commit() override;
+
+private:
+    void refuseOtherThanFile(const std::string& path) const;
+    void removeParts();
+    bool sheetNames(const std::string& binPath) const;
+    bool needsSecondStep() const { return _firstBin == _names.newBin; }
+    void writeSheet(const std::string& path, const std::string& binPath);
+    void verifySheet(const std::string& path, const std::string& binPath);
+    void switchOver();
+    void moveToPlainName();
+
+    const std::shared_ptr<FileSystem> _files;
+    const ImageNames _names;
+    std::unique_ptr<ImageLock> _lock;
+    DiscPlan _plan;
+    std::unique_ptr<ImageFile> _bin;
+    std::string _firstBin; ///< the name that the new BIN gets first: one that no CUE refers to
+};
+
+} // namespace quarner

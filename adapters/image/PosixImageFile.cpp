@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/image/PosixImageFile.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include "adapters/engine/BurnFailure.h"
+
+namespace quarner {
+namespace {
+
+constexpr std::size_t bufferSize = std::size_t(1) << 20;
+constexpr std::uint64_t writeBackStep = std::uint64_t(8) << 20;
+constexpr int creation = O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW;
+constexpr mode_t readableByAll = 0666; // less what the umask takes
+
+FileDescriptor create(const std::string& path, int flags) {
+    return FileDescriptor(open(path.c_str(), creation | flags, readableByAll));
+}
+
+/// Some file systems accept the flag and refuse the reading or writing.
+/// Answers whether there was such a mode to leave.
+bool leaveDirectMode(const FileDescriptor& file) {
+    const int flags = fcntl(file.number(), F_GETFL);
+    return flags >= 0 && (flags & O_DIRECT) != 0 &&
+           fcntl(file.number(), F_SETFL, flags & ~O_DIRECT) == 0;
+}
+
+BurnFailure readFailure(int errorNumber, const std::string& path) {
+    return {DRError::ReadBackFailed, "reading " + path + ": " + std::strerror(errorNumber)};
+}
+
+} // namespace
+
+PosixImageFile::PosixImageFile(const std::string& path)
+    : _path(path), _file(create(path, O_DIRECT)), _isDirect(_file.isOpen()), _buffer(bufferSize) {
+    if (!_isDirect && errno == EINVAL)
+        _file = create(path, 0);
+    if (!_file.isOpen())
+        throw writeFailure(errno, "creating " + path);
+}
+
+void PosixImageFile::reserve(std::uint64_t size) {
+    constexpr int plain = 0;
+    if (fallocate(_file.number(), plain, 0, static_cast<off_t>(size)) == 0)
+        return;
+    if (errno != EOPNOTSUPP && errno != ENOSYS && errno != EINTR && errno != EINVAL)
+        throw writeFailure(errno, "reserving space for " + _path);
+}
+
+void PosixImageFile::append(std::span<const std::byte> bytes) {
+    while (!bytes.empty()) {
+        const auto part = bytes.first(std::min(bytes.size(), bufferSize - _buffered));
+        std::copy(part.begin(), part.end(), _buffer.bytes().begin() + std::ptrdiff_t(_buffered));
+        _buffered += part.size();
+        if (_buffered == bufferSize)
+            flush();
+        bytes = bytes.subspan(part.size());
+    }
+}
+
+/// The last piece is written up to the alignment and cut off by `sync`.
+void PosixImageFile::flush() {
+    const std::size_t padded = (_buffered + bufferAlignment - 1) & ~(bufferAlignment - 1);
+    const auto bytes = _buffer.bytes().first(padded);
+    std::fill(bytes.begin() + std::ptrdiff_t(_buffered), bytes.end(), std::byte());
+    writeAll(bytes);
+    _written += _buffered;
+    _buffered = 0;
+    if (!_isDirect)
+        startWriteBack();
+}
+
+void PosixImageFile::writeAll(std::span<const std::byte> bytes) {
+    auto offset = static_cast<off_t>(_written);
+    while (!bytes.empty()) {
+        const ssize_t count = pwrite(_file.number(), bytes.data(), bytes.size(), offset);
+        if (count < 0 && errno == EINVAL && leaveDirectMode(_file))
+            _isDirect = false;
+        else if (count < 0 && errno != EINTR)
+            throw writeFailure(errno, "writing " + _path);
+        else if (count >= 0) {
+            bytes = bytes.subspan(static_cast<std::size_t>(count));
+            offset += count;
+        }
+    }
+}
+
+void PosixImageFile::startWriteBack() {
+    if (_written - _writtenBack < writeBackStep)
+        return;
+    sync_file_range(_file.number(), static_cast<off_t>(_writtenBack),
+                    static_cast<off_t>(_written - _writtenBack), SYNC_FILE_RANGE_WRITE);
+    _writtenBack = _written;
+}
+
+void PosixImageFile::sync() {
+    flush();
+    if (ftruncate(_file.number(), static_cast<off_t>(_written)) != 0 || fsync(_file.number()) != 0)
+        throw writeFailure(errno, "writing " + _path);
+    posix_fadvise(_file.number(), 0, 0, POSIX_FADV_DONTNEED);
+    posix_fadvise(_file.number(), 0, 0, POSIX_FADV_SEQUENTIAL);
+}
+
+void PosixImageFile::read(std::uint64_t offset, std::span<std::byte> buffer) {
+    const std::size_t aligned = buffer.size() & ~(bufferAlignment - 1);
+    readPart(offset, buffer.first(aligned), aligned);
+    const auto rest = buffer.subspan(aligned);
+    if (rest.empty())
+        return;
+    SectorBuffer end(bufferAlignment);
+    readPart(offset + aligned, end.bytes(), rest.size());
+    std::copy_n(end.bytes().begin(), rest.size(), rest.begin());
+}
+
+void PosixImageFile::readPart(std::uint64_t offset, std::span<std::byte> buffer,
+                              std::size_t needed) const {
+    std::size_t got = 0;
+    while (got < needed) {
+        const ssize_t count = pread(_file.number(), buffer.data() + got, buffer.size() - got,
+                                    static_cast<off_t>(offset + got));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0 && (errno != EINVAL || !leaveDirectMode(_file)))
+            throw readFailure(errno, _path);
+        if (count == 0)
+            throw BurnFailure(DRError::VerifyFailed, _path + " is shorter than what was written");
+        got += count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+}
+
+} // namespace quarner

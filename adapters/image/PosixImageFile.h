@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <string>
+
+#include "adapters/engine/SectorBuffer.h"
+#include "adapters/image/FileDescriptor.h"
+#include "adapters/image/FileSystem.h"
+
+namespace quarner {
+
+/// A file written and read past the page cache where the file system can do that: it spares the
+/// copying and the memory, leaves alone what other programs have cached, and reading back really
+/// asks the disk. Elsewhere the cache is told to write early and to forget before the reading.
+class PosixImageFile : public ImageFile {
+public:
+    /// Replaces a file that is there.
+    explicit PosixImageFile(const std::string& path);
+
+    void reserve(std::uint64_t size) override;
+    void append(std::span<const std::byte> bytes) override;
+    void sync() override;
+    void read(std::uint64_t offset, std::span<std::byte> buffer) override;
+
+private:
+    void flush();
+    void writeAll(std::span<const std::byte> bytes);
+    void startWriteBack();
+    void readPart(std::uint64_t offset, std::span<std::byte> buffer, std::size_t needed) const;
+
+    const std::string _path;
+    FileDescriptor _file;
+    bool _isDirect;
+    SectorBuffer _buffer;
+    std::size_t _buffered = 0;
+    std::uint64_t _written = 0;
+    std::uint64_t _writtenBack = 0;
+};
+
+} // namespace quarner

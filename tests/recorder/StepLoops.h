@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+#include "adapters/runloop/RunLoopCenter.h"
+
+namespace quarner {
+
+/// Run loops that a test turns by hand. While a test turns its loop in step, whoever posts to it
+/// from another thread goes on only when the notification was delivered, so that a handler acts
+/// at exactly the moment that a record tells of.
+class StepLoops : public RunLoops {
+public:
+    std::shared_ptr<RunLoopCenter> currentCenter() override {
+        const std::lock_guard lock(_mutex);
+        std::shared_ptr<RunLoopCenter>& center = _centers[std::this_thread::get_id()];
+        if (!center)
+            center = std::make_shared<RunLoopCenter>(
+                [this, thread = std::this_thread::get_id()] { wake(thread); });
+        return center;
+    }
+
+    void postToAll(const DRNotification& notification) override {
+        std::unique_lock lock(_mutex);
+        const auto centers = _centers;
+        lock.unlock();
+        for (const auto& [thread, center] : centers)
+            center->post(notification);
+    }
+
+    void setInStep(bool isInStep) { _isInStep = isInStep; }
+
+    /// Turns the loop of this thread until the condition holds; answers whether it came to hold.
+    bool runUntil(const std::function<bool()>& condition,
+                  std::chrono::seconds limit = std::chrono::seconds(60)) {
+        const auto center = currentCenter();
+        const auto end = std::chrono::steady_clock::now() + limit;
+        setTurning(_isInStep);
+        while (!condition() && std::chrono::steady_clock::now() < end)
+            turn(*center);
+        setTurning(false);
+        return condition();
+    }
+
+    /// Delivers what is waiting on this thread.
+    void runPending() {
+        while (currentCenter()->deliverOne()) {
+        }
+    }
+
+private:
+    void turn(RunLoopCenter& center) {
+        if (center.deliverOne())
+            return;
+        std::unique_lock lock(_mutex);
+        _idle = true;
+        _changed.notify_all();
+        _changed.wait_for(lock, std::chrono::milliseconds(20), [&] { return _woken; });
+        _woken = false;
+        _idle = false;
+    }
+
+    void setTurning(bool isTurning) {
+        const std::lock_guard lock(_mutex);
+        _isTurning = isTurning;
+        _changed.notify_all();
+    }
+
+    void wake(std::thread::id loopThread) {
+        std::unique_lock lock(_mutex);
+        _woken = true;
+        _idle = false;
+        _changed.notify_all();
+        if (std::this_thread::get_id() != loopThread)
+            _changed.wait(lock, [&] { return !_isTurning || (_idle && !_woken); });
+    }
+
+    std::mutex _mutex;
+    std::condition_variable _changed;
+    std::map<std::thread::id, std::shared_ptr<RunLoopCenter>> _centers;
+    bool _isInStep = false;
+    bool _isTurning = false;
+    bool _woken = false;
+    bool _idle = false;
+};
+
+} // namespace quarner
