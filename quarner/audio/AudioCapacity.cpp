@@ -7,7 +7,8 @@ namespace quarner {
 
 std::uint64_t AudioCDBurner::usedCapacity() const {
     DRMSF total = DRMSF::msf();
-    for (const BurnItemRef& item : *_content.snapshot())
+    const ContentList::Snapshot items = _content.snapshot();
+    for (const BurnItemRef& item : *items)
         if (const auto track = std::dynamic_pointer_cast<const DRTrack>(item))
             total = total.msfByAdding(track->length()).msfByAdding(track->preGap());
     return total.wholeSeconds();
