@@ -1,0 +1,270 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "tests/support/AudioBurnerFixture.h"
+
+namespace quarner::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class AudioIngestionTest : public AudioBurnerTest {
+protected:
+    using Paths = std::vector<std::string>;
+
+    Paths reported(const char* key) const {
+        const std::vector<EndReport> reports = delegate.reports();
+        EXPECT_EQ(reports.size(), 1U);
+        const auto entry = reports.front().find(key);
+        return entry == reports.front().end() ? Paths{"no entry"} : entry->second;
+    }
+    Paths protectedFiles() const { return reported("protected-files"); }
+    Paths incompatibleFiles() const { return reported("incompatible-files"); }
+};
+
+TEST_F(AudioIngestionTest, AnEmptyListIsRefusedWithoutARun) {
+    EXPECT_FALSE(burner->addFiles({}));
+    finishRuns();
+    EXPECT_EQ(platform.calls(ServiceCall::AsyncGlobal), 0U);
+    EXPECT_THAT(delegate.calls(), IsEmpty());
+}
+
+TEST_F(AudioIngestionTest, TheUsersOrderDecidesAndIgnoresCase) {
+    putSongs({"/b.mp3", "/A.mp3"});
+    burner->addFiles({"/b.mp3", "/A.mp3"});
+    finishRuns();
+    EXPECT_THAT(paths(), ElementsAre("/A.mp3", "/b.mp3"));
+}
+
+TEST_F(AudioIngestionTest, TheOrderFollowsTheLocale) {
+    putSongs({"/a.mp3", "/b.mp3", "/c.mp3"});
+    platform.setCollation([](const std::string& a, const std::string& b) { return b.compare(a); });
+    burner->addFiles({"/b.mp3", "/c.mp3", "/a.mp3"});
+    finishRuns();
+    EXPECT_THAT(paths(), ElementsAre("/c.mp3", "/b.mp3", "/a.mp3"));
+}
+
+TEST_F(AudioIngestionTest, TheRefusedPathsAreSortedToo) {
+    putSongs({"/a.mp3"});
+    platform.putFile("/y.txt");
+    platform.putFile("/X.txt");
+    burner->addFiles({"/y.txt", "/a.mp3", "/X.txt"});
+    finishRuns();
+    EXPECT_THAT(incompatibleFiles(), ElementsAre("/X.txt", "/y.txt"));
+}
+
+TEST_F(AudioIngestionTest, AFileThatIsAlreadyInTheListIsSkippedSilently) {
+    putSongs({"/a.mp3"});
+    compile({"/a.mp3"});
+    EXPECT_FALSE(burner->addFiles({"/a.mp3"}));
+    finishRuns();
+    EXPECT_EQ(count(), 1U);
+    EXPECT_THAT(delegate.calls(), IsEmpty());
+}
+
+TEST_F(AudioIngestionTest, ADuplicateIsInNoListOfTheReport) {
+    putSongs({"/a.mp3", "/b.mp3"});
+    compile({"/a.mp3"});
+    EXPECT_TRUE(burner->addFiles({"/a.mp3", "/b.mp3"}));
+    finishRuns();
+    EXPECT_THAT(paths(), ElementsAre("/a.mp3", "/b.mp3"));
+    EXPECT_THAT(delegate.reports().back(),
+                (EndReport{{"protected-files", {}}, {"incompatible-files", {}}}));
+}
+
+TEST_F(AudioIngestionTest, ADuplicateIsRecognisedByItsResolvedPath) {
+    putSongs({"/a.mp3"});
+    platform.putFile("/alias.mp3", {.aliasOf = "/a.mp3"});
+    compile({"/a.mp3"});
+    EXPECT_FALSE(burner->addFiles({"/alias.mp3"}));
+    finishRuns();
+    EXPECT_EQ(count(), 1U);
+}
+
+TEST_F(AudioIngestionTest, TheSameFileTwiceInOneCallBecomesTwoTracks) {
+    putSongs({"/a.mp3"});
+    EXPECT_TRUE(burner->addFiles({"/a.mp3", "/a.mp3"}));
+    finishRuns();
+    EXPECT_THAT(paths(), ElementsAre("/a.mp3", "/a.mp3"));
+}
+
+TEST_F(AudioIngestionTest, AFileThatARunUnderWayWillAddIsAcceptedAgain) {
+    putSongs({"/a.mp3"});
+    platform.backgroundQueue().hold();
+    EXPECT_TRUE(burner->addFiles({"/a.mp3"}));
+    EXPECT_TRUE(burner->addFiles({"/a.mp3"}));
+    platform.backgroundQueue().release();
+    finishRuns();
+    EXPECT_EQ(count(), 2U);
+}
+
+TEST_F(AudioIngestionTest, AnAliasIsAcceptedUnderItsTargetsPath) {
+    putSongs({"/target.mp3"});
+    platform.putFile("/alias", {.aliasOf = "/target.mp3"});
+    EXPECT_TRUE(burner->addFiles({"/alias"}));
+    finishRuns();
+    EXPECT_THAT(paths(), ElementsAre("/target.mp3"));
+    ASSERT_EQ(delegate.added().size(), 1U);
+    EXPECT_EQ(valueFor(delegate.added()[0], kQuarnItemFilePathKey), Value("/target.mp3"));
+}
+
+TEST_F(AudioIngestionTest, WhatIsRefusedAtOnceIsReportedAsTheCallerWroteIt) {
+    putSongs({"/a.mp3"});
+    platform.putFile("/real/text.txt");
+    platform.putFile("/real/song.m4p");
+    platform.putFile("/text alias", {.aliasOf = "/real/text.txt"});
+    platform.putFile("/song alias", {.aliasOf = "/real/song.m4p"});
+    burner->addFiles({"/a.mp3", "/text alias", "/song alias"});
+    finishRuns();
+    EXPECT_THAT(incompatibleFiles(), ElementsAre("/text alias"));
+    EXPECT_THAT(protectedFiles(), ElementsAre("/song alias"));
+}
+
+TEST_F(AudioIngestionTest, WhatTheRunRefusesIsReportedResolvedAndAfterTheOthers) {
+    platform.putFile("/real/broken.mp3");
+    platform.putFile("/alias", {.aliasOf = "/real/broken.mp3"});
+    platform.putFile("/z.txt");
+    EXPECT_TRUE(burner->addFiles({"/alias", "/z.txt"}));
+    finishRuns();
+    EXPECT_THAT(incompatibleFiles(), ElementsAre("/z.txt", "/real/broken.mp3"));
+    EXPECT_THAT(delegate.added(), IsEmpty());
+}
+
+TEST_F(AudioIngestionTest, TheExtensionCountsInAnyCase) {
+    putSongs({"/song.MP3", "/tune.M4a"});
+    EXPECT_TRUE(burner->addFiles({"/song.MP3", "/tune.M4a"}));
+    finishRuns();
+    EXPECT_EQ(count(), 2U);
+}
+
+TEST_F(AudioIngestionTest, AnotherExtensionIsAcceptedOnlyByASupportedTypeCode) {
+    class WaveBurner : public OpenAudioCDBurner {
+        std::vector<std::string> supportedFileTypes() override { return {"mp3", "'WAVE'"}; }
+    };
+    burner = std::make_shared<WaveBurner>();
+    platform.putSong("/x.wav", {.seconds = 5}, {.typeCode = typeCode("WAVE")});
+    platform.putSong("/y.wav", {.seconds = 5}, {.typeCode = typeCode("wave")});
+    platform.putSong("/z.wav", {.seconds = 5});
+    EXPECT_TRUE(burner->addFiles({"/x.wav"}));
+    EXPECT_FALSE(burner->addFiles({"/y.wav", "/z.wav"}));
+    finishRuns();
+    EXPECT_THAT(paths(), ElementsAre("/x.wav"));
+}
+
+TEST_F(AudioIngestionTest, ATypeCodeOutsideTheListHelpsNobody) {
+    platform.putSong("/x.wav", {.seconds = 5}, {.typeCode = typeCode("WAVE")});
+    EXPECT_FALSE(burner->addFiles({"/x.wav"}));
+}
+
+TEST_F(AudioIngestionTest, AFileShorterThanASecondIsReportedByTheRun) {
+    platform.putSong("/short.mp3", {.seconds = 0.5});
+    EXPECT_TRUE(burner->addFiles({"/short.mp3"}));
+    finishRuns();
+    EXPECT_EQ(count(), 0U);
+    EXPECT_THAT(incompatibleFiles(), ElementsAre("/short.mp3"));
+}
+
+TEST_F(AudioIngestionTest, AFileOfOneSecondIsLongEnough) {
+    platform.putSong("/second.mp3", {.seconds = 1.0});
+    burner->addFiles({"/second.mp3"});
+    finishRuns();
+    EXPECT_EQ(count(), 1U);
+}
+
+TEST_F(AudioIngestionTest, ANegativeDurationIsIncompatible) {
+    platform.putSong("/odd.mp3", {.time = QTTime{.value = -90, .scale = 10}});
+    burner->addFiles({"/odd.mp3"});
+    finishRuns();
+    EXPECT_EQ(count(), 0U);
+    EXPECT_THAT(incompatibleFiles(), ElementsAre("/odd.mp3"));
+}
+
+TEST_F(AudioIngestionTest, AFileOfWhichNoTrackCanBeMadeIsIncompatible) {
+    platform.putSong("/odd.mp3", {.seconds = 10, .makesTrack = false});
+    putSongs({"/fine.mp3"});
+    burner->addFiles({"/odd.mp3", "/fine.mp3"});
+    finishRuns();
+    EXPECT_THAT(paths(), ElementsAre("/fine.mp3"));
+    EXPECT_THAT(incompatibleFiles(), ElementsAre("/odd.mp3"));
+}
+
+TEST_F(AudioIngestionTest, ProtectedAndUnexaminableFilesAreSetAside) {
+    putSongs({"/a.mp3", "/book.m4b", "/secret.mp3"});
+    platform.putFile("/secret.mp3", {.isReadable = false});
+    platform.putSong("/coded.mp3", {.seconds = 9}, {.typeCode = typeCode("M4P ")});
+    burner->addFiles({"/a.mp3", "/book.m4b", "/secret.mp3", "/coded.mp3", "/missing.mp3"});
+    finishRuns();
+    EXPECT_THAT(paths(), ElementsAre("/a.mp3"));
+    EXPECT_THAT(protectedFiles(),
+                ElementsAre("/book.m4b", "/coded.mp3", "/missing.mp3", "/secret.mp3"));
+    EXPECT_THAT(incompatibleFiles(), IsEmpty());
+}
+
+TEST_F(AudioIngestionTest, ARunWithNothingAcceptedStaysSilent) {
+    platform.putFile("/x.txt");
+    platform.putFile("/y.m4p");
+    EXPECT_FALSE(burner->addFiles({"/x.txt", "/y.m4p"}));
+    finishRuns();
+    EXPECT_THAT(delegate.calls(), IsEmpty());
+    EXPECT_EQ(count(), 0U);
+}
+
+TEST_F(AudioIngestionTest, ASizeThatCannotBeReadAnyMoreCountsAsZero) {
+    putSongs({"/a.mp3"});
+    platform.backgroundQueue().hold();
+    EXPECT_TRUE(burner->addFiles({"/a.mp3"}));
+    platform.fail(ServiceCall::Attributes);
+    platform.backgroundQueue().release();
+    finishRuns();
+    ASSERT_EQ(delegate.added().size(), 1U);
+    EXPECT_EQ(valueFor(delegate.added()[0], kQuarnItemRealFileSizeKey), Value(0));
+    EXPECT_EQ(valueFor(delegate.added()[0], kQuarnItemFileSizeKey), Value("0 KB"));
+}
+
+TEST_F(AudioIngestionTest, TheRecordHoldsTheSevenKeys) {
+    platform.putSong("/dir/a.mp3", {.seconds = 205.9, .trackProperties = {{"own", 1}}},
+                     {.size = 4'299'161, .displayName = "Song A", .icon = {{"audio-mpeg"}}});
+    burner->addFiles({"/dir/a.mp3"});
+    finishRuns();
+    const Dictionary record = {{"itemName", "Song A"},
+                               {"itemPath", "/dir/a.mp3"},
+                               {"itemRealDuration", 205},
+                               {"itemDuration", "00:03:25"},
+                               {"itemRealFileSize", 4'299'161},
+                               {"itemFileSize", "4.1 MB"},
+                               {"itemIcon", Icon{{"audio-mpeg"}}}};
+    ASSERT_EQ(delegate.added().size(), 1U);
+    EXPECT_EQ(delegate.added()[0], record);
+    EXPECT_EQ(delegate.count("addFilesProgressDidChanged(Song A, 1, 1)"), 1U);
+}
+
+TEST_F(AudioIngestionTest, TheItemKeepsTheTracksOwnPropertiesExceptWhereTheRecordHasThem) {
+    platform.putSong("/a.mp3",
+                     {.seconds = 10, .trackProperties = {{"own", 1}, {"itemName", "Track"}}});
+    burner->addFiles({"/a.mp3"});
+    finishRuns();
+    const auto properties = burner->propertyOfBurnItem(burner->child(0, nullptr));
+    EXPECT_EQ(properties->size(), 8U);
+    EXPECT_EQ(valueFor(*properties, "own"), Value(1));
+    EXPECT_EQ(valueFor(*properties, kQuarnItemDisplayNameKey), Value("a.mp3"));
+    EXPECT_EQ(delegate.added()[0].size(), 7U);
+}
+
+TEST_F(AudioIngestionTest, EveryTrackHasAPreGapOf150Frames) {
+    putSongs({"/a.mp3", "/b.mp3"});
+    burner->addFiles({"/a.mp3", "/b.mp3"});
+    finishRuns();
+    ASSERT_EQ(count(), 2U);
+    const ContentList::Snapshot items = burner->_content.snapshot();
+    for (const BurnItemRef& item : *items)
+        EXPECT_EQ(std::dynamic_pointer_cast<const DRTrack>(item)->preGap().totalFrames(), 150U);
+}
+
+TEST_F(AudioIngestionTest, AddingLogsNothing) {
+    putSongs({"/a.mp3"});
+    burner->addFiles({"/a.mp3", "/missing.mp3", "/x.txt"});
+    finishRuns();
+    EXPECT_THAT(platform.log(), IsEmpty());
+}
+
+} // namespace
+} // namespace quarner::testing
