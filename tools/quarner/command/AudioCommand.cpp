@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "tools/quarner/command/AudioCommand.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "quarner/platform/DRErrors.h"
+#include "quarner/util/MultiMedia.h"
+#include "tools/quarner/command/BurnAdvice.h"
+#include "tools/quarner/command/DriveChoice.h"
+#include "tools/quarner/command/Refusals.h"
+#include "tools/quarner/host/FailureDetail.h"
+#include "tools/quarner/text/SafeText.h"
+
+namespace quarner::cli {
+namespace {
+
+std::string duration(std::uint64_t seconds) {
+    return MultiMedia::stringWithDuration(static_cast<std::int64_t>(seconds), false);
+}
+
+std::string counted(std::size_t count, const std::string& noun) {
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+} // namespace
+
+AudioCommand::AudioCommand(Host& host, AudioOptions options, View& view)
+    : _host(host), _options(std::move(options)), _view(view),
+      _device(chooseDrive(host, _options.target, DriveUse::Write)),
+      _relay(host.loop, {&view, this}), _burner(Quarner::audioCDBurner()) {
+    _burner->setDelegate(&_relay);
+}
+
+AudioCommand::~AudioCommand() {
+    _host.onInterruption(nullptr);
+    _burner->setDelegate(nullptr);
+}
+
+ExitStatus AudioCommand::run() {
+    _host.onInterruption([this] { interrupt(); });
+    const Outcome outcome = perform();
+    _view.didEnd(outcome.status, outcome.text);
+    return outcome.status;
+}
+
+AudioCommand::Outcome AudioCommand::perform() {
+    addFiles();
+    const Compilation compiled = compilation();
+    _view.compilationIsComplete(compiled);
+    if (_isInterrupted)
+        return cancellation();
+    if (compiled.items.empty() || (_refusedCount > 0 && !_options.keepGoing))
+        return refusal();
+    if (compiled.overflow)
+        return overflow(compiled);
+    if (_options.dryRun)
+        return {ExitStatus::Success, "Dry run: nothing was written."};
+    return burn(compiled);
+}
+
+// Neither call does anything unless there is something to stop.
+void AudioCommand::interrupt() {
+    _isInterrupted = true;
+    _burner->cancelToAddFiles();
+    _burner->stopBurn();
+}
+
+void AudioCommand::addFiles() {
+    if (_burner->addFiles(_options.files))
+        _host.loop.run();
+    else
+        refuse(_options.files); // of these the burner reports nothing
+}
+
+void AudioCommand::addFilesProgressDidEnd(const EndReport& report) {
+    for (const auto& [reason, paths] : report)
+        refuse(paths);
+    _host.loop.quit();
+}
+
+void AudioCommand::refuse(const std::vector<std::string>& paths) {
+    _refusedCount += paths.size();
+    for (const std::string& path : paths)
+        _host.console.error("quarner: " + safeText(path) + ": " + reasonForRefusal(*_burner, path));
+}
+
+Compilation AudioCommand::compilation() const {
+    Compilation compiled;
+    const std::uint64_t count = _burner->numberOfChildrenOfBurnItem(nullptr);
+    for (std::uint64_t i = 0; i < count; ++i)
+        compiled.items.push_back(*_burner->propertyOfBurnItem(_burner->child(i, nullptr)));
+    compiled.used = _burner->usedCapacity();
+    compiled.free = _device.freeTimeOfDisc();
+    compiled.hasDisc = _device.isDiscInDevice();
+    compiled.overflow = _burner->isContentOverflowForDevice(_device);
+    return compiled;
+}
+
+AudioCommand::Outcome AudioCommand::burn(const Compilation& compiled) {
+    const FailureDetail detail;
+    _burner->burnWithDevice(_device, _options.title);
+    _host.loop.run();
+    switch (_burnEnd) {
+    case BurnEnd::Done:
+        return success(compiled);
+    case BurnEnd::Canceled:
+        return cancellation();
+    default:
+        return failure(compiled, detail.text());
+    }
+}
+
+void AudioCommand::burnProgressDidDone() {
+    _burnEnd = BurnEnd::Done;
+    _host.loop.quit();
+}
+
+void AudioCommand::burnProgressDidCanceled() {
+    _burnEnd = BurnEnd::Canceled;
+    _host.loop.quit();
+}
+
+void AudioCommand::burnProgressDidError(const BurnError& error) {
+    _burnEnd = BurnEnd::Error;
+    _errorCode = error.code;
+    _host.loop.quit();
+}
+
+AudioCommand::Outcome AudioCommand::refusal() const {
+    const std::size_t count = _options.files.size();
+    if (_refusedCount >= count)
+        return {ExitStatus::Refused, "nothing is left to burn"};
+    return {ExitStatus::Refused, counted(_refusedCount, "file") + " of " + std::to_string(count) +
+                                     " refused, so nothing was burnt; --keep-going burns the rest"};
+}
+
+AudioCommand::Outcome AudioCommand::overflow(const Compilation& compiled) const {
+    const std::string excess = compiled.used > compiled.free
+                                   ? duration(compiled.used - compiled.free)
+                                   : "less than a second";
+    return {ExitStatus::TooLong, "the tracks take " + duration(compiled.used) +
+                                     " with their pauses, and the disc has room for " +
+                                     duration(compiled.free) + ": " + excess + " too long"};
+}
+
+AudioCommand::Outcome AudioCommand::cancellation() const {
+    const bool mayHaveSpoiltDisc = _burnEnd == BurnEnd::Canceled && !_options.target.image;
+    return {ExitStatus::Canceled, mayHaveSpoiltDisc ? "cancelled; the disc is not usable"
+                                                    : "cancelled; nothing was written"};
+}
+
+AudioCommand::Outcome AudioCommand::success(const Compilation& compiled) const {
+    const std::string place = safeText(_options.target.image.value_or(*_device.deviceName()));
+    return {ExitStatus::Success, "Burnt and verified: " + counted(compiled.items.size(), "track") +
+                                     ", " + duration(compiled.used) + ", on " + place};
+}
+
+AudioCommand::Outcome AudioCommand::failure(const Compilation& compiled,
+                                            const std::string& detail) const {
+    if (_errorCode == signedCode(DRError::MediaTooSmall) || (_errorCode == 0 && compiled.hasDisc))
+        return overflow(compiled);
+    const std::int64_t code = _errorCode == 0 ? signedCode(DRError::MediaNotPresent) : _errorCode;
+    std::string text = "the burn failed: " + std::string(textForBurnErrorCode(code));
+    if (!detail.empty())
+        text += " (" + safeText(detail) + ")";
+    const std::string advice = adviceForBurnErrorCode(code);
+    return {ExitStatus::Failed, advice.empty() ? text : text + "\n" + advice};
+}
+
+} // namespace quarner::cli

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "quarner/device/QuarnerDevice.h"
+#include "quarner/front/Quarner.h"
+#include "tools/quarner/host/DelegateRelay.h"
+#include "tools/quarner/host/Host.h"
+#include "tools/quarner/options/Options.h"
+#include "tools/quarner/view/View.h"
+
+namespace quarner::cli {
+
+/// `quarner audio`: adds files, says what they take, and burns them. For one run.
+class AudioCommand : private QuarnDelegate {
+public:
+    /// The host and the view must outlive the command. Throws `UsageProblem` when there is no
+    /// drive to use.
+    AudioCommand(Host& host, AudioOptions options, View& view);
+    ~AudioCommand() override;
+
+    /// Runs the main loop until it is over, and tells the view the end.
+    ExitStatus run();
+
+private:
+    /// How it ended, in a number and in a sentence.
+    struct Outcome {
+        ExitStatus status;
+        std::string text;
+    };
+
+    // What the main loop is told (everything else goes to the view alone).
+    void addFilesProgressDidEnd(const EndReport& report) override;
+    void burnProgressDidDone() override;
+    void burnProgressDidError(const BurnError& error) override;
+    void burnProgressDidCanceled() override;
+
+    void interrupt();
+    Outcome perform();
+    void addFiles();
+    void refuse(const std::vector<std::string>& paths);
+    Compilation compilation() const;
+    Outcome burn(const Compilation& compilation);
+    Outcome refusal() const;
+    Outcome overflow(const Compilation& compilation) const;
+    Outcome cancellation() const;
+    Outcome success(const Compilation& compilation) const;
+    Outcome failure(const Compilation& compilation, const std::string& detail) const;
+
+    Host& _host;
+    const AudioOptions _options;
+    View& _view;
+    QuarnerDevice _device;
+    DelegateRelay _relay;
+    const std::shared_ptr<Quarner> _burner;
+
+    bool _isInterrupted = false;
+    std::size_t _refusedCount = 0;
+    enum class BurnEnd { None, Done, Canceled, Error } _burnEnd = BurnEnd::None;
+    std::int64_t _errorCode = 0;
+};
+
+} // namespace quarner::cli

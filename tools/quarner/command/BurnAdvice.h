@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace quarner::cli {
+
+/// What somebody whose burn failed with this code can do about it, as a sentence; empty where
+/// there is nothing to say.
+std::string adviceForBurnErrorCode(std::int64_t code);
+
+} // namespace quarner::cli

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "tools/quarner/command/Refusals.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <optional>
+#include <system_error>
+#include <vector>
+
+#include "quarner/platform/Platform.h"
+#include "quarner/util/Paths.h"
+
+namespace quarner::cli {
+namespace {
+
+/// What keeps a file from being opened, if anything does.
+std::optional<std::string> obstacle(const std::string& path) {
+    struct stat file = {};
+    if (stat(path.c_str(), &file) != 0 && (errno == ENOENT || errno == ENOTDIR))
+        return "no such file";
+    if (S_ISDIR(file.st_mode))
+        return "unsupported type (a folder)";
+    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0)
+        return "not readable: " + std::generic_category().message(errno);
+    close(descriptor);
+    return std::nullopt;
+}
+
+bool hasSupportedType(Quarner& burner, const std::string& path) {
+    const std::vector<std::string> types = burner.supportedFileTypes();
+    const auto isSupported = [&](const std::string& type) {
+        return std::find(types.begin(), types.end(), type) != types.end();
+    };
+    return isSupported(Paths::lowercaseExtension(path)) ||
+           isSupported(Paths::hfsType(path).value_or(""));
+}
+
+std::string soundObstacle(const std::string& path) {
+    const auto movie = currentPlatform()->media->movieWithFile(path);
+    if (!movie)
+        return "unreadable: no sound could be found in it";
+    const QTTime time = movie->duration();
+    if (time.scale == 0 || time.value / time.scale <= 0)
+        return "shorter than a second";
+    return "unreadable: it could not be made a track";
+}
+
+} // namespace
+
+std::string reasonForRefusal(Quarner& burner, const std::string& path) {
+    const std::string resolved = Paths::realPath(path);
+    if (const auto reason = obstacle(resolved))
+        return *reason;
+    if (Paths::isQuickTimeProtectedFile(resolved))
+        return "copy-protected";
+    if (!hasSupportedType(burner, resolved))
+        return "unsupported type (mp3 and m4a can be added)";
+    return soundObstacle(resolved);
+}
+
+} // namespace quarner::cli

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <string>
+
+#include "quarner/front/Quarner.h"
+
+namespace quarner::cli {
+
+/// Why a burner does not take a file that it has refused, in a few words: "no such file", "not
+/// readable: Permission denied", "copy-protected", "unsupported type (...)", "unreadable: ...",
+/// "shorter than a second". Only on the main thread.
+std::string reasonForRefusal(Quarner& burner, const std::string& path);
+
+} // namespace quarner::cli

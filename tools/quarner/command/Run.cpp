@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "tools/quarner/command/Run.h"
+
+#include <memory>
+
+#include "tools/quarner/command/AudioCommand.h"
+#include "tools/quarner/command/QueryCommands.h"
+#include "tools/quarner/command/WatchCommand.h"
+#include "tools/quarner/text/JsonLine.h"
+#include "tools/quarner/view/JsonView.h"
+#include "tools/quarner/view/PlainView.h"
+#include "tools/quarner/view/TerminalView.h"
+
+namespace quarner::cli {
+namespace {
+
+std::unique_ptr<View> makeView(Console& console, bool json) {
+    if (json)
+        return std::make_unique<JsonView>(console);
+    if (console.screen().isTerminal)
+        return std::make_unique<TerminalView>(console);
+    return std::make_unique<PlainView>(console);
+}
+
+ExitStatus runQuery(Host& host, const QueryOptions& options, bool json) {
+    switch (options.query) {
+    case Query::Drives:
+        return listDrives(host, options.target, json);
+    case Query::Disc:
+        return showDisc(host, options.target, json);
+    case Query::Eject:
+        return ejectDisc(host, options.target, json);
+    case Query::Watch:
+        return WatchCommand(host, options.target, json).run();
+    }
+    return ExitStatus::Usage;
+}
+
+ExitStatus endJson(Console& console, bool json, ExitStatus status) {
+    if (json)
+        console.line(jsonExitLine(static_cast<int>(status)));
+    return status;
+}
+
+} // namespace
+
+ExitStatus runCommand(Host& host, const Command& command) {
+    try {
+        if (const auto* const audio = std::get_if<AudioOptions>(&command.options)) {
+            const std::unique_ptr<View> view = makeView(host.console, command.json);
+            return AudioCommand(host, *audio, *view).run();
+        }
+        const auto& query = std::get<QueryOptions>(command.options);
+        return endJson(host.console, command.json, runQuery(host, query, command.json));
+    } catch (const UsageProblem& problem) {
+        host.console.error(std::string("quarner: ") + problem.what());
+        return endJson(host.console, command.json, ExitStatus::Usage);
+    }
+}
+
+ExitStatus showMessage(Console& console, const Message& message) {
+    if (message.status == ExitStatus::Success)
+        console.line(message.text);
+    else
+        console.error("quarner: " + message.text);
+    return endJson(console, message.json && message.status != ExitStatus::Success, message.status);
+}
+
+} // namespace quarner::cli

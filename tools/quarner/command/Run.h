@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "tools/quarner/host/Host.h"
+#include "tools/quarner/options/Options.h"
+
+namespace quarner::cli {
+
+/// Runs a command on the platform that is installed, the exit line of JSON included.
+ExitStatus runCommand(Host& host, const Command& command);
+
+/// Prints help, the version or what is wrong with a command line.
+ExitStatus showMessage(Console& console, const Message& message);
+
+} // namespace quarner::cli

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "tools/quarner/command/WatchCommand.h"
+
+#include "tools/quarner/command/DiscText.h"
+#include "tools/quarner/command/DriveChoice.h"
+#include "tools/quarner/text/JsonLine.h"
+#include "tools/quarner/text/SafeText.h"
+
+namespace quarner::cli {
+
+struct WatchCommand::WatchedDrive : QuarnerDeviceDelegate {
+    WatchedDrive(WatchCommand& owner, const std::string& deviceName)
+        : command(owner), name(deviceName), device(deviceName) {
+        device.setDelegate(this);
+    }
+
+    void deviceStatusDidChanged() override {
+        command.tell("deviceStatusDidChanged", name, discSummary(device));
+    }
+
+    WatchCommand& command;
+    const std::string name;
+    QuarnerDevice device;
+};
+
+WatchCommand::WatchCommand(Host& host, const Target& target, bool json)
+    : _host(host), _json(json), _anyDrive("") {
+    if (target.image || target.drive)
+        _only = chooseDrive(host, target, DriveUse::Any);
+    _anyDrive.setDelegate(this);
+    for (const std::string& name : QuarnerDevice::devices())
+        watch(name);
+}
+
+WatchCommand::~WatchCommand() { _host.onInterruption(nullptr); }
+
+ExitStatus WatchCommand::run() {
+    _host.onInterruption([this] { _host.loop.quit(); });
+    if (!_json)
+        for (const auto& [name, drive] : _drives)
+            _host.console.line(safeText(name) + ": " + discSummary(drive->device));
+    if (!_json && _drives.empty())
+        _host.console.line("There is no drive yet.");
+    _host.loop.run();
+    return ExitStatus::Canceled;
+}
+
+void WatchCommand::watch(const std::string& name) {
+    if (isWanted(name))
+        _drives[name] = std::make_unique<WatchedDrive>(*this, name);
+}
+
+void WatchCommand::deviceDidAppeared(const std::string& deviceName) {
+    if (!isWanted(deviceName))
+        return;
+    tell("deviceDidAppeared", deviceName, "appeared");
+    watch(deviceName);
+}
+
+void WatchCommand::deviceDidDisappeared(const std::string& deviceName) {
+    if (!isWanted(deviceName))
+        return;
+    tell("deviceDidDisappeared", deviceName, "disappeared");
+    _drives.erase(deviceName);
+}
+
+void WatchCommand::tell(const char* event, const std::string& name, const std::string& change) {
+    _host.console.line(_json ? jsonLine(event, {{"name", name}}) : safeText(name) + ": " + change);
+    if (_host.console.isBroken())
+        _host.loop.quit();
+}
+
+} // namespace quarner::cli

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "tools/quarner/host/Console.h"
+
+#include <langinfo.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+#include "tools/quarner/text/SafeText.h"
+
+namespace quarner::cli {
+namespace {
+
+constexpr std::size_t usualColumns = 80;
+
+/// The variable COLUMNS, or the usual width.
+std::size_t columnsByEnvironment() {
+    const char* const text = std::getenv("COLUMNS");
+    const long columns = text == nullptr ? 0 : std::strtol(text, nullptr, 10);
+    return columns > 0 ? static_cast<std::size_t>(columns) : usualColumns;
+}
+
+std::size_t columnsOfTerminal() {
+    winsize size = {};
+    const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return isKnown ? size.ws_col : columnsByEnvironment();
+}
+
+bool canEraseLines() {
+    const char* const kind = std::getenv("TERM");
+    return isatty(STDOUT_FILENO) == 1 && kind != nullptr && std::string_view(kind) != "dumb";
+}
+
+} // namespace
+
+Screen screenOfStandardOutput() {
+    const bool isUtf8 = std::string_view(nl_langinfo(CODESET)) == "UTF-8";
+    if (canEraseLines())
+        return {true, isUtf8, columnsOfTerminal};
+    return {false, isUtf8, columnsByEnvironment};
+}
+
+Console::Console(std::ostream& out, std::ostream& err, Screen screen)
+    : _out(out), _err(err), _screen(std::move(screen)) {}
+
+void Console::line(std::string_view text) { print(_out, text); }
+
+void Console::error(std::string_view text) { print(_err, text); }
+
+void Console::status(std::string_view text) {
+    if (!_screen.isTerminal)
+        return;
+    const std::lock_guard lock(_mutex);
+    if (text.empty())
+        erase();
+    _status = text;
+    draw();
+}
+
+bool Console::isBroken() const {
+    const std::lock_guard lock(_mutex);
+    return !_out.good();
+}
+
+void Console::print(std::ostream& stream, std::string_view text) {
+    const std::lock_guard lock(_mutex);
+    erase();
+    stream << text << '\n' << std::flush;
+    draw();
+}
+
+void Console::erase() {
+    if (!_status.empty())
+        _out << "\r\x1b[K" << std::flush;
+}
+
+void Console::draw() {
+    if (_status.empty())
+        return;
+    // The last column stays free: a terminal may break the line after it.
+    const std::size_t columns = std::max<std::size_t>(_screen.columns(), 2) - 1;
+    _out << '\r' << shortened(_status, columns) << "\x1b[K" << std::flush;
+}
+
+} // namespace quarner::cli

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+#include "tools/quarner/host/Console.h"
+#include "tools/quarner/host/EventLoop.h"
+
+namespace quarner::cli {
+
+/// A drive whose disc is a file.
+struct ImageRequest {
+    enum class Disc {
+        Blank,          ///< a new disc, whatever is at the path: it will be replaced
+        ExistingOrBlank ///< what is at the path, or a new disc if there is nothing
+    };
+
+    std::string path; ///< absolute
+    int minutes = 80;
+    Disc disc = Disc::Blank;
+};
+
+/// What the commands need of the program around them. They run on whichever platform is installed.
+struct Host {
+    Console& console;
+    EventLoop& loop;
+    /// Adds an image drive to the platform and answers its display name.
+    std::function<std::string(const ImageRequest&)> addImageDrive;
+    /// Says what the next signal that asks the program to end runs, once, on the main loop; null
+    /// for ending at once.
+    std::function<void(std::function<void()>)> onInterruption;
+};
+
+/// A command line that names what cannot be used; `what` is one or more lines for people.
+class UsageProblem : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+} // namespace quarner::cli

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "tools/quarner/host/Interruptions.h"
+
+#include <pthread.h>
+
+#include <csignal>
+#include <utility>
+
+namespace quarner::cli {
+namespace {
+
+bool isIgnored(int signal) {
+    struct sigaction action = {};
+    return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+sigset_t endingSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    if (!isIgnored(SIGHUP)) // as nohup does
+        sigaddset(&signals, SIGHUP);
+    return signals;
+}
+
+} // namespace
+
+Interruptions::Interruptions(EventLoop& loop, std::function<void()> endAtOnce)
+    : _loop(loop), _endAtOnce(std::move(endAtOnce)) {
+    const sigset_t signals = endingSignals();
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    _thread = std::thread([this] { serve(); });
+}
+
+Interruptions::~Interruptions() {
+    {
+        const std::lock_guard lock(_mutex);
+        _isOver = true;
+    }
+    pthread_kill(_thread.native_handle(), SIGTERM);
+    _thread.join();
+}
+
+void Interruptions::setHandler(std::function<void()> handler) {
+    const std::lock_guard lock(_mutex);
+    _handler = std::move(handler);
+}
+
+void Interruptions::serve() {
+    const sigset_t signals = endingSignals();
+    for (int signal = 0; sigwait(&signals, &signal) == 0;) {
+        {
+            const std::lock_guard lock(_mutex);
+            if (_isOver)
+                return;
+        }
+        signalArrived();
+    }
+}
+
+void Interruptions::signalArrived() {
+    std::function<void()> handler;
+    {
+        const std::lock_guard lock(_mutex);
+        handler = std::exchange(_handler, nullptr);
+    }
+    if (handler)
+        _loop.post(std::move(handler));
+    else
+        _endAtOnce();
+}
+
+} // namespace quarner::cli

@@ -1,0 +1,242 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "tools/quarner/options/Options.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <sstream>
+
+#include "tools/quarner/options/NearestName.h"
+#include "tools/quarner/text/SafeText.h"
+
+namespace quarner::cli {
+namespace {
+
+constexpr char statusHelp[] =
+    "Exit status: 0 burnt and verified, 1 the burn failed, 2 wrong usage or "
+    "no drive to use,\n3 a file was refused, 4 does not fit the disc, 130 "
+    "cancelled.\n";
+constexpr char audioExample[] =
+    "Example:\n  quarner audio --image mix.cue --title \"Summer mix\" one.mp3 two.m4a\n\n"
+    "The files become tracks in the order of their names. Ctrl-C cancels and leaves nothing "
+    "behind.\n";
+constexpr char drivesExample[] = "Example:\n  quarner drives --json\n\n"
+                                 "Without any drive the list is empty, and the exit status 0.\n";
+constexpr char discExample[] = "Example:\n  quarner disc --image mix.cue\n\n"
+                               "Exit status: 0 also for an empty drive, 2 without a drive.\n";
+constexpr char ejectExample[] = "Example:\n  quarner eject --drive \"Front drive\"\n\n"
+                                "Exit status: 1 if the drive keeps its disc, 2 without a drive.\n";
+constexpr char watchExample[] =
+    "Example:\n  quarner watch --json\n\n"
+    "Waits also on a machine without drives, until Ctrl-C (exit status 130).\n";
+
+/// The grammar of the command line, and the place that it fills.
+class Grammar {
+public:
+    Grammar();
+
+    void parse(const std::vector<std::string>& arguments);
+    Command command() const;
+    Message messageFor(const CLI::ParseError& end) const;
+
+private:
+    void addAudio();
+    CLI::App* addQuery(const char* name, const char* description, const char* example, Query query);
+    void addTarget(CLI::App& command);
+    void takeFiles();
+    void checkWordsBeforeCommand() const;
+    [[noreturn]] void refuseCommand(const std::string& word) const;
+    [[noreturn]] void refuseOption(const CLI::App& command, const std::string& option) const;
+    const CLI::App* chosen() const;
+
+    CLI::App _app{"Puts audio files onto a CD, or into the image of one, and verifies it.",
+                  "quarner"};
+    CLI::App* _audio = nullptr;
+    bool _json = false;
+    Target _target;
+    AudioOptions _audioOptions;
+    std::optional<std::string> _firstFile;
+    std::vector<std::string> _filesAfterMark;
+    Query _query = Query::Drives;
+};
+
+/// A usage error of our own, told like those of the parser.
+class UsageError : public CLI::ParseError {
+public:
+    explicit UsageError(const std::string& text)
+        : CLI::ParseError("UsageError", text, CLI::ExitCodes::InvalidError) {}
+};
+
+Grammar::Grammar() {
+    _app.set_version_flag("--version", "quarner " QUARNER_VERSION);
+    _app.require_subcommand(0, 1);
+    _app.allow_extras();
+    _app.footer(std::string("Example:\n  quarner audio --image mix.cue one.mp3 two.m4a\n\n"
+                            "quarner COMMAND --help tells more.\n") +
+                statusHelp);
+    addAudio();
+    addQuery("drives", "List the drives and what they can do", drivesExample, Query::Drives);
+    addTarget(*addQuery("disc", "Show the disc in a drive", discExample, Query::Disc));
+    addTarget(*addQuery("eject", "Put the disc out of a drive", ejectExample, Query::Eject));
+    addTarget(*addQuery("watch", "Tell of drives and discs as they come and go", watchExample,
+                        Query::Watch));
+}
+
+void Grammar::addAudio() {
+    _audio = _app.add_subcommand("audio", "Burn audio files (mp3, m4a) to an audio CD");
+    _audio->allow_extras();
+    addTarget(*_audio);
+    _audio->add_option("--title", _audioOptions.title, "Name of the disc")->type_name("NAME");
+    _audio->add_option("--capacity", _target.capacity, "Minutes of the image's disc (default 80)")
+        ->check(CLI::IsMember({74, 80}))
+        ->needs("--image");
+    _audio->add_flag("--dry-run", _audioOptions.dryRun,
+                     "Do everything up to the burn, write nothing");
+    _audio->add_flag("--keep-going", _audioOptions.keepGoing,
+                     "Burn the rest when a file is refused");
+    _audio->add_flag("--verbose", _audioOptions.verbose, "Show diagnostics");
+    _audio->add_flag("--json", _json, "One JSON object a line, for programs");
+    // Only the first: a list would have its brackets taken off. The others are what remains.
+    _audio->add_option("FILE...", _firstFile, "Audio files; after -- also ones that begin with -")
+        ->type_name(" ");
+    _audio->footer(std::string(audioExample) + statusHelp);
+}
+
+CLI::App* Grammar::addQuery(const char* name, const char* description, const char* example,
+                            Query query) {
+    CLI::App* const command = _app.add_subcommand(name, description);
+    command->allow_extras();
+    command->add_flag("--json", _json, "One JSON object a line, for programs");
+    command->footer(example);
+    command->callback([this, query] { _query = query; });
+    return command;
+}
+
+void Grammar::addTarget(CLI::App& command) {
+    CLI::Option* const image =
+        command
+            .add_option("--image", _target.image,
+                        "The image of a disc, two files: FILE.cue and a .bin")
+            ->type_name("FILE.cue");
+    command.add_option("--drive", _target.drive, "The drive, by its name in 'quarner drives'")
+        ->type_name("NAME")
+        ->excludes(image);
+}
+
+void Grammar::parse(const std::vector<std::string>& arguments) {
+    const auto mark = std::find(arguments.begin(), arguments.end(), "--");
+    if (mark != arguments.end())
+        _filesAfterMark.assign(mark + 1, arguments.end());
+    // The parser takes its arguments from the back.
+    _app.parse(std::vector<std::string>(std::make_reverse_iterator(mark), arguments.rend()));
+    checkWordsBeforeCommand();
+    if (chosen() == nullptr)
+        throw UsageError("no command is given");
+    takeFiles();
+}
+
+const CLI::App* Grammar::chosen() const {
+    const auto commands = _app.get_subcommands();
+    return commands.empty() ? nullptr : commands.front();
+}
+
+bool isOption(const std::string& argument) { return argument.size() > 1 && argument[0] == '-'; }
+
+std::vector<std::string> optionsOf(const CLI::App& command) {
+    std::vector<std::string> names;
+    for (const CLI::Option* option : command.get_options())
+        for (const std::string& name : option->get_lnames())
+            names.push_back("--" + name);
+    return names;
+}
+
+std::string nameOf(const std::string& option) { return option.substr(0, option.find('=')); }
+
+bool contains(const std::vector<std::string>& list, const std::string& text) {
+    return std::find(list.begin(), list.end(), text) != list.end();
+}
+
+void Grammar::refuseOption(const CLI::App& command, const std::string& option) const {
+    const std::string name = nameOf(option);
+    const std::string place = &command == &_app ? "quarner" : "quarner " + command.get_name();
+    throw UsageError(safeText(name) + " is not an option of " + place + "; did you mean " +
+                     nearestName(name, optionsOf(command)) + "?");
+}
+
+void Grammar::refuseCommand(const std::string& word) const {
+    std::vector<std::string> commands;
+    for (const CLI::App* command : _app.get_subcommands({}))
+        commands.push_back(command->get_name());
+    throw UsageError("'" + safeText(word) + "' is not a command; did you mean 'quarner " +
+                     nearestName(word, commands) + "'?");
+}
+
+/// What stands before the command, or in its place.
+void Grammar::checkWordsBeforeCommand() const {
+    const std::vector<std::string> words = _app.remaining();
+    const auto command = std::find_if_not(words.begin(), words.end(), isOption);
+    if (command != words.end())
+        refuseCommand(*command);
+    if (words.empty())
+        return;
+    if (chosen() != nullptr && contains(optionsOf(*chosen()), nameOf(words.front())))
+        throw UsageError(nameOf(words.front()) + " goes after the command: quarner " +
+                         chosen()->get_name() + " " + nameOf(words.front()));
+    refuseOption(chosen() == nullptr ? _app : *chosen(), words.front());
+}
+
+void Grammar::takeFiles() {
+    std::vector<std::string>& files = _audioOptions.files;
+    if (_firstFile)
+        files.push_back(*_firstFile);
+    for (const std::string& word : chosen()->remaining()) {
+        if (isOption(word))
+            refuseOption(*chosen(), word);
+        files.push_back(word);
+    }
+    files.insert(files.end(), _filesAfterMark.begin(), _filesAfterMark.end());
+    if (chosen() == _audio && files.empty())
+        throw UsageError("no file is given");
+    if (chosen() != _audio && !files.empty())
+        throw UsageError("quarner " + chosen()->get_name() + " takes no '" + files.front() + "'");
+}
+
+Command Grammar::command() const {
+    if (chosen() != _audio)
+        return {_json, QueryOptions{_query, _target}};
+    AudioOptions options = _audioOptions;
+    options.target = _target;
+    return {_json, std::move(options)};
+}
+
+std::string withoutLineEnd(std::string text) {
+    text.erase(text.find_last_not_of('\n') + 1);
+    return text;
+}
+
+/// What the parser says when it ends early: help, the version or an error.
+Message Grammar::messageFor(const CLI::ParseError& end) const {
+    if (end.get_exit_code() != 0) {
+        const std::string command = chosen() == nullptr ? "" : " " + chosen()->get_name();
+        return {ExitStatus::Usage, safeText(end.what()) + "\nTry: quarner" + command + " --help"};
+    }
+    std::ostringstream text;
+    _app.exit(end, text, text);
+    return {ExitStatus::Success, withoutLineEnd(text.str())};
+}
+
+} // namespace
+
+std::variant<Command, Message> parseCommandLine(const std::vector<std::string>& arguments) {
+    Grammar grammar;
+    try {
+        grammar.parse(arguments);
+        return grammar.command();
+    } catch (const CLI::ParseError& end) {
+        Message message = grammar.messageFor(end);
+        message.json = contains(arguments, "--json");
+        return message;
+    }
+}
+
+} // namespace quarner::cli

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "tools/quarner/host/ExitStatus.h"
+
+namespace quarner::cli {
+
+/// On what a command works: an image, or a drive by its name, or neither.
+struct Target {
+    std::optional<std::string> image;
+    std::optional<std::string> drive;
+    int capacity = 80; ///< minutes of the image's disc: 74 or 80
+};
+
+struct AudioOptions {
+    Target target;
+    std::optional<std::string> title;
+    bool dryRun = false;
+    bool keepGoing = false;
+    bool verbose = false;
+    std::vector<std::string> files;
+};
+
+/// The questions about drives.
+enum class Query { Drives, Disc, Eject, Watch };
+
+struct QueryOptions {
+    Query query = Query::Drives;
+    Target target;
+};
+
+struct Command {
+    bool json = false;
+    std::variant<AudioOptions, QueryOptions> options;
+};
+
+/// What to print instead of running a command: help and the version, or what is wrong.
+struct Message {
+    ExitStatus status = ExitStatus::Success;
+    std::string text;  ///< lines, the last one without its end
+    bool json = false; ///< whether a program reads the output
+};
+
+/// Reads a command line, the program's name left out. Never throws for what the user wrote.
+std::variant<Command, Message> parseCommandLine(const std::vector<std::string>& arguments);
+
+} // namespace quarner::cli

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "tools/quarner/text/Pictures.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "quarner/front/BurnItemKeys.h"
+#include "quarner/util/MultiMedia.h"
+#include "tools/quarner/text/SafeText.h"
+
+namespace quarner::cli {
+namespace {
+
+constexpr std::size_t numberColumns = 3;
+constexpr std::size_t timeColumns = 10;
+constexpr std::size_t sizeColumns = 10;
+constexpr std::size_t widestList = 78;
+constexpr std::size_t widestBar = 32;
+constexpr std::size_t narrowestBar = 8;
+
+double keptWithinOne(double fraction) { return fraction > 0 ? std::min(fraction, 1.0) : 0.0; }
+
+std::string textUnder(const Dictionary& item, const char* key) {
+    const std::string* const text = valueFor(item, key).asString();
+    return text == nullptr ? std::string() : safeText(*text);
+}
+
+std::string duration(std::uint64_t seconds) {
+    return MultiMedia::stringWithDuration(static_cast<std::int64_t>(seconds), false);
+}
+
+std::string row(std::string_view number, std::string_view name, std::string_view time,
+                std::string_view size, std::size_t columns) {
+    const std::size_t fixed = numberColumns + 2 + timeColumns + sizeColumns;
+    const std::size_t nameColumns =
+        std::max<std::size_t>(std::min(columns, widestList), fixed) - fixed;
+    return rightAligned(number, numberColumns) + "  " + leftAligned(name, nameColumns) +
+           rightAligned(time, timeColumns) + rightAligned(size, sizeColumns);
+}
+
+std::string sumRow(const Compilation& compilation, std::size_t columns) {
+    std::int64_t bytes = 0;
+    for (const Dictionary& item : compilation.items)
+        bytes += valueFor(item, kQuarnItemRealFileSizeKey).asInt64();
+    const std::size_t count = compilation.items.size();
+    const std::string name = std::to_string(count) + (count == 1 ? " track" : " tracks") +
+                             " with the pauses before them";
+    return row("", name, duration(compilation.used), MultiMedia::stringWithFilesize(bytes),
+               columns);
+}
+
+std::string percentText(double fraction) {
+    return std::to_string(static_cast<int>(std::floor(keptWithinOne(fraction) * 100))) + "%";
+}
+
+} // namespace
+
+std::string bar(double fraction, std::size_t columns, bool isUtf8) {
+    const std::size_t cells = std::max<std::size_t>(columns, 3) - 2;
+    const double kept = keptWithinOne(fraction);
+    auto filled = static_cast<std::size_t>(std::floor(kept * static_cast<double>(cells)));
+    if (kept > 0)
+        filled = std::max<std::size_t>(filled, 1);
+    std::string text = "[";
+    for (std::size_t cell = 0; cell < cells; ++cell)
+        text += cell < filled ? (isUtf8 ? "█" : "#") : (isUtf8 ? "░" : "-");
+    return text + "]";
+}
+
+std::string timeLeftText(std::uint64_t seconds) {
+    constexpr std::uint64_t tooLong = 100 * 3600;
+    if (seconds >= tooLong)
+        return "--:--";
+    const auto hours = static_cast<unsigned>(seconds / 3600);
+    const auto minutes = static_cast<unsigned>(seconds / 60 % 60);
+    const auto rest = static_cast<unsigned>(seconds % 60);
+    char text[32];
+    if (hours > 0)
+        std::snprintf(text, sizeof text, "%u:%02u:%02u", hours, minutes, rest);
+    else
+        std::snprintf(text, sizeof text, "%u:%02u", minutes, rest);
+    return text;
+}
+
+std::vector<std::string> trackList(const Compilation& compilation, std::size_t columns) {
+    std::vector<std::string> lines;
+    for (const Dictionary& item : compilation.items)
+        lines.push_back(row(std::to_string(lines.size() + 1),
+                            textUnder(item, kQuarnItemDisplayNameKey),
+                            textUnder(item, kQuarnItemDurationKey),
+                            textUnder(item, kQuarnItemFileSizeKey), columns));
+    if (!lines.empty())
+        lines.push_back(sumRow(compilation, columns));
+    return lines;
+}
+
+std::string usageLine(const Compilation& compilation, std::size_t columns, bool isUtf8) {
+    if (!compilation.hasDisc)
+        return "There is no disc in the drive.";
+    const std::string figures = duration(compilation.used) + " of " + duration(compilation.free);
+    const std::string verdict =
+        compilation.overflow ? ", " + duration(compilation.used - compilation.free) + " too long"
+                             : ", " + duration(compilation.free - compilation.used) + " left";
+    const std::size_t text = figures.size() + verdict.size() + 1;
+    if (text + narrowestBar > columns)
+        return shortened(figures + verdict, columns);
+    const double fraction = compilation.free == 0 ? 1.0
+                                                  : static_cast<double>(compilation.used) /
+                                                        static_cast<double>(compilation.free);
+    return bar(fraction, std::min(widestBar, columns - text), isUtf8) + " " + figures + verdict;
+}
+
+std::string progressLine(std::string_view state, double fraction, std::uint64_t lefttime,
+                         std::size_t columns, bool isUtf8) {
+    const std::string percent = rightAligned(percentText(fraction), 4);
+    const std::string left = "  " + rightAligned(timeLeftText(lefttime), 5) + " left";
+    const std::string head = std::string(state) + " ";
+    const std::size_t text = displayWidth(head) + 1 + percent.size() + left.size();
+    if (text + narrowestBar <= columns)
+        return head + bar(fraction, std::min(widestBar, columns - text), isUtf8) + " " + percent +
+               left;
+    if (displayWidth(head) + percent.size() + left.size() <= columns)
+        return head + percent + left;
+    const std::size_t stateColumns = std::max(columns, percent.size()) - percent.size();
+    return shortened(state, stateColumns) + percent;
+}
+
+} // namespace quarner::cli

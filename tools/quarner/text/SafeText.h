@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace quarner::cli {
+
+/// A text from outside (a file name, a drive's name) made safe to print: valid UTF-8 on one line.
+/// Every byte that is not UTF-8, and every character that could move the cursor or turn the
+/// direction of writing, becomes U+FFFD.
+std::string safeText(std::string_view text);
+
+/// How many columns a safe text takes: wide characters two, combining ones none.
+std::size_t displayWidth(std::string_view text);
+
+/// A safe text cut to a number of columns, with "..." at its end when something was left out.
+std::string shortened(std::string_view text, std::size_t columns);
+
+/// A safe text shortened and filled with spaces to exactly so many columns.
+std::string leftAligned(std::string_view text, std::size_t columns);
+std::string rightAligned(std::string_view text, std::size_t columns);
+
+} // namespace quarner::cli

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "tools/quarner/view/PeopleView.h"
+
+namespace quarner::cli {
+
+std::string BurnStep::text() const {
+    switch (stage) {
+    case Stage::Preparing:
+        return "Preparing";
+    case Stage::Writing:
+        return "Writing track " + std::to_string(track) + " of " + std::to_string(of);
+    case Stage::Closing:
+        return "Closing the disc";
+    case Stage::Finishing:
+        return "Finishing";
+    case Stage::Verifying:
+        return "Verifying";
+    }
+    return {};
+}
+
+void PeopleView::addFilesProgressDidCanceled() { _console.status(""); }
+
+void PeopleView::burnProgressDidChanaged(double fraction, std::uint64_t lefttime) {
+    _step.fraction = fraction;
+    _step.lefttime = lefttime;
+    _hasNewProgress = true;
+}
+
+void PeopleView::burnProgressIsPreparing() { enter(BurnStep::Stage::Preparing); }
+
+void PeopleView::burnProgressIsOpeningTrack(std::int64_t track, std::int64_t of) {
+    enter(BurnStep::Stage::Writing, track, of);
+}
+
+void PeopleView::burnProgressIsWriteingTrack(std::int64_t track, std::int64_t of) {
+    enter(BurnStep::Stage::Writing, track, of);
+}
+
+void PeopleView::burnProgressDidCloseTrack(std::int64_t track, std::int64_t of) {
+    enter(BurnStep::Stage::Writing, track, of);
+}
+
+void PeopleView::burnProgressDidCloseSession() { enter(BurnStep::Stage::Closing); }
+
+void PeopleView::burnProgressIsFinishing() { enter(BurnStep::Stage::Finishing); }
+
+void PeopleView::burnProgressIsVerifying() { enter(BurnStep::Stage::Verifying); }
+
+void PeopleView::enter(BurnStep::Stage stage, std::int64_t track, std::int64_t of) {
+    // A progress is told before the state that it belongs to. Without one, a new stage begins at 0.
+    if (!_hasNewProgress && stage != _step.stage) {
+        _step.fraction = 0;
+        _step.lefttime = 0;
+    }
+    _hasNewProgress = false;
+    _step.stage = stage;
+    _step.track = track;
+    _step.of = of;
+    show(_step);
+}
+
+void PeopleView::compilationIsComplete(const Compilation& compilation) {
+    _console.status("");
+    if (compilation.items.empty())
+        return;
+    const std::size_t columns = _console.screen().columns();
+    for (const std::string& line : trackList(compilation, columns))
+        _console.line(line);
+    _console.line(usageLine(compilation, columns, _console.screen().isUtf8));
+}
+
+void PeopleView::didEnd(ExitStatus status, const std::string& outcome) {
+    _console.status("");
+    if (outcome.empty())
+        return;
+    if (status == ExitStatus::Success)
+        _console.line(outcome);
+    else
+        _console.error("quarner: " + outcome);
+}
+
+} // namespace quarner::cli
