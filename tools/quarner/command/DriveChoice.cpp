@@ -57,11 +57,11 @@ std::string onlyDrive(DriveUse use) {
 } // namespace
 
 std::string imagePath(const std::string& name) {
-    const fs::path path = fs::absolute(name);
-    if (Paths::lowercaseExtension(name) != "cue" || path.stem().empty() ||
-        path.filename() == path.stem())
+    const fs::path given(name);
+    if (Paths::lowercaseExtension(name) != "cue" || given.extension().empty())
         throw UsageProblem("the image's name must end in .cue, as in mix.cue, but is '" +
                            safeText(name) + "'");
+    const fs::path path = fs::absolute(given);
     std::error_code ignored;
     if (fs::is_directory(path, ignored))
         throw UsageProblem("'" + safeText(name) + "' is a folder; name a file in it");

@@ -75,7 +75,8 @@ Grammar::Grammar() {
                             "quarner COMMAND --help tells more.\n") +
                 statusHelp);
     addAudio();
-    addQuery("drives", "List the drives and what they can do", drivesExample, Query::Drives);
+    addTarget(
+        *addQuery("drives", "List the drives and what they can do", drivesExample, Query::Drives));
     addTarget(*addQuery("disc", "Show the disc in a drive", discExample, Query::Disc));
     addTarget(*addQuery("eject", "Put the disc out of a drive", ejectExample, Query::Eject));
     addTarget(*addQuery("watch", "Tell of drives and discs as they come and go", watchExample,

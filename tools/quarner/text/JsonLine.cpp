@@ -10,6 +10,8 @@ using Json = nlohmann::ordered_json;
 
 Json jsonOf(const Value& value);
 
+Json jsonOf(bool truth) { return truth; }
+
 Json jsonOf(std::uint64_t number) { return number; }
 
 Json jsonOf(const Dictionary& dictionary) {

@@ -44,8 +44,8 @@ std::string sumRow(const Compilation& compilation, std::size_t columns) {
     for (const Dictionary& item : compilation.items)
         bytes += valueFor(item, kQuarnItemRealFileSizeKey).asInt64();
     const std::size_t count = compilation.items.size();
-    const std::string name = std::to_string(count) + (count == 1 ? " track" : " tracks") +
-                             " with the pauses before them";
+    const std::string name =
+        std::to_string(count) + (count == 1 ? " track" : " tracks") + " and their pauses";
     return row("", name, duration(compilation.used), MultiMedia::stringWithFilesize(bytes),
                columns);
 }

@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tools/quarner/options/Options.h"
+
+namespace quarner::cli {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+AudioOptions audio(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "audio");
+    const auto parsed = parseCommandLine(arguments);
+    const auto* const command = std::get_if<Command>(&parsed);
+    EXPECT_NE(command, nullptr) << std::get<Message>(parsed).text;
+    return command == nullptr ? AudioOptions() : std::get<AudioOptions>(command->options);
+}
+
+Message message(const std::vector<std::string>& arguments) {
+    const auto parsed = parseCommandLine(arguments);
+    const auto* const found = std::get_if<Message>(&parsed);
+    EXPECT_NE(found, nullptr);
+    return found == nullptr ? Message() : *found;
+}
+
+std::string usageError(const std::vector<std::string>& arguments) {
+    const Message found = message(arguments);
+    EXPECT_EQ(found.status, ExitStatus::Usage);
+    return found.text;
+}
+
+TEST(Options, AudioTakesItsOptionsAnywhereAndKeepsTheOrderOfTheFiles) {
+    const AudioOptions options =
+        audio({"b.mp3", "--image", "mix.cue", "a.mp3", "--title", "My mix", "--capacity", "74",
+               "--dry-run", "--keep-going", "--verbose", "c.m4a"});
+    EXPECT_THAT(options.files, ElementsAre("b.mp3", "a.mp3", "c.m4a"));
+    EXPECT_EQ(options.target.image, "mix.cue");
+    EXPECT_EQ(options.target.capacity, 74);
+    EXPECT_EQ(options.title, "My mix");
+    EXPECT_TRUE(options.dryRun && options.keepGoing && options.verbose);
+}
+
+TEST(Options, WithoutOptionsTheDiscHas80MinutesAndNoTitle) {
+    const AudioOptions options = audio({"a.mp3"});
+    EXPECT_EQ(options.target.capacity, 80);
+    EXPECT_EQ(options.title, std::nullopt);
+    EXPECT_EQ(options.target.image, std::nullopt);
+    EXPECT_FALSE(options.dryRun || options.keepGoing || options.verbose);
+}
+
+TEST(Options, FileNamesComeThroughByteForByte) {
+    EXPECT_THAT(audio({"[x]", "", "\"q\"", "a,b", "\xff.mp3", "{}", "--", "--title", "-"}).files,
+                ElementsAre("[x]", "", "\"q\"", "a,b", "\xff.mp3", "{}", "--title", "-"));
+}
+
+TEST(Options, AnEmptyTitleIsATitle) { EXPECT_EQ(audio({"--title", "", "a.mp3"}).title, ""); }
+
+TEST(Options, TheQueriesTakeADriveOrAnImage) {
+    const auto parsed = parseCommandLine({"eject", "--json", "--drive", "Front drive"});
+    const auto& command = std::get<Command>(parsed);
+    EXPECT_TRUE(command.json);
+    const auto& options = std::get<QueryOptions>(command.options);
+    EXPECT_EQ(options.query, Query::Eject);
+    EXPECT_EQ(options.target.drive, "Front drive");
+}
+
+TEST(Options, AWrongOptionNamesTheNearestRightOne) {
+    EXPECT_THAT(usageError({"audio", "--titel", "x", "a.mp3"}), HasSubstr("did you mean --title?"));
+    EXPECT_THAT(usageError({"audio", "--dryrun"}), HasSubstr("did you mean --dry-run?"));
+    EXPECT_THAT(usageError({"audio", "--imag=x.cue", "a"}), HasSubstr("did you mean --image?"));
+    EXPECT_THAT(usageError({"audio", "-image", "x.cue"}), HasSubstr("did you mean --image?"));
+    EXPECT_THAT(usageError({"watch", "--jsn"}), HasSubstr("did you mean --json?"));
+    EXPECT_THAT(usageError({"--verson"}), HasSubstr("did you mean --version?"));
+}
+
+TEST(Options, AWrongCommandNamesTheNearestRightOne) {
+    EXPECT_THAT(usageError({"audoi", "a.mp3"}), HasSubstr("did you mean 'quarner audio'?"));
+    EXPECT_THAT(usageError({"drive"}), HasSubstr("did you mean 'quarner drives'?"));
+}
+
+TEST(Options, AnOptionBeforeItsCommandIsToldItsPlace) {
+    EXPECT_THAT(usageError({"--json", "drives"}), HasSubstr("quarner drives --json"));
+}
+
+TEST(Options, WhatDoesNotGoTogetherIsRefused) {
+    EXPECT_THAT(usageError({"audio", "--image", "a.cue", "--drive", "x", "f"}),
+                HasSubstr("excludes"));
+    EXPECT_THAT(usageError({"audio", "--capacity", "74", "f"}), HasSubstr("requires --image"));
+    EXPECT_THAT(usageError({"audio", "--image", "a.cue", "--capacity", "75", "f"}),
+                HasSubstr("75 not in {74,80}"));
+    EXPECT_THAT(usageError({"audio"}), HasSubstr("no file is given"));
+    EXPECT_THAT(usageError({"disc", "a.mp3"}), HasSubstr("takes no 'a.mp3'"));
+    EXPECT_THAT(usageError({}), HasSubstr("no command is given"));
+}
+
+TEST(Options, AUsageErrorIsMarkedForProgramsThatAskedForJson) {
+    EXPECT_TRUE(message({"audio", "--json"}).json);
+    EXPECT_FALSE(message({"audio"}).json);
+}
+
+TEST(Options, WhatAUserWroteIsSafeInTheMessage) {
+    EXPECT_THAT(usageError({"audio", "--\x1b[2J"}), HasSubstr("--\uFFFD[2J is not an option"));
+}
+
+class Help : public testing::TestWithParam<std::string> {};
+
+TEST_P(Help, ShowsAnExample) {
+    const Message help = message({GetParam(), "--help"});
+    EXPECT_EQ(help.status, ExitStatus::Success);
+    EXPECT_THAT(help.text, HasSubstr("Example:\n  quarner " + GetParam()));
+}
+
+INSTANTIATE_TEST_SUITE_P(OfEveryCommand, Help,
+                         testing::Values("audio", "drives", "disc", "eject", "watch"),
+                         [](const auto& suite) { return suite.param; });
+
+TEST(Options, TheVersionIsTold) {
+    EXPECT_EQ(message({"--version"}).status, ExitStatus::Success);
+    EXPECT_THAT(message({"--version"}).text, testing::MatchesRegex("quarner [0-9.]+"));
+}
+
+} // namespace
+} // namespace quarner::cli

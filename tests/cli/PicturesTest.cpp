@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "quarner/front/BurnItemKeys.h"
+#include "quarner/scripted.h"
+#include "tools/quarner/text/Pictures.h"
+#include "tools/quarner/text/SafeText.h"
+
+namespace quarner::cli {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+Dictionary item(const std::string& name, const std::string& duration, std::int64_t size) {
+    return {{kQuarnItemDisplayNameKey, name},
+            {kQuarnItemDurationKey, duration},
+            {kQuarnItemFileSizeKey, std::to_string(size) + " B"},
+            {kQuarnItemRealFileSizeKey, size}};
+}
+
+TEST(Bar, IsFilledToTheFraction) {
+    EXPECT_EQ(bar(0.0, 12, false), "[----------]");
+    EXPECT_EQ(bar(0.5, 12, false), "[#####-----]");
+    EXPECT_EQ(bar(1.0, 12, false), "[##########]");
+    EXPECT_EQ(bar(0.5, 6, true), "[██░░]");
+}
+
+TEST(Bar, IsFullOnlyForTheWholeAndEmptyOnlyForNothing) {
+    EXPECT_EQ(bar(0.999, 12, false), "[#########-]");
+    EXPECT_EQ(bar(0.001, 12, false), "[#---------]");
+}
+
+TEST(Bar, StaysWithinItsBoundsWhateverTheFraction) {
+    EXPECT_EQ(bar(17.0, 6, false), "[####]");
+    EXPECT_EQ(bar(-3.0, 6, false), "[----]");
+    EXPECT_EQ(bar(std::nan(""), 6, false), "[----]");
+    EXPECT_EQ(bar(1.0, 0, false), "[#]");
+}
+
+TEST(TimeLeft, IsToldInMinutesAndInHoursWhereThereAreSome) {
+    EXPECT_EQ(timeLeftText(0), "0:00");
+    EXPECT_EQ(timeLeftText(67), "1:07");
+    EXPECT_EQ(timeLeftText(3723), "1:02:03");
+    EXPECT_EQ(timeLeftText(359999), "99:59:59");
+    EXPECT_EQ(timeLeftText(360000), "--:--");
+    EXPECT_EQ(timeLeftText(std::numeric_limits<std::uint64_t>::max()), "--:--");
+}
+
+TEST(TrackList, AlignsNamesDurationsAndSizesAndEndsWithTheSum) {
+    const ScriptedPlatform platform;
+    const Compilation compilation{
+        {item("Alpha", "00:03:25", 1000), item("音楽", "00:01:00", 24)}, 269, 4798, true, false};
+    EXPECT_THAT(trackList(compilation, 60),
+                ElementsAre("  1  Alpha                                00:03:25    1000 B",
+                            "  2  音楽                                 00:01:00      24 B",
+                            "     2 tracks and their pauses            00:04:29      1 KB"));
+}
+
+TEST(TrackList, FitsTheScreen) {
+    const ScriptedPlatform platform;
+    const Compilation compilation{
+        {item(std::string(300, 'x'), "00:03:25", 1000)}, 269, 4798, true, false};
+    for (const std::size_t columns : {40U, 60U, 78U})
+        for (const std::string& line : trackList(compilation, columns))
+            EXPECT_EQ(displayWidth(line), columns) << line;
+    for (const std::string& line : trackList(compilation, 200))
+        EXPECT_EQ(displayWidth(line), 78U) << line;
+}
+
+TEST(TrackList, ControlCharactersInANameAreHarmless) {
+    const ScriptedPlatform platform;
+    const Compilation compilation{{item("a\x1b[2Jb", "00:03:25", 1000)}, 269, 4798, true, false};
+    EXPECT_THAT(trackList(compilation, 60).front(), HasSubstr("a\uFFFD[2Jb "));
+}
+
+TEST(UsageLine, ShowsUsedAgainstFreeTime) {
+    EXPECT_EQ(usageLine({{}, 2400, 4800, true, false}, 80, false),
+              "[###############---------------] 00:40:00 of 01:20:00, 00:40:00 left");
+    EXPECT_EQ(usageLine({{}, 4800, 4800, true, false}, 80, false),
+              "[##############################] 01:20:00 of 01:20:00, 00:00:00 left");
+    EXPECT_EQ(usageLine({{}, 4810, 4800, true, true}, 80, false),
+              "[##############################] 01:20:10 of 01:20:00, 00:00:10 too long");
+}
+
+TEST(UsageLine, LeavesTheBarOutWhereThereIsNoRoom) {
+    EXPECT_EQ(usageLine({{}, 2400, 4800, true, false}, 40, false),
+              "00:40:00 of 01:20:00, 00:40:00 left");
+    EXPECT_EQ(displayWidth(usageLine({{}, 2400, 4800, true, false}, 20, false)), 20U);
+}
+
+TEST(UsageLine, SaysThatThereIsNoDisc) {
+    EXPECT_EQ(usageLine({{}, 2400, 0, false, false}, 80, false), "There is no disc in the drive.");
+}
+
+TEST(ProgressLine, ShowsStateTrackPercentAndTimeLeft) {
+    EXPECT_EQ(progressLine("Writing track 2 of 9", 0.5, 67, 80, false),
+              "Writing track 2 of 9 [###############---------------]  50%   1:07 left");
+}
+
+TEST(ProgressLine, GivesUpTheBarFirstAndThenTheTime) {
+    EXPECT_EQ(progressLine("Writing track 2 of 9", 0.5, 67, 40, false),
+              "Writing track 2 of 9  50%   1:07 left");
+    EXPECT_EQ(progressLine("Writing track 2 of 9", 0.5, 67, 30, false), "Writing track 2 of 9 50%");
+    EXPECT_EQ(progressLine("Writing track 2 of 9", 0.5, 67, 12, false), "Writi... 50%");
+}
+
+TEST(ProgressLine, NeverExceedsTheScreen) {
+    for (std::size_t columns = 4; columns < 120; ++columns)
+        EXPECT_LE(displayWidth(progressLine("Writing track 99 of 99", 1.0, 35999, columns, true)),
+                  columns);
+}
+
+} // namespace
+} // namespace quarner::cli

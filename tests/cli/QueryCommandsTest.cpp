@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "tests/cli/TestHost.h"
+
+namespace quarner::cli {
+namespace {
+
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+TEST(DrivesCommand, ListsTheDrivesAndWhatTheyCanDo) {
+    TestHost host;
+    host.platform.addDrive({.name = "Writer", .disc = DiscScript{}});
+    host.platform.addDrive({.name = "Reader", .canWriteCD = false});
+    EXPECT_EQ(host.run({"drives"}), 0);
+    EXPECT_THAT(host.outLines(), ElementsAre("Writer: writes CDs; CD-R, blank, 01:19:57 free",
+                                             "Reader: cannot write CDs; no disc"));
+    EXPECT_EQ(host.run({"drives", "--json"}), 0);
+    EXPECT_THAT(host.outLines(),
+                ElementsAre(R"({"event":"drive","name":"Writer","canWriteCD":true,"disc":true})",
+                            R"({"event":"drive","name":"Reader","canWriteCD":false,"disc":false})",
+                            R"({"event":"exit","status":0})"));
+}
+
+TEST(DrivesCommand, AMachineWithoutDrivesIsNoFailure) {
+    TestHost host;
+    EXPECT_EQ(host.run({"drives"}), 0);
+    EXPECT_EQ(host.out(), "");
+    EXPECT_THAT(host.err(), HasSubstr("there is no drive"));
+}
+
+TEST(DrivesCommand, AnImageIsADriveToo) {
+    TestHost host;
+    const std::string image = (std::filesystem::temp_directory_path() / "x.cue").string();
+    EXPECT_EQ(host.run({"drives", "--image", image}), 0);
+    EXPECT_THAT(host.outLines(), ElementsAre(HasSubstr("x.cue: writes CDs; CD-R, blank")));
+    EXPECT_EQ(host.images.at(0).disc, ImageRequest::Disc::ExistingOrBlank);
+}
+
+TEST(DiscCommand, ShowsKindStateTimesSizesAndSpeeds) {
+    TestHost host;
+    host.platform.addDrive({.name = "Writer", .disc = DiscScript{}});
+    EXPECT_EQ(host.run({"disc"}), 0);
+    EXPECT_THAT(host.outLines(),
+                ElementsAre("Drive:   Writer", "Disc:    CD-R, blank", "Used:    00:00:00, 0 KB",
+                            "Free:    01:19:57, 702.8 MB", "Speeds:  4x, 24x, 52x"));
+}
+
+TEST(DiscCommand, TellsProgramsTheFigures) {
+    TestHost host;
+    host.platform.addDrive({.name = "Writer",
+                            .disc = DiscScript{.type = DRDeviceMediaTypeCDRW,
+                                               .isBlank = false,
+                                               .isErasable = true,
+                                               .spaceUsed = DRMSF::msfWithFrames(750),
+                                               .blocksUsed = 750}});
+    EXPECT_EQ(host.run({"disc", "--json"}), 0);
+    const json disc = json::parse(host.outLines().at(0));
+    EXPECT_EQ(disc, (json{{"event", "disc"},
+                          {"name", "Writer"},
+                          {"present", true},
+                          {"kind", "CD-RW"},
+                          {"cd", true},
+                          {"blank", false},
+                          {"appendable", true},
+                          {"erasable", true},
+                          {"overwritable", false},
+                          {"usedTime", 10},
+                          {"freeTime", 4797},
+                          {"usedSize", 1536000},
+                          {"freeSize", 736966656},
+                          {"speeds", {300, 1800, 3900}}}));
+}
+
+TEST(DiscCommand, AnEmptyDriveIsAnAnswer) {
+    TestHost host;
+    host.platform.addDrive({.name = "Writer"});
+    EXPECT_EQ(host.run({"disc"}), 0);
+    EXPECT_THAT(host.outLines(), ElementsAre("Drive:   Writer", "Disc:    no disc"));
+}
+
+TEST(DiscCommand, WithoutADriveThereIsNothingToShow) {
+    TestHost host;
+    EXPECT_EQ(host.run({"disc"}), 2);
+    EXPECT_THAT(host.err(), HasSubstr("there is no drive"));
+}
+
+TEST(DiscCommand, ADriveIsChosenByItsName) {
+    TestHost host;
+    host.platform.addDrive({.name = "One"});
+    host.platform.addDrive({.name = "Two", .disc = DiscScript{.type = DRDeviceMediaTypeDVDR}});
+    EXPECT_EQ(host.run({"disc"}), 2);
+    EXPECT_EQ(host.run({"disc", "--drive", "Two"}), 0);
+    EXPECT_THAT(host.out(), HasSubstr("DVD-R, blank"));
+}
+
+TEST(EjectCommand, PutsTheDiscOut) {
+    TestHost host;
+    const auto drive = host.platform.addDrive({.name = "Writer", .disc = DiscScript{}});
+    EXPECT_EQ(host.run({"eject"}), 0);
+    EXPECT_FALSE(drive->mediaIsPresent());
+    EXPECT_THAT(host.outLines(), ElementsAre("Ejected: Writer"));
+}
+
+TEST(EjectCommand, ADriveThatKeepsItsDiscIsAFailure) {
+    TestHost host;
+    host.platform.addDrive({.name = "Writer", .disc = DiscScript{}});
+    host.platform.fail(ServiceCall::EjectMedia);
+    EXPECT_EQ(host.run({"eject", "--json"}), 1);
+    EXPECT_THAT(host.outLines(), ElementsAre(R"({"event":"eject","name":"Writer","ejected":false})",
+                                             R"({"event":"exit","status":1})"));
+    EXPECT_THAT(host.err(), HasSubstr("'Writer' keeps its disc"));
+}
+
+/// Runs `watch` and lets things happen one after another, each when the one before was dealt with.
+class WatchCommandTest : public testing::Test {
+protected:
+    int watch(std::vector<std::string> arguments, std::vector<std::function<void()>> happenings) {
+        arguments.insert(arguments.begin(), "watch");
+        happenings.push_back([this] { host.interrupt(); });
+        auto next = happenings.begin();
+        host.atEachTurn = [&] {
+            if (next != happenings.end())
+                (*next++)();
+        };
+        return host.run(arguments);
+    }
+
+    TestHost host;
+};
+
+TEST_F(WatchCommandTest, TellsOfDrivesAndDiscsAsTheyComeAndGo) {
+    host.platform.addDrive({.name = "Old"});
+    std::shared_ptr<ScriptedDrive> drive;
+    EXPECT_EQ(watch({}, {[&] { drive = host.platform.plug({.name = "New"}); }, [] {}, [] {},
+                         [&] { drive->insert({}); }, [] {}, [] {},
+                         [&] { host.platform.unplug(drive); }, [] {}, [] {}}),
+              130);
+    EXPECT_THAT(host.outLines(),
+                ElementsAre("Old: no disc", "New: appeared", "New: CD-R, blank, 01:19:57 free",
+                            "New: disappeared"));
+}
+
+TEST_F(WatchCommandTest, TellsProgramsTheCallbacks) {
+    std::shared_ptr<ScriptedDrive> drive;
+    EXPECT_EQ(watch({"--json"}, {[&] { drive = host.platform.plug({.name = "New"}); }, [] {}, [] {},
+                                 [&] { drive->reportChange(); }, [] {}, [] {},
+                                 [&] { host.platform.unplug(drive); }, [] {}, [] {}}),
+              130);
+    EXPECT_THAT(host.outLines(), ElementsAre(R"({"event":"deviceDidAppeared","name":"New"})",
+                                             R"({"event":"deviceStatusDidChanged","name":"New"})",
+                                             R"({"event":"deviceDidDisappeared","name":"New"})",
+                                             R"({"event":"exit","status":130})"));
+}
+
+TEST_F(WatchCommandTest, ADriveThatIsNamedIsTheOnlyOneToldOf) {
+    const auto one = host.platform.addDrive({.name = "One"});
+    const auto two = host.platform.addDrive({.name = "Two"});
+    EXPECT_EQ(watch({"--drive", "Two"}, {[&] { one->insert({}); }, [] {}, [] {},
+                                         [&] { two->reportChange(); }, [] {}, [] {}}),
+              130);
+    EXPECT_THAT(host.outLines(), ElementsAre("Two: no disc", "Two: no disc"));
+}
+
+TEST_F(WatchCommandTest, WaitsAlsoOnAMachineWithoutDrives) {
+    EXPECT_EQ(watch({}, {}), 130);
+    EXPECT_THAT(host.outLines(), ElementsAre("There is no drive yet."));
+}
+
+} // namespace
+} // namespace quarner::cli
