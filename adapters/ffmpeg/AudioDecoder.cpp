@@ -86,14 +86,14 @@ bool AudioDecoder::advance() {
 AudioFile::Reading AudioDecoder::readPacket() {
     const AudioFile::Reading reading = _file->read(_packet);
     if (reading == AudioFile::Reading::packet) {
-        _promiseTrim.begin(*_packet.get());
+        _promiseTrim.begin(_packet);
         _promised += _promiseTrim.heard(_packet.samples).count;
     }
     return reading;
 }
 
 void AudioDecoder::sendPacket() {
-    _soundTrim.begin(*_packet.get());
+    _soundTrim.begin(_packet);
     _decoded = 0;
     _isDamaged = avcodec_send_packet(_codec, _packet.get()) < 0;
 }

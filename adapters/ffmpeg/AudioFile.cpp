@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <sstream>
 
 namespace quarner {
@@ -21,25 +22,46 @@ std::string joined(const auto& names) {
     return list;
 }
 
+/// Opens a local file; further options by name. Owned by the caller; null when that fails.
+AVFormatContext* openedFormat(const std::string& path,
+                              const std::map<std::string, std::string>& further) {
+    AVDictionary* options = nullptr;
+    av_dict_set(&options, "protocol_whitelist", "file", 0);
+    av_dict_set(&options, "format_whitelist", joined(formats).c_str(), 0);
+    for (const auto& [name, value] : further)
+        av_dict_set(&options, name.c_str(), value.c_str(), 0);
+    AVFormatContext* format = nullptr;
+    avformat_open_input(&format, ("file:" + path).c_str(), nullptr, &options);
+    av_dict_free(&options);
+    return format;
+}
+
+/// How long a stream is before its container's edit list is applied, in its time base.
+std::int64_t uneditedDuration(const std::string& path, int stream) {
+    AVFormatContext* format = openedFormat(path, {{"ignore_editlist", "1"}});
+    if (format == nullptr)
+        return AV_NOPTS_VALUE;
+    const bool isThere = static_cast<unsigned>(stream) < format->nb_streams;
+    const std::int64_t duration = isThere ? format->streams[stream]->duration : AV_NOPTS_VALUE;
+    avformat_close_input(&format);
+    return duration;
+}
+
 } // namespace
 
 std::unique_ptr<AudioFile> AudioFile::open(const std::string& path) {
-    std::unique_ptr<AudioFile> file(new AudioFile);
-    if (!file->openInput(path) || !file->findSound())
+    std::unique_ptr<AudioFile> file(new AudioFile(path));
+    if (!file->openInput() || !file->findSound())
         return nullptr;
     return file;
 }
 
 AudioFile::~AudioFile() { avformat_close_input(&_format); }
 
-bool AudioFile::openInput(const std::string& path) {
-    AVDictionary* options = nullptr;
-    av_dict_set(&options, "protocol_whitelist", "file", 0);
-    av_dict_set(&options, "format_whitelist", joined(formats).c_str(), 0);
-    const int opened = avformat_open_input(&_format, ("file:" + path).c_str(), nullptr, &options);
-    av_dict_free(&options);
+bool AudioFile::openInput() {
+    _format = openedFormat(_path, {});
     // A score of 1 is an extension without a content, or one chance match in the noise.
-    return opened == 0 && _format->probe_score > 1;
+    return _format != nullptr && _format->probe_score > 1;
 }
 
 bool AudioFile::findSound() {
@@ -64,6 +86,8 @@ bool AudioFile::findSound() {
     if (index < namedRates.size() && namedRates[index] > 0)
         _skipScale = std::max(1, foundRate / namedRates[index]);
     _isBareMpeg = isInputFormat("mp3") && _stream->codecpar->codec_id == AV_CODEC_ID_MP3;
+    if (isInputFormat("mov"))
+        _unedited = uneditedDuration(_path, best);
     _hasUnknownDurations = !hasExactDurations(_stream->codecpar->codec_id);
     return foundRate > 0;
 }
@@ -82,74 +106,6 @@ bool AudioFile::hasExactDurations(AVCodecID codec) const {
                                   [this](const char* name) { return isInputFormat(name); });
 }
 
-AudioFile::Reading AudioFile::read(Packet& packet) {
-    if (packet.get() == nullptr || _next.get() == nullptr)
-        return Reading::failure;
-    const Reading reading = _isBareMpeg ? readFrame(packet) : readSound(packet);
-    if (reading == Reading::packet)
-        count(packet);
-    return reading;
-}
-
-AudioFile::Reading AudioFile::readSound(Packet& packet) {
-    do {
-        av_packet_unref(packet.get());
-        const int outcome = av_read_frame(_format, packet.get());
-        if (outcome == AVERROR_EOF && _format->pb->error >= 0)
-            return Reading::end;
-        if (outcome < 0)
-            return Reading::failure;
-    } while (packet->stream_index != _stream->index);
-    return Reading::packet;
-}
-
-AudioFile::Reading AudioFile::readFrame(Packet& packet) {
-    if (_next->size > 0) {
-        av_packet_unref(packet.get());
-        av_packet_move_ref(packet.get(), _next.get());
-        return Reading::packet;
-    }
-    for (;;) {
-        const Reading reading = readSound(packet);
-        if (reading != Reading::packet)
-            return reading;
-        const MpegFrames::Content content = _mpeg.classify(packet.bytes());
-        if (content == MpegFrames::Content::damage)
-            return readPastDamage(packet);
-        if (content == MpegFrames::Content::frame)
-            return reading;
-    }
-}
-
-/// Damage counts only when sound follows: bytes after the last frame are none.
-AudioFile::Reading AudioFile::readPastDamage(Packet& packet) {
-    std::uint64_t frames = _mpeg.framesIn(packet.bytes());
-    for (;;) {
-        const Reading reading = readSound(_next);
-        if (reading != Reading::packet)
-            return reading;
-        const MpegFrames::Content content = _mpeg.classify(_next.bytes());
-        if (content == MpegFrames::Content::frame)
-            break;
-        if (content == MpegFrames::Content::damage)
-            frames += _mpeg.framesIn(_next.bytes());
-    }
-    packet->duration *= static_cast<std::int64_t>(frames);
-    return Reading::packet;
-}
-
-void AudioFile::count(Packet& packet) {
-    const std::uint64_t start = samplesUntil(_ticks);
-    _ticks += std::max<std::int64_t>(packet->duration, 0);
-    packet.samples = samplesUntil(_ticks) - start;
-    _hasUnknownDurations = _hasUnknownDurations || packet->duration <= 0;
-}
-
-std::uint64_t AudioFile::samplesUntil(std::int64_t ticks) const {
-    const AVRational rateBase = {1, static_cast<int>(rate())};
-    return static_cast<std::uint64_t>(av_rescale_q(ticks, _stream->time_base, rateBase));
-}
-
 std::vector<std::string> audioFileExtensions() {
     std::vector<std::string> extensions;
     for (const char* name : formats) {
@@ -157,6 +113,8 @@ std::vector<std::string> audioFileExtensions() {
         std::istringstream list(format && format->extensions ? format->extensions : "");
         for (std::string extension; std::getline(list, extension, ',');)
             extensions.push_back(extension);
+        if (format && !format->extensions)
+            extensions.push_back(name);
     }
     std::sort(extensions.begin(), extensions.end());
     extensions.erase(std::unique(extensions.begin(), extensions.end()), extensions.end());

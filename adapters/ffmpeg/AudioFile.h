@@ -3,7 +3,7 @@
 
 #include <cstdint>
 #include <memory>
-#include <span>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,31 +13,9 @@ extern "C" {
 }
 
 #include "adapters/ffmpeg/MpegFrames.h"
+#include "adapters/ffmpeg/Packet.h"
 
 namespace quarner {
-
-/// One packet of sound, as FFmpeg hands it out; reused from read to read.
-class Packet {
-public:
-    Packet() : _packet(av_packet_alloc()) {}
-    ~Packet() { av_packet_free(&_packet); }
-    Packet(const Packet&) = delete;
-    Packet& operator=(const Packet&) = delete;
-
-    /// Owned by this object; null when there was no memory for it.
-    AVPacket* get() const { return _packet; }
-    AVPacket* operator->() const { return _packet; }
-
-    std::span<const std::uint8_t> bytes() const {
-        return {_packet->data, static_cast<std::size_t>(_packet->size)};
-    }
-
-    /// The samples that the packet takes at the file's rate, those that are not heard included.
-    std::uint64_t samples = 0;
-
-private:
-    AVPacket* _packet;
-};
 
 /// The compressed sound of one local file: its best audio stream, packet by packet. Not for use on
 /// two threads at once; each file on its own thread is fine.
@@ -70,8 +48,8 @@ public:
     bool hasUnknownDurations() const { return _hasUnknownDurations; }
 
 private:
-    AudioFile() = default;
-    bool openInput(const std::string& path);
+    explicit AudioFile(const std::string& path) : _path(path) {}
+    bool openInput();
     bool findSound();
     bool isInputFormat(std::string_view name) const;
     bool hasExactDurations(AVCodecID codec) const;
@@ -79,16 +57,26 @@ private:
     Reading readFrame(Packet& packet);
     Reading readPastDamage(Packet& packet);
     void count(Packet& packet);
+    void correctEdit(Packet& packet);
+    std::int64_t editError(const AVPacket& first) const;
+    void notePadding();
+    std::uint64_t paddingWithin(SampleRange range) const;
     std::uint64_t samplesUntil(std::int64_t ticks) const;
 
+    const std::string _path;
     AVFormatContext* _format = nullptr;
     AVStream* _stream = nullptr;
     int _skipScale = 1;
+    bool _hasUnknownDurations = false;
+    std::uint64_t _packets = 0;              // read so far
+    std::int64_t _ticks = 0;                 // that they take, in the stream's time base
+    std::int64_t _unedited = AV_NOPTS_VALUE; // ticks of the whole stream, its edit list left out
+    std::int64_t _editError = 0;
+    std::int64_t _firstPosition = -1; // in the file, of the first packet
     bool _isBareMpeg = false;
     MpegFrames _mpeg;
-    Packet _next;            // read ahead, behind damage
-    std::int64_t _ticks = 0; // in the stream's time base, of the packets read so far
-    bool _hasUnknownDurations = false;
+    Packet _next;                        // read ahead, behind damage
+    std::optional<SampleRange> _padding; // noted by the encoder; known once damage was found
 };
 
 /// The file-name extensions of the formats that are read.

@@ -4,7 +4,6 @@
 #include <algorithm>
 
 extern "C" {
-#include <libavcodec/packet.h>
 #include <libavutil/intreadwrite.h>
 }
 
@@ -16,15 +15,16 @@ constexpr std::size_t skipNoteSize = 10; // two 32-bit counts and two reasons
 
 } // namespace
 
-void PacketTrim::begin(const AVPacket& packet) {
-    _cut = 0;
-    _isDiscarded = (packet.flags & AV_PKT_FLAG_DISCARD) != 0;
+void PacketTrim::begin(const Packet& packet) {
+    _cut = packet.unheard;
+    _isDiscarded = (packet->flags & AV_PKT_FLAG_DISCARD) != 0;
     std::size_t size = 0;
-    const std::uint8_t* note = av_packet_get_side_data(&packet, AV_PKT_DATA_SKIP_SAMPLES, &size);
+    const std::uint8_t* note =
+        av_packet_get_side_data(packet.get(), AV_PKT_DATA_SKIP_SAMPLES, &size);
     if (note == nullptr || size < skipNoteSize)
         return;
     _skip = AV_RL32(note) * _skipScale;
-    _cut = AV_RL32(note + 4) * _skipScale;
+    _cut = std::max(_cut, AV_RL32(note + 4) * _skipScale);
 }
 
 SampleRange PacketTrim::heard(std::uint64_t samples) {

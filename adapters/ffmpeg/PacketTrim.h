@@ -3,15 +3,9 @@
 
 #include <cstdint>
 
-struct AVPacket;
+#include "adapters/ffmpeg/Packet.h"
 
 namespace quarner {
-
-/// A run of samples within those that a packet decodes to.
-struct SampleRange {
-    std::uint64_t first = 0;
-    std::uint64_t count = 0;
-};
 
 /// Tells which samples of each packet are heard: without what the encoder put before the first
 /// sample and after the last one, as the packets themselves note it. What is to be skipped may
@@ -21,7 +15,7 @@ public:
     explicit PacketTrim(int skipScale) : _skipScale(static_cast<std::uint64_t>(skipScale)) {}
 
     /// Takes note of the next packet. Then `heard` is asked for what it decodes to.
-    void begin(const AVPacket& packet);
+    void begin(const Packet& packet);
 
     /// The part that is heard of the packet's next `samples` samples.
     SampleRange heard(std::uint64_t samples);

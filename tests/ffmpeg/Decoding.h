@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "quarner/platform/PCMService.h"
+
+namespace quarner::testing {
+
+/// All that a stream delivers, read in pieces of so many values; nothing when the file cannot be
+/// opened or read to its end.
+std::optional<std::vector<std::int16_t>> decoded(PCMService& service, const std::string& path,
+                                                 std::size_t valuesAtOnce = 4704);
+
+} // namespace quarner::testing

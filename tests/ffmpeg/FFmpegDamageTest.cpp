@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <gtest/gtest.h>
+
+#include "adapters/ffmpeg/FFmpegServices.h"
+#include "quarner/platform/Platform.h"
+#include "tests/ffmpeg/Decoding.h"
+#include "tests/support/AudioFixtures.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace quarner::testing {
+namespace {
+
+constexpr std::size_t wholeFile = 2 * 441441;     // values
+constexpr std::size_t codecMemory = 2 * 3 * 2048; // values that damage behind it may still change
+
+class FFmpegDamage : public ::testing::Test {
+protected:
+    /// Writes the content under a name and answers its path.
+    std::string write(const std::string& content, const std::string& name = "a.mp3") const {
+        return folder.write(name, content);
+    }
+
+    /// Decodes a file and expects it to be as long as it was measured.
+    std::vector<std::int16_t> decodedAsMeasured(const std::string& path) const {
+        const auto length = service->measure(path);
+        const auto samples = decoded(*service, path);
+        EXPECT_TRUE(length && samples);
+        if (!length || !samples)
+            return {};
+        EXPECT_EQ(samples->size(), 2 * length->discSamples);
+        return *samples;
+    }
+
+    /// Expects the sound of a file damaged between two shares of its bytes to be where it was.
+    void expectPlaceKept(const std::string& whole, const std::string& damaged, double from,
+                         double to) const {
+        const std::vector<std::int16_t> good = decodedAsMeasured(whole);
+        const std::vector<std::int16_t> bad = decodedAsMeasured(damaged);
+        ASSERT_EQ(bad.size(), good.size());
+        const auto before = static_cast<std::size_t>(from * static_cast<double>(good.size()));
+        const auto after = static_cast<std::size_t>(to * static_cast<double>(good.size()));
+        const auto middle = static_cast<std::ptrdiff_t>(before - codecMemory);
+        EXPECT_EQ(largestDifference({bad.begin(), bad.begin() + middle}, good), 0);
+        EXPECT_GT(largestDifference(bad, good), 1000);
+        EXPECT_LE(largestDifference(bad, good, after + codecMemory), 1);
+    }
+
+    const TemporaryFolder folder;
+    const std::shared_ptr<PCMService> service = makeFFmpegPCMService();
+};
+
+/// The content with everything between two shares of it overwritten.
+std::string overwritten(std::string content, double from, double to) {
+    const auto size = static_cast<double>(content.size());
+    for (auto i = static_cast<std::size_t>(from * size); i < static_cast<std::size_t>(to * size);
+         ++i)
+        content[i] = 0x55;
+    return content;
+}
+
+TEST_F(FFmpegDamage, ATruncatedMP3IsAsLongAsWhatIsLeft) {
+    const std::string content = contentOf(audioFixture(mp3Recipe()));
+    const std::string path = write(content.substr(0, content.size() * 6 / 10));
+    const std::vector<std::int16_t> ours = decodedAsMeasured(path);
+    EXPECT_LT(ours.size(), wholeFile * 65 / 100);
+    EXPECT_GT(ours.size(), wholeFile * 55 / 100);
+    const std::vector<std::int16_t> theirs = decodedByFFmpeg(path);
+    EXPECT_EQ(ours.size(), theirs.size());
+    EXPECT_LE(largestDifference(ours, theirs), 1);
+}
+
+TEST_F(FFmpegDamage, AnMP3ThatHoldsMoreThanItsTagPromisesPlaysToItsEnd) {
+    AudioRecipe longer = untaggedMP3Recipe();
+    longer.samples = 300000;
+    const std::string path =
+        write(contentOf(audioFixture(mp3Recipe())) + contentOf(audioFixture(longer)));
+    const std::vector<std::int16_t> ours = decodedAsMeasured(path);
+    EXPECT_GT(ours.size(), wholeFile + 2 * 300000);
+    const std::vector<std::int16_t> theirs = decodedByFFmpeg(path);
+    EXPECT_EQ(ours.size(), theirs.size());
+    EXPECT_LE(largestDifference(ours, theirs), 1);
+}
+
+TEST_F(FFmpegDamage, TwoTaggedMP3sInOneFilePlayAsTheFFmpegProgramPlaysThem) {
+    const std::string content = contentOf(audioFixture(mp3Recipe()));
+    const std::string path = write(content + content);
+    const std::vector<std::int16_t> ours = decodedAsMeasured(path);
+    EXPECT_GT(ours.size(), 2 * wholeFile - 8 * 1152);
+    const std::vector<std::int16_t> theirs = decodedByFFmpeg(path);
+    EXPECT_EQ(ours.size(), theirs.size());
+    EXPECT_LE(largestDifference(ours, theirs), 1);
+}
+
+TEST_F(FFmpegDamage, BytesAfterTheLastFrameAreNoSound) {
+    const std::string content = contentOf(audioFixture(mp3Recipe()));
+    const std::string tag = "TAG" + std::string(125, ' ');
+    const std::string apeTag = "APETAGEX" + std::string(500, 'x');
+    for (const std::string& end : {std::string(5000, '\0'), std::string("the end"), tag, apeTag})
+        EXPECT_EQ(decodedAsMeasured(write(content + end)).size(), wholeFile) << end;
+}
+
+TEST_F(FFmpegDamage, MP3FramesThatCannotBeFoundKeepTheirPlace) {
+    const std::string whole = audioFixture(untaggedMP3Recipe());
+    expectPlaceKept(whole, write(overwritten(contentOf(whole), 0.45, 0.5)), 0.45, 0.5);
+}
+
+TEST_F(FFmpegDamage, ADamagedMP3WithATagIsStillTrimmedAtItsEnd) {
+    const std::string whole = audioFixture(mp3Recipe());
+    expectPlaceKept(whole, write(overwritten(contentOf(whole), 0.45, 0.5)), 0.45, 0.5);
+}
+
+TEST_F(FFmpegDamage, DamageInsideTheFramesOfAnMP3KeepsItsPlace) {
+    const std::string whole = audioFixture(untaggedMP3Recipe());
+    std::string content = contentOf(whole);
+    for (std::size_t i = content.size() * 45 / 100; i < content.size() / 2; i += 37)
+        content[i] = static_cast<char>(content[i] ^ static_cast<char>(1 + i % 200));
+    expectPlaceKept(whole, write(content), 0.45, 0.5);
+}
+
+TEST_F(FFmpegDamage, ADamagedPacketOfAnM4AKeepsItsPlace) {
+    AudioRecipe aac = aacRecipe();
+    // Without noise substitution: its random numbers depend on every packet before.
+    aac.encoder.insert(aac.encoder.end(), {"-aac_pns", "0"});
+    for (const AudioRecipe& recipe : {aac, alacRecipe()}) {
+        const std::string whole = audioFixture(recipe);
+        const std::string damaged = write(overwritten(contentOf(whole), 0.45, 0.5), "a.m4a");
+        expectPlaceKept(whole, damaged, 0.44, 0.51);
+    }
+}
+
+TEST_F(FFmpegDamage, AnM4AWhoseEndIsMissingIsAsLongAsWhatIsLeft) {
+    AudioRecipe recipe = aacRecipe();
+    recipe.name = "index-first.m4a";
+    recipe.encoder.insert(recipe.encoder.end(), {"-movflags", "+faststart"});
+    const std::string content = contentOf(audioFixture(recipe));
+    const std::string path = write(content.substr(0, content.size() * 6 / 10), "a.m4a");
+    const std::vector<std::int16_t> ours = decodedAsMeasured(path);
+    EXPECT_LT(ours.size(), wholeFile * 65 / 100);
+    EXPECT_GT(ours.size(), wholeFile * 55 / 100);
+    EXPECT_LE(largestDifference(ours, decodedByFFmpeg(path)), 1);
+}
+
+TEST_F(FFmpegDamage, AFileThatShrinksWhileItIsReadEndsEarlyOrFails) {
+    const std::string content = contentOf(audioFixture(alacRecipe()));
+    const std::string path = write(content, "a.m4a");
+    const auto stream = service->open(path);
+    ASSERT_NE(stream, nullptr);
+    std::vector<std::int16_t> values(wholeFile);
+    ASSERT_EQ(stream->read(std::span(values).first(20000)), 20000U);
+    std::filesystem::resize_file(path, content.size() / 2);
+    const auto rest = stream->read(values);
+    EXPECT_TRUE(!rest || *rest < wholeFile - 20000);
+}
+
+class CollectingLog : public LogSink {
+public:
+    void log(const std::string& line) override { lines.push_back(line); }
+    std::vector<std::string> lines;
+};
+
+TEST_F(FFmpegDamage, WhatIsWrongWithAFileGoesToTheLogUnderItsName) {
+    const auto log = std::make_shared<CollectingLog>();
+    Platform platform;
+    platform.log = log;
+    installPlatform(platform);
+    const std::string whole = audioFixture(untaggedMP3Recipe());
+    const std::string path = write(overwritten(contentOf(whole), 0.45, 0.5), "damaged.mp3");
+    ::testing::internal::CaptureStderr();
+    EXPECT_TRUE(decoded(*service, path));
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+    installPlatform({});
+    ASSERT_FALSE(log->lines.empty());
+    for (const std::string& line : log->lines) {
+        EXPECT_EQ(line.find(path), 0U) << line;
+        EXPECT_EQ(line.find('\n'), std::string::npos) << line;
+    }
+}
+
+} // namespace
+} // namespace quarner::testing
