@@ -25,7 +25,7 @@ GObjectPtr<GFileInfo> queried(const std::string& path, const char* attribute) {
 }
 
 std::optional<std::uint32_t> typeCodeOf(const std::string& path) {
-    std::array<unsigned char, 5> bytes = {}; // one more than there should be
+    std::array<unsigned char, 4> bytes = {}; // a longer value is an error
     if (getxattr(path.c_str(), typeCodeAttribute, bytes.data(), bytes.size()) != 4)
         return std::nullopt;
     return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 |

@@ -75,7 +75,7 @@ TEST(GlibDispatch, BackgroundWorkRunsFourAtATimeAtLeast) {
                 gate.open();
             gate.wait();
         });
-    EXPECT_TRUE(gate.wait());
+    EXPECT_TRUE(gate.wait(5s));
     dispatch->shutDown();
 }
 

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "quarner/desktop.h"
+
+#include <mutex>
+#include <utility>
+
+#include "adapters/desktop/DesktopPlatform.h"
+#include "adapters/image/ImageRecorder.h"
+
+namespace quarner {
+namespace {
+
+struct Installed {
+    std::mutex mutex;
+    std::shared_ptr<DesktopPlatform> desktop; // null while it is not installed
+};
+
+// Never destroyed: the platform may still be in use while the process exits.
+Installed& installed() {
+    static auto* const place = new Installed;
+    return *place;
+}
+
+std::shared_ptr<DesktopPlatform> current() {
+    const std::lock_guard lock(installed().mutex);
+    return installed().desktop;
+}
+
+std::shared_ptr<DesktopPlatform> currentOrNew() {
+    const std::lock_guard lock(installed().mutex);
+    if (!installed().desktop)
+        installed().desktop = std::make_shared<DesktopPlatform>();
+    return installed().desktop;
+}
+
+std::shared_ptr<DesktopPlatform> takeCurrent() {
+    const std::lock_guard lock(installed().mutex);
+    return std::exchange(installed().desktop, nullptr);
+}
+
+std::shared_ptr<ImageDrive> imageDrive(const DesktopPlatform& desktop, const std::string& name) {
+    for (const auto& drive : desktop.recorder().devices())
+        if (drive->displayName() == name)
+            return std::dynamic_pointer_cast<ImageDrive>(drive);
+    return nullptr;
+}
+
+} // namespace
+
+void installDesktopPlatform() { installPlatform(currentOrNew()->services()); }
+
+void uninstallDesktopPlatform() {
+    const std::shared_ptr<DesktopPlatform> desktop = takeCurrent();
+    if (!desktop)
+        return;
+    desktop->endBackgroundWork(); // first: it uses the services
+    installPlatform({});
+}
+
+std::string addImageDrive(const ImageDriveOptions& options) {
+    const auto desktop = current();
+    if (!desktop || options.minutes < 0)
+        return {};
+    const auto drive = desktop->recorder().add({.path = options.path,
+                                                .minutes = static_cast<unsigned>(options.minutes),
+                                                .loadExisting = options.loadExisting});
+    return drive ? drive->displayName() : std::string();
+}
+
+bool removeImageDrive(const std::string& displayName) {
+    const auto desktop = current();
+    return desktop && desktop->recorder().remove(imageDrive(*desktop, displayName));
+}
+
+bool insertBlankDisc(const std::string& displayName) {
+    const auto desktop = current();
+    const auto drive = desktop ? imageDrive(*desktop, displayName) : nullptr;
+    return drive && drive->insertBlank();
+}
+
+} // namespace quarner

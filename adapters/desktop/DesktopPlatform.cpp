@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/desktop/DesktopPlatform.h"
+
+#include "adapters/ffmpeg/FFmpegServices.h"
+#include "adapters/glib/GlibServices.h"
+#include "adapters/image/ImageRecorder.h"
+
+namespace quarner {
+
+DesktopPlatform::DesktopPlatform() : _dispatch(makeGlibDispatch()) {
+    const std::shared_ptr<PCMService> pcm = makeFFmpegPCMService();
+    _recorder = std::make_shared<ImageRecorder>(makeGlibRunLoops(), pcm);
+    _services = {.recording = _recorder,
+                 .media = makeFFmpegMediaService(pcm),
+                 .files = makeGlibFileService(),
+                 .dispatch = _dispatch,
+                 .text = makeGlibTextService(),
+                 .log = makeGlibLogSink()};
+}
+
+DesktopPlatform::~DesktopPlatform() = default;
+
+void DesktopPlatform::endBackgroundWork() { _dispatch->shutDown(); }
+
+} // namespace quarner

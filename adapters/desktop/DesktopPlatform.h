@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "quarner/platform/Platform.h"
+
+namespace quarner {
+
+class GlibDispatch;
+class ImageRecorder;
+
+/// The adapters, put together. Made on the main thread.
+class DesktopPlatform {
+public:
+    DesktopPlatform();
+    /// Cancels the burns that are under way and waits for their end, unless another owner of the
+    /// services is left.
+    ~DesktopPlatform();
+    DesktopPlatform(const DesktopPlatform&) = delete;
+    DesktopPlatform& operator=(const DesktopPlatform&) = delete;
+
+    const Platform& services() const { return _services; }
+    ImageRecorder& recorder() const { return *_recorder; }
+
+    /// Ends the work in the background: see `GlibDispatch::shutDown`.
+    void endBackgroundWork();
+
+private:
+    const std::shared_ptr<GlibDispatch> _dispatch;
+    std::shared_ptr<ImageRecorder> _recorder;
+    Platform _services;
+};
+
+} // namespace quarner

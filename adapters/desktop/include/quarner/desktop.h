@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <string>
+
+#include "quarner/platform/Export.h"
+
+/// The platform of a desktop host: GLib's main loop and log, the user's locale, files and aliases
+/// as the desktop has them, sound through FFmpeg, and drives whose discs are image files.
+namespace quarner {
+
+/// Installs the platform. To be called before anything else of the framework, on the main thread,
+/// which then runs the loop of the default GMainContext: files are added, and burns and drives
+/// heard of, only while it runs. A thread that has a GMainContext of its own as its default hears
+/// of what it started through the loop of that one.
+///
+/// The locale of names and numbers is the one that the environment names now. Translations come
+/// from gettext's default domain: a host that has them calls `setlocale`, `textdomain` and
+/// `bindtextdomain` itself.
+///
+/// Installing it again puts the same platform, drives included, in the place of another one that
+/// was installed meanwhile.
+QUARNER_EXPORT void installDesktopPlatform();
+
+/// Ends the platform, on the main thread; the null platform takes its place. Runs that add files
+/// end without waiting for the main thread any more: they report the files that they did not get
+/// to as incompatible, and what had not begun is dropped. Burns are cancelled, which leaves no
+/// half image behind, and nothing is reported of it. When this returns, none of the framework's
+/// threads is at work any more. For a host that ends before its work does; a delegate must not
+/// wait for the main thread meanwhile.
+QUARNER_EXPORT void uninstallDesktopPlatform();
+
+/// A drive whose disc is an image, to be added.
+struct ImageDriveOptions {
+    /// The image: a path that ends in .cue. A BIN of the same name stands beside it. A relative
+    /// path counts from the working directory of now.
+    std::string path;
+    /// The length of a blank disc: 74 (333,000 blocks) or 80 (359,847 blocks).
+    int minutes = 80;
+    /// Whether an image that is there already is in the drive, as a disc that is written. Otherwise
+    /// the disc is blank, and a burn replaces the image once the new one is whole.
+    bool loadExisting = false;
+};
+
+// The following need the installed desktop platform. Any thread.
+
+/// Attaches a drive. Answers its display name, made from the path and unlike those of the other
+/// drives, or an empty text when the path names no CUE file or the minutes are none of the two.
+QUARNER_EXPORT std::string addImageDrive(const ImageDriveOptions& options);
+
+/// Unplugs the image drive of a name; answers whether there was one. A burn under way on it fails.
+/// The image stays.
+QUARNER_EXPORT bool removeImageDrive(const std::string& displayName);
+
+/// Puts a new blank disc into the image drive of a name, to be burnt to the same path: the image
+/// that is there stays until then. Answers false when there is no such drive, or a disc in it (see
+/// `QuarnerDevice::eject`).
+QUARNER_EXPORT bool insertBlankDisc(const std::string& displayName);
+
+} // namespace quarner

@@ -1,0 +1,179 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <algorithm>
+#include <fstream>
+#include <thread>
+
+#include "tests/desktop/DesktopFixture.h"
+
+namespace quarner::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr std::uintmax_t sectorSize = 2352;
+
+class DesktopBurning : public DesktopTest {
+protected:
+    std::string addDrive(const std::string& image = "mix.cue") const {
+        return addImageDrive({.path = folder.file(image), .minutes = 80});
+    }
+
+    /// The calls of a burn without the progress, a call that repeats only once.
+    std::vector<std::string> states() const {
+        std::vector<std::string> states = delegate.calls();
+        std::erase_if(states, [](const std::string& call) {
+            return call.starts_with("burnProgressDidChanaged");
+        });
+        states.erase(std::unique(states.begin(), states.end()), states.end());
+        return states;
+    }
+
+    std::vector<std::string> filesInFolder() const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+            names.push_back(entry.path().filename().string());
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+};
+
+TEST_F(DesktopBurning, AHostAddsFilesReadsTheListAndBurnsItToAnImage) {
+    const QuarnerDevice drive(addDrive());
+    compile({put("six.m4a", "two.m4a"), put("five.mp3", "one.mp3")});
+    EXPECT_EQ(burner->usedCapacity(), 15U);
+    EXPECT_FALSE(burner->isContentOverflowForDevice(drive));
+    EXPECT_TRUE(drive.isDiscBlank());
+    delegate.forget();
+
+    burner->burnWithDevice(drive, "Mix");
+    EXPECT_THAT(delegate.calls(), ElementsAre("burnProgressDidStarted"));
+    ASSERT_TRUE(runUntilCalled("burnProgressDidDone"));
+    EXPECT_THAT(states(),
+                ElementsAre("burnProgressDidStarted", "burnProgressIsPreparing",
+                            "burnProgressIsOpeningTrack(1, 2)", "burnProgressIsWriteingTrack(1, 2)",
+                            "burnProgressDidCloseTrack(1, 2)", "burnProgressIsOpeningTrack(2, 2)",
+                            "burnProgressIsWriteingTrack(2, 2)", "burnProgressDidCloseTrack(2, 2)",
+                            "burnProgressDidCloseSession", "burnProgressIsFinishing",
+                            "burnProgressIsVerifying", "burnProgressDidDone"));
+    for (const RecordingDelegate::Call& call : delegate.callsWithThreads())
+        EXPECT_EQ(call.thread, std::this_thread::get_id()) << call.text;
+
+    EXPECT_THAT(filesInFolder(), ElementsAre("mix.bin", "mix.cue", "one.mp3", "two.m4a"));
+    EXPECT_EQ(std::filesystem::file_size(folder.file("mix.bin")), (375 + 150 + 450) * sectorSize);
+    EXPECT_FALSE(drive.isDiscBlank());
+    EXPECT_EQ(drive.usedTimeOfDisc(), 13U);
+}
+
+TEST_F(DesktopBurning, ProgressIsToldToTheEndOfBothPhases) {
+    const QuarnerDevice drive(addDrive());
+    compile({put("five.mp3", "one.mp3")});
+    burner->burnWithDevice(drive, std::nullopt);
+    ASSERT_TRUE(runUntilCalled("burnProgressDidDone"));
+    std::size_t whole = 0;
+    for (const std::string& call : delegate.calls())
+        whole += call.starts_with("burnProgressDidChanaged(1,") ? 1U : 0U;
+    EXPECT_GE(whole, 2U);
+}
+
+TEST_F(DesktopBurning, ANewBlankIsBurntAfterTheFirstDiscWasEjected) {
+    const std::string name = addDrive();
+    QuarnerDevice drive(name);
+    compile({put("five.mp3", "one.mp3")});
+    burner->burnWithDevice(drive, std::nullopt);
+    ASSERT_TRUE(runUntilCalled("burnProgressDidDone"));
+    const auto firstSize = std::filesystem::file_size(folder.file("mix.bin"));
+
+    EXPECT_FALSE(insertBlankDisc(name));
+    drive.eject();
+    EXPECT_FALSE(drive.isDiscInDevice());
+    EXPECT_TRUE(insertBlankDisc(name));
+    EXPECT_TRUE(drive.isDiscBlank());
+    EXPECT_EQ(std::filesystem::file_size(folder.file("mix.bin")), firstSize);
+
+    compile({put("six.m4a", "two.m4a")});
+    delegate.forget();
+    burner->burnWithDevice(drive, std::nullopt);
+    ASSERT_TRUE(runUntilCalled("burnProgressDidDone"));
+    EXPECT_EQ(std::filesystem::file_size(folder.file("mix.bin")), (375 + 150 + 450) * sectorSize);
+}
+
+TEST_F(DesktopBurning, StoppingEndsInACancellationAndLeavesNoImage) {
+    const QuarnerDevice drive(addDrive());
+    compile({put("60.00.mp3", "one.mp3"), put("60.00.m4a", "two.m4a")});
+    delegate.forget();
+    delegate.whenCalled = [&](const std::string& call) {
+        if (call == "burnProgressIsWriteingTrack(1, 2)")
+            burner->stopBurn();
+    };
+    burner->burnWithDevice(drive, std::nullopt);
+    ASSERT_TRUE(runUntilCalled("burnProgressDidCanceled"));
+    EXPECT_EQ(delegate.count("burnProgressDidDone"), 0U);
+    EXPECT_THAT(delegate.errors(), IsEmpty());
+    EXPECT_THAT(filesInFolder(), ElementsAre("one.mp3", "two.m4a"));
+    EXPECT_TRUE(drive.isDiscBlank());
+}
+
+TEST_F(DesktopBurning, UninstallingDuringABurnLeavesNoHalfImage) {
+    const QuarnerDevice drive(addDrive());
+    compile({put("60.00.mp3", "one.mp3")});
+    burner->burnWithDevice(drive, std::nullopt);
+    uninstallDesktopPlatform();
+    EXPECT_THAT(filesInFolder(), ElementsAre("one.mp3"));
+}
+
+TEST_F(DesktopBurning, AnEmptyCompilationAndAnEmptyDriveAreRefused) {
+    QuarnerDevice drive(addDrive());
+    burner->burnWithDevice(drive, std::nullopt);
+    compile({put("five.mp3", "one.mp3")});
+    drive.eject();
+    EXPECT_FALSE(burner->isContentOverflowForDevice(drive));
+    burner->burnWithDevice(drive, std::nullopt);
+    runFor(std::chrono::milliseconds(50));
+    const BurnError refused{burnErrorDomain, 0};
+    EXPECT_THAT(delegate.errors(), ElementsAre(refused, refused));
+    EXPECT_THAT(filesInFolder(), ElementsAre("one.mp3"));
+}
+
+TEST_F(DesktopBurning, AFileThatIsGoneSinceItWasAddedFailsTheBurn) {
+    const QuarnerDevice drive(addDrive());
+    const std::string path = put("five.mp3", "one.mp3");
+    compile({path});
+    std::filesystem::remove(path);
+    burner->burnWithDevice(drive, std::nullopt);
+    ASSERT_TRUE(runUntil([&] { return !delegate.errors().empty(); }));
+    EXPECT_EQ(delegate.errors().front().code, signedCode(DRError::SourceMissing));
+    EXPECT_THAT(filesInFolder(), IsEmpty());
+}
+
+TEST_F(DesktopBurning, AThreadWithItsOwnLoopHearsOfItsBurnThere) {
+    const std::string name = addDrive();
+    compile({put("five.mp3", "one.mp3")});
+    delegate.forget();
+    std::thread::id burning;
+    std::thread([&] {
+        burning = std::this_thread::get_id();
+        GMainContext* const context = g_main_context_new();
+        g_main_context_push_thread_default(context);
+        {
+            const QuarnerDevice drive(name);
+            burner->burnWithDevice(drive, std::nullopt);
+            while (delegate.count("burnProgressDidDone") == 0 && delegate.errors().empty())
+                g_main_context_iteration(context, TRUE);
+        }
+        g_main_context_pop_thread_default(context);
+        g_main_context_unref(context);
+    }).join();
+    EXPECT_EQ(delegate.count("burnProgressDidDone"), 1U);
+    for (const RecordingDelegate::Call& call : delegate.callsWithThreads())
+        EXPECT_EQ(call.thread, burning) << call.text;
+}
+
+TEST_F(DesktopBurning, StoppingWithoutABurnDoesNothing) {
+    burner->stopBurn();
+    runFor(std::chrono::milliseconds(20));
+    EXPECT_THAT(delegate.calls(), IsEmpty());
+}
+
+} // namespace
+} // namespace quarner::testing

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <glib.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <quarner/desktop.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "quarner/platform/Platform.h"
+#include "quarner/quarner.h"
+#include "tests/support/RecordingDelegate.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace quarner::testing {
+
+/// A host with the desktop platform: this thread is the main one, and runs the default loop.
+class DesktopTest : public ::testing::Test {
+protected:
+    DesktopTest() {
+        setenv("LC_ALL", "C", 1);
+        installDesktopPlatform();
+        burner->setDelegate(&delegate);
+    }
+    ~DesktopTest() override { uninstallDesktopPlatform(); }
+
+    /// Runs the loop until a condition holds; answers false after a minute without it.
+    static bool runUntil(const std::function<bool()>& condition) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+        while (!condition()) {
+            if (std::chrono::steady_clock::now() > end)
+                return false;
+            if (!g_main_context_iteration(nullptr, FALSE))
+                g_usleep(500);
+        }
+        return true;
+    }
+
+    /// Runs the loop until the delegate has had a call so many times.
+    bool runUntilCalled(const std::string& call, std::size_t times = 1) {
+        return runUntil([&] { return delegate.count(call) >= times; });
+    }
+
+    /// Turns the loop for a while, for what is not to happen.
+    static void runFor(std::chrono::milliseconds time) {
+        const auto end = std::chrono::steady_clock::now() + time;
+        runUntil([&] { return std::chrono::steady_clock::now() > end; });
+    }
+
+    /// Puts a song of those made for these tests into the folder, under a name of its own.
+    std::string put(const std::string& song, const std::string& name) const {
+        std::filesystem::copy_file(TEST_SONGS + song, folder.file(name));
+        return folder.file(name);
+    }
+
+    /// Adds files and runs the loop until the run has ended.
+    void compile(const std::vector<std::string>& paths) {
+        delegate.forget();
+        ASSERT_TRUE(burner->addFiles(paths));
+        ASSERT_TRUE(runUntilCalled("addFilesProgressDidEnd"));
+    }
+
+    std::uint64_t count() const { return burner->numberOfChildrenOfBurnItem(nullptr); }
+
+    /// The paths of the items, in order.
+    std::vector<std::string> paths() const {
+        std::vector<std::string> paths;
+        for (std::uint64_t i = 0; i < count(); ++i)
+            paths.push_back(*valueFor(*burner->propertyOfBurnItem(burner->child(i, nullptr)),
+                                      kQuarnItemFilePathKey)
+                                 .asString());
+        return paths;
+    }
+
+    const TemporaryFolder folder;
+    RecordingDelegate delegate;
+    std::shared_ptr<Quarner> burner = Quarner::audioCDBurner();
+};
+
+} // namespace quarner::testing
