@@ -122,17 +122,26 @@ TEST_F(DesktopBurning, UninstallingDuringABurnLeavesNoHalfImage) {
     EXPECT_THAT(filesInFolder(), ElementsAre("one.mp3"));
 }
 
-TEST_F(DesktopBurning, AnEmptyCompilationAndAnEmptyDriveAreRefused) {
+TEST_F(DesktopBurning, ADriveWithoutADiscIsRefusedAtOnce) {
     QuarnerDevice drive(addDrive());
-    burner->burnWithDevice(drive, std::nullopt);
     compile({put("five.mp3", "one.mp3")});
     drive.eject();
+    delegate.forget();
     EXPECT_FALSE(burner->isContentOverflowForDevice(drive));
     burner->burnWithDevice(drive, std::nullopt);
+    EXPECT_THAT(delegate.calls(),
+                ElementsAre("burnProgressDidStarted", "burnProgressDidError(Quarn, 0)"));
     runFor(std::chrono::milliseconds(50));
-    const BurnError refused{burnErrorDomain, 0};
-    EXPECT_THAT(delegate.errors(), ElementsAre(refused, refused));
+    EXPECT_EQ(delegate.calls().size(), 2U);
     EXPECT_THAT(filesInFolder(), ElementsAre("one.mp3"));
+}
+
+TEST_F(DesktopBurning, AnEmptyCompilationIsNotBurnt) {
+    const QuarnerDevice drive(addDrive());
+    burner->burnWithDevice(drive, std::nullopt);
+    ASSERT_TRUE(runUntil([&] { return !delegate.errors().empty(); }));
+    EXPECT_THAT(filesInFolder(), IsEmpty());
+    EXPECT_TRUE(drive.isDiscBlank());
 }
 
 TEST_F(DesktopBurning, AFileThatIsGoneSinceItWasAddedFailsTheBurn) {
