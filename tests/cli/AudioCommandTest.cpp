@@ -243,6 +243,19 @@ TEST_F(AudioCommandTest, ABurnThatIsDoneBeforeItCouldBeInterruptedIsDone) {
     EXPECT_EQ(host.run({"audio", "/m/a.mp3"}), 0);
 }
 
+TEST_F(AudioCommandTest, EndingAtOnceEndsThePlatformBeforeTheDelegateGoes) {
+    host.platform.playBurns({.progressReports = 100000});
+    bool isEnded = false;
+    host.atEachTurn = [&] {
+        const auto burn = host.platform.lastBurn();
+        if (burn && burn->isPlaying() && !std::exchange(isEnded, true))
+            host.loop.post([] { throw EndedAtOnce(); });
+    };
+    EXPECT_EQ(host.run({"audio", "--json", "/m/a.mp3"}), 130);
+    EXPECT_EQ(host.platformEndings, 1);
+    EXPECT_EQ(objects(host).back(), (json{{"event", "exit"}, {"status", 130}}));
+}
+
 TEST_F(AudioCommandTest, ATerminalShowsOneProgressBar) {
     TestHost terminal(Screen{true, true, [] { return std::size_t{80}; }});
     terminal.platform.addDrive({.name = "Writer", .disc = DiscScript{}});

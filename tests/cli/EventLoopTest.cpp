@@ -2,8 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <atomic>
+#include <algorithm>
 #include <csignal>
+#include <future>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -79,29 +80,35 @@ TEST(DelegateRelay, TellsAllReceiversOnTheMainLoopInTheOrderOfTheCalls) {
     EXPECT_EQ(first.thread, std::this_thread::get_id());
 }
 
-TEST(Interruptions, TheFirstSignalRunsTheHandlerOnTheLoopAndTheSecondEndsAtOnce) {
+/// A process that must not be ended.
+void failTest() { FAIL() << "the process would have ended"; }
+
+TEST(Interruptions, TheFirstSignalRunsTheHandlerOnTheLoopAndTheSecondEndsTheLoopAtOnce) {
     EventLoop loop;
-    std::atomic<int> endings = 0;
-    Interruptions interruptions(loop, [&] {
-        ++endings;
-        loop.post([&] { loop.quit(); });
-    });
+    Interruptions interruptions(loop, failTest);
     int handled = 0;
     interruptions.setHandler([&] {
         ++handled;
         kill(getpid(), SIGTERM);
     });
     kill(getpid(), SIGINT);
-    loop.run();
+    EXPECT_THROW(loop.run(), EndedAtOnce);
     EXPECT_EQ(handled, 1);
-    EXPECT_EQ(endings, 1);
 }
 
-TEST(Interruptions, WithoutAHandlerTheFirstSignalEndsAtOnce) {
+TEST(Interruptions, WithoutAHandlerTheFirstSignalEndsTheLoopAtOnce) {
     EventLoop loop;
-    Interruptions interruptions(loop, [&] { loop.post([&] { loop.quit(); }); });
+    Interruptions interruptions(loop, failTest);
     kill(getpid(), SIGINT);
-    loop.run();
+    EXPECT_THROW(loop.run(), EndedAtOnce);
+}
+
+TEST(Interruptions, AProcessThatIsStuckIsEndedAfterAWhile) {
+    EventLoop loop;
+    std::promise<void> ended;
+    Interruptions interruptions(loop, [&] { ended.set_value(); });
+    kill(getpid(), SIGINT);
+    EXPECT_EQ(ended.get_future().wait_for(std::chrono::seconds(30)), std::future_status::ready);
 }
 
 } // namespace

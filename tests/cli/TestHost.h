@@ -49,7 +49,8 @@ public:
             return static_cast<int>(showMessage(console, *message));
         Host host{console, loop,
                   [this](const ImageRequest& request) { return addImageDrive(request); },
-                  [this](std::function<void()> handler) { _interruption = std::move(handler); }};
+                  [this](std::function<void()> handler) { _interruption = std::move(handler); },
+                  [this] { ++platformEndings; }};
         return static_cast<int>(runCommand(host, std::get<Command>(parsed)));
     }
 
@@ -68,6 +69,7 @@ public:
     std::function<void()> atEachTurn;
     /// What the commands asked for.
     std::vector<ImageRequest> images;
+    int platformEndings = 0;
 
 private:
     std::ostringstream _out;

@@ -39,9 +39,18 @@ AudioCommand::~AudioCommand() {
 
 ExitStatus AudioCommand::run() {
     _host.onInterruption([this] { interrupt(); });
-    const Outcome outcome = perform();
+    const Outcome outcome = performOrEndAtOnce();
     _view.didEnd(outcome.status, outcome.text);
     return outcome.status;
+}
+
+AudioCommand::Outcome AudioCommand::performOrEndAtOnce() {
+    try {
+        return perform();
+    } catch (const EndedAtOnce&) {
+        _host.endPlatform(); // a run that adds files must not outlive its delegate
+        return cancellation();
+    }
 }
 
 AudioCommand::Outcome AudioCommand::perform() {

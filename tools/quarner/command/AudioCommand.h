@@ -39,6 +39,7 @@ private:
     void burnProgressDidCanceled() override;
 
     void interrupt();
+    Outcome performOrEndAtOnce();
     Outcome perform();
     void addFiles();
     void refuse(const std::vector<std::string>& paths);

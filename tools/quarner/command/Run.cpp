@@ -52,6 +52,8 @@ ExitStatus runCommand(Host& host, const Command& command) {
         }
         const auto& query = std::get<QueryOptions>(command.options);
         return endJson(host.console, command.json, runQuery(host, query, command.json));
+    } catch (const EndedAtOnce&) {
+        return endJson(host.console, command.json, ExitStatus::Canceled);
     } catch (const UsageProblem& problem) {
         host.console.error(std::string("quarner: ") + problem.what());
         return endJson(host.console, command.json, ExitStatus::Usage);

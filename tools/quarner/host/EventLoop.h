@@ -9,6 +9,11 @@
 
 namespace quarner::cli {
 
+/// Thrown out of `EventLoop::run` when the program has to end without waiting for anything.
+struct EndedAtOnce : std::exception {
+    const char* what() const noexcept override { return "ended at once"; }
+};
+
 /// The main loop of the program: a GMainLoop on the default context, which also delivers what the
 /// framework sends, and a queue through which other threads hand work to it.
 class EventLoop {

@@ -31,6 +31,9 @@ struct Host {
     /// Says what the next signal that asks the program to end runs, once, on the main loop; null
     /// for ending at once.
     std::function<void(std::function<void()>)> onInterruption;
+    /// Ends the platform without waiting for the main loop: cancels what is under way, and returns
+    /// when no thread of the framework is at work any more.
+    std::function<void()> endPlatform;
 };
 
 /// A command line that names what cannot be used; `what` is one or more lines for people.

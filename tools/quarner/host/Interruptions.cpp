@@ -26,8 +26,8 @@ sigset_t endingSignals() {
 
 } // namespace
 
-Interruptions::Interruptions(EventLoop& loop, std::function<void()> endAtOnce)
-    : _loop(loop), _endAtOnce(std::move(endAtOnce)) {
+Interruptions::Interruptions(EventLoop& loop, std::function<void()> exitNow)
+    : _loop(loop), _exitNow(std::move(exitNow)) {
     const sigset_t signals = endingSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     _thread = std::thread([this] { serve(); });
@@ -38,6 +38,7 @@ Interruptions::~Interruptions() {
         const std::lock_guard lock(_mutex);
         _isOver = true;
     }
+    _over.notify_all();
     pthread_kill(_thread.native_handle(), SIGTERM);
     _thread.join();
 }
@@ -68,7 +69,16 @@ void Interruptions::signalArrived() {
     if (handler)
         _loop.post(std::move(handler));
     else
-        _endAtOnce();
+        endAtOnce();
+}
+
+void Interruptions::endAtOnce() {
+    _loop.post([] { throw EndedAtOnce(); });
+    std::unique_lock lock(_mutex);
+    if (_over.wait_for(lock, patience, [this] { return _isOver; }))
+        return;
+    lock.unlock();
+    _exitNow();
 }
 
 } // namespace quarner::cli

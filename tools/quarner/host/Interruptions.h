@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <chrono>
+#include <condition_variable>
 #include <functional>
 #include <mutex>
 #include <thread>
@@ -14,24 +16,30 @@ namespace quarner::cli {
 /// runs as ordinary code.
 class Interruptions {
 public:
+    /// How long ending at once may take.
+    static constexpr std::chrono::milliseconds patience{1500};
+
     /// From now on the signals are blocked in the calling thread and in all that it starts: make
-    /// this object before any other thread. `endAtOnce` is called on the signal thread when there
-    /// is nothing to interrupt gently, or at the second signal; it should not return.
-    Interruptions(EventLoop& loop, std::function<void()> endAtOnce);
+    /// this object before any other thread. `exitNow` ends the process; it is called on the signal
+    /// thread when this object is still there `patience` after the loop was told to end at once.
+    Interruptions(EventLoop& loop, std::function<void()> exitNow);
     ~Interruptions();
     Interruptions(const Interruptions&) = delete;
     Interruptions& operator=(const Interruptions&) = delete;
 
-    /// What the next signal runs, once, on the main loop; null for nothing.
+    /// What the next signal runs, once, on the main loop. Without one (null), and so at the second
+    /// signal, the main loop throws `EndedAtOnce`.
     void setHandler(std::function<void()> handler);
 
 private:
     void serve();
     void signalArrived();
+    void endAtOnce();
 
     EventLoop& _loop;
-    const std::function<void()> _endAtOnce;
+    const std::function<void()> _exitNow;
     std::mutex _mutex;
+    std::condition_variable _over;
     std::function<void()> _handler;
     bool _isOver = false;
     std::thread _thread;

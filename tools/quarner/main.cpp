@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <libintl.h>
+#include <unistd.h>
+
+#include <clocale>
+#include <csignal>
+#include <exception>
+#include <iostream>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "quarner/desktop.h"
+#include "tools/quarner/command/Run.h"
+#include "tools/quarner/host/Diagnostics.h"
+#include "tools/quarner/host/Interruptions.h"
+
+namespace quarner::cli {
+namespace {
+
+/// The desktop platform, for as long as this object lives.
+class InstalledPlatform {
+public:
+    InstalledPlatform() { installDesktopPlatform(); }
+    ~InstalledPlatform() { uninstallDesktopPlatform(); }
+    InstalledPlatform(const InstalledPlatform&) = delete;
+    InstalledPlatform& operator=(const InstalledPlatform&) = delete;
+};
+
+void takeLocaleFromEnvironment() {
+    std::setlocale(LC_ALL, "");
+    textdomain("quarner");
+    bind_textdomain_codeset("quarner", "UTF-8");
+}
+
+std::string addDesktopImageDrive(const ImageRequest& request) {
+    const std::string name =
+        addImageDrive({.path = request.path,
+                       .minutes = request.minutes,
+                       .loadExisting = request.disc == ImageRequest::Disc::ExistingOrBlank});
+    if (name.empty())
+        throw UsageProblem("the image cannot be used");
+    return name;
+}
+
+bool isVerbose(const Command& command) {
+    const auto* const audio = std::get_if<AudioOptions>(&command.options);
+    return audio != nullptr && audio->verbose;
+}
+
+[[noreturn]] void exitNow() { _exit(static_cast<int>(ExitStatus::Canceled)); }
+
+ExitStatus runOnDesktop(Console& console, const Command& command) {
+    EventLoop loop;
+    Interruptions interruptions(loop, exitNow); // before the platform makes its threads
+    routeDiagnostics(console, isVerbose(command));
+    const InstalledPlatform platform;
+    Host host{console, loop, addDesktopImageDrive,
+              [&](std::function<void()> handler) { interruptions.setHandler(std::move(handler)); },
+              uninstallDesktopPlatform};
+    return runCommand(host, command);
+}
+
+ExitStatus runProgram(const std::vector<std::string>& arguments) {
+    takeLocaleFromEnvironment();
+    std::signal(SIGPIPE, SIG_IGN); // a reader that goes away does not end a burn halfway
+    Console console(std::cout, std::cerr, screenOfStandardOutput());
+    const auto parsed = parseCommandLine(arguments);
+    if (const auto* const message = std::get_if<Message>(&parsed))
+        return showMessage(console, *message);
+    return runOnDesktop(console, std::get<Command>(parsed));
+}
+
+} // namespace
+} // namespace quarner::cli
+
+int main(int count, char** arguments) {
+    try {
+        const std::vector<std::string> words(arguments + (count > 0 ? 1 : 0), arguments + count);
+        return static_cast<int>(quarner::cli::runProgram(words));
+    } catch (const std::exception& failure) {
+        std::cerr << "quarner: " << failure.what() << '\n';
+    } catch (...) {
+        std::cerr << "quarner: an unknown failure\n";
+    }
+    return static_cast<int>(quarner::cli::ExitStatus::Failed);
+}
