@@ -53,8 +53,7 @@ std::optional<BurnFailure> BurnRun::attempt(const ContentMaker& makeContent) {
 }
 
 void BurnRun::burn(const ContentMaker& makeContent) {
-    _report.state(DRStatusStatePreparing);
-    _stop->throwIfRequested();
+    tell(DRStatusStatePreparing);
     DiscContent content = makeContent();
     std::optional<std::uint64_t> written;
     _writer = _target->claim(content.plan, _stop);
@@ -70,11 +69,11 @@ void BurnRun::burnContent(DiscContent& content) {
     for (const auto& source : content.sources)
         source->check();
     _writer->openSession(content.plan);
-    _report.state(DRStatusStateSessionOpen);
+    tell(DRStatusStateSessionOpen);
     writeDisc(content);
     _writer->closeSession();
-    _report.state(DRStatusStateSessionClose);
-    _report.state(DRStatusStateFinishing);
+    tell(DRStatusStateSessionClose);
+    tell(DRStatusStateFinishing);
     _writer->finish();
     if (_isVerified)
         verify(content.plan);
@@ -95,8 +94,8 @@ void BurnRun::writeDisc(DiscContent& content) {
 }
 
 void BurnRun::writeTrack(const TrackPlan& track, ReadAhead& source) {
-    reportTrack(DRStatusStateTrackOpen);
-    reportTrack(DRStatusStateTrackWrite, progressToReport());
+    tellOfTrack(DRStatusStateTrackOpen);
+    tellOfTrack(DRStatusStateTrackWrite, progressToReport());
     writeSilence(track.preGap);
     while (true) {
         const std::span<const std::byte> piece = source.next();
@@ -105,7 +104,7 @@ void BurnRun::writeTrack(const TrackPlan& track, ReadAhead& source) {
             break;
         write(piece);
     }
-    reportTrack(DRStatusStateTrackClose);
+    tellOfTrack(DRStatusStateTrackClose);
 }
 
 void BurnRun::writeSilence(std::uint64_t sectors) {
@@ -123,12 +122,12 @@ void BurnRun::write(std::span<const std::byte> sectors) {
     _checksums->add(sectors);
     _meter->advance(sectors.size() / _sectorSize);
     if (const std::optional<BurnProgress> progress = progressToReport())
-        reportTrack(DRStatusStateTrackWrite, progress);
+        tellOfTrack(DRStatusStateTrackWrite, progress);
 }
 
 void BurnRun::verify(const DiscPlan& plan) {
     startPhase(plan);
-    _report.state(DRStatusStateVerifying, progressToReport());
+    tell(DRStatusStateVerifying, progressToReport());
     Verifier verifier(plan, *_checksums, *_writer, *_stop, [this](std::uint64_t sectors) {
         _meter->advance(sectors);
         if (const std::optional<BurnProgress> progress = progressToReport())
@@ -140,8 +139,15 @@ void BurnRun::verify(const DiscPlan& plan) {
 
 void BurnRun::startPhase(const DiscPlan& plan) { _meter.emplace(_clock, plan.sectors()); }
 
-void BurnRun::reportTrack(const char* state, std::optional<BurnProgress> progress) const {
+/// Whoever hears of a step may stop the burn before the next one.
+void BurnRun::tell(const char* state, std::optional<BurnProgress> progress) const {
+    _report.state(state, progress);
+    _stop->throwIfRequested();
+}
+
+void BurnRun::tellOfTrack(const char* state, std::optional<BurnProgress> progress) const {
     _report.trackState(state, _track, _tracks, progress);
+    _stop->throwIfRequested();
 }
 
 std::optional<BurnProgress> BurnRun::progressToReport() {

@@ -43,6 +43,16 @@ public:
                           [&](const Dictionary& record) { return stateOf(record) == state; }));
     }
 
+    /// The fractions of the records of a state, in order.
+    std::vector<double> fractions(const std::string& state) const {
+        std::vector<double> found;
+        for (const Dictionary& record : _records)
+            if (const Value& fraction = valueFor(record, DRStatusPercentCompleteKey);
+                stateOf(record) == state && !fraction.isNull())
+                found.push_back(fraction.asDouble());
+        return found;
+    }
+
     /// The states in order, each run of equal ones once; track states with their number.
     std::vector<std::string> states() const {
         std::vector<std::string> names;
@@ -60,7 +70,8 @@ public:
     /// The code of the Failed record; 0 without one.
     std::uint32_t code() const { return valueFor(error(), DRErrorStatusErrorKey).asUInt32(); }
     std::string info() const {
-        const std::string* text = valueFor(error(), DRErrorStatusErrorInfoKey).asString();
+        const Dictionary found = error();
+        const std::string* text = valueFor(found, DRErrorStatusErrorInfoKey).asString();
         return text == nullptr ? std::string() : *text;
     }
 

@@ -1,14 +1,20 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <gmock/gmock.h>
 
+#include <thread>
+
 #include "tests/recorder/RecorderTest.h"
 
 namespace quarner {
 namespace {
 
+using testing::Each;
 using testing::ElementsAre;
+using testing::Not;
 
-TEST_P(Recorder, ABurnTellsOfEveryStepInOrderAndEndsDone) {
+class RecorderBurn : public Recorder {};
+
+TEST_P(RecorderBurn, ABurnTellsOfEveryStepInOrderAndEndsDone) {
     const auto burn = makeBurn();
     const auto log = observe(burn);
     burn->writeLayout(makeLayout({588 * 400, 1000}));
@@ -20,6 +26,120 @@ TEST_P(Recorder, ABurnTellsOfEveryStepInOrderAndEndsDone) {
         << log->info();
     EXPECT_EQ(valueFor(log->records().back(), DRStatusPercentCompleteKey).asDouble(), 1.0);
 }
+
+TEST_P(RecorderBurn, EveryTrackIsItsSoundFollowedBySilenceToItsLength) {
+    const std::uint64_t pairs = 588 * 310 + 1;
+    const auto burn = makeBurn();
+    const auto log = observe(burn);
+    const DRLayout layout = makeLayout({pairs, 1, 588 * 300});
+    burn->writeLayout(layout);
+    ASSERT_TRUE(runToEnd(*log));
+    ASSERT_TRUE(log->isDone()) << log->info();
+    const std::vector<std::string> tracks = stage->tracksOnDisc();
+    ASSERT_EQ(tracks.size(), 3U);
+    for (std::size_t i = 0; i < tracks.size(); ++i) {
+        std::string expected = stage->soundOf(layout[i]->path);
+        expected.resize(std::size_t(layout[i]->length().totalFrames()) * 2352, '\0');
+        EXPECT_TRUE(tracks[i] == expected) << "track " << i + 1;
+    }
+    EXPECT_EQ(tracks[0].size(), 311U * 2352);
+    EXPECT_EQ(tracks[1].size(), 300U * 2352);
+}
+
+TEST_P(RecorderBurn, NoRecordComesBeforeTheCallerIsBackInItsRunLoop) {
+    const auto burn = makeBurn();
+    const auto log = observe(burn);
+    burn->writeLayout({});
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_TRUE(log->records().empty());
+    ASSERT_TRUE(runToEnd(*log));
+    EXPECT_EQ(log->code(), codeOf(DRError::EmptyLayout));
+}
+
+TEST_P(RecorderBurn, RecordsComeOnTheThreadThatStartedTheBurn) {
+    std::thread([this] {
+        const auto burn = makeBurn();
+        const auto log = observe(burn);
+        const auto thread = std::this_thread::get_id();
+        std::vector<std::thread::id> seen;
+        log->onRecord = [&](const Dictionary&) { seen.push_back(std::this_thread::get_id()); };
+        burn->writeLayout(makeLayout({1000}));
+        ASSERT_TRUE(runToEnd(*log));
+        EXPECT_TRUE(log->isDone()) << log->info();
+        EXPECT_THAT(seen, Each(thread));
+    }).join();
+}
+
+TEST_P(RecorderBurn, TheFractionRisesToOneInEachPhase) {
+    const auto burn = makeBurn();
+    const auto log = observe(burn);
+    burn->writeLayout(makeLayout({588 * 1500, 588 * 1500, 588 * 1500}));
+    ASSERT_TRUE(runToEnd(*log));
+    ASSERT_TRUE(log->isDone()) << log->info();
+    for (const char* state : {DRStatusStateTrackWrite, DRStatusStateVerifying}) {
+        const std::vector<double> fractions = log->fractions(state);
+        ASSERT_FALSE(fractions.empty()) << state;
+        EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end())) << state;
+        EXPECT_EQ(std::count(fractions.begin(), fractions.end(), 1.0), 1) << state;
+        EXPECT_EQ(fractions.back(), 1.0) << state;
+    }
+}
+
+TEST_P(RecorderBurn, TheSpeedIsTheBlocksOfASecond) {
+    const auto burn = makeBurn();
+    const auto log = observe(burn);
+    const auto start = std::chrono::steady_clock::now();
+    burn->writeLayout(makeLayout({588 * 3000}));
+    ASSERT_TRUE(runToEnd(*log));
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+    const double speed = valueFor(log->records().back(), DRStatusCurrentSpeedKey).asDouble();
+    EXPECT_GE(speed, 3000 / took.count()) << "a part of the burn is not slower than the whole";
+}
+
+TEST_P(RecorderBurn, WithoutVerificationTheDiscIsNotReadBack) {
+    const auto burn = makeBurn();
+    const auto log = observe(burn);
+    burn->setProperties({{DRBurnVerifyDiscKey, false}});
+    burn->writeLayout(makeLayout({1000}));
+    ASSERT_TRUE(runToEnd(*log));
+    EXPECT_TRUE(log->isDone()) << log->info();
+    EXPECT_EQ(log->count(DRStatusStateVerifying), 0U);
+}
+
+TEST_P(RecorderBurn, ABurnGoesOnWhenNobodyHoldsItAnyMore) {
+    auto burn = makeBurn();
+    const auto log = observe(burn);
+    burn->writeLayout(makeLayout({588 * 1000}));
+    const std::weak_ptr<DRBurn> held = burn;
+    burn.reset();
+    ASSERT_TRUE(runToEnd(*log));
+    EXPECT_TRUE(log->isDone()) << log->info();
+    EXPECT_TRUE(stage->loops().runUntil([&] { return held.expired(); }));
+}
+
+TEST_P(RecorderBurn, ASecondLayoutForTheSameBurnIsIgnored) {
+    const auto burn = makeBurn();
+    const auto log = observe(burn);
+    burn->writeLayout(makeLayout({1000}));
+    burn->writeLayout(makeLayout({1000, 1000}));
+    ASSERT_TRUE(runToEnd(*log));
+    stage->shutDown();
+    stage->loops().runPending();
+    EXPECT_EQ(log->ends(), 1U);
+    EXPECT_THAT(log->states(), Not(testing::Contains("TrackOpen 1/2")));
+}
+
+TEST_P(RecorderBurn, ShuttingDownEndsABurnThatIsUnderWay) {
+    const auto burn = makeBurn();
+    const auto log = observe(burn);
+    burn->writeLayout(makeLayout({588 * 4000}));
+    stage->loops().runUntil([&] { return log->count(DRStatusStateTrackWrite) > 0; });
+    stage->shutDown();
+    stage->loops().runPending();
+    EXPECT_EQ(log->ends(), 1U);
+}
+
+INSTANTIATE_RECORDER_SUITE(RecorderBurn);
 
 } // namespace
 } // namespace quarner

@@ -33,6 +33,7 @@ public:
         ++_sources;
         return sources.write("source" + std::to_string(_sources), rawNoise(pairs, _sources));
     }
+    std::string soundOf(const std::string& path) override { return contentOf(path); }
     std::vector<std::string> tracksOnDisc() override { return tracksOf(cue()); }
     void insertBlank() override { imageDrive()->insertBlank(); }
     void unplug() override { _recorder->remove(_drive); }

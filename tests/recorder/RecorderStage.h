@@ -27,6 +27,8 @@ public:
 
     /// A new file that plays so many stereo samples.
     virtual std::string makeSource(std::uint64_t pairs) = 0;
+    /// The sound of such a file as a disc holds it, without the silence at its end.
+    virtual std::string soundOf(const std::string& path) = 0;
     /// What the disc in the drive plays, track by track, without the pre-gaps: the bytes of the
     /// sectors.
     virtual std::vector<std::string> tracksOnDisc() = 0;

@@ -13,9 +13,9 @@
 
 namespace quarner {
 
-/// Run loops that a test turns by hand. While a test turns its loop in step, whoever posts to it
-/// from another thread goes on only when the notification was delivered, so that a handler acts
-/// at exactly the moment that a record tells of.
+/// Run loops that a test turns by hand. In step, whoever posts to one from another thread goes on
+/// only when the notification was delivered, so that a handler acts at exactly the moment that a
+/// record tells of.
 class StepLoops : public RunLoops {
 public:
     std::shared_ptr<RunLoopCenter> currentCenter() override {
@@ -35,17 +35,19 @@ public:
             center->post(notification);
     }
 
-    void setInStep(bool isInStep) { _isInStep = isInStep; }
+    void setInStep(bool isInStep) {
+        const std::lock_guard lock(_mutex);
+        _isInStep = isInStep;
+        _changed.notify_all();
+    }
 
     /// Turns the loop of this thread until the condition holds; answers whether it came to hold.
     bool runUntil(const std::function<bool()>& condition,
                   std::chrono::seconds limit = std::chrono::seconds(60)) {
         const auto center = currentCenter();
         const auto end = std::chrono::steady_clock::now() + limit;
-        setTurning(_isInStep);
         while (!condition() && std::chrono::steady_clock::now() < end)
             turn(*center);
-        setTurning(false);
         return condition();
     }
 
@@ -67,26 +69,19 @@ private:
         _idle = false;
     }
 
-    void setTurning(bool isTurning) {
-        const std::lock_guard lock(_mutex);
-        _isTurning = isTurning;
-        _changed.notify_all();
-    }
-
     void wake(std::thread::id loopThread) {
         std::unique_lock lock(_mutex);
         _woken = true;
         _idle = false;
         _changed.notify_all();
         if (std::this_thread::get_id() != loopThread)
-            _changed.wait(lock, [&] { return !_isTurning || (_idle && !_woken); });
+            _changed.wait(lock, [&] { return !_isInStep || (_idle && !_woken); });
     }
 
     std::mutex _mutex;
     std::condition_variable _changed;
     std::map<std::thread::id, std::shared_ptr<RunLoopCenter>> _centers;
     bool _isInStep = false;
-    bool _isTurning = false;
     bool _woken = false;
     bool _idle = false;
 };
