@@ -49,6 +49,12 @@ TEST_F(RefusalsTest, AFolder) {
     EXPECT_EQ(reason((folder / "album.mp3").string()), "unsupported type (a folder)");
 }
 
+TEST_F(RefusalsTest, APipe) {
+    const std::string pipe = (folder / "pipe.mp3").string();
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(reason(pipe), "unsupported type (not a file on disk)");
+}
+
 TEST_F(RefusalsTest, CopyProtectedMedia) {
     EXPECT_EQ(reason(file("a.m4p")), "copy-protected");
     EXPECT_EQ(reason(file("a.M4B")), "copy-protected");

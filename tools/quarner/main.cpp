@@ -63,7 +63,9 @@ ExitStatus runOnDesktop(Console& console, const Command& command) {
 
 ExitStatus runProgram(const std::vector<std::string>& arguments) {
     takeLocaleFromEnvironment();
-    std::signal(SIGPIPE, SIG_IGN); // a reader that goes away does not end a burn halfway
+    // A reader that goes away, or a limit on the size of files, does not end a burn halfway.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     Console console(std::cout, std::cerr, screenOfStandardOutput());
     const auto parsed = parseCommandLine(arguments);
     if (const auto* const message = std::get_if<Message>(&parsed))

@@ -24,6 +24,8 @@ std::optional<std::string> obstacle(const std::string& path) {
         return "no such file";
     if (S_ISDIR(file.st_mode))
         return "unsupported type (a folder)";
+    if (file.st_mode != 0 && !S_ISREG(file.st_mode))
+        return "unsupported type (not a file on disk)";
     const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (descriptor < 0)
         return "not readable: " + std::generic_category().message(errno);

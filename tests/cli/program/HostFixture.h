@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/cli/program/HostProgram.h"
+#include "tests/support/AudioFixtures.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace quarner::testing {
+
+/// A folder of its own for a test of the whole program, with songs in it.
+class HostFixture : public ::testing::Test {
+protected:
+    /// A file of so many seconds under a name in the folder.
+    std::string song(const std::string& name, unsigned seconds = 10) const {
+        AudioRecipe recipe = name.ends_with("m4a") ? aacRecipe() : mp3Recipe();
+        recipe.samples = 44100ULL * seconds;
+        const std::string path = folder.file(name);
+        std::filesystem::copy_file(audioFixture(recipe), path);
+        return path;
+    }
+
+    /// The program's end, run in the folder.
+    HostEnd run(const std::vector<std::string>& arguments, HostSettings settings = {}) const {
+        settings.folder = folder.path().string();
+        return runHost(arguments, settings);
+    }
+
+    HostSettings here() const {
+        HostSettings settings;
+        settings.folder = folder.path().string();
+        return settings;
+    }
+
+    /// The names in a folder below this one, hidden ones included, sorted.
+    std::vector<std::string> names(const std::string& below) const {
+        std::vector<std::string> found;
+        for (const auto& entry : std::filesystem::directory_iterator(folder.path() / below))
+            found.push_back(entry.path().filename().string());
+        std::sort(found.begin(), found.end());
+        return found;
+    }
+
+    /// A folder below this one.
+    std::string makeFolder(const std::string& name) const {
+        std::filesystem::create_directory(folder.path() / name);
+        return folder.file(name);
+    }
+
+    static std::vector<std::string> lines(const std::string& text) {
+        std::vector<std::string> found;
+        std::istringstream stream(text);
+        for (std::string line; std::getline(stream, line);)
+            found.push_back(line);
+        return found;
+    }
+
+    const TemporaryFolder folder;
+};
+
+} // namespace quarner::testing
