@@ -100,12 +100,11 @@ TEST_F(DesktopBurning, ANewBlankIsBurntAfterTheFirstDiscWasEjected) {
 
 TEST_F(DesktopBurning, StoppingEndsInACancellationAndLeavesNoImage) {
     const QuarnerDevice drive(addDrive());
-    compile({put("60.00.mp3", "one.mp3"), put("60.00.m4a", "two.m4a")});
-    delegate.forget();
     delegate.whenCalled = [&](const std::string& call) {
         if (call == "burnProgressIsWriteingTrack(1, 2)")
             burner->stopBurn();
     };
+    compile({put("60.00.mp3", "one.mp3"), put("60.00.m4a", "two.m4a")});
     burner->burnWithDevice(drive, std::nullopt);
     ASSERT_TRUE(runUntilCalled("burnProgressDidCanceled"));
     EXPECT_EQ(delegate.count("burnProgressDidDone"), 0U);
