@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cstring>
 #include <utility>
 
 #include "adapters/engine/BurnFailure.h"
@@ -67,7 +68,8 @@ void PCMTrackSource::read(std::span<std::byte> buffer) {
         std::pair(buffer.first(std::size_t(sound)), buffer.subspan(std::size_t(sound)));
     if (!samples.empty())
         readSamples(samples);
-    std::fill(silence.begin(), silence.end(), std::byte());
+    if (!silence.empty())
+        std::memset(silence.data(), 0, silence.size());
 }
 
 void PCMTrackSource::readSamples(std::span<std::byte> buffer) {

@@ -55,7 +55,7 @@ void PosixImageFile::reserve(std::uint64_t size) {
 void PosixImageFile::append(std::span<const std::byte> bytes) {
     while (!bytes.empty()) {
         const auto part = bytes.first(std::min(bytes.size(), bufferSize - _buffered));
-        std::copy(part.begin(), part.end(), _buffer.bytes().begin() + std::ptrdiff_t(_buffered));
+        std::memcpy(_buffer.bytes().data() + _buffered, part.data(), part.size());
         _buffered += part.size();
         if (_buffered == bufferSize)
             flush();
@@ -67,7 +67,7 @@ void PosixImageFile::append(std::span<const std::byte> bytes) {
 void PosixImageFile::flush() {
     const std::size_t padded = (_buffered + bufferAlignment - 1) & ~(bufferAlignment - 1);
     const auto bytes = _buffer.bytes().first(padded);
-    std::fill(bytes.begin() + std::ptrdiff_t(_buffered), bytes.end(), std::byte());
+    std::memset(bytes.data() + _buffered, 0, padded - _buffered);
     writeAll(bytes);
     _written += _buffered;
     _buffered = 0;

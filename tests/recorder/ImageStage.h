@@ -3,7 +3,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <memory>
 #include <string>
 
@@ -15,8 +14,11 @@
 namespace quarner {
 
 inline std::string contentOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::ifstream file(path, std::ios::binary | std::ios::ate);
+    std::string content(file ? static_cast<std::size_t>(file.tellg()) : 0, '\0');
+    file.seekg(0);
+    file.read(content.data(), static_cast<std::streamsize>(content.size()));
+    return content;
 }
 
 /// The image recorder with raw sound, in a folder of its own. The image is mix.cue.

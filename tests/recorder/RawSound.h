@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -62,14 +63,18 @@ private:
     ReadHook _hook;
 };
 
-/// So many pairs of noise that differs with the seed, as a file for `RawSound`.
+/// So many pairs of noise that differs with the seed, as a file for `RawSound`. Repeats itself
+/// after a time that has no divisor in common with a sector.
 inline std::string rawNoise(std::uint64_t pairs, std::uint32_t seed) {
+    constexpr std::size_t period = 65'521 * RawSound::bytesPerPair;
     std::string bytes(static_cast<std::size_t>(pairs) * RawSound::bytesPerPair, '\0');
     std::uint32_t state = seed * 2654435761U + 1;
-    for (std::size_t i = 0; i + 4 <= bytes.size(); i += 4) {
+    for (std::size_t i = 0; i + 4 <= std::min(bytes.size(), period); i += 4) {
         state = state * 1664525U + 1013904223U;
         std::memcpy(bytes.data() + i, &state, sizeof state);
     }
+    for (std::size_t i = period; i < bytes.size(); i += period)
+        std::memcpy(bytes.data() + i, bytes.data(), std::min(period, bytes.size() - i));
     return bytes;
 }
 

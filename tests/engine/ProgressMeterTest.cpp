@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <gtest/gtest.h>
+
+#include "adapters/engine/ProgressMeter.h"
+
+namespace quarner {
+namespace {
+
+using namespace std::chrono_literals;
+
+class ProgressMeterTest : public testing::Test {
+protected:
+    std::chrono::steady_clock::time_point now{};
+    Clock clock = [this] { return now; };
+};
+
+TEST_F(ProgressMeterTest, ReportsAtMostTenTimesASecondAndOnceAtTheEnd) {
+    ProgressMeter meter(clock, 1000);
+    int reports = 0;
+    double last = -1.0;
+    for (int i = 0; i < 1000; ++i) { // three seconds
+        now += 3ms;
+        meter.advance(1);
+        if (const auto fraction = meter.fractionToReport()) {
+            ++reports;
+            EXPECT_GT(*fraction, last);
+            last = *fraction;
+        }
+    }
+    EXPECT_EQ(last, 1.0);
+    EXPECT_GE(reports, 29);
+    EXPECT_LE(reports, 31);
+    EXPECT_EQ(meter.fractionToReport(), std::nullopt) << "the end is reported once";
+}
+
+TEST_F(ProgressMeterTest, TheEndIsReportedHoweverSoon) {
+    ProgressMeter meter(clock, 2);
+    meter.advance(1);
+    EXPECT_EQ(meter.fractionToReport(), 0.5);
+    meter.advance(1);
+    EXPECT_EQ(meter.fractionToReport(), 1.0);
+}
+
+TEST_F(ProgressMeterTest, TheSpeedIsThatOfTheLastSecond) {
+    ProgressMeter meter(clock, 1'000'000);
+    EXPECT_EQ(meter.speed(), 0.0);
+    for (int i = 0; i < 500; ++i) {
+        now += 10ms;
+        meter.advance(75);
+    }
+    EXPECT_NEAR(meter.speed(), 7500.0, 1.0);
+    for (int i = 0; i < 200; ++i) {
+        now += 10ms;
+        meter.advance(3);
+    }
+    EXPECT_NEAR(meter.speed(), 300.0, 1.0);
+}
+
+TEST_F(ProgressMeterTest, AStandstillBringsTheSpeedDown) {
+    ProgressMeter meter(clock, 1000);
+    now += 100ms;
+    meter.advance(100);
+    now += 10s;
+    meter.advance(1);
+    EXPECT_LT(meter.speed(), 20.0);
+}
+
+TEST_F(ProgressMeterTest, AnEmptyPhaseIsCompleteAtOnce) {
+    EXPECT_EQ(ProgressMeter(clock, 0).fractionToReport(), 1.0);
+}
+
+} // namespace
+} // namespace quarner

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <gtest/gtest.h>
+
+#include <atomic>
+
+#include "adapters/engine/BurnFailure.h"
+#include "adapters/engine/ReadAhead.h"
+
+namespace quarner {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// A track whose bytes all are its number, and which counts what was read of it.
+class NumberSource : public TrackSource {
+public:
+    explicit NumberSource(std::uint8_t number) : _number(number) {}
+    void check() override {
+        if (failsAtTheEnd)
+            throw BurnFailure(DRError::SourceChanged, "changed");
+    }
+    void read(std::span<std::byte> buffer) override {
+        while (waitsFor != nullptr && waitsFor->bytesRead == 0)
+            std::this_thread::sleep_for(1ms);
+        std::fill(buffer.begin(), buffer.end(), std::byte(_number));
+        bytesRead += buffer.size();
+    }
+    void close() override {}
+
+    bool failsAtTheEnd = false;
+    const NumberSource* waitsFor = nullptr; ///< nothing is read before something of it was
+    std::atomic<std::uint64_t> bytesRead = 0;
+
+private:
+    const std::uint8_t _number;
+};
+
+class ReadAheadTest : public testing::Test {
+protected:
+    static constexpr std::uint32_t sectorSize = 16;
+    static constexpr std::uint64_t pieceSize = ReadAhead::sectorsPerPiece * sectorSize;
+
+    void makeTracks(std::initializer_list<std::uint32_t> lengths) {
+        plan.sectorSize = sectorSize;
+        for (const std::uint32_t length : lengths) {
+            plan.tracks.push_back({.length = length});
+            sources.push_back(std::make_unique<NumberSource>(std::uint8_t(sources.size() + 1)));
+        }
+    }
+    NumberSource& source(std::size_t index) { return dynamic_cast<NumberSource&>(*sources[index]); }
+    std::uint64_t bytesRead() {
+        std::uint64_t sum = 0;
+        for (std::size_t i = 0; i < sources.size(); ++i)
+            sum += source(i).bytesRead;
+        return sum;
+    }
+
+    DiscPlan plan;
+    TrackSources sources;
+    std::stop_source stop;
+};
+
+TEST_F(ReadAheadTest, GivesEveryTrackInOrderAndWhole) {
+    makeTracks({1000, 0, 70000, 1, 256, 20000});
+    ReadAhead ahead(plan, sources, 3, stop.get_token());
+    for (std::size_t i = 0; i < plan.tracks.size(); ++i) {
+        std::uint64_t bytes = 0;
+        for (auto piece = ahead.next(); !piece.empty(); piece = ahead.next()) {
+            EXPECT_EQ(piece.front(), std::byte(i + 1));
+            EXPECT_EQ(piece.back(), std::byte(i + 1));
+            bytes += piece.size();
+        }
+        EXPECT_EQ(bytes, std::uint64_t(plan.tracks[i].length) * sectorSize);
+    }
+}
+
+TEST_F(ReadAheadTest, ReadsASecondTrackMeanwhileAndNoFurtherThanItsMemory) {
+    makeTracks({100'000, 100'000, 100'000});
+    source(0).waitsFor = &source(1);
+    ReadAhead ahead(plan, sources, 2, stop.get_token());
+    EXPECT_FALSE(ahead.next().empty());
+    std::uint64_t before = 0;
+    do {
+        before = bytesRead();
+        std::this_thread::sleep_for(50ms);
+    } while (bytesRead() != before);
+    EXPECT_LE(before, ReadAhead::pieces * pieceSize);
+}
+
+TEST_F(ReadAheadTest, AFailureComesOutAfterWhatWasRead) {
+    makeTracks({1000, 1000});
+    source(1).failsAtTheEnd = true;
+    ReadAhead ahead(plan, sources, 2, stop.get_token());
+    while (!ahead.next().empty()) {
+    }
+    std::uint64_t bytes = 0;
+    EXPECT_THROW(
+        {
+            for (auto piece = ahead.next(); !piece.empty(); piece = ahead.next())
+                bytes += piece.size();
+        },
+        BurnFailure);
+    EXPECT_EQ(bytes, 1000U * sectorSize);
+}
+
+TEST_F(ReadAheadTest, AStopEndsItOnEveryThread) {
+    makeTracks({100'000, 100'000});
+    ReadAhead ahead(plan, sources, 2, stop.get_token());
+    EXPECT_FALSE(ahead.next().empty());
+    stop.request_stop();
+    EXPECT_TRUE(ahead.next().empty());
+}
+
+} // namespace
+} // namespace quarner

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "adapters/image/ImageNames.h"
+#include "adapters/image/ReadableName.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace quarner {
+namespace {
+
+std::string binNameFor(const std::string& cueName) {
+    const auto names = imageNames("/nowhere/" + cueName);
+    return names ? ImageNames::baseName(names->plainBin) : std::string("none");
+}
+
+TEST(ImageNames, TheBinIsNamedAfterTheCue) {
+    EXPECT_EQ(binNameFor("mix.cue"), "mix.bin");
+    EXPECT_EQ(binNameFor("MIX.CUE"), "MIX.BIN");
+    EXPECT_EQ(binNameFor("two words.b.cue"), "two words.b.bin");
+    EXPECT_EQ(binNameFor("Grüße 日本 \xFF.cue"), "Grüße 日本 \xFF.bin");
+}
+
+TEST(ImageNames, OnlyANameWithTheExtensionCueNamesAnImage) {
+    for (const char* name : {"mix", "mix.bin", ".cue", "", "mix.cue/", "/dev/null", "mix.cues"})
+        EXPECT_FALSE(imageNames(name)) << name;
+}
+
+TEST(ImageNames, WhatASheetCannotExpressIsReplacedAndKeptApart) {
+    const std::string quote = binNameFor("a\"b.cue");
+    const std::string line = binNameFor("a\nb.cue");
+    EXPECT_TRUE(quote.starts_with("a_b-")) << quote;
+    EXPECT_TRUE(quote.ends_with(".bin")) << quote;
+    EXPECT_TRUE(line.starts_with("a_b-")) << line;
+    EXPECT_NE(quote, line);
+    EXPECT_NE(quote, "a_b.bin");
+}
+
+TEST(ImageNames, ASymbolicLinkStandsForItsTarget) {
+    const TemporaryFolder here;
+    const TemporaryFolder there;
+    std::filesystem::create_symlink(there.write("real.cue"), here.file("link.cue"));
+    EXPECT_EQ(imageNames(here.file("link.cue"))->cue, there.file("real.cue"));
+    EXPECT_EQ(imageNames(here.file("link.cue"))->plainBin, there.file("real.bin"));
+}
+
+TEST(ImageNames, ARelativePathCountsFromTheWorkingDirectory) {
+    EXPECT_EQ(imageNames("mix.cue")->cue, (std::filesystem::current_path() / "mix.cue").string());
+}
+
+TEST(ReadableName, IsValidUTF8) {
+    EXPECT_EQ(readableName("Grüße 日本 🎵.cue"), "Grüße 日本 🎵.cue");
+    EXPECT_EQ(readableName("a\xFF"
+                           "b\xC3"),
+              "a\uFFFD"
+              "b\uFFFD");
+    EXPECT_EQ(readableName("\xED\xA0\x80"), "\uFFFD\uFFFD\uFFFD") << "a surrogate";
+    EXPECT_EQ(readableName("\xC0\xAF\xE0\x80\xAF\xF4\x90\x80\x80").find('/'), std::string::npos);
+    EXPECT_EQ(readableName("a\nb"), "a\uFFFD"
+                                    "b");
+}
+
+} // namespace
+} // namespace quarner

@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <gmock/gmock.h>
+
+#include <array>
+#include <cstdio>
+
+#include "tests/image/ImageTest.h"
+
+namespace quarner {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+/// What a command line prints, on either stream.
+std::string outputOf(const std::string& command) {
+    std::string output;
+    FILE* const pipe = popen((command + " 2>&1").c_str(), "r");
+    std::array<char, 4096> buffer = {};
+    while (pipe != nullptr) {
+        const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe);
+        if (count == 0)
+            break;
+        output.append(buffer.data(), count);
+    }
+    if (pipe != nullptr)
+        pclose(pipe);
+    return output;
+}
+
+bool isInstalled(const std::string& program) { return !outputOf("command -v " + program).empty(); }
+
+std::string quotedForShell(const std::string& text) {
+    std::string quoted = "'";
+    for (const char c : text)
+        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return quoted + '\'';
+}
+
+/// Programs that were not written here read an image of three tracks, whatever it is called.
+class ImageReaders : public ImageTest, public testing::WithParamInterface<const char*> {
+protected:
+    void burnImage() {
+        const auto drive = stage->recorder()->add({.path = cue()});
+        layout = makeLayout({588 * 450 + 1, 588 * 300, 588 * 4500});
+        const Outcome outcome = burn(layout, drive);
+        ASSERT_TRUE(outcome.isDone) << outcome.info;
+    }
+    std::string cue() const { return stage->folder.file(std::string(GetParam()) + ".cue"); }
+    std::string bin() const { return stage->folder.file(std::string(GetParam()) + ".bin"); }
+
+    DRLayout layout;
+};
+
+TEST_P(ImageReaders, CdInfoSeesTheTracksWhereTheyAre) {
+    if (!isInstalled("cd-info"))
+        GTEST_SKIP() << "cd-info is not installed";
+    burnImage();
+    EXPECT_THAT(
+        outputOf("cd-info --no-header --no-cddb --cue-file=" + quotedForShell(cue())),
+        AllOf(HasSubstr("1: 00:02:00  000000 audio"), HasSubstr("2: 00:10:01  000601 audio"),
+              HasSubstr("3: 00:16:01  001051 audio"), HasSubstr("170: 01:16:01  005551 leadout")));
+}
+
+TEST_P(ImageReaders, CdrdaoSeesTheTracksAndTheirPreGaps) {
+    if (!isInstalled("cdrdao"))
+        GTEST_SKIP() << "cdrdao is not installed";
+    burnImage();
+    EXPECT_THAT(outputOf("cd " + stage->folder.path().string() + " && cdrdao show-toc " +
+                         quotedForShell(cue())),
+                AllOf(HasSubstr("END    00:06:01(   451)"), HasSubstr("START  00:08:01(   601)"),
+                      HasSubstr("END    00:12:01(   901)"), HasSubstr("START  00:14:01(  1051)"),
+                      HasSubstr("END    01:14:01(  5551)")));
+}
+
+TEST_P(ImageReaders, BchunkExtractsEveryTrack) {
+    if (!isInstalled("bchunk"))
+        GTEST_SKIP() << "bchunk is not installed";
+    burnImage();
+    const TemporaryFolder out;
+    const std::string log = outputOf("bchunk " + quotedForShell(bin()) + ' ' +
+                                     quotedForShell(cue()) + ' ' + out.file("track"));
+    const std::vector<std::string> tracks = tracksOf(layout);
+    const std::string silence(150 * 2352, '\0');
+    // It puts the silence before a track at the end of the one before.
+    EXPECT_TRUE(contentOf(out.file("track01.cdr")).substr(0, tracks[0].size()) == tracks[0]) << log;
+    EXPECT_TRUE(contentOf(out.file("track03.cdr")) == tracks[2]) << log;
+}
+
+INSTANTIATE_TEST_SUITE_P(Named, ImageReaders,
+                         testing::Values("mix", "two words", "Grüße 日本 🎵", "no\xFF\xFEtext",
+                                         "it's 100% back\\slash; (a) & b"),
+                         [](const auto& tested) { return std::to_string(tested.index); });
+
+} // namespace
+} // namespace quarner
