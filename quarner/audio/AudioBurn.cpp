@@ -36,7 +36,10 @@ void AudioCDBurner::burnWithDevice(const QuarnerDevice& device,
     _burner->setProperties(settings);
     DRLayout layout = layoutOf(*items);
     _estimateTotalLength = estimatedBlocks(layout);
-    writeOrRefuse(std::move(layout), _estimateTotalLength, device);
+    if (items->empty())
+        refuseBurn();
+    else
+        writeOrRefuse(std::move(layout), _estimateTotalLength, device);
 }
 
 Dictionary AudioCDBurner::burnSettings(const QuarnerDevice& device) {
@@ -52,11 +55,15 @@ void AudioCDBurner::writeOrRefuse(DRLayout layout, std::uint64_t estimatedBlocks
                                   const QuarnerDevice& device) {
     // Bytes against blocks, unconverted: this only tells a drive with (almost) no free space.
     if (device.freeSizeOfDisc() <= estimatedBlocks) {
-        tell(&QuarnDelegate::burnProgressDidError, BurnError{burnErrorDomain, 0});
+        refuseBurn();
         return;
     }
     _burner->writeLayout(std::move(layout));
     observeBurn();
+}
+
+void AudioCDBurner::refuseBurn() {
+    tell(&QuarnDelegate::burnProgressDidError, BurnError{burnErrorDomain, 0});
 }
 
 void AudioCDBurner::fillTextBlock(const std::optional<std::string>& discName,

@@ -50,8 +50,8 @@ public:
 
     // --- Burning (AudioBurn.cpp, BurnStatus.cpp) ---
 
-    /// A burn is refused, with error code 0, when the tracks' estimated blocks are not fewer than
-    /// the disc's free bytes; this catches an empty compilation and a drive without a disc.
+    /// A burn is refused, with error code 0, when the compilation is empty, and when the tracks'
+    /// estimated blocks are not fewer than the disc's free bytes, as with a drive without a disc.
     void burnWithDevice(const QuarnerDevice& device,
                         const std::optional<std::string>& discNamed) override;
 
@@ -99,6 +99,7 @@ private:
     void performRun(AddFilesRun& run);
     void examineFile(const std::string& path, AddFilesRun& run);
 
+    void refuseBurn();
     void fillTextBlock(const std::optional<std::string>& discName, const BurnItemList& items);
     void observeBurn();
     void reportProgress(const Dictionary& status, const std::string& state);
