@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <limits>
+#include <ostream>
 
 #include "quarner/platform/DRFile.h"
 #include "tests/support/AudioBurnerFixture.h"
@@ -157,6 +158,12 @@ struct Move {
     std::set<std::uint64_t> rows;
     std::int64_t destination;
     const char* result;
+
+    friend void PrintTo(const Move& move, std::ostream* out) {
+        for (const std::uint64_t row : move.rows)
+            *out << row << ' ';
+        *out << "to " << move.destination;
+    }
 };
 
 class MoveTest : public AudioListEditingTest, public ::testing::WithParamInterface<Move> {};

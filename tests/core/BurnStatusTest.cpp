@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <limits>
+#include <ostream>
 
 #include "tests/support/BurnFixture.h"
 
@@ -18,6 +19,8 @@ class BurnStatusTest : public BurnTest {};
 struct StateCase {
     const char* state;
     const char* call;
+
+    friend void PrintTo(const StateCase& given, std::ostream* out) { *out << given.state; }
 };
 
 class StateTest : public BurnTest, public ::testing::WithParamInterface<StateCase> {};
@@ -116,6 +119,8 @@ struct TimeLeftCase {
     std::optional<double> speed;
     double fraction;
     std::uint64_t left;
+
+    friend void PrintTo(const TimeLeftCase& given, std::ostream* out) { *out << given.name; }
 };
 
 class TimeLeftTest : public BurnTest, public ::testing::WithParamInterface<TimeLeftCase> {};
@@ -155,8 +160,7 @@ INSTANTIATE_TEST_SUITE_P(
                       TimeLeftCase{"JustBeyondSixtyFourBits", mostTime, 0.5, 0.5, mostTime},
                       TimeLeftCase{"JustWithinSixtyFourBits", mostTime, 1.0, 0.5,
                                    std::uint64_t(1) << 63},
-                      TimeLeftCase{"SpeedTooSmallForSinglePrecision", 1000, 1e-60, 0.5, 0}),
-    [](const auto& parameter) { return std::string(parameter.param.name); });
+                      TimeLeftCase{"SpeedTooSmallForSinglePrecision", 1000, 1e-60, 0.5, 0}));
 
 TEST_F(BurnStatusTest, TheTimeLeftIsReckonedInSinglePrecision) {
     // In double precision this is 16777217 / 1 * 0.5 = 8388608.5, a single holds 16777216.

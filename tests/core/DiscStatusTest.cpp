@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <ostream>
 
 #include <quarner/scripted.h>
 
@@ -115,6 +116,10 @@ TEST_F(DiscStatusTest, EachFlagIsTheDrives) {
 struct MediaType {
     const char* type;
     bool isCD;
+
+    friend void PrintTo(const MediaType& media, std::ostream* out) {
+        *out << '"' << media.type << '"';
+    }
 };
 
 class MediaTypeTest : public DiscStatusTest, public ::testing::WithParamInterface<MediaType> {};
