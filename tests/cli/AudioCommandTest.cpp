@@ -156,6 +156,12 @@ TEST_F(AudioCommandTest, AFailedBurnIsToldWithItsReasonAndWhatToDo) {
     EXPECT_THAT(host.err(), HasSubstr("Choose a folder that you may write to"));
 }
 
+TEST_F(AudioCommandTest, AFullDiskIsToldWithTheRoomThatTheImageTakes) {
+    host.platform.playBurns({.failsAt = 0.4, .code = DRError::NoSpace});
+    EXPECT_EQ(host.run({"audio", "/m/a.mp3"}), 1);
+    EXPECT_THAT(host.err(), HasSubstr("The image takes 34 MB: make room"));
+}
+
 TEST_F(AudioCommandTest, TheServicesOwnTextOnAFailureIsShown) {
     host.platform.playBurns({.progressReports = 100000});
     host.atEachTurn = [&] {

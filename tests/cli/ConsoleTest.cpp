@@ -27,6 +27,7 @@ TEST(Console, ATerminalsBottomLineIsDrawnOverAndMakesWayForOtherLines) {
     Console console(out, err, terminal(80));
     console.status("10%");
     console.status("20%");
+    console.status("20%"); // not drawn again
     console.error("oops");
     console.status("");
     EXPECT_EQ(out.str(), "\r10%\x1b[K\r20%\x1b[K" // drawn over

@@ -102,6 +102,11 @@ TEST(ProgressLine, ShowsStateTrackPercentAndTimeLeft) {
               "Writing track 2 of 9 [###############---------------]  50%   1:07 left");
 }
 
+TEST(ProgressLine, KnowsNoTimeLeftBeforeThereIsProgress) {
+    EXPECT_EQ(progressLine("Verifying", 0.0, 0, 40, false),
+              "Verifying [-----------]   0%  --:-- left");
+}
+
 TEST(ProgressLine, GivesUpTheBarFirstAndThenTheTime) {
     EXPECT_EQ(progressLine("Writing track 2 of 9", 0.5, 67, 40, false),
               "Writing track 2 of 9  50%   1:07 left");

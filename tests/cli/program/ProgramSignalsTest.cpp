@@ -43,8 +43,8 @@ TEST_F(ProgramSignals, CtrlCWhileAddingCancelsTheRun) {
     EXPECT_THAT(names("images"), IsEmpty());
 }
 
-TEST_F(ProgramSignals, TwoCtrlCWhileAddingEndAtOnce) {
-    EXPECT_EQ(interrupted(tracks(2000), "Adding 3 of 2000", {SIGINT, SIGINT}).status, 130);
+TEST_F(ProgramSignals, ASecondSignalWhileAddingEndsAtOnce) {
+    EXPECT_EQ(interrupted(tracks(2000), "Adding 3 of 2000", {SIGINT, SIGTERM}).status, 130);
     EXPECT_THAT(names("images"), IsEmpty());
 }
 
@@ -60,8 +60,8 @@ TEST_F(ProgramSignals, TheRequestToTerminateIsTreatedAlike) {
     EXPECT_THAT(names("images"), IsEmpty());
 }
 
-TEST_F(ProgramSignals, TwoCtrlCWhileBurningEndAtOnceAndLeaveNothingBehind) {
-    EXPECT_EQ(interrupted(tracks(30), "Writing track 2 of 30", {SIGINT, SIGINT}).status, 130);
+TEST_F(ProgramSignals, ASecondSignalWhileBurningEndsAtOnceAndLeavesNothingBehind) {
+    EXPECT_EQ(interrupted(tracks(30), "Writing track 2 of 30", {SIGINT, SIGTERM}).status, 130);
     EXPECT_THAT(names("images"), IsEmpty());
 }
 

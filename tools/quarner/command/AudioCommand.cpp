@@ -173,7 +173,7 @@ AudioCommand::Outcome AudioCommand::failure(const Compilation& compiled,
     std::string text = "the burn failed: " + std::string(textForBurnErrorCode(code));
     if (!detail.empty())
         text += " (" + safeText(detail) + ")";
-    const std::string advice = adviceForBurnErrorCode(code);
+    const std::string advice = adviceForFailedBurn(code, compiled.used);
     return {ExitStatus::Failed, advice.empty() ? text : text + "\n" + advice};
 }
 

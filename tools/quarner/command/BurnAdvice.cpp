@@ -6,9 +6,12 @@
 #include <utility>
 
 #include "quarner/platform/DRErrors.h"
+#include "quarner/util/MultiMedia.h"
 
 namespace quarner::cli {
 namespace {
+
+constexpr std::uint64_t bytesPerSecond = 75 * 2352; // of an audio CD (Red Book)
 
 constexpr std::array advice = {
     std::pair{DRError::DeviceBusy, std::string_view("Wait until the other burn has ended.")},
@@ -20,9 +23,6 @@ constexpr std::array advice = {
     std::pair{DRError::SourceMissing, std::string_view("Put the file back, and try again.")},
     std::pair{DRError::SourceChanged, std::string_view("Try again with the file as it is now.")},
     std::pair{DRError::SourceUnreadable, std::string_view("Leave the file out, or replace it.")},
-    std::pair{DRError::NoSpace,
-              std::string_view("An image of 80 minutes takes up to 850 MB: make room, or put it on "
-                               "another file system with --image.")},
     std::pair{DRError::PermissionDenied,
               std::string_view("Choose a folder that you may write to with --image, or change "
                                "the folder's permissions.")},
@@ -32,7 +32,11 @@ constexpr std::array advice = {
 
 } // namespace
 
-std::string adviceForBurnErrorCode(std::int64_t code) {
+std::string adviceForFailedBurn(std::int64_t code, std::uint64_t seconds) {
+    if (code == signedCode(DRError::NoSpace))
+        return "The image takes " +
+               MultiMedia::stringWithFilesize(static_cast<std::int64_t>(seconds * bytesPerSecond)) +
+               ": make room for it, or put it on another file system with --image.";
     for (const auto& [error, text] : advice)
         if (signedCode(error) == code)
             return std::string(text);

@@ -54,6 +54,8 @@ void Console::status(std::string_view text) {
     if (!_screen.isTerminal)
         return;
     const std::lock_guard lock(_mutex);
+    if (text == _status)
+        return;
     if (text.empty())
         erase();
     _status = text;

@@ -12,6 +12,7 @@
 namespace quarner::cli {
 namespace {
 
+constexpr char unknownTime[] = "--:--";
 constexpr std::size_t numberColumns = 3;
 constexpr std::size_t timeColumns = 10;
 constexpr std::size_t sizeColumns = 10;
@@ -71,7 +72,7 @@ std::string bar(double fraction, std::size_t columns, bool isUtf8) {
 std::string timeLeftText(std::uint64_t seconds) {
     constexpr std::uint64_t tooLong = 100 * 3600;
     if (seconds >= tooLong)
-        return "--:--";
+        return unknownTime;
     const auto hours = static_cast<unsigned>(seconds / 3600);
     const auto minutes = static_cast<unsigned>(seconds / 60 % 60);
     const auto rest = static_cast<unsigned>(seconds % 60);
@@ -114,7 +115,8 @@ std::string usageLine(const Compilation& compilation, std::size_t columns, bool 
 std::string progressLine(std::string_view state, double fraction, std::uint64_t lefttime,
                          std::size_t columns, bool isUtf8) {
     const std::string percent = rightAligned(percentText(fraction), 4);
-    const std::string left = "  " + rightAligned(timeLeftText(lefttime), 5) + " left";
+    const std::string time = fraction > 0 ? timeLeftText(lefttime) : unknownTime;
+    const std::string left = "  " + rightAligned(time, 5) + " left";
     const std::string head = std::string(state) + " ";
     const std::size_t text = displayWidth(head) + 1 + percent.size() + left.size();
     if (text + narrowestBar <= columns)

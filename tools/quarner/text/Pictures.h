@@ -33,8 +33,8 @@ std::vector<std::string> trackList(const Compilation& compilation, std::size_t c
 /// The bar of used against free time, and the figures.
 std::string usageLine(const Compilation& compilation, std::size_t columns, bool isUtf8);
 
-/// The one line of a burn's progress: what is being done, how much of it, and the time left. On a
-/// narrow screen the bar goes first, then the time.
+/// The one line of a burn's progress: what is being done, how much of it, and the time left (not
+/// known before there is progress). On a narrow screen the bar goes first, then the time.
 std::string progressLine(std::string_view state, double fraction, std::uint64_t lefttime,
                          std::size_t columns, bool isUtf8);
 
