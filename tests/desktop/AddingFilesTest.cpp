@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <atomic>
-#include <fstream>
 #include <thread>
 
 #include "quarner/platform/DRTrack.h"
@@ -29,6 +28,13 @@ TEST_F(DesktopAddingFiles, TheOrderIsTheUsersAndIgnoresCase) {
     EXPECT_THAT(delegate.calls(),
                 ElementsAre("addFilesProgressDidStarted", changed("A.mp3", 1, 2), added(a),
                             changed("b.mp3", 2, 2), added(b), "addFilesProgressDidEnd"));
+}
+
+TEST_F(DesktopAddingFiles, TheCaseOfEveryLetterIsIgnored) {
+    const std::string b = put("five.mp3", "ÄB.mp3");
+    const std::string a = put("five.mp3", "äa.mp3");
+    compile({b, a});
+    EXPECT_THAT(paths(), ElementsAre(a, b));
 }
 
 TEST_F(DesktopAddingFiles, EveryCallbackOfARunComesOnABackgroundThread) {

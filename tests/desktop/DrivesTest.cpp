@@ -178,6 +178,7 @@ TEST_F(DesktopDrives, InstallingAgainKeepsTheDrives) {
     installDesktopPlatform();
     EXPECT_THAT(QuarnerDevice::devices(), ElementsAre(name));
     uninstallDesktopPlatform();
+    EXPECT_THAT(QuarnerDevice::devices(), IsEmpty());
     uninstallDesktopPlatform();
     installDesktopPlatform();
     EXPECT_THAT(QuarnerDevice::devices(), IsEmpty());
