@@ -76,7 +76,8 @@ function(quarner_test NAME)
   list(TRANSFORM ARG_OBJECTS PREPEND quarner_ OUTPUT_VARIABLE objects)
   target_link_libraries(${NAME} PRIVATE quarner_options ${objects} ${ARG_DEPENDS}
                         GTest::gmock GTest::gtest_main)
-  gtest_discover_tests(${NAME} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
+  # By the names that a suite gives its parameters, not by their bytes.
+  gtest_discover_tests(${NAME} NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
   # Properties that are lists do not get through gtest_discover_tests: set once the tests are known.
   file(CONFIGURE OUTPUT ${NAME}_properties.cmake @ONLY CONTENT [[
 foreach(test IN LISTS @NAME@_TESTS)

@@ -38,10 +38,9 @@ bool EngineBurn::start() {
 }
 
 void EngineBurn::writeLayout(DRLayout layout) {
-    const std::shared_ptr<RunLoops> runLoops = _services.runLoops.lock();
-    if (!runLoops || !start())
+    if (!start())
         return;
-    const StatusReporter report(runLoops->currentCenter(), shared_from_this());
+    const StatusReporter report(_services.runLoops->currentCenter(), shared_from_this());
     if (!_target) {
         report.failed(BurnFailure(DRError::DeviceVanished, "the drive is not attached"));
         return;

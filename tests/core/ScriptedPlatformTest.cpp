@@ -41,10 +41,7 @@ TEST(ScriptedPlatform, LetsWorkThatWaitsForTheMainThreadGoWhenItIsDestroyed) {
         const auto burner = Quarner::audioCDBurner();
         burner->setDelegate(&delegate);
         burner->addFiles({"/a.mp3"});
-        // The run waits for the main thread, which never serves it.
-        const auto deadline = std::chrono::steady_clock::now() + ScriptedPlatform::patience;
-        while (delegate.count("addFilesProgressDidChanged(a.mp3, 1, 1)") == 0 &&
-               std::chrono::steady_clock::now() < deadline)
+        while (delegate.count("addFilesProgressDidChanged(a.mp3, 1, 1)") == 0)
             std::this_thread::yield();
     }
     EXPECT_THAT(delegate.calls(), Contains("addFilesProgressDidEnd"));
