@@ -163,7 +163,7 @@ TEST_F(AudioCommandTest, AFullDiskIsToldWithTheRoomThatTheImageTakes) {
 }
 
 TEST_F(AudioCommandTest, TheServicesOwnTextOnAFailureIsShown) {
-    host.platform.playBurns({.progressReports = 100000});
+    host.platform.playBurns({.progressReports = 2000});
     host.atEachTurn = [&] {
         const auto burn = host.platform.lastBurn();
         if (burn && burn->isPlaying())
@@ -226,7 +226,7 @@ TEST_F(AudioCommandTest, InterruptingTheAddingStopsAtTheNextFile) {
 }
 
 TEST_F(AudioCommandTest, InterruptingTheBurnWaitsForItsEnd) {
-    host.platform.playBurns({.progressReports = 100000});
+    host.platform.playBurns({.progressReports = 2000});
     bool isAsked = false;
     host.atEachTurn = [&] {
         const auto burn = host.platform.lastBurn();
@@ -250,7 +250,7 @@ TEST_F(AudioCommandTest, ABurnThatIsDoneBeforeItCouldBeInterruptedIsDone) {
 }
 
 TEST_F(AudioCommandTest, EndingAtOnceEndsThePlatformBeforeTheDelegateGoes) {
-    host.platform.playBurns({.progressReports = 100000});
+    host.platform.playBurns({.progressReports = 2000});
     bool isEnded = false;
     host.atEachTurn = [&] {
         const auto burn = host.platform.lastBurn();
