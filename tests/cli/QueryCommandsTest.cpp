@@ -168,6 +168,14 @@ TEST_F(WatchCommandTest, ADriveThatIsNamedIsTheOnlyOneToldOf) {
     EXPECT_THAT(host.outLines(), ElementsAre("Two: no disc", "Two: no disc"));
 }
 
+TEST_F(WatchCommandTest, NothingIsToldOfADriveThatIsGone) {
+    const auto drive = host.platform.addDrive({.name = "Old"});
+    EXPECT_EQ(watch({}, {[&] { host.platform.unplug(drive); }, [] {}, [] {},
+                         [&] { drive->reportChange(); }, [] {}, [] {}}),
+              130);
+    EXPECT_THAT(host.outLines(), ElementsAre("Old: no disc", "Old: disappeared"));
+}
+
 TEST_F(WatchCommandTest, WaitsAlsoOnAMachineWithoutDrives) {
     EXPECT_EQ(watch({}, {}), 130);
     EXPECT_THAT(host.outLines(), ElementsAre("There is no drive yet."));
