@@ -28,13 +28,13 @@ public:
 };
 
 void takeLocaleFromEnvironment() {
-    std::setlocale(LC_ALL, "");
+    std::setlocale(LC_ALL, ""); // NOLINT(concurrency-mt-unsafe): no other thread is there yet
     textdomain("quarner");
     bind_textdomain_codeset("quarner", "UTF-8");
 }
 
 std::string addDesktopImageDrive(const ImageRequest& request) {
-    const std::string name =
+    std::string name =
         addImageDrive({.path = request.path,
                        .minutes = request.minutes,
                        .loadExisting = request.disc == ImageRequest::Disc::ExistingOrBlank});

@@ -44,12 +44,12 @@ private:
     void addFiles();
     void refuse(const std::vector<std::string>& paths);
     Compilation compilation() const;
-    Outcome burn(const Compilation& compilation);
+    Outcome burn(const Compilation& compiled);
     Outcome refusal() const;
-    Outcome overflow(const Compilation& compilation) const;
+    Outcome overflow(const Compilation& compiled) const;
     Outcome cancellation() const;
-    Outcome success(const Compilation& compilation) const;
-    Outcome failure(const Compilation& compilation, const std::string& detail) const;
+    Outcome success(const Compilation& compiled) const;
+    Outcome failure(const Compilation& compiled, const std::string& detail) const;
 
     Host& _host;
     const AudioOptions _options;

@@ -11,7 +11,7 @@
 namespace quarner::cli {
 namespace {
 
-constexpr std::uint64_t bytesPerSecond = 75 * 2352; // of an audio CD (Red Book)
+constexpr std::uint64_t bytesPerSecond = 75ULL * 2352; // of an audio CD (Red Book)
 
 constexpr std::array advice = {
     std::pair{DRError::DeviceBusy, std::string_view("Wait until the other burn has ended.")},

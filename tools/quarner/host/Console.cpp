@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "tools/quarner/host/Console.h"
 
-#include <langinfo.h>
+#include <glib.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -18,7 +18,7 @@ constexpr std::size_t usualColumns = 80;
 
 /// The variable COLUMNS, or the usual width.
 std::size_t columnsByEnvironment() {
-    const char* const text = std::getenv("COLUMNS");
+    const char* const text = g_getenv("COLUMNS");
     const long columns = text == nullptr ? 0 : std::strtol(text, nullptr, 10);
     return columns > 0 ? static_cast<std::size_t>(columns) : usualColumns;
 }
@@ -30,14 +30,14 @@ std::size_t columnsOfTerminal() {
 }
 
 bool canEraseLines() {
-    const char* const kind = std::getenv("TERM");
+    const char* const kind = g_getenv("TERM");
     return isatty(STDOUT_FILENO) == 1 && kind != nullptr && std::string_view(kind) != "dumb";
 }
 
 } // namespace
 
 Screen screenOfStandardOutput() {
-    const bool isUtf8 = std::string_view(nl_langinfo(CODESET)) == "UTF-8";
+    const bool isUtf8 = g_get_charset(nullptr) != FALSE;
     if (canEraseLines())
         return {true, isUtf8, columnsOfTerminal};
     return {false, isUtf8, columnsByEnvironment};

@@ -39,7 +39,7 @@ Interruptions::~Interruptions() {
         _isOver = true;
     }
     _over.notify_all();
-    pthread_kill(_thread.native_handle(), SIGTERM);
+    pthread_kill(_thread.native_handle(), SIGINT);
     _thread.join();
 }
 

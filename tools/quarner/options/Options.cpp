@@ -180,10 +180,11 @@ void Grammar::checkWordsBeforeCommand() const {
         refuseCommand(*command);
     if (words.empty())
         return;
-    if (chosen() != nullptr && contains(optionsOf(*chosen()), nameOf(words.front())))
+    const CLI::App* const given = chosen();
+    if (given != nullptr && contains(optionsOf(*given), nameOf(words.front())))
         throw UsageError(nameOf(words.front()) + " goes after the command: quarner " +
-                         chosen()->get_name() + " " + nameOf(words.front()));
-    refuseOption(chosen() == nullptr ? _app : *chosen(), words.front());
+                         given->get_name() + " " + nameOf(words.front()));
+    refuseOption(given == nullptr ? _app : *given, words.front());
 }
 
 void Grammar::takeFiles() {

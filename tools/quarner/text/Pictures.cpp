@@ -70,7 +70,7 @@ std::string bar(double fraction, std::size_t columns, bool isUtf8) {
 }
 
 std::string timeLeftText(std::uint64_t seconds) {
-    constexpr std::uint64_t tooLong = 100 * 3600;
+    constexpr std::uint64_t tooLong = 100ULL * 3600;
     if (seconds >= tooLong)
         return unknownTime;
     const auto hours = static_cast<unsigned>(seconds / 3600);

@@ -26,9 +26,9 @@ bool isHarmful(gunichar character) {
 }
 
 std::size_t columnsOf(gunichar character) {
-    if (g_unichar_iszerowidth(character))
+    if (g_unichar_iszerowidth(character) != FALSE)
         return 0;
-    return g_unichar_iswide(character) ? 2 : 1;
+    return g_unichar_iswide(character) != FALSE ? 2 : 1;
 }
 
 /// The first character of a text that is not empty, and how many bytes it takes; an invalid
