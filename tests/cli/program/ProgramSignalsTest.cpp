@@ -76,7 +76,7 @@ TEST_F(ProgramSignals, ACancelledBurnKeepsTheImageThatWasThere) {
     const std::string before = contentOf(folder.file("images/mix.bin"));
     EXPECT_EQ(interrupted(tracks(30), "Writing track 2 of 30", {SIGINT}).status, 130);
     EXPECT_THAT(names("images"), ElementsAre("mix.bin", "mix.cue"));
-    EXPECT_EQ(contentOf(folder.file("images/mix.bin")), before);
+    EXPECT_TRUE(contentOf(folder.file("images/mix.bin")) == before);
 }
 
 TEST_F(ProgramSignals, JsonTellsTheCancellationAndTheStatus) {
