@@ -38,9 +38,10 @@ bool EngineBurn::start() {
 }
 
 void EngineBurn::writeLayout(DRLayout layout) {
-    if (!start())
+    const std::shared_ptr<RunLoops> runLoops = _services.runLoops.lock();
+    if (!runLoops || !start())
         return;
-    const StatusReporter report(_services.runLoops->currentCenter(), shared_from_this());
+    const StatusReporter report(runLoops->currentCenter(), shared_from_this());
     if (!_target) {
         report.failed(BurnFailure(DRError::DeviceVanished, "the drive is not attached"));
         return;

@@ -16,7 +16,8 @@ namespace quarner {
 
 /// What every burn of a recorder shares.
 struct BurnServices {
-    std::shared_ptr<RunLoops> runLoops;
+    /// The recorder's. Not kept alive by a burn, which a record that waits in one of them keeps.
+    std::weak_ptr<RunLoops> runLoops;
     std::shared_ptr<PCMService> pcm;
     std::shared_ptr<BurnThreads> threads;
     Clock clock;

@@ -21,7 +21,7 @@ constexpr std::array speeds = {300, 600, 1200, 1800, 2400, 3000, 3600, 3900};
 
 ImageDrive::ImageDrive(std::string displayName, std::string cuePath, std::uint32_t capacity,
                        Disc disc, std::shared_ptr<FileSystem> files,
-                       std::shared_ptr<RunLoops> runLoops)
+                       std::weak_ptr<RunLoops> runLoops)
     : _displayName(std::move(displayName)), _cuePath(std::move(cuePath)), _capacity(capacity),
       _files(std::move(files)), _runLoops(std::move(runLoops)), _disc(disc) {}
 
@@ -150,7 +150,8 @@ void ImageDrive::release(std::optional<std::uint64_t> writtenSectors) {
 }
 
 void ImageDrive::tellOfChange() {
-    _runLoops->postToAll({DRDeviceStatusChangedNotification, shared_from_this(), {}});
+    if (const auto runLoops = _runLoops.lock())
+        runLoops->postToAll({DRDeviceStatusChangedNotification, shared_from_this(), {}});
 }
 
 } // namespace quarner

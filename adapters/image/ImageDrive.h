@@ -28,7 +28,7 @@ public:
 
     /// `capacity` in blocks, of this disc and of every blank one that is inserted later.
     ImageDrive(std::string displayName, std::string cuePath, std::uint32_t capacity, Disc disc,
-               std::shared_ptr<FileSystem> files, std::shared_ptr<RunLoops> runLoops);
+               std::shared_ptr<FileSystem> files, std::weak_ptr<RunLoops> runLoops);
 
     const std::string& cuePath() const { return _cuePath; }
 
@@ -68,7 +68,8 @@ private:
     const std::string _cuePath;
     const std::uint32_t _capacity;
     const std::shared_ptr<FileSystem> _files;
-    const std::shared_ptr<RunLoops> _runLoops;
+    /// Not kept alive: a notification that waits in one of them keeps this drive.
+    const std::weak_ptr<RunLoops> _runLoops;
 
     mutable std::mutex _mutex;
     std::optional<Disc> _disc;

@@ -52,8 +52,9 @@ ImageDrive::Disc existingDisc(FileSystem& files, const ImageNames& names) {
 
 ImageRecorder::ImageRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<PCMService> pcm,
                              ImageRecorderParts parts)
-    : _services{std::move(runLoops), std::move(pcm), std::make_shared<BurnThreads>(),
-                std::move(parts.clock)},
+    : _runLoops(std::move(runLoops)), _services{_runLoops, std::move(pcm),
+                                                std::make_shared<BurnThreads>(),
+                                                std::move(parts.clock)},
       _files(std::move(parts.files)) {}
 
 ImageRecorder::~ImageRecorder() { _services.threads->shutDown(); }
@@ -71,10 +72,10 @@ std::shared_ptr<ImageDrive> ImageRecorder::add(const ImageDriveSettings& setting
     {
         const std::lock_guard lock(_mutex);
         drive = std::make_shared<ImageDrive>(uniqueName(path), path, *capacity, disc, _files,
-                                             _services.runLoops);
+                                             _runLoops);
         _drives.push_back(drive);
     }
-    _services.runLoops->postToAll({DRDeviceAppearedNotification, drive, {}});
+    _runLoops->postToAll({DRDeviceAppearedNotification, drive, {}});
     return drive;
 }
 
@@ -102,7 +103,7 @@ bool ImageRecorder::remove(const std::shared_ptr<DRDevice>& device) {
         _drives.erase(found);
     }
     drive->unplug();
-    _services.runLoops->postToAll({DRDeviceDisappearedNotification, drive, {}});
+    _runLoops->postToAll({DRDeviceDisappearedNotification, drive, {}});
     return true;
 }
 
@@ -130,7 +131,7 @@ std::shared_ptr<DRTrack> ImageRecorder::trackForAudioFile(const std::string& pat
 }
 
 std::shared_ptr<DRNotificationCenter> ImageRecorder::currentRunLoopCenter() {
-    return _services.runLoops->currentCenter();
+    return _runLoops->currentCenter();
 }
 
 } // namespace quarner

@@ -57,6 +57,7 @@ private:
     std::string uniqueName(const std::string& path) const;
     bool isTaken(const std::string& name) const;
 
+    const std::shared_ptr<RunLoops> _runLoops;
     const BurnServices _services;
     const std::shared_ptr<FileSystem> _files;
     std::mutex _mutex;

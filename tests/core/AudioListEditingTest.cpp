@@ -185,7 +185,8 @@ INSTANTIATE_TEST_SUITE_P(
                       Move{{1, 2}, 1, "ABCDE"}, Move{{0, 4}, 2, "BAECD"}, Move{{3, 4}, 0, "DEABC"},
                       Move{{0}, farthest, "BCDEA"}, Move{{0}, mostNegative, "BCDEA"},
                       Move{{0, 1, 2, 3, 4}, 5, "ABCDE"}, Move{{0, 1, 2, 3, 4}, 2, "ABCDE"},
-                      Move{{4}, 5, "ABCDE"}, Move{{2}, 3, "ABCDE"}));
+                      Move{{0, 2}, 2, "ABCDE"}, Move{{1, 4}, 1, "ABCDE"}, Move{{4}, 5, "ABCDE"},
+                      Move{{2}, 3, "ABCDE"}));
 
 TEST_F(AudioListEditingTest, TheBurnFollowsTheNewOrder) {
     fill();

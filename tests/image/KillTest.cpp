@@ -96,14 +96,21 @@ protected:
 
     [[noreturn]] void burnAndExit(const DRLayout& layout,
                                   const std::shared_ptr<FileSystem>& files) {
+        _exit(burnHere(layout, files) ? 0 : 1);
+    }
+
+    bool burnHere(const DRLayout& layout, const std::shared_ptr<FileSystem>& files) {
         const auto loops = std::make_shared<StepLoops>();
         ImageRecorder recorder(loops, stage->sound, {.files = files});
         const auto burn = recorder.burnForDevice(recorder.add({.path = stage->cue()}));
         BurnLog log(recorder.currentRunLoopCenter(), burn.get());
         burn->writeLayout(layout);
         loops->runUntil([&] { return log.isOver(); });
-        _exit(log.isDone() ? 0 : 1);
+        return log.isDone();
     }
+
+    /// All burns are made in other processes: one that has had threads is not forked again.
+    void burnWhole(const DRLayout& layout) { ASSERT_TRUE(burnInChild(layout, posixFileSystem())); }
 
     /// The image is the old one, or the new one, or (without an old one) not there at all.
     void expectOldOrNew(const DRLayout& old, const DRLayout& fresh) {
@@ -114,10 +121,8 @@ protected:
     }
 
     void expectNextBurnToClearUp(std::initializer_list<const char*> names) {
-        takeNewBlank();
         const DRLayout layout = makeLayout({1000});
-        const Outcome outcome = burn(layout);
-        EXPECT_TRUE(outcome.isDone) << outcome.info;
+        burnWhole(layout);
         EXPECT_TRUE(stage->tracksOnDisc() == tracksOf(layout));
         EXPECT_EQ(filesInFolder(), std::vector<std::string>(names.begin(), names.end()));
         for (const auto& track : layout)
@@ -132,10 +137,8 @@ protected:
             SCOPED_TRACE("killed before step " + std::to_string(step));
             for (const std::string& name : filesInFolder())
                 std::filesystem::remove(stage->folder.file(name));
-            takeNewBlank();
-            if (!old.empty()) {
-                ASSERT_TRUE(burn(old).isDone);
-            }
+            if (!old.empty())
+                burnWhole(old);
             isDone = burnInChild(fresh, std::make_shared<KillingFiles>(step, canLink));
             expectOldOrNew(old, fresh);
             expectNextBurnToClearUp({"mix.bin", "mix.cue"});
@@ -158,7 +161,7 @@ TEST_F(KilledBurn, AtAnyStepOfAReplacementWithoutSecondNamesLeavesTheOldImageOrT
 
 TEST_F(KilledBurn, AtARandomMomentLeavesTheOldImageOrTheNew) {
     const DRLayout old = makeLayout({1000, 588 * 400});
-    ASSERT_TRUE(burn(old).isDone);
+    burnWhole(old);
     const DRLayout fresh = makeLayout({588 * 1500, 588 * 1000});
     std::minstd_rand random(std::random_device{}());
     for (int i = 0; i < 8; ++i) {
@@ -170,8 +173,7 @@ TEST_F(KilledBurn, AtARandomMomentLeavesTheOldImageOrTheNew) {
         });
         expectOldOrNew(old, fresh);
     }
-    takeNewBlank();
-    ASSERT_TRUE(burn(fresh).isDone);
+    burnWhole(fresh);
     EXPECT_THAT(filesInFolder(), ElementsAre("mix.bin", "mix.cue"));
 }
 
