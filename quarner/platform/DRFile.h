@@ -8,7 +8,8 @@
 
 namespace quarner {
 
-/// A file node of a data disc: refers to one file on disk.
+/// A file node of a data disc: refers to one file on disk. Its property dictionary is the one for
+/// all file systems (`DRAllFilesystems`).
 class QUARNER_EXPORT DRFile : public BurnItem {
 public:
     static constexpr std::string_view drClassName = "DRFile";

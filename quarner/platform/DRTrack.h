@@ -6,14 +6,16 @@
 #include <string>
 
 #include "quarner/platform/BurnItem.h"
+#include "quarner/platform/DRFolder.h"
 #include "quarner/platform/DRMSF.h"
 #include "quarner/platform/FileStamp.h"
 
 namespace quarner {
 
-/// An audio track: a plain record of the file that it is made from, its exact length and the
-/// pre-gap before it. Made by the recording service (`RecordingService::trackForAudioFile`) and
-/// read by the recorder that writes it.
+/// A track. An audio track is a plain record of the file that it is made from, its exact length and
+/// the pre-gap before it; a data track has a root folder instead of a file, and an estimate of the
+/// blocks that its file system takes. Made by the recording service (`trackForAudioFile`,
+/// `trackForRootFolder`) and read by the recorder that writes it.
 class QUARNER_EXPORT DRTrack : public BurnItem {
 public:
     static constexpr std::string_view drClassName = "DRTrack";
@@ -32,6 +34,8 @@ public:
     std::uint64_t sampleCount = 0;
     /// The file as it was when the track was made: a recorder refuses to write another.
     FileStamp stamp;
+    /// The content of a data track; null for an audio track.
+    std::shared_ptr<const DRFolder> rootFolder;
 
     /// The play length: the samples in whole sectors, at least `minimumSectors`. The pre-gap is
     /// not counted.

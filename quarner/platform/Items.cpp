@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "quarner/platform/DRFile.h"
+#include "quarner/platform/DRFolder.h"
 #include "quarner/platform/DRTrack.h"
 
 namespace quarner {
@@ -23,6 +24,10 @@ std::uint64_t DRTrack::estimateLength() const {
 std::string_view DRFile::className() const { return drClassName; }
 
 bool DRFile::isKindOfClass(std::string_view name) const { return name == drClassName; }
+
+std::string_view DRFolder::className() const { return drClassName; }
+
+bool DRFolder::isKindOfClass(std::string_view name) const { return name == drClassName; }
 
 std::uint32_t sectorsForSamples(std::uint64_t sampleCount) {
     const std::uint64_t whole = sampleCount / DRTrack::samplesPerSector;

@@ -22,6 +22,15 @@ DispatchService::~DispatchService() = default;
 TextService::~TextService() = default;
 LogSink::~LogSink() = default;
 
+std::shared_ptr<DRFile> RecordingService::fileWithPath(const std::string& /*path*/) {
+    return nullptr;
+}
+
+std::shared_ptr<DRTrack>
+RecordingService::trackForRootFolder(std::shared_ptr<const DRFolder> /*folder*/) {
+    return nullptr;
+}
+
 namespace {
 
 class NullBurn : public DRBurn {

@@ -7,6 +7,8 @@
 
 #include "quarner/platform/DRBurn.h"
 #include "quarner/platform/DRDevice.h"
+#include "quarner/platform/DRFile.h"
+#include "quarner/platform/DRFolder.h"
 #include "quarner/platform/DRNotificationCenter.h"
 #include "quarner/platform/DRTrack.h"
 
@@ -30,6 +32,14 @@ public:
     /// `trackForAudioFile:`: a new track that plays a file, its path, exact length and stamp
     /// filled in, the pre-gap zero; null when the file cannot be played. Any thread.
     virtual std::shared_ptr<DRTrack> trackForAudioFile(const std::string& path) = 0;
+
+    /// `fileWithPath:`: a new file node for a file on disk. Null, or a thrown exception, when none
+    /// can be made. Any thread. Answered here: null, for a service that writes no data discs.
+    virtual std::shared_ptr<DRFile> fileWithPath(const std::string& path);
+
+    /// `trackForRootFolder:`: a new data track of a folder's file system, with the blocks that it
+    /// takes as its estimate. Null when there is none to be made. Answered here: null.
+    virtual std::shared_ptr<DRTrack> trackForRootFolder(std::shared_ptr<const DRFolder> folder);
 
     /// `currentRunLoopCenter`: the notification centre of the calling thread's run loop; the
     /// same object for every call on that thread. Never null.

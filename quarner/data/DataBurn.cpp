@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "quarner/data/DataCDBurner.h"
+#include "quarner/device/QuarnerDevice.h"
+#include "quarner/platform/Platform.h"
+
+namespace quarner {
+
+void DataCDBurner::burnWithDevice(const QuarnerDevice& device,
+                                  const std::optional<std::string>& discNamed) {
+    if (!device.device())
+        return;
+    tell(&QuarnDelegate::burnProgressDidStarted);
+    const auto recording = currentPlatform()->recording;
+    _burner = recording->burnForDevice(device.device());
+    _burner->setProperties(burnSettings(device));
+    const std::shared_ptr<const DRTrack> track =
+        recording->trackForRootFolder(rootFolder(discNamed.value_or("")));
+    DRLayout layout;
+    if (track)
+        layout.push_back(track);
+    writeOrRefuse(std::move(layout), track ? track->estimateLength() : 0, device);
+}
+
+std::shared_ptr<const DRFolder> DataCDBurner::rootFolder(const std::string& name) const {
+    const auto folder = std::make_shared<DRFolder>(name);
+    for (const BurnItemRef& item : *_content.snapshot())
+        if (auto node = std::dynamic_pointer_cast<const DRFile>(item))
+            folder->addChild(std::move(node));
+    folder->setExplicitFilesystemMask(DRFilesystemMaskJoliet);
+    return folder;
+}
+
+} // namespace quarner

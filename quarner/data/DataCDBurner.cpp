@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "quarner/data/DataCDBurner.h"
+
+#include "quarner/front/BurnerRegistry.h"
+
+namespace quarner {
+namespace {
+
+const bool registered =
+    registerBurner("DataCDBurner", [] { return std::make_shared<DataCDBurner>(); });
+
+} // namespace
+
+std::vector<std::string> DataCDBurner::supportedFileTypes() { return {"mp3", "MP3", "m4a", "M4A"}; }
+
+void DataCDBurner::removeItem(const BurnItemRef& item) {
+    removeItemOfClass(item, DRFile::drClassName);
+}
+
+std::shared_ptr<const Dictionary> DataCDBurner::propertyOfBurnItem(const BurnItemRef& item) const {
+    return item && item->className() == DRFile::drClassName ? item->properties() : nullptr;
+}
+
+} // namespace quarner

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "quarner/audio/AudioCDBurner.h"
+
+namespace quarner {
+
+/// Compiles and burns a data CD of compressed audio files: see `Quarner` for what each operation
+/// does. Get one from `Quarner::dataCDBurner`. Every accepted file becomes a file node (`DRFile`);
+/// the burn hangs them all under one root folder that bears the disc's name.
+///
+/// The list, its order and the reports of a burn work as for an audio CD. Not so: no file is
+/// protected, the end report has only "incompatible-files", and capacity counts bytes.
+class QUARNER_EXPORT DataCDBurner : public AudioCDBurner {
+public:
+    /// Always "mp3", "MP3", "m4a", "M4A", in this order.
+    std::vector<std::string> supportedFileTypes() override;
+
+    /// Only an item that is a file node, or of a class derived from it, is removed.
+    void removeItem(const BurnItemRef& item) override;
+    /// Null also for an item that is not a file node itself, one of a derived class included.
+    std::shared_ptr<const Dictionary> propertyOfBurnItem(const BurnItemRef& item) const override;
+
+    /// The plain sum of the files' sizes in bytes: no rounding to blocks, no file system.
+    std::uint64_t usedCapacity() const override;
+    /// Compares bytes; content that fills the disc exactly fits.
+    bool isContentOverflowForDevice(const QuarnerDevice& device) const override;
+
+    /// Without a drive nothing happens and nothing is reported. A burn is refused, with error code
+    /// 0, when the file system's blocks are not fewer than the disc's free bytes. The time left
+    /// is always reported as 0.
+    void burnWithDevice(const QuarnerDevice& device,
+                        const std::optional<std::string>& discNamed) override;
+
+protected:
+    bool isInContent(const std::string& resolvedPath) const override;
+    bool isProtected(const std::string& resolvedPath) const override;
+    std::shared_ptr<BurnItem> makeItem(const std::string& path, Dictionary& record) const override;
+    EndReport endReport(const std::vector<std::string>& protectedFiles,
+                        const std::vector<std::string>& incompatibleFiles) const override;
+
+private:
+    std::shared_ptr<const DRFolder> rootFolder(const std::string& name) const;
+};
+
+} // namespace quarner

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "quarner/data/DataCDBurner.h"
+#include "quarner/device/QuarnerDevice.h"
+
+namespace quarner {
+
+std::uint64_t DataCDBurner::usedCapacity() const {
+    std::uint64_t bytes = 0;
+    for (const BurnItemRef& item : *_content.snapshot())
+        if (const auto properties = propertyOfBurnItem(item))
+            bytes += valueFor(*properties, kQuarnItemRealFileSizeKey).asUInt64();
+    return bytes;
+}
+
+bool DataCDBurner::isContentOverflowForDevice(const QuarnerDevice& device) const {
+    return device.isDiscInDevice() && device.freeSizeOfDisc() < usedCapacity();
+}
+
+} // namespace quarner

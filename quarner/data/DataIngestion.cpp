@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <algorithm>
+
+#include "quarner/data/DataCDBurner.h"
+#include "quarner/platform/Platform.h"
+
+namespace quarner {
+namespace {
+
+std::shared_ptr<DRFile> nodeOrNull(const std::string& path) {
+    try {
+        return currentPlatform()->recording->fileWithPath(path);
+    } catch (...) { // the one service call that may throw; both ways mean a refused file
+        return nullptr;
+    }
+}
+
+} // namespace
+
+bool DataCDBurner::isInContent(const std::string& resolvedPath) const {
+    const ContentList::Snapshot items = _content.snapshot();
+    return std::any_of(items->begin(), items->end(), [&](const BurnItemRef& item) {
+        const auto node = std::dynamic_pointer_cast<const DRFile>(item);
+        return node && node->sourcePath() == resolvedPath;
+    });
+}
+
+bool DataCDBurner::isProtected(const std::string& /*resolvedPath*/) const { return false; }
+
+std::shared_ptr<BurnItem> DataCDBurner::makeItem(const std::string& path,
+                                                 Dictionary& record) const {
+    const std::shared_ptr<DRFile> node = nodeOrNull(path);
+    if (!node)
+        return nullptr;
+    // What the node itself knows wins, and the delegate sees it too.
+    for (const auto& [key, value] : *node->properties())
+        record.insert_or_assign(key, value);
+    node->setProperties(record);
+    return node;
+}
+
+EndReport DataCDBurner::endReport(const std::vector<std::string>& /*protectedFiles*/,
+                                  const std::vector<std::string>& incompatibleFiles) const {
+    return {{incompatibleFilesReportKey, incompatibleFiles}};
+}
+
+} // namespace quarner
