@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/isofs/JolietNames.h"
+
+#include <glib.h>
+
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace quarner {
+namespace {
+
+constexpr std::size_t extensionLimit = 17; // its dot counted
+
+std::size_t unitsOf(char32_t character) { return character > 0xFFFF ? 2 : 1; }
+
+std::size_t unitsOf(std::u32string_view text) {
+    std::size_t units = 0;
+    for (const char32_t character : text)
+        units += unitsOf(character);
+    return units;
+}
+
+/// Decodes UTF-8; every byte that does not belong to a valid character becomes an underscore.
+std::u32string decoded(const std::string& text) {
+    std::u32string characters;
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    while (at < end) {
+        const gunichar character = g_utf8_get_char_validated(at, end - at);
+        const bool isValid = character < 0x110000 && character != 0;
+        characters += isValid ? static_cast<char32_t>(character) : U'_';
+        at += isValid ? g_utf8_skip[static_cast<unsigned char>(*at)] : 1;
+    }
+    return characters;
+}
+
+std::string encoded(std::u32string_view characters) {
+    std::string text;
+    for (const char32_t character : characters) {
+        char bytes[6];
+        text.append(bytes, static_cast<std::size_t>(g_unichar_to_utf8(character, bytes)));
+    }
+    return text;
+}
+
+bool isControl(char32_t character) { return character < 0x20 || character == 0x7F; }
+
+bool isLegalInName(char32_t character) {
+    constexpr std::u32string_view forbidden = U"*/:;?\\";
+    return !isControl(character) && forbidden.find(character) == std::u32string_view::npos;
+}
+
+std::u32string cut(std::u32string_view text, std::size_t units) {
+    while (unitsOf(text) > units)
+        text.remove_suffix(1);
+    return std::u32string(text);
+}
+
+struct Name {
+    std::u32string stem;
+    std::u32string extension; // with its dot
+};
+
+Name parted(const std::u32string& name) {
+    const std::size_t dot = name.find_last_of(U'.');
+    if (dot == std::u32string::npos || dot == 0 ||
+        unitsOf(std::u32string_view(name).substr(dot)) > extensionLimit)
+        return {name, {}};
+    return {name.substr(0, dot), name.substr(dot)};
+}
+
+/// The name within the limit, with a mark between stem and extension.
+std::string composed(const Name& name, const std::u32string& mark) {
+    const std::size_t room = jolietNameLimit - unitsOf(name.extension) - unitsOf(mark);
+    return encoded(cut(name.stem, room) + mark + name.extension);
+}
+
+Name legalName(const std::string& fileName) {
+    std::u32string characters = decoded(fileName);
+    for (char32_t& character : characters)
+        if (!isLegalInName(character))
+            character = U'_';
+    return parted(characters.empty() ? U"_" : characters);
+}
+
+/// Two names with the same key are one name to a reader that ignores case.
+std::string keyOf(const std::string& name) {
+    const std::unique_ptr<char, decltype(&g_free)> normal(
+        g_utf8_normalize(name.c_str(), -1, G_NORMALIZE_NFC), g_free);
+    const std::unique_ptr<char, decltype(&g_free)> folded(g_utf8_casefold(normal.get(), -1),
+                                                          g_free);
+    return folded.get();
+}
+
+std::u32string numberMark(unsigned number) {
+    const std::string digits = std::to_string(number);
+    return U" (" + std::u32string(digits.begin(), digits.end()) + U")";
+}
+
+/// Hands out each name once.
+class NameBook {
+public:
+    bool take(const std::string& name) { return _taken.insert(keyOf(name)).second; }
+
+    std::string takeNumbered(const Name& name) {
+        unsigned& last = _lastNumbers.try_emplace(keyOf(composed(name, {})), 1).first->second;
+        std::string numbered;
+        do
+            numbered = composed(name, numberMark(++last));
+        while (!take(numbered));
+        return numbered;
+    }
+
+private:
+    std::unordered_set<std::string> _taken;
+    std::unordered_map<std::string, unsigned> _lastNumbers;
+};
+
+} // namespace
+
+std::vector<std::string> jolietNames(const std::vector<std::string>& fileNames) {
+    NameBook book;
+    std::vector<Name> legal;
+    std::vector<std::string> names;
+    for (const std::string& fileName : fileNames) {
+        legal.push_back(legalName(fileName));
+        std::string name = composed(legal.back(), {});
+        names.push_back(book.take(name) ? std::move(name) : std::string());
+    }
+    // Only now that every first bearer has its name: a number must not take a name from a file.
+    for (std::size_t i = 0; i < names.size(); ++i)
+        if (names[i].empty())
+            names[i] = book.takeNumbered(legal[i]);
+    return names;
+}
+
+std::string jolietVolumeName(const std::string& discName) {
+    std::u32string characters = decoded(discName);
+    for (char32_t& character : characters)
+        if (isControl(character))
+            character = U'_';
+    return encoded(cut(characters, jolietVolumeNameLimit));
+}
+
+std::string primaryVolumeName(const std::string& discName) {
+    std::string name;
+    for (const char32_t character : decoded(discName)) {
+        const bool isLegal = character < 0x80 && g_ascii_isalnum(static_cast<char>(character));
+        name += isLegal ? g_ascii_toupper(static_cast<char>(character)) : '_';
+    }
+    name.resize(std::min(name.size(), primaryVolumeNameLimit));
+    return name.empty() ? "CDROM" : name;
+}
+
+} // namespace quarner
