@@ -137,22 +137,12 @@ std::vector<std::string> jolietNames(const std::vector<std::string>& fileNames) 
     return names;
 }
 
-std::string jolietVolumeName(const std::string& discName) {
+std::string volumeName(const std::string& discName) {
     std::u32string characters = decoded(discName);
     for (char32_t& character : characters)
         if (isControl(character))
             character = U'_';
-    return encoded(cut(characters, jolietVolumeNameLimit));
-}
-
-std::string primaryVolumeName(const std::string& discName) {
-    std::string name;
-    for (const char32_t character : decoded(discName)) {
-        const bool isLegal = character < 0x80 && g_ascii_isalnum(static_cast<char>(character));
-        name += isLegal ? g_ascii_toupper(static_cast<char>(character)) : '_';
-    }
-    name.resize(std::min(name.size(), primaryVolumeNameLimit));
-    return name.empty() ? "CDROM" : name;
+    return encoded(characters);
 }
 
 } // namespace quarner

@@ -20,22 +20,14 @@ namespace quarner {
 
 /// The most UTF-16 units in a Joliet file name (Joliet specification, 64 characters).
 inline constexpr std::size_t jolietNameLimit = 64;
-/// The most UTF-16 units in a Joliet volume name: 32 bytes in the descriptor (ECMA-119, 8.5.7).
-inline constexpr std::size_t jolietVolumeNameLimit = 16;
-/// The most characters in a primary volume identifier (ECMA-119, 8.4.7).
-inline constexpr std::size_t primaryVolumeNameLimit = 32;
-
 /// The names on the disc for the names of files in one folder, in the same order. All answered
 /// names are valid UTF-8, not empty, legal, and different from each other also when case is
 /// ignored.
 std::vector<std::string> jolietNames(const std::vector<std::string>& fileNames);
 
-/// The name of a disc as a Joliet volume name: cut to its limit, invalid UTF-8 and control
-/// characters replaced. May be empty.
-std::string jolietVolumeName(const std::string& discName);
-
-/// The name of a disc in the d-characters A to Z, 0 to 9 and the underscore (ECMA-119, 7.4.1):
-/// lower case raised, everything else an underscore, cut to 32. An empty name gives "CDROM".
-std::string primaryVolumeName(const std::string& discName);
+/// The name of a disc as valid UTF-8 without control characters. The file system cuts it to what
+/// its descriptors hold: 16 characters in the Joliet one, 32 d-characters (A to Z, 0 to 9, the
+/// underscore) in the primary one.
+std::string volumeName(const std::string& discName);
 
 } // namespace quarner

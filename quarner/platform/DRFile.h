@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "quarner/platform/BurnItem.h"
+#include "quarner/platform/FileStamp.h"
 
 namespace quarner {
 
@@ -14,7 +15,8 @@ class QUARNER_EXPORT DRFile : public BurnItem {
 public:
     static constexpr std::string_view drClassName = "DRFile";
 
-    explicit DRFile(std::string sourcePath) : _sourcePath(std::move(sourcePath)) {}
+    explicit DRFile(std::string sourcePath, FileStamp stamp = {})
+        : _sourcePath(std::move(sourcePath)), _stamp(stamp) {}
 
     std::string_view className() const override;
     bool isKindOfClass(std::string_view name) const override;
@@ -22,8 +24,12 @@ public:
     /// The path that the node was made from, letter for letter.
     const std::string& sourcePath() const { return _sourcePath; }
 
+    /// The file as it was when the node was made: a recorder refuses to write another.
+    const FileStamp& stamp() const { return _stamp; }
+
 private:
     std::string _sourcePath;
+    FileStamp _stamp;
 };
 
 } // namespace quarner

@@ -65,17 +65,10 @@ TEST(JolietNames, ThousandsOfFilesOfOneNameAreToldApart) {
     EXPECT_EQ(names.back(), "track (5000).mp3");
 }
 
-TEST(JolietVolumeName, IsCutToSixteenCharacters) {
-    EXPECT_EQ(jolietVolumeName("Müßiggang: Volume 1"), "Müßiggang: Volum");
-    EXPECT_EQ(jolietVolumeName(""), "");
-    EXPECT_EQ(jolietVolumeName("a\nb\xFF"), "a_b_");
-}
-
-TEST(PrimaryVolumeName, HasOnlyDCharacters) {
-    EXPECT_EQ(primaryVolumeName("My Mix 1"), "MY_MIX_1");
-    EXPECT_EQ(primaryVolumeName("???"), "___");
-    EXPECT_EQ(primaryVolumeName(""), "CDROM");
-    EXPECT_EQ(primaryVolumeName(std::string(300, 'a')), std::string(32, 'A'));
+TEST(VolumeName, IsValidUtf8WithoutControlCharacters) {
+    EXPECT_EQ(volumeName("Müßiggang: Volume 1"), "Müßiggang: Volume 1");
+    EXPECT_EQ(volumeName(""), "");
+    EXPECT_EQ(volumeName("a\nb\xFF"), "a_b_");
 }
 
 } // namespace

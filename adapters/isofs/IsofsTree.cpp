@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/isofs/IsofsTree.h"
+
+// The libraries' headers want these two and each other in this order.
+#include <stdint.h>
+#include <stdio.h>
+
+#include <libburn/libburn.h>
+
+#include <libisofs/libisofs.h>
+
+#include <memory>
+#include <mutex>
+
+namespace quarner {
+namespace {
+
+constexpr int blockSize = 2048;
+
+struct ImageRelease {
+    void operator()(IsoImage* image) const { iso_image_unref(image); }
+};
+struct OptionsRelease {
+    void operator()(IsoWriteOpts* options) const { iso_write_opts_free(options); }
+};
+struct SourceRelease {
+    void operator()(burn::burn_source* source) const { burn::burn_source_free(source); }
+};
+using Image = std::unique_ptr<IsoImage, ImageRelease>;
+using Options = std::unique_ptr<IsoWriteOpts, OptionsRelease>;
+using Source = std::unique_ptr<burn::burn_source, SourceRelease>;
+
+/// Fails with the library's own text.
+class IsofsError {
+public:
+    explicit IsofsError(std::string text) : _text(std::move(text)) {}
+    const std::string& text() const { return _text; }
+
+private:
+    std::string _text;
+};
+
+void check(int result, const std::string& subject) {
+    if (result < 0)
+        throw IsofsError(subject + ": " + iso_error_to_msg(result));
+}
+
+std::mutex& libraryMutex() {
+    static std::mutex mutex;
+    return mutex;
+}
+
+// What the library has to say reaches the caller as the result of each call.
+void initialiseOnce() {
+    static const bool isInitialised = [] {
+        char never[] = "NEVER";
+        char prefix[] = "";
+        char utf8[] = "UTF-8";
+        check(iso_init(), "libisofs");
+        iso_set_msgs_severities(never, never, prefix);
+        return iso_set_local_charset(utf8, 0) >= 0;
+    }();
+    static_cast<void>(isInitialised);
+}
+
+Image imageOf(const std::string& volumeName, const std::vector<IsofsTree::Entry>& entries) {
+    IsoImage* made = nullptr;
+    check(iso_image_new(volumeName.c_str(), &made), "image");
+    Image image(made);
+    iso_tree_set_replace_mode(image.get(), ISO_REPLACE_NEVER);
+    for (const IsofsTree::Entry& entry : entries) {
+        IsoNode* node = nullptr;
+        check(iso_tree_add_new_node(image.get(), iso_image_get_root(image.get()),
+                                    entry.name.c_str(), entry.path.c_str(), &node),
+              entry.path);
+        // The flag named after Rock Ridge hides from the primary ISO 9660 tree as a whole.
+        iso_node_set_hidden(node, LIBISO_HIDE_ON_RR);
+    }
+    return image;
+}
+
+Options jolietOnly() {
+    constexpr int inIsoTree = 1;
+    constexpr int inJoliet = 2;
+    IsoWriteOpts* made = nullptr;
+    check(iso_write_opts_new(&made, 0), "options");
+    Options options(made);
+    char utf8[] = "UTF-8";
+    iso_write_opts_set_rockridge(made, 0);
+    iso_write_opts_set_joliet(made, 1);
+    iso_write_opts_set_joliet_utf16(made, 1);
+    iso_write_opts_set_omit_version_numbers(made, inIsoTree | inJoliet);
+    iso_write_opts_set_no_force_dots(made, inIsoTree | inJoliet);
+    iso_write_opts_set_appendable(made, 0);
+    iso_write_opts_set_output_charset(made, utf8);
+    return options;
+}
+
+std::vector<std::byte> readHead(burn::burn_source& source, std::uint32_t blocks) {
+    std::vector<std::byte> head(std::size_t(blocks) * blockSize);
+    for (std::size_t at = 0; at < head.size(); at += blockSize) {
+        auto* const block = reinterpret_cast<unsigned char*>(head.data() + at);
+        if (source.read_xt(&source, block, blockSize) != blockSize)
+            throw IsofsError("the file system's head cannot be read");
+    }
+    return head;
+}
+
+} // namespace
+
+std::string IsofsTree::layOut(const std::string& volumeName, const std::vector<Entry>& entries) {
+    const std::lock_guard lock(libraryMutex());
+    try {
+        initialiseOnce();
+        const Image image = imageOf(volumeName, entries);
+        const Options options = jolietOnly();
+        struct ::burn_source* made = nullptr;
+        check(iso_image_create_burn_source(image.get(), options.get(), &made), "layout");
+        const Source source(reinterpret_cast<burn::burn_source*>(made));
+        std::uint32_t dataStart = 0;
+        check(iso_write_opts_get_data_start(options.get(), &dataStart, 0), "layout");
+        blocks = static_cast<std::uint64_t>(source->get_size(source.get())) / blockSize;
+        head = readHead(*source, dataStart);
+        // The library's writing thread waits to deliver the files' content, which nobody reads.
+        source->cancel(source.get());
+        return {};
+    } catch (const IsofsError& error) {
+        return error.text();
+    }
+}
+
+} // namespace quarner

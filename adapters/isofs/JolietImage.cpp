@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/isofs/JolietImage.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <map>
+
+#include "adapters/isofs/IsofsTree.h"
+#include "adapters/isofs/JolietDirectory.h"
+#include "adapters/isofs/JolietNames.h"
+
+namespace quarner {
+namespace {
+
+using Records = std::map<std::u16string, JolietRecord>;
+using Extents = std::vector<JolietImage::Extent>;
+
+std::string baseName(const std::string& path) { return path.substr(path.find_last_of('/') + 1); }
+
+/// The path that libisofs needs: absolute, and not a symbolic link, which it would store as such.
+std::string physicalPath(const std::string& path) {
+    const std::unique_ptr<char, decltype(&std::free)> resolved(realpath(path.c_str(), nullptr),
+                                                               std::free);
+    return resolved ? std::string(resolved.get()) : path;
+}
+
+std::u16string utf16(const std::string& text) {
+    glong length = 0;
+    const std::unique_ptr<gunichar2, decltype(&g_free)> units(
+        g_utf8_to_utf16(text.c_str(), -1, nullptr, &length, nullptr), g_free);
+    return units ? std::u16string(units.get(), units.get() + length) : std::u16string();
+}
+
+std::vector<IsofsTree::Entry> entriesOf(const DRFolder& folder) {
+    std::vector<std::string> fileNames;
+    for (const auto& node : folder.children())
+        fileNames.push_back(baseName(node->sourcePath()));
+    const std::vector<std::string> names = jolietNames(fileNames);
+    std::vector<IsofsTree::Entry> entries;
+    for (std::size_t i = 0; i < names.size(); ++i)
+        entries.push_back({names[i], physicalPath(folder.children()[i]->sourcePath())});
+    return entries;
+}
+
+std::optional<JolietImage::Failure> unfitFile(const DRFolder& folder) {
+    for (const auto& node : folder.children()) {
+        const std::optional<FileStamp> now = stampOfFile(node->sourcePath());
+        if (!now)
+            return JolietImage::Failure{DRError::SourceMissing, node->sourcePath()};
+        if (*now != node->stamp())
+            return JolietImage::Failure{DRError::SourceChanged, node->sourcePath()};
+    }
+    return std::nullopt;
+}
+
+/// Where the file of a node went; false when the directory does not hold it as it should.
+bool addExtent(Extents& extents, const DRFile& node, const std::string& name,
+               const Records& records) {
+    const auto record = records.find(utf16(name));
+    if (record == records.end() || record->second.size != node.stamp().size)
+        return false;
+    if (node.stamp().size > 0)
+        extents.push_back({node.sourcePath(), node.stamp(), record->second.firstBlock});
+    return true;
+}
+
+/// A file that stands twice in the folder has its content on the disc once.
+void sortAndUnify(Extents& extents) {
+    std::stable_sort(extents.begin(), extents.end(),
+                     [](const auto& a, const auto& b) { return a.firstBlock < b.firstBlock; });
+    const auto end = std::unique(extents.begin(), extents.end(), [](const auto& a, const auto& b) {
+        return a.firstBlock == b.firstBlock;
+    });
+    extents.erase(end, extents.end());
+}
+
+bool areInOrder(const Extents& extents, std::uint64_t headBlocks, std::uint64_t blocks) {
+    std::uint64_t next = headBlocks;
+    for (const JolietImage::Extent& extent : extents) {
+        if (extent.firstBlock < next)
+            return false;
+        next = extent.firstBlock + extent.blocks();
+    }
+    return next <= blocks;
+}
+
+} // namespace
+
+std::unique_ptr<const JolietImage> JolietImage::ofFolder(const DRFolder& folder, Failure& failure) {
+    if (const std::optional<Failure> unfit = unfitFile(folder)) {
+        failure = *unfit;
+        return nullptr;
+    }
+    const std::vector<IsofsTree::Entry> entries = entriesOf(folder);
+    IsofsTree tree;
+    const std::string trouble = tree.layOut(volumeName(folder.name()), entries);
+    if (!trouble.empty()) {
+        failure = {DRError::SourceMissing, trouble};
+        return nullptr;
+    }
+    auto image = std::make_unique<JolietImage>();
+    image->_blocks = tree.blocks;
+    image->_head = std::move(tree.head);
+    const Records records = jolietRootDirectory(image->_head);
+    bool isSound = true;
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        isSound =
+            addExtent(image->_extents, *folder.children()[i], entries[i].name, records) && isSound;
+    sortAndUnify(image->_extents);
+    if (!isSound || !areInOrder(image->_extents, image->_head.size() / blockSize, image->_blocks)) {
+        failure = {DRError::Internal, "the file system does not list every file as it should"};
+        return nullptr;
+    }
+    return image;
+}
+
+} // namespace quarner
