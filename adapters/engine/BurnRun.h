@@ -9,21 +9,14 @@
 #include "adapters/engine/BurnTarget.h"
 #include "adapters/engine/Checksums.h"
 #include "adapters/engine/Clock.h"
-#include "adapters/engine/DiscPlan.h"
+#include "adapters/engine/DiscContent.h"
 #include "adapters/engine/ProgressMeter.h"
 #include "adapters/engine/ReadAhead.h"
 #include "adapters/engine/SectorWriter.h"
 #include "adapters/engine/StatusReporter.h"
 #include "adapters/engine/StopSignal.h"
-#include "adapters/engine/TrackSource.h"
 
 namespace quarner {
-
-/// What is to be burnt: the plan, and a source for each of its tracks.
-struct DiscContent {
-    DiscPlan plan;
-    TrackSources sources;
-};
 
 /// Makes the content when the burn begins, on its thread; throws `BurnFailure`.
 using ContentMaker = std::function<DiscContent()>;

@@ -10,6 +10,8 @@ namespace quarner {
 
 /// Bytes in a sector of an audio track: 588 stereo samples of 16 bits (Red Book).
 inline constexpr std::uint32_t audioSectorSize = 2352;
+/// Bytes in a block of a data track: the user data of a mode 1 sector (ECMA-130).
+inline constexpr std::uint32_t dataBlockSize = 2048;
 /// The part of the first track's pre-gap that lies before sector 0 of the disc: every drive makes
 /// it, and no image holds it (Red Book: two seconds).
 inline constexpr std::uint32_t leadingGapSectors = 150;

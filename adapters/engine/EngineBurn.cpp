@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/engine/EngineBurn.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "adapters/engine/BurnRun.h"
@@ -22,7 +23,20 @@ DiscContent audioContent(const DRLayout& layout, const std::shared_ptr<PCMServic
     return content;
 }
 
+bool isData(const std::shared_ptr<const DRTrack>& track) { return track && track->rootFolder; }
+
+DiscContent contentOf(const DRLayout& layout, const std::shared_ptr<PCMService>& pcm,
+                      const std::shared_ptr<DataDiscService>& dataDiscs) {
+    if (std::none_of(layout.begin(), layout.end(), isData))
+        return audioContent(layout, pcm);
+    if (layout.size() > 1 || !dataDiscs)
+        throw BurnFailure(DRError::WrongMedia, "this recorder writes one data track or audio");
+    return dataDiscs->contentOf(*layout.front());
+}
+
 } // namespace
+
+DataDiscService::~DataDiscService() = default;
 
 EngineBurn::EngineBurn(BurnServices services, std::shared_ptr<BurnTarget> target)
     : _services(std::move(services)), _target(std::move(target)) {}
@@ -48,8 +62,9 @@ void EngineBurn::writeLayout(DRLayout layout) {
     }
     const auto run =
         std::make_shared<BurnRun>(_target, _stop, report, _services.clock, isVerified(_properties));
-    const auto work = [run, layout = std::move(layout), pcm = _services.pcm] {
-        run->perform([&] { return audioContent(layout, pcm); });
+    const auto work = [run, layout = std::move(layout), pcm = _services.pcm,
+                       dataDiscs = _services.dataDiscs] {
+        run->perform([&] { return contentOf(layout, pcm, dataDiscs); });
     };
     if (!_services.threads->run(work, _stop))
         report.failed(BurnFailure(DRError::Internal, "no thread for the burn"));

@@ -7,6 +7,7 @@
 #include "adapters/engine/BurnTarget.h"
 #include "adapters/engine/BurnThreads.h"
 #include "adapters/engine/Clock.h"
+#include "adapters/engine/DiscContent.h"
 #include "adapters/engine/StopSignal.h"
 #include "adapters/runloop/RunLoopCenter.h"
 #include "quarner/platform/DRBurn.h"
@@ -19,6 +20,7 @@ struct BurnServices {
     /// The recorder's. Not kept alive by a burn, which a record that waits in one of them keeps.
     std::weak_ptr<RunLoops> runLoops;
     std::shared_ptr<PCMService> pcm;
+    std::shared_ptr<DataDiscService> dataDiscs; ///< null where no data discs are written
     std::shared_ptr<BurnThreads> threads;
     Clock clock;
 };

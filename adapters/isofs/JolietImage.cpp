@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/isofs/JolietImage.h"
 
+#include <fcntl.h>
 #include <glib.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <map>
+#include <optional>
+#include <utility>
 
+#include "adapters/engine/BurnFailure.h"
 #include "adapters/isofs/IsofsTree.h"
 #include "adapters/isofs/JolietDirectory.h"
 #include "adapters/isofs/JolietNames.h"
@@ -44,28 +49,6 @@ std::vector<IsofsTree::Entry> entriesOf(const DRFolder& folder) {
     return entries;
 }
 
-std::optional<JolietImage::Failure> unfitFile(const DRFolder& folder) {
-    for (const auto& node : folder.children()) {
-        const std::optional<FileStamp> now = stampOfFile(node->sourcePath());
-        if (!now)
-            return JolietImage::Failure{DRError::SourceMissing, node->sourcePath()};
-        if (*now != node->stamp())
-            return JolietImage::Failure{DRError::SourceChanged, node->sourcePath()};
-    }
-    return std::nullopt;
-}
-
-/// Where the file of a node went; false when the directory does not hold it as it should.
-bool addExtent(Extents& extents, const DRFile& node, const std::string& name,
-               const Records& records) {
-    const auto record = records.find(utf16(name));
-    if (record == records.end() || record->second.size != node.stamp().size)
-        return false;
-    if (node.stamp().size > 0)
-        extents.push_back({node.sourcePath(), node.stamp(), record->second.firstBlock});
-    return true;
-}
-
 /// A file that stands twice in the folder has its content on the disc once.
 void sortAndUnify(Extents& extents) {
     std::stable_sort(extents.begin(), extents.end(),
@@ -74,6 +57,23 @@ void sortAndUnify(Extents& extents) {
         return a.firstBlock == b.firstBlock;
     });
     extents.erase(end, extents.end());
+}
+
+/// Where the directory says that the files are.
+Extents extentsOf(const DRFolder& folder, const std::vector<IsofsTree::Entry>& entries,
+                  const Records& records) {
+    Extents extents;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const DRFile& node = *folder.children()[i];
+        const auto record = records.find(utf16(entries[i].name));
+        if (record == records.end() || record->second.size != node.stamp().size)
+            throw BurnFailure(DRError::Internal,
+                              node.sourcePath() + ": not listed on the disc as it should be");
+        if (node.stamp().size > 0)
+            extents.push_back({node.sourcePath(), node.stamp(), record->second.firstBlock});
+    }
+    sortAndUnify(extents);
+    return extents;
 }
 
 bool areInOrder(const Extents& extents, std::uint64_t headBlocks, std::uint64_t blocks) {
@@ -88,31 +88,30 @@ bool areInOrder(const Extents& extents, std::uint64_t headBlocks, std::uint64_t 
 
 } // namespace
 
-std::unique_ptr<const JolietImage> JolietImage::ofFolder(const DRFolder& folder, Failure& failure) {
-    if (const std::optional<Failure> unfit = unfitFile(folder)) {
-        failure = *unfit;
-        return nullptr;
+void checkFiles(const DRFolder& folder) {
+    for (const auto& node : folder.children()) {
+        const std::string& path = node->sourcePath();
+        const std::optional<FileStamp> now = stampOfFile(path);
+        if (!now || faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0)
+            throw BurnFailure(DRError::SourceMissing, path + ": gone or not readable");
+        if (*now != node->stamp())
+            throw BurnFailure(DRError::SourceChanged, path + ": changed since it was added");
     }
+}
+
+std::unique_ptr<const JolietImage> JolietImage::ofFolder(const DRFolder& folder) {
+    checkFiles(folder);
     const std::vector<IsofsTree::Entry> entries = entriesOf(folder);
     IsofsTree tree;
     const std::string trouble = tree.layOut(volumeName(folder.name()), entries);
-    if (!trouble.empty()) {
-        failure = {DRError::SourceMissing, trouble};
-        return nullptr;
-    }
+    if (!trouble.empty())
+        throw BurnFailure(DRError::SourceUnreadable, trouble);
     auto image = std::make_unique<JolietImage>();
     image->_blocks = tree.blocks;
     image->_head = std::move(tree.head);
-    const Records records = jolietRootDirectory(image->_head);
-    bool isSound = true;
-    for (std::size_t i = 0; i < entries.size(); ++i)
-        isSound =
-            addExtent(image->_extents, *folder.children()[i], entries[i].name, records) && isSound;
-    sortAndUnify(image->_extents);
-    if (!isSound || !areInOrder(image->_extents, image->_head.size() / blockSize, image->_blocks)) {
-        failure = {DRError::Internal, "the file system does not list every file as it should"};
-        return nullptr;
-    }
+    image->_extents = extentsOf(folder, entries, jolietRootDirectory(image->_head));
+    if (!areInOrder(image->_extents, image->_head.size() / blockSize, image->_blocks))
+        throw BurnFailure(DRError::Internal, "the files of the data disc overlap");
     return image;
 }
 

@@ -4,11 +4,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "quarner/platform/DRErrors.h"
 #include "quarner/platform/DRFolder.h"
 #include "quarner/platform/FileStamp.h"
 
@@ -33,16 +31,10 @@ public:
         std::uint64_t blocks() const { return (stamp.size + blockSize - 1) / blockSize; }
     };
 
-    /// Why a file system could not be laid out.
-    struct Failure {
-        DRError error = DRError::Internal;
-        std::string info; ///< for the diagnostic log, the file named
-    };
-
-    /// Lays out a folder. Opens no file, but looks at each: one that is gone or was changed since
-    /// its node was made is a failure. Answers null and fills `failure` then. Any thread; calls on
-    /// several threads follow one another.
-    static std::unique_ptr<const JolietImage> ofFolder(const DRFolder& folder, Failure& failure);
+    /// Lays out a folder. Opens no file, but looks at each, as `checkFiles`. Throws `BurnFailure`
+    /// when that finds fault or the library does. Any thread; calls on several threads follow one
+    /// another.
+    static std::unique_ptr<const JolietImage> ofFolder(const DRFolder& folder);
 
     /// The blocks of the whole disc, exactly.
     std::uint64_t blocks() const { return _blocks; }
@@ -59,5 +51,9 @@ private:
     std::vector<std::byte> _head;
     std::vector<Extent> _extents;
 };
+
+/// Throws `BurnFailure` when a file of the folder is gone, may not be read, or is not the one that
+/// its node was made of.
+void checkFiles(const DRFolder& folder);
 
 } // namespace quarner

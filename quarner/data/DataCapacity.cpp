@@ -6,7 +6,8 @@ namespace quarner {
 
 std::uint64_t DataCDBurner::usedCapacity() const {
     std::uint64_t bytes = 0;
-    for (const BurnItemRef& item : *_content.snapshot())
+    const ContentList::Snapshot items = _content.snapshot();
+    for (const BurnItemRef& item : *items)
         if (const auto properties = propertyOfBurnItem(item))
             bytes += valueFor(*properties, kQuarnItemRealFileSizeKey).asUInt64();
     return bytes;

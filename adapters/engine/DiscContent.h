@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <memory>
+
+#include "adapters/engine/DiscPlan.h"
+#include "adapters/engine/TrackSource.h"
+#include "quarner/platform/DRFolder.h"
+#include "quarner/platform/DRTrack.h"
+
+namespace quarner {
+
+/// What is to be burnt: the plan, and a source for each of its tracks.
+struct DiscContent {
+    DiscPlan plan;
+    TrackSources sources;
+};
+
+/// Makes file systems for data discs. Any thread.
+class DataDiscService {
+public:
+    DataDiscService() = default;
+    virtual ~DataDiscService();
+    DataDiscService(const DataDiscService&) = delete;
+    DataDiscService& operator=(const DataDiscService&) = delete;
+
+    /// A data track of a folder, its estimate the exact blocks of the folder's file system; an
+    /// estimate of 0 when that cannot be laid out now, in which case `contentOf` says why.
+    virtual std::shared_ptr<DRTrack> trackForRootFolder(std::shared_ptr<const DRFolder> folder) = 0;
+
+    /// The file system of a track made here, block by block. Throws `BurnFailure`.
+    virtual DiscContent contentOf(const DRTrack& track) = 0;
+};
+
+} // namespace quarner

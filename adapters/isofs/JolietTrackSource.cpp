@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/isofs/JolietTrackSource.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#include "adapters/engine/BurnFailure.h"
+
+namespace quarner {
+
+/// A source file under the head of the disc, read once from its start to its end.
+class JolietTrackSource::OpenFile {
+public:
+    explicit OpenFile(const std::string& path)
+        : _path(path), _descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+        if (_descriptor < 0)
+            throw BurnFailure(DRError::SourceMissing, path + ": " + std::strerror(errno));
+        posix_fadvise(_descriptor, 0, 0, POSIX_FADV_SEQUENTIAL);
+    }
+    ~OpenFile() { ::close(_descriptor); }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+
+    std::size_t read(std::span<std::byte> buffer) {
+        ssize_t count = -1;
+        do
+            count = ::read(_descriptor, buffer.data(), buffer.size());
+        while (count < 0 && errno == EINTR);
+        if (count < 0)
+            throw BurnFailure(DRError::SourceUnreadable, _path + ": " + std::strerror(errno));
+        if (count == 0)
+            throw BurnFailure(DRError::SourceChanged, _path + ": shorter than when it was added");
+        return static_cast<std::size_t>(count);
+    }
+
+private:
+    const std::string _path;
+    const int _descriptor;
+};
+
+JolietTrackSource::JolietTrackSource(std::shared_ptr<const DRFolder> folder,
+                                     std::unique_ptr<const JolietImage> image)
+    : _folder(std::move(folder)), _image(std::move(image)) {}
+
+JolietTrackSource::~JolietTrackSource() = default;
+
+void JolietTrackSource::check() { checkFiles(*_folder); }
+
+void JolietTrackSource::close() { _file.reset(); }
+
+void JolietTrackSource::read(std::span<std::byte> buffer) {
+    while (!buffer.empty()) {
+        const std::size_t count = readSome(buffer);
+        _position += count;
+        buffer = buffer.subspan(count);
+    }
+}
+
+/// As much as lies in one piece of the disc: the head, a file, or the zeros up to the next file.
+std::size_t JolietTrackSource::readSome(std::span<std::byte> buffer) {
+    if (_position < _image->head().size())
+        return readHead(buffer);
+    const auto& extents = _image->extents();
+    const std::uint64_t next =
+        _nextExtent < extents.size()
+            ? std::uint64_t(extents[_nextExtent].firstBlock) * JolietImage::blockSize
+            : _image->blocks() * JolietImage::blockSize;
+    if (_position >= next && _nextExtent < extents.size())
+        return readFile(extents[_nextExtent], buffer);
+    const auto zeros =
+        buffer.first(std::size_t(std::min<std::uint64_t>(buffer.size(), next - _position)));
+    std::fill(zeros.begin(), zeros.end(), std::byte());
+    return zeros.size();
+}
+
+std::size_t JolietTrackSource::readHead(std::span<std::byte> buffer) const {
+    const auto rest = std::span(_image->head()).subspan(std::size_t(_position));
+    const auto part = rest.first(std::min(rest.size(), buffer.size()));
+    std::copy(part.begin(), part.end(), buffer.begin());
+    return part.size();
+}
+
+std::size_t JolietTrackSource::readFile(const JolietImage::Extent& extent,
+                                        std::span<std::byte> buffer) {
+    if (!_file)
+        _file = std::make_unique<OpenFile>(extent.path);
+    const std::uint64_t end =
+        std::uint64_t(extent.firstBlock) * JolietImage::blockSize + extent.stamp.size;
+    const std::size_t count = _file->read(
+        buffer.first(std::size_t(std::min<std::uint64_t>(buffer.size(), end - _position))));
+    if (_position + count == end) {
+        _file.reset();
+        ++_nextExtent;
+    }
+    return count;
+}
+
+} // namespace quarner
