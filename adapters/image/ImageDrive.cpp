@@ -8,6 +8,8 @@
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/image/ImageNames.h"
 #include "adapters/image/ImageWriter.h"
+#include "adapters/image/IsoNames.h"
+#include "adapters/image/IsoWriter.h"
 #include "quarner/platform/DRKeys.h"
 
 namespace quarner {
@@ -19,10 +21,9 @@ constexpr std::array speeds = {300, 600, 1200, 1800, 2400, 3000, 3600, 3900};
 
 } // namespace
 
-ImageDrive::ImageDrive(std::string displayName, std::string cuePath, std::uint32_t capacity,
-                       Disc disc, std::shared_ptr<FileSystem> files,
-                       std::weak_ptr<RunLoops> runLoops)
-    : _displayName(std::move(displayName)), _cuePath(std::move(cuePath)), _capacity(capacity),
+ImageDrive::ImageDrive(std::string displayName, std::string path, std::uint32_t capacity, Disc disc,
+                       std::shared_ptr<FileSystem> files, std::weak_ptr<RunLoops> runLoops)
+    : _displayName(std::move(displayName)), _path(std::move(path)), _capacity(capacity),
       _files(std::move(files)), _runLoops(std::move(runLoops)), _disc(disc) {}
 
 std::optional<ImageDrive::Disc> ImageDrive::disc() const {
@@ -106,16 +107,25 @@ void ImageDrive::unplug() {
 
 std::unique_ptr<SectorWriter> ImageDrive::claim(const DiscPlan& plan,
                                                 const std::shared_ptr<StopSignal>& stop) {
-    std::optional<ImageNames> names = imageNames(_cuePath);
-    if (!names)
-        throw BurnFailure(DRError::WriteFailed, _cuePath + " is not the name of a CUE file");
+    std::unique_ptr<SectorWriter> writer = writerFor(plan);
     {
         const std::lock_guard lock(_mutex);
         refuseUnlessReady(plan);
         _burning = stop;
     }
     tellOfChange();
-    return std::make_unique<ImageWriter>(_files, std::move(*names));
+    return writer;
+}
+
+std::unique_ptr<SectorWriter> ImageDrive::writerFor(const DiscPlan& plan) const {
+    if (plan.sectorSize == dataBlockSize) {
+        if (std::optional<IsoNames> names = isoNames(_path))
+            return std::make_unique<IsoWriter>(_files, std::move(*names));
+        throw BurnFailure(DRError::WrongMedia, _path + ": a data disc needs the extension iso");
+    }
+    if (std::optional<ImageNames> names = imageNames(_path))
+        return std::make_unique<ImageWriter>(_files, std::move(*names));
+    throw BurnFailure(DRError::WrongMedia, _path + ": an audio disc needs the extension cue");
 }
 
 void ImageDrive::refuseUnlessReady(const DiscPlan& plan) const {

@@ -14,8 +14,8 @@
 
 namespace quarner {
 
-/// A drive whose blank disc is a CD-R that becomes a BIN and a CUE file when it is burnt. Every
-/// operation may be called on any thread.
+/// A drive whose blank disc is a CD-R that becomes a file when it is burnt: an audio disc a BIN and
+/// a CUE file, a data disc an ISO file. Every operation may be called on any thread.
 class ImageDrive : public DRDevice,
                    public BurnTarget,
                    public std::enable_shared_from_this<ImageDrive> {
@@ -26,11 +26,12 @@ public:
         std::uint64_t usedBlocks = 0;
     };
 
-    /// `capacity` in blocks, of this disc and of every blank one that is inserted later.
-    ImageDrive(std::string displayName, std::string cuePath, std::uint32_t capacity, Disc disc,
+    /// The path ends in .cue, for audio discs, or in .iso, for data discs. `capacity` in blocks, of
+    /// this disc and of every blank one that is inserted later.
+    ImageDrive(std::string displayName, std::string path, std::uint32_t capacity, Disc disc,
                std::shared_ptr<FileSystem> files, std::weak_ptr<RunLoops> runLoops);
 
-    const std::string& cuePath() const { return _cuePath; }
+    const std::string& path() const { return _path; }
 
     std::string displayName() const override { return _displayName; }
     Dictionary info() const override;
@@ -61,11 +62,12 @@ public:
 private:
     std::optional<Disc> disc() const;
     std::uint64_t freeBlocks(const Disc& disc) const;
+    std::unique_ptr<SectorWriter> writerFor(const DiscPlan& plan) const;
     void refuseUnlessReady(const DiscPlan& plan) const;
     void tellOfChange();
 
     const std::string _displayName;
-    const std::string _cuePath;
+    const std::string _path;
     const std::uint32_t _capacity;
     const std::shared_ptr<FileSystem> _files;
     /// Not kept alive: a notification that waits in one of them keeps this drive.

@@ -5,21 +5,11 @@
 #include <array>
 #include <cstdint>
 #include <cstdio>
-#include <filesystem>
+
+#include "adapters/image/ImagePath.h"
 
 namespace quarner {
 namespace {
-
-namespace fs = std::filesystem;
-
-constexpr std::size_t extensionSize = 4; // ".cue"
-
-bool hasCueExtension(const std::string& name) {
-    std::string extension = name.size() > extensionSize ? name.substr(name.size() - 4) : "";
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    return extension == ".cue";
-}
 
 bool cannotBeQuoted(char c) { return c == '"' || (c >= 0 && c < ' ') || c == '\x7f'; }
 
@@ -40,13 +30,6 @@ std::string quotable(std::string stem) {
     return stem + suffix.data();
 }
 
-fs::path resolved(const std::string& path) {
-    std::error_code error;
-    const fs::path whole = fs::absolute(path, error);
-    const fs::path target = fs::canonical(whole, error);
-    return error ? whole : target;
-}
-
 } // namespace
 
 std::string ImageNames::baseName(const std::string& path) {
@@ -54,17 +37,15 @@ std::string ImageNames::baseName(const std::string& path) {
 }
 
 std::optional<ImageNames> imageNames(const std::string& cuePath) {
-    const fs::path path = resolved(cuePath);
-    const std::string name = path.filename().string();
-    if (!hasCueExtension(name))
+    const std::optional<ImagePath> parts = imagePath(cuePath, ".cue");
+    if (!parts)
         return std::nullopt;
-    const std::string folder = path.parent_path().string();
-    const std::string stem = quotable(name.substr(0, name.size() - extensionSize));
-    const std::string extension = name[name.size() - 3] == 'C' ? ".BIN" : ".bin";
-    const std::string base = folder + (folder.ends_with('/') ? "" : "/");
+    const std::string stem = quotable(parts->stem);
+    const std::string extension = parts->path[parts->path.size() - 3] == 'C' ? ".BIN" : ".bin";
+    const std::string base = parts->base();
     const std::string hidden = base + '.' + stem;
-    return ImageNames{.folder = folder,
-                      .cue = path.string(),
+    return ImageNames{.folder = parts->folder,
+                      .cue = parts->path,
                       .plainBin = base + stem + extension,
                       .newBin = base + stem + extension + ".new",
                       .lock = hidden + ".bin.lock",

@@ -10,6 +10,7 @@
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/image/CueSheet.h"
 #include "adapters/image/ImageNames.h"
+#include "adapters/image/IsoNames.h"
 #include "adapters/image/ReadableName.h"
 #include "quarner/platform/DRKeys.h"
 
@@ -38,9 +39,24 @@ std::optional<std::uint64_t> blocksOfImage(FileSystem& files, const ImageNames& 
     return static_cast<std::uint64_t>(found.st_size) / audioSectorSize;
 }
 
-ImageDrive::Disc existingDisc(FileSystem& files, const ImageNames& names) {
+std::optional<std::uint64_t> blocksOfImage(const IsoNames& names) {
+    const std::optional<FileStamp> found = stampOfFile(names.iso);
+    if (!found || found->size == 0 || found->size % dataBlockSize != 0)
+        return std::nullopt;
+    return found->size / dataBlockSize;
+}
+
+std::optional<std::uint64_t> blocksOfImage(FileSystem& files, const std::string& path) {
+    if (const std::optional<ImageNames> names = imageNames(path))
+        return blocksOfImage(files, *names);
+    if (const std::optional<IsoNames> names = isoNames(path))
+        return blocksOfImage(*names);
+    return std::nullopt;
+}
+
+ImageDrive::Disc existingDisc(FileSystem& files, const std::string& path) {
     try {
-        if (const std::optional<std::uint64_t> blocks = blocksOfImage(files, names))
+        if (const std::optional<std::uint64_t> blocks = blocksOfImage(files, path))
             return {.isBlank = false, .usedBlocks = *blocks};
     } catch (const BurnFailure&) {
         // What cannot be read is not whole.
@@ -53,6 +69,7 @@ ImageDrive::Disc existingDisc(FileSystem& files, const ImageNames& names) {
 ImageRecorder::ImageRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<PCMService> pcm,
                              ImageRecorderParts parts)
     : _runLoops(std::move(runLoops)), _services{_runLoops, std::move(pcm),
+                                                std::move(parts.dataDiscs),
                                                 std::make_shared<BurnThreads>(),
                                                 std::move(parts.clock)},
       _files(std::move(parts.files)) {}
@@ -61,11 +78,10 @@ ImageRecorder::~ImageRecorder() { _services.threads->shutDown(); }
 
 std::shared_ptr<ImageDrive> ImageRecorder::add(const ImageDriveSettings& settings) {
     const std::optional<std::uint32_t> capacity = blocksOf(settings.minutes);
-    const std::optional<ImageNames> names = imageNames(settings.path);
-    if (!capacity || !names)
+    if (!capacity || (!imageNames(settings.path) && !isoNames(settings.path)))
         return nullptr;
     const ImageDrive::Disc disc =
-        settings.loadExisting ? existingDisc(*_files, *names) : ImageDrive::Disc{};
+        settings.loadExisting ? existingDisc(*_files, settings.path) : ImageDrive::Disc{};
     std::error_code error;
     const std::string path = std::filesystem::absolute(settings.path, error).string();
     std::shared_ptr<ImageDrive> drive;
@@ -128,6 +144,16 @@ std::shared_ptr<DRTrack> ImageRecorder::trackForAudioFile(const std::string& pat
     track->stamp = *stamp;
     track->setLength(DRMSF::msfWithFrames(sectorsForSamples(length->discSamples)));
     return track;
+}
+
+std::shared_ptr<DRFile> ImageRecorder::fileWithPath(const std::string& path) {
+    const std::optional<FileStamp> stamp = stampOfFile(path);
+    return stamp ? std::make_shared<DRFile>(path, *stamp) : nullptr;
+}
+
+std::shared_ptr<DRTrack> ImageRecorder::trackForRootFolder(std::shared_ptr<const DRFolder> folder) {
+    return _services.dataDiscs ? _services.dataDiscs->trackForRootFolder(std::move(folder))
+                               : nullptr;
 }
 
 std::shared_ptr<DRNotificationCenter> ImageRecorder::currentRunLoopCenter() {

@@ -17,8 +17,8 @@ namespace quarner {
 
 /// A drive to be added.
 struct ImageDriveSettings {
-    /// The image: a path that ends in .cue (see `ImageNames` for the BIN beside it). A relative one
-    /// counts from the working directory of now.
+    /// The image: a path that ends in .cue for audio discs (see `ImageNames` for the BIN beside it)
+    /// or in .iso for data discs. A relative one counts from the working directory of now.
     std::string path;
     /// 74 or 80: a blank disc of 333,000 or 359,847 blocks.
     unsigned minutes = 80;
@@ -31,9 +31,11 @@ struct ImageDriveSettings {
 struct ImageRecorderParts {
     std::shared_ptr<FileSystem> files = posixFileSystem();
     Clock clock = std::chrono::steady_clock::now;
+    std::shared_ptr<DataDiscService> dataDiscs; ///< null: audio discs only
 };
 
-/// A recorder whose discs are BIN and CUE files. Every operation may be called on any thread.
+/// A recorder whose discs are files: BIN and CUE for audio, ISO for data. Every operation may be
+/// called on any thread.
 class ImageRecorder : public RecordingService {
 public:
     ImageRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<PCMService> pcm,
@@ -42,7 +44,7 @@ public:
     ~ImageRecorder() override;
 
     /// Attaches a drive, named after its image and unlike the other drives. Null when the path
-    /// does not name a CUE file, or the minutes are none of the two.
+    /// does not name a CUE or ISO file, or the minutes are none of the two.
     std::shared_ptr<ImageDrive> add(const ImageDriveSettings& settings);
 
     /// Unplugs a drive; answers whether it was attached. A burn that is under way on it fails.
@@ -51,6 +53,8 @@ public:
     std::vector<std::shared_ptr<DRDevice>> devices() override;
     std::shared_ptr<DRBurn> burnForDevice(std::shared_ptr<DRDevice> device) override;
     std::shared_ptr<DRTrack> trackForAudioFile(const std::string& path) override;
+    std::shared_ptr<DRFile> fileWithPath(const std::string& path) override;
+    std::shared_ptr<DRTrack> trackForRootFolder(std::shared_ptr<const DRFolder> folder) override;
     std::shared_ptr<DRNotificationCenter> currentRunLoopCenter() override;
 
 private:

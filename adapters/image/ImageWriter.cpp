@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/image/ImageWriter.h"
 
-#include <sys/stat.h>
-
 #include <optional>
 #include <utility>
 
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/image/CueSheet.h"
+#include "adapters/image/ReplacedFile.h"
 
 namespace quarner {
 
@@ -34,12 +33,6 @@ void ImageWriter::openSession(const DiscPlan& plan) {
     _plan = plan;
     _bin = _files->create(_names.binPart);
     _bin->reserve(plan.bytes());
-}
-
-void ImageWriter::refuseOtherThanFile(const std::string& path) const {
-    struct stat found = {};
-    if (stat(path.c_str(), &found) == 0 && !S_ISREG(found.st_mode))
-        throw BurnFailure(DRError::WriteFailed, path + " is not a file and is not replaced");
 }
 
 void ImageWriter::removeParts() {

@@ -28,7 +28,6 @@ public:
     void commit() override;
 
 private:
-    void refuseOtherThanFile(const std::string& path) const;
     void removeParts();
     bool sheetNames(const std::string& binPath) const;
     bool needsSecondStep() const { return _firstBin == _names.newBin; }

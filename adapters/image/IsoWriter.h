@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <memory>
+
+#include "adapters/engine/SectorWriter.h"
+#include "adapters/image/FileSystem.h"
+#include "adapters/image/IsoNames.h"
+
+namespace quarner {
+
+/// Writes a data disc as an ISO file: written, synced and verified under a hidden name, and then
+/// renamed to the image's own.
+class IsoWriter : public SectorWriter {
+public:
+    IsoWriter(std::shared_ptr<FileSystem> files, IsoNames names);
+    ~IsoWriter() override;
+
+    void openSession(const DiscPlan& plan) override;
+    void write(std::span<const std::byte> sectors) override { _iso->append(sectors); }
+    void closeSession() override {}
+    void finish() override { _iso->sync(); }
+    unsigned readers() const override { return 2; }
+    void readBack(std::uint64_t firstSector, std::span<std::byte> buffer) override;
+    void verifyTableOfContents() override {}
+    void commit() override;
+
+private:
+    const std::shared_ptr<FileSystem> _files;
+    const IsoNames _names;
+    std::unique_ptr<ImageLock> _lock;
+    std::uint32_t _blockSize = 0;
+    std::unique_ptr<ImageFile> _iso;
+};
+
+} // namespace quarner

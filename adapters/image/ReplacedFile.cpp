@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/image/ReplacedFile.h"
+
+#include <sys/stat.h>
+
+#include "adapters/engine/BurnFailure.h"
+
+namespace quarner {
+
+void refuseOtherThanFile(const std::string& path) {
+    struct stat found = {};
+    if (stat(path.c_str(), &found) == 0 && !S_ISREG(found.st_mode))
+        throw BurnFailure(DRError::WriteFailed, path + " is not a file and is not replaced");
+}
+
+} // namespace quarner

@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <string>
+
+namespace quarner {
+
+/// Throws `BurnFailure` when there is something at a path that is not a regular file: an image
+/// replaces only files.
+void refuseOtherThanFile(const std::string& path);
+
+} // namespace quarner
