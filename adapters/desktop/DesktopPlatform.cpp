@@ -4,12 +4,14 @@
 #include "adapters/ffmpeg/FFmpegServices.h"
 #include "adapters/glib/GlibServices.h"
 #include "adapters/image/ImageRecorder.h"
+#include "adapters/isofs/JolietDiscs.h"
 
 namespace quarner {
 
 DesktopPlatform::DesktopPlatform() : _dispatch(makeGlibDispatch()) {
     const std::shared_ptr<PCMService> pcm = makeFFmpegPCMService();
-    _recorder = std::make_shared<ImageRecorder>(makeGlibRunLoops(), pcm);
+    _recorder = std::make_shared<ImageRecorder>(makeGlibRunLoops(), pcm,
+                                                ImageRecorderParts{.dataDiscs = makeJolietDiscs()});
     _services = {.recording = _recorder,
                  .media = makeFFmpegMediaService(pcm),
                  .files = makeGlibFileService(),

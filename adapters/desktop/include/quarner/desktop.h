@@ -32,8 +32,9 @@ QUARNER_EXPORT void uninstallDesktopPlatform();
 
 /// A drive whose disc is an image, to be added.
 struct ImageDriveOptions {
-    /// The image: a path that ends in .cue. A BIN of the same name stands beside it. A relative
-    /// path counts from the working directory of now.
+    /// The image: for audio discs a path that ends in .cue, beside which a BIN of the same name
+    /// stands; for data discs one that ends in .iso. A relative path counts from the working
+    /// directory of now.
     std::string path;
     /// The length of a blank disc: 74 (333,000 blocks) or 80 (359,847 blocks).
     int minutes = 80;
@@ -45,7 +46,8 @@ struct ImageDriveOptions {
 // The following need the installed desktop platform. Any thread.
 
 /// Attaches a drive. Answers its display name, made from the path and unlike those of the other
-/// drives, or an empty text when the path names no CUE file or the minutes are none of the two.
+/// drives, or an empty text when the path names neither a CUE nor an ISO file or the minutes are
+/// none of the two.
 QUARNER_EXPORT std::string addImageDrive(const ImageDriveOptions& options);
 
 /// Unplugs the image drive of a name; answers whether there was one. A burn under way on it fails.
