@@ -77,6 +77,10 @@ void ScriptedPlatform::putSong(const std::string& path, MediaScript media, FileS
 
 void ScriptedPlatform::removeFile(const std::string& path) { _services->store->remove(path); }
 
+void ScriptedPlatform::setDataEstimate(std::uint64_t blocks) {
+    _services->recording->setDataEstimate(blocks);
+}
+
 void ScriptedPlatform::setMovieFileTypes(std::vector<std::string> types) {
     _services->media->setMovieFileTypes(std::move(types));
 }

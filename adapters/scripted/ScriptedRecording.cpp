@@ -2,9 +2,22 @@
 #include "adapters/scripted/ScriptedRecording.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 namespace quarner {
+namespace {
+
+/// The content of the files alone, in whole blocks.
+std::uint64_t blocksOf(const DRFolder& folder) {
+    constexpr std::uint64_t blockSize = 2048;
+    std::uint64_t blocks = 0;
+    for (const auto& node : folder.children())
+        blocks += (node->stamp().size + blockSize - 1) / blockSize;
+    return blocks;
+}
+
+} // namespace
 
 ScriptedRecording::ScriptedRecording(std::shared_ptr<ScriptedStage> stage,
                                      std::shared_ptr<FileStore> files)
@@ -43,6 +56,38 @@ std::shared_ptr<DRTrack> ScriptedRecording::trackForAudioFile(const std::string&
         track->setEstimateLength(*media->estimateLength);
     track->setProperties(media->trackProperties);
     return track;
+}
+
+std::shared_ptr<DRFile> ScriptedRecording::fileWithPath(const std::string& path) {
+    const std::optional<FileScript> file = _files->file(path);
+    if (_stage->fails(ServiceCall::FileWithPath, path) || !file || !file->makesNode)
+        return nullptr;
+    if (file->nodeThrows)
+        throw std::runtime_error(path + ": no node can be made of it");
+    const auto size = static_cast<std::uint64_t>(std::max<std::int64_t>(file->size, 0));
+    auto node = std::make_shared<DRFile>(path, FileStamp{.size = size});
+    node->setProperties(file->nodeProperties);
+    return node;
+}
+
+std::shared_ptr<DRTrack>
+ScriptedRecording::trackForRootFolder(std::shared_ptr<const DRFolder> folder) {
+    if (_stage->fails(ServiceCall::TrackForRootFolder, folder->name()))
+        return nullptr;
+    auto track = std::make_shared<DRTrack>();
+    track->setEstimateLength(dataEstimate().value_or(blocksOf(*folder)));
+    track->rootFolder = std::move(folder);
+    return track;
+}
+
+void ScriptedRecording::setDataEstimate(std::uint64_t blocks) {
+    const std::lock_guard lock(_mutex);
+    _dataEstimate = blocks;
+}
+
+std::optional<std::uint64_t> ScriptedRecording::dataEstimate() const {
+    const std::lock_guard lock(_mutex);
+    return _dataEstimate;
 }
 
 std::shared_ptr<DRNotificationCenter> ScriptedRecording::currentRunLoopCenter() {

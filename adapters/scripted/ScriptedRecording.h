@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 #include "adapters/scripted/ScriptedFiles.h"
@@ -21,7 +22,11 @@ public:
     std::vector<std::shared_ptr<DRDevice>> devices() override;
     std::shared_ptr<DRBurn> burnForDevice(std::shared_ptr<DRDevice> device) override;
     std::shared_ptr<DRTrack> trackForAudioFile(const std::string& path) override;
+    std::shared_ptr<DRFile> fileWithPath(const std::string& path) override;
+    std::shared_ptr<DRTrack> trackForRootFolder(std::shared_ptr<const DRFolder> folder) override;
     std::shared_ptr<DRNotificationCenter> currentRunLoopCenter() override;
+
+    void setDataEstimate(std::uint64_t blocks);
 
     std::shared_ptr<ScriptedDrive> attach(DriveScript script);
     /// False for a drive that is not attached.
@@ -33,9 +38,12 @@ public:
     bool isAnyPlaying() const;
 
 private:
+    std::optional<std::uint64_t> dataEstimate() const;
+
     const std::shared_ptr<ScriptedStage> _stage;
     const std::shared_ptr<FileStore> _files;
     mutable std::mutex _mutex;
+    std::optional<std::uint64_t> _dataEstimate;
     std::vector<std::shared_ptr<ScriptedDrive>> _drives;
     std::vector<std::shared_ptr<ScriptedBurn>> _burns;
 };

@@ -3,7 +3,7 @@
 #include <atomic>
 #include <thread>
 
-#include "tests/support/AudioBurnerFixture.h"
+#include "tests/support/BurnerFixture.h"
 
 namespace quarner::testing {
 namespace {

@@ -3,7 +3,7 @@
 #include <ostream>
 
 #include "quarner/platform/DRFile.h"
-#include "tests/support/AudioBurnerFixture.h"
+#include "tests/support/BurnerFixture.h"
 
 namespace quarner::testing {
 namespace {

@@ -2,7 +2,7 @@
 #include <limits>
 #include <thread>
 
-#include "tests/support/AudioBurnerFixture.h"
+#include "tests/support/BurnerFixture.h"
 
 namespace quarner::testing {
 namespace {

@@ -3,7 +3,7 @@
 #include <thread>
 
 #include "quarner/platform/Platform.h"
-#include "tests/support/AudioBurnerFixture.h"
+#include "tests/support/BurnerFixture.h"
 
 namespace quarner::testing {
 namespace {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "tests/support/AudioBurnerFixture.h"
+#include "tests/support/BurnerFixture.h"
 
 namespace quarner::testing {
 namespace {

@@ -47,7 +47,7 @@ TEST_F(DesktopDrives, DrivesAreListedByNamesOfTheirOwn) {
 }
 
 TEST_F(DesktopDrives, WhatIsNoImageOrNoDiscGivesNoDrive) {
-    EXPECT_EQ(add("mix.iso"), "");
+    EXPECT_EQ(add("mix.wav"), "");
     EXPECT_EQ(add("mix.cue", 60), "");
     EXPECT_EQ(add("mix.cue", -80), "");
     EXPECT_FALSE(insertBlankDisc("no such drive"));

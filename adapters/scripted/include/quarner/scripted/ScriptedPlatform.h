@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -68,6 +69,9 @@ public:
     void putSong(const std::string& path, MediaScript media, FileScript file = {});
     /// Takes away the file and what it plays.
     void removeFile(const std::string& path);
+
+    /// The blocks that every data track is estimated at, instead of those of its files.
+    void setDataEstimate(std::uint64_t blocks);
 
     /// The types that the media service says it can open.
     void setMovieFileTypes(std::vector<std::string> types);

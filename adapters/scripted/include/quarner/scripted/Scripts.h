@@ -57,6 +57,11 @@ struct FileScript {
     bool isReadable = true; ///< otherwise its attributes cannot be read
     /// The path that it stands for, if it is an alias; that one may be an alias again.
     std::optional<std::string> aliasOf = std::nullopt;
+    /// Whether a file node can be made of it, and if not, whether that is told by an exception.
+    bool makesNode = true;
+    bool nodeThrows = false;
+    /// What the node's property dictionary holds from the start.
+    Dictionary nodeProperties = {};
 };
 
 /// What a file plays. The play time that the media service reads and the length of the track that

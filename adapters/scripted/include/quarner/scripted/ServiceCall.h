@@ -10,14 +10,16 @@ namespace quarner {
 /// is the path, text, key or display name that a call is about.
 enum class ServiceCall {
     // The recording service. A call that fails answers:
-    Devices,           ///< no drives; no subject
-    BurnForDevice,     ///< a burn without a drive, which fails when started; subject: the drive
-    TrackForAudioFile, ///< no track; subject: the path
-    WriteLayout,       ///< a burn that fails with `DRError::WriteFailed`; subject: the drive
-    Abort,             ///< nothing happens; subject: the drive
-    DriveInfo,         ///< an empty dictionary; subject: the drive, also of the next ones
-    DriveStatus,       ///< an empty dictionary
-    EjectMedia,        ///< false, and the disc stays
+    Devices,            ///< no drives; no subject
+    BurnForDevice,      ///< a burn without a drive, which fails when started; subject: the drive
+    TrackForAudioFile,  ///< no track; subject: the path
+    FileWithPath,       ///< no node; subject: the path
+    TrackForRootFolder, ///< no track; subject: the folder's name
+    WriteLayout,        ///< a burn that fails with `DRError::WriteFailed`; subject: the drive
+    Abort,              ///< nothing happens; subject: the drive
+    DriveInfo,          ///< an empty dictionary; subject: the drive, also of the next ones
+    DriveStatus,        ///< an empty dictionary
+    EjectMedia,         ///< false, and the disc stays
 
     // The media service
     MovieWithFile,  ///< null; subject: the path

@@ -7,6 +7,7 @@
 #include <quarner/scripted.h>
 
 #include "quarner/audio/AudioCDBurner.h"
+#include "quarner/data/DataCDBurner.h"
 #include "quarner/platform/DRTrack.h"
 #include "tests/support/RecordingDelegate.h"
 
@@ -22,10 +23,19 @@ public:
     using AudioCDBurner::_textBlock;
 };
 
-/// An audio burner with a recording delegate on a scripted platform. This thread is the main one.
-class AudioBurnerTest : public ::testing::Test {
+/// A data burner that shows what it keeps to itself.
+class OpenDataCDBurner : public DataCDBurner {
+public:
+    using DataCDBurner::_burner;
+    using DataCDBurner::_content;
+    using DataCDBurner::_estimateTotalLength;
+};
+
+/// A burner with a recording delegate on a scripted platform. This thread is the main one.
+template <typename Burner>
+class BurnerTest : public ::testing::Test {
 protected:
-    AudioBurnerTest() { burner->setDelegate(&delegate); }
+    BurnerTest() { burner->setDelegate(&delegate); }
 
     /// Turns the run loop until every run has ended.
     void finishRuns() { ASSERT_TRUE(platform.runUntilIdle()); }
@@ -65,7 +75,10 @@ protected:
 
     RecordingDelegate delegate; // outlives the runs, which end with the platform
     ScriptedPlatform platform;
-    std::shared_ptr<OpenAudioCDBurner> burner = std::make_shared<OpenAudioCDBurner>();
+    std::shared_ptr<Burner> burner = std::make_shared<Burner>();
 };
+
+using AudioBurnerTest = BurnerTest<OpenAudioCDBurner>;
+using DataBurnerTest = BurnerTest<OpenDataCDBurner>;
 
 } // namespace quarner::testing
