@@ -20,7 +20,7 @@ struct BurnServices {
     /// The recorder's. Not kept alive by a burn, which a record that waits in one of them keeps.
     std::weak_ptr<RunLoops> runLoops;
     std::shared_ptr<PCMService> pcm;
-    std::shared_ptr<DataDiscService> dataDiscs; ///< null where no data discs are written
+    std::shared_ptr<DataDiscService> dataDiscs = nullptr; ///< null where no data discs are written
     std::shared_ptr<BurnThreads> threads;
     Clock clock;
 };

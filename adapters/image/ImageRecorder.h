@@ -31,7 +31,7 @@ struct ImageDriveSettings {
 struct ImageRecorderParts {
     std::shared_ptr<FileSystem> files = posixFileSystem();
     Clock clock = std::chrono::steady_clock::now;
-    std::shared_ptr<DataDiscService> dataDiscs; ///< null: audio discs only
+    std::shared_ptr<DataDiscService> dataDiscs = nullptr; ///< null: audio discs only
 };
 
 /// A recorder whose discs are files: BIN and CUE for audio, ISO for data. Every operation may be
