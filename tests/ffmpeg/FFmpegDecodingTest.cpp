@@ -43,6 +43,9 @@ std::vector<Kind> everyKind() {
         kind("aacOfHalfASecond", aacRecipe(), 44100, 2, 22050),
         kind("alacAt44100Stereo", alacRecipe(), 44100, 2, 441441),
         kind("alacAt48000Mono", alacRecipe(), 48000, 1, 480480),
+        kind("flacAt48000Stereo", {"flac.flac", {}}, 48000, 2, 100000),
+        kind("wavAt22050Mono", {"wav.wav", {}}, 22050, 1, 100000),
+        kind("vorbisAt44100Stereo", {"vorbis.ogg", {"-c:a", "libvorbis"}}, 44100, 2, 441441),
         kind("alacOfHalfASecond", alacRecipe(), 22050, 2, 11025),
     };
     for (Kind cover : {kind("mp3WithCover", mp3Recipe(), 44100, 2, 100000),
