@@ -68,7 +68,7 @@ private:
     std::uint64_t _promised = 0;
     std::uint64_t _decoded = 0; // samples that the current packet has given, heard or not
     bool _isDamaged = false;    // the current packet
-    bool _isFirst = true;       // no packet before the current one
+    std::uint64_t _packets = 0; // sent to the decoder
 };
 
 } // namespace quarner

@@ -25,7 +25,7 @@ void receive(void* context, int level, const char* format, std::va_list argument
     if ((level & 0xff) > AV_LOG_WARNING)
         return;
     std::array<char, 1024> line = {};
-    int isLineStart = 1;
+    int isLineStart = 0; // without the address of what speaks
     av_log_format_line2(context, level, format, arguments, line.data(), line.size(), &isLineStart);
     currentScope->report(line.data());
 }

@@ -138,6 +138,16 @@ TEST(FFmpegDecoding, AFileWithoutSoundIsNotOpened) {
     }
 }
 
+TEST(FFmpegDecoding, OneFrameInTheNoiseIsNoSound) {
+    const TemporaryFolder folder;
+    const auto service = makeFFmpegPCMService();
+    const std::string sound = contentOf(audioFixture(untaggedMP3Recipe()));
+    const std::string noise(20000, 'n');
+    const std::string path = folder.write("a.mp3", noise + sound.substr(0, 600) + noise);
+    EXPECT_FALSE(service->measure(path));
+    EXPECT_EQ(service->open(path), nullptr);
+}
+
 TEST(FFmpegDecoding, APlaylistIsNotFollowed) {
     const TemporaryFolder folder;
     const std::string sound = audioFixture(mp3Recipe());
