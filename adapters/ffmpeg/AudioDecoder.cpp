@@ -31,6 +31,7 @@ bool AudioDecoder::openCodec() {
         return false;
     _codec->pkt_timebase = _file->stream().time_base;
     _codec->thread_count = 1;
+    _codec->flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL; // a lost packet must not move the trimming
     return avcodec_open2(_codec, codec, nullptr) == 0;
 }
 
@@ -91,11 +92,8 @@ AudioFile::Reading AudioDecoder::readPacket() {
     return reading;
 }
 
-/// The decoder is not to trim: a packet that it cannot decode would move what it takes off.
 void AudioDecoder::sendPacket() {
     _soundTrim.begin(_packet);
-    av_packet_shrink_side_data(_packet.get(), AV_PKT_DATA_SKIP_SAMPLES, 0);
-    _packet->flags &= ~AV_PKT_FLAG_DISCARD;
     _decoded = 0;
     ++_packets;
     _isDamaged = avcodec_send_packet(_codec, _packet.get()) < 0;

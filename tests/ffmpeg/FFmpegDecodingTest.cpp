@@ -45,6 +45,7 @@ std::vector<Kind> everyKind() {
         kind("alacAt48000Mono", alacRecipe(), 48000, 1, 480480),
         kind("flacAt48000Stereo", {"flac.flac", {}}, 48000, 2, 100000),
         kind("wavAt22050Mono", {"wav.wav", {}}, 22050, 1, 100000),
+        kind("opusFrom44100Stereo", {"opus.opus", {"-c:a", "libopus"}}, 44100, 2, 441441),
         kind("vorbisAt44100Stereo", {"vorbis.ogg", {"-c:a", "libvorbis"}}, 44100, 2, 441441),
         kind("alacOfHalfASecond", alacRecipe(), 22050, 2, 11025),
     };
