@@ -140,6 +140,24 @@ TEST_F(FFmpegDamage, AnM4AWhoseEndIsMissingIsAsLongAsWhatIsLeft) {
     EXPECT_LE(largestDifference(ours, decodedByFFmpeg(path)), 1);
 }
 
+TEST_F(FFmpegDamage, WhatTheContainerPromisesBeyondTheDecodedSoundIsSilence) {
+    std::string content = contentOf(audioFixture(alacRecipe()));
+    const auto set = [&](const char* box, std::size_t offset, const std::string& value) {
+        const std::size_t start = content.find(box);
+        ASSERT_NE(start, std::string::npos);
+        content.replace(start + offset, value.size(), value);
+    };
+    set("stts", 16, std::string("\0\0\x14\0", 4)); // 5120 samples to a packet, of 4096
+    set("mdhd", 20, std::string("\0\x10\0\0", 4)); // and 1048576 in all
+    set("edts", 0, "free");
+    const std::vector<std::int16_t> ours = decodedAsMeasured(write(content, "a.m4a"));
+    ASSERT_GT(ours.size(), wholeFile + 2 * 10000);
+    const std::vector<std::int16_t> whole = decodedByFFmpeg(audioFixture(alacRecipe()));
+    EXPECT_EQ(largestDifference(ours, whole), 0);
+    EXPECT_TRUE(std::all_of(ours.begin() + std::ptrdiff_t(whole.size()), ours.end(),
+                            [](auto value) { return value == 0; }));
+}
+
 TEST_F(FFmpegDamage, AFileThatShrinksWhileItIsReadEndsEarlyOrFails) {
     const std::string content = contentOf(audioFixture(alacRecipe()));
     const std::string path = write(content, "a.m4a");
