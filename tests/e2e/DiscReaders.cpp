@@ -2,9 +2,9 @@
 #include "tests/e2e/DiscReaders.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <regex>
 #include <sstream>
 #include <stdexcept>
 
@@ -31,13 +31,22 @@ std::vector<std::string> besideFile(const std::string& cue, std::vector<std::str
     return command;
 }
 
-/// The number in the first group of every match.
-std::vector<std::uint64_t> numbersIn(const std::string& text, const std::string& pattern) {
-    const std::regex expression(pattern);
+std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+/// The number in every line of a pattern as for `sscanf`.
+std::vector<std::uint64_t> numbersIn(const std::string& text, const char* pattern) {
     std::vector<std::uint64_t> numbers;
-    for (std::sregex_iterator match(text.begin(), text.end(), expression), end; match != end;
-         ++match)
-        numbers.push_back(std::stoull((*match)[1]));
+    for (const std::string& line : linesOf(text)) {
+        unsigned number = 0;
+        if (std::sscanf(line.c_str(), pattern, &number) == 1)
+            numbers.push_back(number);
+    }
     return numbers;
 }
 
@@ -53,13 +62,13 @@ std::vector<std::int16_t> soundOfWave(const std::string& path) {
 
 std::vector<std::uint64_t> startsByCdInfo(const std::string& cue) {
     const std::string output = outputOf({"cd-info", "--no-cddb", "--cue-file=" + cue});
-    return numbersIn(output, R"(\n *\d+: \d+:\d+:\d+  (\d+) (?:audio|leadout))");
+    return numbersIn(output, " %*u: %*u:%*u:%*u %u");
 }
 
 std::vector<TrackPlace> placesByCdrdao(const std::string& cue) {
     const std::string output = outputOf(besideFile(cue, {"cdrdao", "show-toc"}));
-    const std::vector<std::uint64_t> starts = numbersIn(output, R"(START +[\d:]+\( *(\d+)\))");
-    const std::vector<std::uint64_t> ends = numbersIn(output, R"(END +[\d:]+\( *(\d+)\))");
+    const std::vector<std::uint64_t> starts = numbersIn(output, " START %*[0-9:]( %u");
+    const std::vector<std::uint64_t> ends = numbersIn(output, " END %*[0-9:]( %u");
     std::vector<TrackPlace> places;
     for (std::size_t i = 0; i < std::min(starts.size(), ends.size()); ++i)
         places.push_back({starts[i], ends[i]});
@@ -67,7 +76,7 @@ std::vector<TrackPlace> placesByCdrdao(const std::string& cue) {
 }
 
 std::vector<std::uint64_t> sectorsByLibburn(const std::string& cue) {
-    return numbersIn(outputOf(besideFile(cue, {LIBBURN_READS})), R"((?:^|\n)(\d+))");
+    return numbersIn(outputOf(besideFile(cue, {LIBBURN_READS})), "%u");
 }
 
 std::vector<std::vector<std::int16_t>> soundByBchunk(const std::string& cue,
