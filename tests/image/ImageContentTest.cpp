@@ -10,7 +10,7 @@ namespace {
 
 using testing::ElementsAre;
 
-class ImageContent : public ImageTest {};
+class ImageContent : public CueTest {};
 
 TEST_F(ImageContent, IsTheTracksWithTwoSecondsOfSilenceBeforeAllButTheFirst) {
     const DRLayout layout = makeLayout({588 * 301, 588 * 302 + 1, 7});
@@ -18,16 +18,16 @@ TEST_F(ImageContent, IsTheTracksWithTwoSecondsOfSilenceBeforeAllButTheFirst) {
     ASSERT_TRUE(outcome.isDone) << outcome.info;
     const std::vector<std::string> tracks = tracksOf(layout);
     const std::string silence(150 * 2352, '\0');
-    EXPECT_TRUE(contentOf(stage->bin()) == tracks[0] + silence + tracks[1] + silence + tracks[2]);
-    EXPECT_EQ(contentOf(stage->cue()), "FILE \"mix.bin\" BINARY\n"
-                                       "  TRACK 01 AUDIO\n"
-                                       "    INDEX 01 00:00:00\n"
-                                       "  TRACK 02 AUDIO\n"
-                                       "    INDEX 00 00:04:01\n"
-                                       "    INDEX 01 00:06:01\n"
-                                       "  TRACK 03 AUDIO\n"
-                                       "    INDEX 00 00:10:04\n"
-                                       "    INDEX 01 00:12:04\n");
+    EXPECT_TRUE(contentOf(bin()) == tracks[0] + silence + tracks[1] + silence + tracks[2]);
+    EXPECT_EQ(contentOf(cue()), "FILE \"mix.bin\" BINARY\n"
+                                "  TRACK 01 AUDIO\n"
+                                "    INDEX 01 00:00:00\n"
+                                "  TRACK 02 AUDIO\n"
+                                "    INDEX 00 00:04:01\n"
+                                "    INDEX 01 00:06:01\n"
+                                "  TRACK 03 AUDIO\n"
+                                "    INDEX 00 00:10:04\n"
+                                "    INDEX 01 00:12:04\n");
     EXPECT_THAT(filesInFolder(), ElementsAre("mix.bin", "mix.cue"));
 }
 
@@ -38,13 +38,13 @@ TEST_F(ImageContent, KeepsThePreGapsThatTheTracksSay) {
     second->setPreGap(DRMSF::msf());
     const Outcome outcome = burn({first, second});
     ASSERT_TRUE(outcome.isDone) << outcome.info;
-    EXPECT_EQ(contentOf(stage->cue()), "FILE \"mix.bin\" BINARY\n"
-                                       "  TRACK 01 AUDIO\n"
-                                       "    INDEX 00 00:00:00\n"
-                                       "    INDEX 01 00:00:10\n"
-                                       "  TRACK 02 AUDIO\n"
-                                       "    INDEX 01 00:04:10\n");
-    EXPECT_EQ(contentOf(stage->bin()).size(), 610U * 2352);
+    EXPECT_EQ(contentOf(cue()), "FILE \"mix.bin\" BINARY\n"
+                                "  TRACK 01 AUDIO\n"
+                                "    INDEX 00 00:00:00\n"
+                                "    INDEX 01 00:00:10\n"
+                                "  TRACK 02 AUDIO\n"
+                                "    INDEX 01 00:04:10\n");
+    EXPECT_EQ(contentOf(bin()).size(), 610U * 2352);
 }
 
 TEST_F(ImageContent, NinetyNineTracksFit) {
@@ -56,14 +56,14 @@ TEST_F(ImageContent, NinetyNineTracksFit) {
     }
     const Outcome outcome = burn(layout);
     ASSERT_TRUE(outcome.isDone) << outcome.info;
-    EXPECT_TRUE(stage->tracksOnDisc() == tracksOf(layout));
+    EXPECT_TRUE(stage->contentsOnDisc() == tracksOf(layout));
 }
 
 TEST_F(ImageContent, TracksLongerThanTheReadAheadComeOutWhole) {
     const DRLayout layout = makeLayout({588 * 2000, 588 * 13000 + 5, 588 * 300});
     const Outcome outcome = burn(layout);
     ASSERT_TRUE(outcome.isDone) << outcome.info;
-    EXPECT_TRUE(stage->tracksOnDisc() == tracksOf(layout));
+    EXPECT_TRUE(stage->contentsOnDisc() == tracksOf(layout));
 }
 
 TEST_F(ImageContent, ReplacesAnImageInWhateverStateItsPredecessorLeftIt) {
@@ -71,7 +71,7 @@ TEST_F(ImageContent, ReplacesAnImageInWhateverStateItsPredecessorLeftIt) {
         const DRLayout layout = makeLayout({1000, static_cast<std::uint64_t>(588 * 400 + i)});
         const Outcome outcome = burn(layout);
         ASSERT_TRUE(outcome.isDone) << outcome.info;
-        EXPECT_TRUE(stage->tracksOnDisc() == tracksOf(layout));
+        EXPECT_TRUE(stage->contentsOnDisc() == tracksOf(layout));
         EXPECT_THAT(filesInFolder(), ElementsAre("mix.bin", "mix.cue"));
         takeNewBlank();
     }
@@ -86,73 +86,34 @@ TEST_F(ImageContent, WithoutSecondNamesForAFileTheBinAlternatesBetweenTwo) {
         const DRLayout layout = makeLayout({1000, 2000});
         const Outcome outcome = burn(layout);
         ASSERT_TRUE(outcome.isDone) << outcome.info;
-        EXPECT_TRUE(stage->tracksOnDisc() == tracksOf(layout));
+        EXPECT_TRUE(stage->contentsOnDisc() == tracksOf(layout));
         EXPECT_THAT(filesInFolder(), ElementsAre(bin, "mix.cue"));
         takeNewBlank();
     }
 }
 
-TEST_F(ImageContent, TwoDrivesBurnAtTheSameTime) {
-    const auto other = stage->recorder()->add({.path = stage->folder.file("other.cue")});
-    const DRLayout layout = makeLayout({588 * 1000, 588 * 500});
-    const DRLayout otherLayout = makeLayout({588 * 1400});
-    const auto second = stage->service()->burnForDevice(other);
-    BurnLog log(stage->service()->currentRunLoopCenter(), second.get());
-    second->writeLayout(otherLayout);
-    const Outcome outcome = burn(layout);
-    EXPECT_TRUE(outcome.isDone) << outcome.info;
-    ASSERT_TRUE(stage->loops().runUntil([&] { return log.isOver(); }));
-    EXPECT_TRUE(log.isDone()) << log.info();
-    EXPECT_TRUE(stage->tracksOnDisc() == tracksOf(layout));
-    EXPECT_TRUE(stage->tracksOf(stage->folder.file("other.cue")) == tracksOf(otherLayout));
-}
-
-TEST_F(ImageContent, OfTwoBurnsToOneImageAtTheSameTimeTheSecondIsRefused) {
-    const auto other = stage->recorder()->add({.path = stage->cue()});
-    const DRLayout layout = makeLayout({588 * 1000});
-    const DRLayout otherLayout = makeLayout({588 * 1000});
-    const auto second = stage->service()->burnForDevice(other);
-    BurnLog log(stage->service()->currentRunLoopCenter(), second.get());
-    bool isStarted = false;
-    stage->loops().setInStep(true);
-    const Outcome outcome = burn(layout, stage->drive(), [&](const Dictionary& record) {
-        if (BurnLog::stateOf(record) != DRStatusStateSessionOpen || isStarted)
-            return;
-        isStarted = true;
-        second->writeLayout(otherLayout);
-    });
-    stage->loops().setInStep(false);
-    ASSERT_TRUE(stage->loops().runUntil([&] { return log.isOver(); }));
-    EXPECT_TRUE(outcome.isDone) << outcome.info;
-    EXPECT_EQ(log.code(), codeOf(DRError::DeviceBusy)) << log.info();
-    EXPECT_TRUE(stage->tracksOnDisc() == tracksOf(layout));
-    EXPECT_THAT(filesInFolder(), ElementsAre("mix.bin", "mix.cue"));
-}
-
 TEST_F(ImageContent, AnExistingImageIsLoadedAsAWrittenDisc) {
     ASSERT_TRUE(burn(makeLayout({588 * 400, 1000})).isDone);
-    const auto loaded = stage->recorder()->add({.path = stage->cue(), .loadExisting = true});
+    const auto loaded = stage->recorder()->add({.path = cue(), .loadExisting = true});
     EXPECT_FALSE(loaded->mediaIsBlank());
     EXPECT_EQ(loaded->mediaSpaceUsed(), DRMSF::msfWithFrames(400 + 150 + 300));
     EXPECT_EQ(loaded->mediaSpaceFree(), DRMSF::msf());
-    std::filesystem::resize_file(stage->bin(), 2352 * 10 + 1);
-    EXPECT_TRUE(
-        stage->recorder()->add({.path = stage->cue(), .loadExisting = true})->mediaIsBlank())
+    std::filesystem::resize_file(bin(), 2352 * 10 + 1);
+    EXPECT_TRUE(stage->recorder()->add({.path = cue(), .loadExisting = true})->mediaIsBlank())
         << "no whole sectors";
-    std::filesystem::remove(stage->bin());
-    EXPECT_TRUE(
-        stage->recorder()->add({.path = stage->cue(), .loadExisting = true})->mediaIsBlank());
+    std::filesystem::remove(bin());
+    EXPECT_TRUE(stage->recorder()->add({.path = cue(), .loadExisting = true})->mediaIsBlank());
     EXPECT_TRUE(stage->recorder()
                     ->add({.path = stage->folder.file("none.cue"), .loadExisting = true})
                     ->mediaIsBlank());
 }
 
 TEST_F(ImageContent, ADriveTakes74Or80MinutesAndANameOfItsOwn) {
-    const auto drive = stage->recorder()->add({.path = stage->cue(), .minutes = 74});
+    const auto drive = stage->recorder()->add({.path = cue(), .minutes = 74});
     EXPECT_EQ(drive->mediaSpaceFree(), DRMSF::msfWithFrames(333'000));
     EXPECT_EQ(drive->displayName(), "mix.cue (2)");
-    EXPECT_EQ(stage->recorder()->add({.path = stage->cue()})->displayName(), "mix.cue (3)");
-    EXPECT_EQ(stage->recorder()->add({.path = stage->cue(), .minutes = 90}), nullptr);
+    EXPECT_EQ(stage->recorder()->add({.path = cue()})->displayName(), "mix.cue (3)");
+    EXPECT_EQ(stage->recorder()->add({.path = cue(), .minutes = 90}), nullptr);
     EXPECT_EQ(stage->recorder()->add({.path = stage->folder.file("mix.bin")}), nullptr);
 }
 

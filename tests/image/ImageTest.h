@@ -5,18 +5,40 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/recorder/BurnLog.h"
-#include "tests/recorder/ImageStage.h"
+#include "tests/recorder/CueStage.h"
+#include "tests/recorder/IsoStage.h"
 
 namespace quarner {
 
-/// Burns to mix.cue in a folder of the test's own.
+/// A kind of image that the recorder writes.
+struct ImageFormat {
+    const char* name;
+    std::function<std::unique_ptr<ImageStage>(ImageRecorderParts)> makeStage;
+
+    friend void PrintTo(const ImageFormat& format, std::ostream* out) { *out << format.name; }
+};
+
+inline ImageFormat cueFormat() {
+    return {"Cue",
+            [](ImageRecorderParts parts) { return std::make_unique<CueStage>(std::move(parts)); }};
+}
+inline ImageFormat isoFormat() {
+    return {"Iso",
+            [](ImageRecorderParts parts) { return std::make_unique<IsoStage>(std::move(parts)); }};
+}
+
+/// Burns to an image called mix in a folder of the test's own.
 class ImageTest : public testing::Test {
 protected:
+    explicit ImageTest(ImageFormat format) : _format(std::move(format)) {}
+
     /// How a burn ended.
     struct Outcome {
         bool isDone;
@@ -26,23 +48,19 @@ protected:
     };
 
     /// Puts another machine under the recorder. Before anything else.
-    void useParts(ImageRecorderParts parts) {
-        stage = std::make_unique<ImageStage>(std::move(parts));
-    }
+    void useParts(ImageRecorderParts parts) { stage = _format.makeStage(std::move(parts)); }
 
-    std::shared_ptr<DRTrack> makeTrack(std::uint64_t pairs) {
-        std::shared_ptr<DRTrack> track =
-            stage->service()->trackForAudioFile(stage->makeSource(pairs));
-        track->setPreGap(DRMSF::msfWithFrames(150));
-        return track;
+    Paths makeSources(std::initializer_list<std::uint64_t> pairs) {
+        Paths paths;
+        for (const std::uint64_t count : pairs)
+            paths.push_back(stage->makeSource(count));
+        return paths;
     }
     DRLayout makeLayout(std::initializer_list<std::uint64_t> pairs) {
-        DRLayout layout;
-        for (const std::uint64_t count : pairs)
-            layout.push_back(makeTrack(count));
-        return layout;
+        return stage->layoutOf(makeSources(pairs));
     }
 
+    Outcome burn(const Paths& paths) { return burn(stage->layoutOf(paths)); }
     Outcome burn(const DRLayout& layout) { return burn(layout, stage->drive()); }
     Outcome burn(const DRLayout& layout, const std::shared_ptr<DRDevice>& drive,
                  const std::function<void(const Dictionary&)>& onRecord = {}) {
@@ -68,6 +86,44 @@ protected:
         return names;
     }
 
+    /// Whether the image holds these sources, and nothing else.
+    bool imageHolds(const Paths& paths) const {
+        return stage->contentsOnDisc() == stage->expectedContentsOf(paths);
+    }
+
+private:
+    const ImageFormat _format;
+
+protected:
+    std::unique_ptr<ImageStage> stage = _format.makeStage({});
+};
+
+/// For what all kinds of images have in common.
+class AnyImageTest : public ImageTest, public testing::WithParamInterface<ImageFormat> {
+protected:
+    AnyImageTest() : ImageTest(GetParam()) {}
+};
+
+/// Instantiates tests for every kind of image, named after it.
+#define INSTANTIATE_IMAGE_SUITE(Suite)                                                             \
+    INSTANTIATE_TEST_SUITE_P(, Suite, testing::Values(cueFormat(), isoFormat()),                   \
+                             [](const auto& tested) { return tested.param.name; })
+
+/// For what only audio images have.
+class CueTest : public ImageTest {
+protected:
+    CueTest() : ImageTest(cueFormat()) {}
+
+    std::string cue() const { return stage->image(); }
+    std::string bin() const { return stage->folder.file("mix.bin"); }
+
+    std::shared_ptr<DRTrack> makeTrack(std::uint64_t pairs) {
+        std::shared_ptr<DRTrack> track =
+            stage->service()->trackForAudioFile(stage->makeSource(pairs));
+        track->setPreGap(DRMSF::msfWithFrames(150));
+        return track;
+    }
+
     /// What a layout makes of the disc: each track's sound, filled up to its sectors.
     std::vector<std::string> tracksOf(const DRLayout& layout) const {
         std::vector<std::string> tracks;
@@ -77,8 +133,6 @@ protected:
         }
         return tracks;
     }
-
-    std::unique_ptr<ImageStage> stage = std::make_unique<ImageStage>();
 };
 
 } // namespace quarner

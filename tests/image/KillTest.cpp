@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,8 +14,6 @@
 
 namespace quarner {
 namespace {
-
-using testing::ElementsAre;
 
 /// Kills the process when it is about to change the disk for the so-manieth time.
 class KillingFiles : public ForwardingFiles {
@@ -74,14 +72,14 @@ private:
     const bool _canLink;
 };
 
-class KilledBurn : public ImageTest {
+class KilledBurn : public AnyImageTest {
 protected:
     /// Burns in a process of its own, which `kill` may end; answers whether it came to its end.
-    bool burnInChild(const DRLayout& layout, const std::shared_ptr<FileSystem>& files,
+    bool burnInChild(const Paths& paths, const std::shared_ptr<FileSystem>& files,
                      const std::function<void(pid_t)>& kill = {}) {
         const pid_t child = fork();
         if (child == 0)
-            burnAndExit(layout, files);
+            burnAndExit(paths, files);
         if (kill)
             kill(child);
         int status = 0;
@@ -94,44 +92,42 @@ protected:
         return false;
     }
 
-    [[noreturn]] void burnAndExit(const DRLayout& layout,
-                                  const std::shared_ptr<FileSystem>& files) {
-        _exit(burnHere(layout, files) ? 0 : 1);
+    [[noreturn]] void burnAndExit(const Paths& paths, const std::shared_ptr<FileSystem>& files) {
+        _exit(burnHere(paths, files) ? 0 : 1);
     }
 
-    bool burnHere(const DRLayout& layout, const std::shared_ptr<FileSystem>& files) {
+    bool burnHere(const Paths& paths, const std::shared_ptr<FileSystem>& files) {
         const auto loops = std::make_shared<StepLoops>();
-        ImageRecorder recorder(loops, stage->sound, {.files = files});
-        const auto burn = recorder.burnForDevice(recorder.add({.path = stage->cue()}));
-        BurnLog log(recorder.currentRunLoopCenter(), burn.get());
-        burn->writeLayout(layout);
+        const auto recorder = stage->makeRecorder(loops, {.files = files});
+        const auto burn = recorder->burnForDevice(recorder->add({.path = stage->image()}));
+        BurnLog log(recorder->currentRunLoopCenter(), burn.get());
+        burn->writeLayout(stage->layoutThrough(*recorder, paths));
         loops->runUntil([&] { return log.isOver(); });
         return log.isDone();
     }
 
     /// All burns are made in other processes: one that has had threads is not forked again.
-    void burnWhole(const DRLayout& layout) { ASSERT_TRUE(burnInChild(layout, posixFileSystem())); }
+    void burnWhole(const Paths& paths) { ASSERT_TRUE(burnInChild(paths, posixFileSystem())); }
 
     /// The image is the old one, or the new one, or (without an old one) not there at all.
-    void expectOldOrNew(const DRLayout& old, const DRLayout& fresh) {
-        if (old.empty() && !std::filesystem::exists(stage->cue()))
+    void expectOldOrNew(const Paths& old, const Paths& fresh) {
+        if (old.empty() && !std::filesystem::exists(stage->image()))
             return;
-        const std::vector<std::string> tracks = stage->tracksOnDisc();
-        EXPECT_TRUE(tracks == tracksOf(fresh) || (!old.empty() && tracks == tracksOf(old)));
+        EXPECT_TRUE(imageHolds(fresh) || (!old.empty() && imageHolds(old)));
     }
 
-    void expectNextBurnToClearUp(std::initializer_list<const char*> names) {
-        const DRLayout layout = makeLayout({1000});
-        burnWhole(layout);
-        EXPECT_TRUE(stage->tracksOnDisc() == tracksOf(layout));
-        EXPECT_EQ(filesInFolder(), std::vector<std::string>(names.begin(), names.end()));
-        for (const auto& track : layout)
-            std::filesystem::remove(track->path);
+    void expectNextBurnToClearUp() {
+        const Paths paths = makeSources({1000});
+        burnWhole(paths);
+        EXPECT_TRUE(imageHolds(paths));
+        EXPECT_EQ(filesInFolder(), stage->filesOfImage());
+        for (const std::string& path : paths)
+            std::filesystem::remove(path);
     }
 
     /// Kills a burn before each of its steps in turn, from a folder with or without an old image.
-    void killAtEveryStep(const DRLayout& old, bool canLink) {
-        const DRLayout fresh = makeLayout({2000, 1000});
+    void killAtEveryStep(const Paths& old, bool canLink) {
+        const Paths fresh = makeSources({2000, 1000});
         bool isDone = false;
         for (int step = 1; !isDone; ++step) {
             SCOPED_TRACE("killed before step " + std::to_string(step));
@@ -141,7 +137,7 @@ protected:
                 burnWhole(old);
             isDone = burnInChild(fresh, std::make_shared<KillingFiles>(step, canLink));
             expectOldOrNew(old, fresh);
-            expectNextBurnToClearUp({"mix.bin", "mix.cue"});
+            expectNextBurnToClearUp();
             if (HasFailure())
                 return;
             ASSERT_LT(step, 200);
@@ -149,20 +145,16 @@ protected:
     }
 };
 
-TEST_F(KilledBurn, AtAnyStepLeavesNoHalfImage) { killAtEveryStep({}, true); }
+TEST_P(KilledBurn, AtAnyStepLeavesNoHalfImage) { killAtEveryStep({}, true); }
 
-TEST_F(KilledBurn, AtAnyStepOfAReplacementLeavesTheOldImageOrTheNew) {
-    killAtEveryStep(makeLayout({588 * 301, 588 * 302}), true);
+TEST_P(KilledBurn, AtAnyStepOfAReplacementLeavesTheOldImageOrTheNew) {
+    killAtEveryStep(makeSources({588 * 301, 588 * 302}), true);
 }
 
-TEST_F(KilledBurn, AtAnyStepOfAReplacementWithoutSecondNamesLeavesTheOldImageOrTheNew) {
-    killAtEveryStep(makeLayout({588 * 301, 588 * 302}), false);
-}
-
-TEST_F(KilledBurn, AtARandomMomentLeavesTheOldImageOrTheNew) {
-    const DRLayout old = makeLayout({1000, 588 * 400});
+TEST_P(KilledBurn, AtARandomMomentLeavesTheOldImageOrTheNew) {
+    const Paths old = makeSources({1000, 588 * 400});
     burnWhole(old);
-    const DRLayout fresh = makeLayout({588 * 1500, 588 * 1000});
+    const Paths fresh = makeSources({588 * 1500, 588 * 1000});
     std::minstd_rand random(std::random_device{}());
     for (int i = 0; i < 8; ++i) {
         const std::chrono::microseconds moment(random() % 60'000);
@@ -174,8 +166,20 @@ TEST_F(KilledBurn, AtARandomMomentLeavesTheOldImageOrTheNew) {
         expectOldOrNew(old, fresh);
     }
     burnWhole(fresh);
-    EXPECT_THAT(filesInFolder(), ElementsAre("mix.bin", "mix.cue"));
+    EXPECT_EQ(filesInFolder(), stage->filesOfImage());
 }
+
+INSTANTIATE_IMAGE_SUITE(KilledBurn);
+
+/// Where a file can have one name only, which is of interest to a BIN file.
+class KilledBurnWithoutSecondNames : public KilledBurn {};
+
+TEST_P(KilledBurnWithoutSecondNames, AtAnyStepOfAReplacementLeavesTheOldImageOrTheNew) {
+    killAtEveryStep(makeSources({588 * 301, 588 * 302}), false);
+}
+
+INSTANTIATE_TEST_SUITE_P(, KilledBurnWithoutSecondNames, testing::Values(cueFormat()),
+                         [](const auto& tested) { return tested.param.name; });
 
 } // namespace
 } // namespace quarner

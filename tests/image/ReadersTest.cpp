@@ -38,7 +38,7 @@ std::string quotedForShell(const std::string& text) {
 }
 
 /// Programs that were not written here read an image of three tracks, whatever it is called.
-class ImageReaders : public ImageTest, public testing::WithParamInterface<const char*> {
+class ImageReaders : public CueTest, public testing::WithParamInterface<const char*> {
 protected:
     void burnImage() {
         const auto drive = stage->recorder()->add({.path = cue()});

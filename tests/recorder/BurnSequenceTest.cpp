@@ -9,7 +9,6 @@ namespace quarner {
 namespace {
 
 using testing::Each;
-using testing::ElementsAre;
 using testing::Not;
 
 class RecorderBurn : public Recorder {};
@@ -17,33 +16,26 @@ class RecorderBurn : public Recorder {};
 TEST_P(RecorderBurn, ABurnTellsOfEveryStepInOrderAndEndsDone) {
     const auto burn = makeBurn();
     const auto log = observe(burn);
-    burn->writeLayout(makeLayout({588 * 400, 1000}));
+    const DRLayout layout = makeLayout({588 * 400, 1000});
+    burn->writeLayout(layout);
     ASSERT_TRUE(runToEnd(*log));
-    EXPECT_THAT(log->states(),
-                ElementsAre("Preparing", "SessionOpen", "TrackOpen 1/2", "TrackWrite 1/2",
-                            "TrackClose 1/2", "TrackOpen 2/2", "TrackWrite 2/2", "TrackClose 2/2",
-                            "SessionClose", "Finishing", "Verifying", "Done"))
-        << log->info();
+    std::vector<std::string> steps = {"Preparing", "SessionOpen"};
+    for (std::size_t i = 1; i <= layout.size(); ++i)
+        for (const char* step : {"TrackOpen ", "TrackWrite ", "TrackClose "})
+            steps.push_back(step + std::to_string(i) + '/' + std::to_string(layout.size()));
+    for (const char* step : {"SessionClose", "Finishing", "Verifying", "Done"})
+        steps.emplace_back(step);
+    EXPECT_EQ(log->states(), steps) << log->info();
     EXPECT_EQ(valueFor(log->records().back(), DRStatusPercentCompleteKey).asDouble(), 1.0);
 }
 
-TEST_P(RecorderBurn, EveryTrackIsItsSoundFollowedBySilenceToItsLength) {
-    const std::uint64_t pairs = 588 * 310 + 1;
+TEST_P(RecorderBurn, TheDiscHoldsEverySourceWhole) {
     const auto burn = makeBurn();
     const auto log = observe(burn);
-    const DRLayout layout = makeLayout({pairs, 1, 588 * 300});
-    burn->writeLayout(layout);
+    burn->writeLayout(makeLayout({588 * 310 + 1, 1, 588 * 300}));
     ASSERT_TRUE(runToEnd(*log));
     ASSERT_TRUE(log->isDone()) << log->info();
-    const std::vector<std::string> tracks = stage->tracksOnDisc();
-    ASSERT_EQ(tracks.size(), 3U);
-    for (std::size_t i = 0; i < tracks.size(); ++i) {
-        std::string expected = stage->soundOf(layout[i]->path);
-        expected.resize(std::size_t(layout[i]->length().totalFrames()) * 2352, '\0');
-        EXPECT_TRUE(tracks[i] == expected) << "track " << i + 1;
-    }
-    EXPECT_EQ(tracks[0].size(), 311U * 2352);
-    EXPECT_EQ(tracks[1].size(), 300U * 2352);
+    EXPECT_TRUE(stage->contentsOnDisc() == stage->expectedContentsOf(paths));
 }
 
 TEST_P(RecorderBurn, NoRecordComesBeforeTheCallerIsBackInItsRunLoop) {
@@ -93,7 +85,8 @@ TEST_P(RecorderBurn, TheSpeedIsTheBlocksOfASecond) {
     ASSERT_TRUE(runToEnd(*log));
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
     const double speed = valueFor(log->records().back(), DRStatusCurrentSpeedKey).asDouble();
-    EXPECT_GE(speed, 3000 / took.count()) << "a part of the burn is not slower than the whole";
+    EXPECT_GE(speed, static_cast<double>(stage->blocksOnDisc()) / took.count())
+        << "a part of the burn is not slower than the whole";
 }
 
 TEST_P(RecorderBurn, WithoutVerificationTheDiscIsNotReadBack) {

@@ -37,7 +37,7 @@ private:
 
 class RecorderDrive : public Recorder {
 protected:
-    void burnOneTrack() {
+    void burnOneSource() {
         const auto burn = makeBurn();
         const auto log = observe(burn);
         burn->writeLayout(makeLayout({588 * 400}));
@@ -74,14 +74,16 @@ TEST_P(RecorderDrive, ListsItsSpeedsInAscendingOrder) {
 }
 
 TEST_P(RecorderDrive, WithAWrittenDiscTellsWhatIsOnItAndTakesNoMore) {
-    burnOneTrack();
+    burnOneSource();
     EXPECT_TRUE(drive().mediaIsPresent());
     EXPECT_FALSE(drive().mediaIsBlank());
     EXPECT_FALSE(drive().mediaIsAppendable());
     EXPECT_FALSE(drive().mediaIsOverwritable());
-    EXPECT_EQ(drive().mediaSpaceUsed(), DRMSF::msfWithFrames(400));
+    EXPECT_EQ(drive().mediaSpaceUsed(),
+              DRMSF::msfWithFrames(static_cast<std::uint32_t>(stage->blocksOnDisc())));
     EXPECT_EQ(drive().mediaSpaceFree(), DRMSF::msf());
-    EXPECT_EQ(valueFor(mediaOf(drive()), DRDeviceMediaBlocksUsedKey).asUInt64(), 400U);
+    EXPECT_EQ(valueFor(mediaOf(drive()), DRDeviceMediaBlocksUsedKey).asUInt64(),
+              stage->blocksOnDisc());
     EXPECT_EQ(valueFor(mediaOf(drive()), DRDeviceMediaBlocksFreeKey).asUInt64(), 0U);
     const auto burn = makeBurn();
     const auto log = observe(burn);
@@ -102,11 +104,11 @@ TEST_P(RecorderDrive, WithoutADiscKnowsNothingOfIt) {
 }
 
 TEST_P(RecorderDrive, TakesANewBlankAfterTheWrittenDiscIsOut) {
-    burnOneTrack();
+    burnOneSource();
     ASSERT_TRUE(drive().ejectMedia());
     stage->insertBlank();
     EXPECT_TRUE(drive().mediaIsBlank());
-    burnOneTrack();
+    burnOneSource();
     EXPECT_FALSE(drive().mediaIsBlank());
 }
 
@@ -121,7 +123,7 @@ TEST_P(RecorderDrive, TellsOfEveryChangeOfItsDisc) {
     EXPECT_EQ(countAfter([&] { drive().ejectMedia(); }), 1U);
     EXPECT_EQ(countAfter([&] { drive().ejectMedia(); }), 0U) << "nothing changed";
     EXPECT_EQ(countAfter([&] { stage->insertBlank(); }), 1U);
-    EXPECT_GE(countAfter([&] { burnOneTrack(); }), 1U);
+    EXPECT_GE(countAfter([&] { burnOneSource(); }), 1U);
     for (const auto& object : changes.objects)
         EXPECT_EQ(object, stage->drive());
 }

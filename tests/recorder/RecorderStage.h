@@ -12,8 +12,10 @@
 
 namespace quarner {
 
-/// A recorder with one drive and a blank 80-minute disc in it, for the behavioural suite: what the
-/// suite needs beyond the service's own interface.
+using Paths = std::vector<std::string>;
+
+/// A recorder for one kind of disc, with one drive and a blank 80-minute disc in it, for the
+/// behavioural suite: what the suite needs beyond the service's own interface.
 class RecorderStage {
 public:
     RecorderStage() = default;
@@ -25,19 +27,33 @@ public:
     virtual StepLoops& loops() = 0;
     virtual std::shared_ptr<DRDevice> drive() = 0;
 
-    /// A new file that plays so many stereo samples.
+    /// A new file of so many stereo samples, four bytes each.
     virtual std::string makeSource(std::uint64_t pairs) = 0;
-    /// The sound of such a file as a disc holds it, without the silence at its end.
-    virtual std::string soundOf(const std::string& path) = 0;
-    /// What the disc in the drive plays, track by track, without the pre-gaps: the bytes of the
-    /// sectors.
-    virtual std::vector<std::string> tracksOnDisc() = 0;
+    /// A disc of these files, in this order.
+    virtual DRLayout layoutOf(const Paths& paths) = 0;
+    /// The layout of a disc that takes so many blocks.
+    virtual DRLayout layoutOfBlocks(std::uint32_t blocks) = 0;
+    /// The layout of a disc whose size no 32 bits hold.
+    virtual DRLayout hugeLayout() = 0;
+
+    /// What the disc in the drive holds of each source, in the order in which they were made.
+    virtual std::vector<std::string> contentsOnDisc() = 0;
+    /// What it must hold of a source.
+    virtual std::string expectedContentOf(const std::string& path) = 0;
+    virtual std::uint64_t blocksOnDisc() = 0;
 
     virtual void insertBlank() = 0;
     virtual void unplug() = 0;
     virtual void plugAnother() = 0;
     /// Drops the recorder, as the end of the process does.
     virtual void shutDown() = 0;
+
+    std::vector<std::string> expectedContentsOf(const Paths& paths) {
+        std::vector<std::string> contents;
+        for (const std::string& path : paths)
+            contents.push_back(expectedContentOf(path));
+        return contents;
+    }
 };
 
 using RecorderStageMaker = std::function<std::unique_ptr<RecorderStage>()>;

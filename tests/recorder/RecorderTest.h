@@ -19,24 +19,18 @@ struct RecorderChoice {
 };
 inline void PrintTo(const RecorderChoice& choice, std::ostream* out) { *out << choice.name; }
 
-/// What every recorder must do, whatever its drives are. Instantiated once for each recorder.
+/// What every recorder must do, whatever its drives and discs are. Instantiated once for each
+/// recorder.
 class Recorder : public testing::TestWithParam<RecorderChoice> {
 protected:
     void TearDown() override { stage->loops().setInStep(false); }
 
-    static constexpr std::uint32_t gap = 150;
-
-    /// A track that plays a new file, after a pre-gap of two seconds.
-    std::shared_ptr<DRTrack> makeTrack(std::uint64_t pairs) {
-        std::shared_ptr<DRTrack> track = service()->trackForAudioFile(stage->makeSource(pairs));
-        track->setPreGap(DRMSF::msfWithFrames(gap));
-        return track;
-    }
+    /// A disc of new files; `paths` names them afterwards.
     DRLayout makeLayout(std::initializer_list<std::uint64_t> pairs) {
-        DRLayout layout;
+        paths.clear();
         for (const std::uint64_t count : pairs)
-            layout.push_back(makeTrack(count));
-        return layout;
+            paths.push_back(stage->makeSource(count));
+        return stage->layoutOf(paths);
     }
 
     std::shared_ptr<RecordingService> service() { return stage->service(); }
@@ -49,14 +43,19 @@ protected:
     }
 
     std::unique_ptr<RecorderStage> stage = GetParam().makeStage();
+    Paths paths;
 };
 
 /// The recorders that the suite is for: one line for each.
 std::vector<RecorderChoice> recorders();
+/// Those of them for audio discs, and for data discs.
+std::vector<RecorderChoice> audioRecorders();
+std::vector<RecorderChoice> dataRecorders();
 
-/// Instantiates a part of the suite for every recorder, named after it.
-#define INSTANTIATE_RECORDER_SUITE(Suite)                                                          \
-    INSTANTIATE_TEST_SUITE_P(, Suite, testing::ValuesIn(recorders()),                              \
+/// Instantiates a part of the suite for a choice of recorders, named after them.
+#define INSTANTIATE_RECORDER_SUITE_FOR(choice, Suite)                                              \
+    INSTANTIATE_TEST_SUITE_P(, Suite, testing::ValuesIn(choice),                                   \
                              [](const auto& tested) { return tested.param.name; })
+#define INSTANTIATE_RECORDER_SUITE(Suite) INSTANTIATE_RECORDER_SUITE_FOR(recorders(), Suite)
 
 } // namespace quarner

@@ -1,11 +1,23 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "tests/recorder/ImageStage.h"
+#include "tests/recorder/CueStage.h"
+#include "tests/recorder/IsoStage.h"
 #include "tests/recorder/RecorderTest.h"
 
 namespace quarner {
 
+std::vector<RecorderChoice> audioRecorders() {
+    return {{"Image", [] { return std::make_unique<CueStage>(); }}};
+}
+
+std::vector<RecorderChoice> dataRecorders() {
+    return {{"DataImage", [] { return std::make_unique<IsoStage>(); }}};
+}
+
 std::vector<RecorderChoice> recorders() {
-    return {{"Image", [] { return std::make_unique<ImageStage>(); }}};
+    std::vector<RecorderChoice> all = audioRecorders();
+    for (const RecorderChoice& choice : dataRecorders())
+        all.push_back(choice);
+    return all;
 }
 
 } // namespace quarner

@@ -26,26 +26,14 @@ protected:
         return log->code();
     }
 
-    /// A layout of two tracks that takes so many sectors of the disc.
-    DRLayout layoutOfSectors(std::uint32_t sectors) {
-        DRLayout layout = {makeTrack(1000)};
-        const auto last = makeTrack(1000);
-        last->setLength(DRMSF::msfWithFrames(sectors - 300 - gap));
-        layout.push_back(last);
-        return layout;
-    }
-
     std::string info;
 };
 
 TEST_P(RecorderRefusal, OfAnEmptyLayout) { EXPECT_EQ(codeFor({}), codeOf(DRError::EmptyLayout)); }
 
-TEST_P(RecorderRefusal, OfAHundredTracks) {
-    EXPECT_EQ(codeFor(DRLayout(100, makeTrack(1000))), codeOf(DRError::TooManyTracks));
-}
-
-TEST_P(RecorderRefusal, OfOneSectorTooMany) {
-    EXPECT_EQ(codeFor(layoutOfSectors(blocksOf80Minutes + 1)), codeOf(DRError::MediaTooSmall));
+TEST_P(RecorderRefusal, OfOneBlockTooMany) {
+    EXPECT_EQ(codeFor(stage->layoutOfBlocks(blocksOf80Minutes + 1)),
+              codeOf(DRError::MediaTooSmall));
 }
 
 TEST_P(RecorderRefusal, NotOfALayoutThatFillsTheDisc) {
@@ -55,25 +43,13 @@ TEST_P(RecorderRefusal, NotOfALayoutThatFillsTheDisc) {
         if (BurnLog::stateOf(record) == DRStatusStateSessionOpen)
             burn->abort();
     };
-    burn->writeLayout(layoutOfSectors(blocksOf80Minutes));
+    burn->writeLayout(stage->layoutOfBlocks(blocksOf80Minutes));
     ASSERT_TRUE(runToEnd(*log));
     EXPECT_EQ(log->code(), codeOf(DRError::UserCanceled)) << log->info();
 }
 
-TEST_P(RecorderRefusal, OfLengthsWhoseSumIsBeyond32Bits) {
-    DRLayout layout;
-    for (int i = 0; i < 2; ++i) {
-        const auto track = makeTrack(1000);
-        track->setLength(DRMSF::msfWithFrames(0x80000000U));
-        layout.push_back(track);
-    }
-    EXPECT_EQ(codeFor(layout), codeOf(DRError::MediaTooSmall));
-}
-
-TEST_P(RecorderRefusal, OfATrackShorterThanItsSound) {
-    const auto track = makeTrack(588 * 400);
-    track->setLength(DRMSF::msfWithFrames(399));
-    EXPECT_EQ(codeFor({track}), codeOf(DRError::Internal));
+TEST_P(RecorderRefusal, OfASizeBeyond32Bits) {
+    EXPECT_EQ(codeFor(stage->hugeLayout()), codeOf(DRError::MediaTooSmall));
 }
 
 TEST_P(RecorderRefusal, WithoutADisc) {
@@ -90,34 +66,48 @@ TEST_P(RecorderRefusal, WithoutADrive) {
 }
 
 TEST_P(RecorderRefusal, OnADriveThatIsUnplugged) {
-    const auto layout = makeLayout({1000});
+    const DRLayout layout = makeLayout({1000});
     stage->unplug();
     EXPECT_EQ(codeFor(layout), codeOf(DRError::DeviceVanished));
 }
 
 TEST_P(RecorderRefusal, OfASourceThatIsGone) {
-    const auto layout = makeLayout({1000, 1000});
-    std::filesystem::remove(layout[1]->path);
+    const DRLayout layout = makeLayout({1000, 1000});
+    std::filesystem::remove(paths[1]);
     EXPECT_EQ(codeFor(layout), codeOf(DRError::SourceMissing));
-    EXPECT_THAT(info, HasSubstr(layout[1]->path));
+    EXPECT_THAT(info, HasSubstr(paths[1]));
 }
 
 TEST_P(RecorderRefusal, OfASourceThatShrank) {
-    const auto layout = makeLayout({1000, 1000});
-    std::filesystem::resize_file(layout[1]->path, 400);
+    const DRLayout layout = makeLayout({1000, 1000});
+    std::filesystem::resize_file(paths[1], 400);
     EXPECT_EQ(codeFor(layout), codeOf(DRError::SourceChanged));
-    EXPECT_THAT(info, HasSubstr(layout[1]->path));
+    EXPECT_THAT(info, HasSubstr(paths[1]));
 }
 
 TEST_P(RecorderRefusal, OfASourceThatWasWrittenAnew) {
-    const auto layout = makeLayout({1000, 1000});
-    const auto time = std::filesystem::last_write_time(layout[0]->path);
-    std::filesystem::last_write_time(layout[0]->path, time + std::chrono::nanoseconds(1));
+    const DRLayout layout = makeLayout({1000, 1000});
+    const auto time = std::filesystem::last_write_time(paths[0]);
+    std::filesystem::last_write_time(paths[0], time + std::chrono::nanoseconds(1));
     EXPECT_EQ(codeFor(layout), codeOf(DRError::SourceChanged));
-    EXPECT_THAT(info, HasSubstr(layout[0]->path));
+    EXPECT_THAT(info, HasSubstr(paths[0]));
 }
 
 INSTANTIATE_RECORDER_SUITE(RecorderRefusal);
+
+class AudioRecorderRefusal : public RecorderRefusal {};
+
+TEST_P(AudioRecorderRefusal, OfAHundredTracks) {
+    EXPECT_EQ(codeFor(DRLayout(100, makeLayout({1000})[0])), codeOf(DRError::TooManyTracks));
+}
+
+TEST_P(AudioRecorderRefusal, OfATrackShorterThanItsSound) {
+    const auto track = service()->trackForAudioFile(stage->makeSource(588 * 400));
+    track->setLength(DRMSF::msfWithFrames(399));
+    EXPECT_EQ(codeFor({track}), codeOf(DRError::Internal));
+}
+
+INSTANTIATE_RECORDER_SUITE_FOR(audioRecorders(), AudioRecorderRefusal);
 
 } // namespace
 } // namespace quarner

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <gtest/gtest.h>
+
+#include "tests/image/ImageTest.h"
+
+namespace quarner {
+namespace {
+
+class TwoBurns : public AnyImageTest {
+protected:
+    /// A burn on another drive.
+    void prepareSecond(const std::string& image) {
+        second = stage->service()->burnForDevice(stage->recorder()->add({.path = image}));
+        secondLog =
+            std::make_unique<BurnLog>(stage->service()->currentRunLoopCenter(), second.get());
+    }
+    bool runSecondToEnd() {
+        return stage->loops().runUntil([&] { return secondLog->isOver(); });
+    }
+
+    const Paths sources = makeSources({588 * 1000, 588 * 500});
+    const Paths otherSources = makeSources({588 * 1400});
+    std::shared_ptr<DRBurn> second;
+    std::unique_ptr<BurnLog> secondLog;
+};
+
+TEST_P(TwoBurns, OnTwoDrivesGoOnAtTheSameTime) {
+    prepareSecond(stage->imageNamed("other"));
+    second->writeLayout(stage->layoutOf(otherSources));
+    const Outcome outcome = burn(sources);
+    EXPECT_TRUE(outcome.isDone) << outcome.info;
+    ASSERT_TRUE(runSecondToEnd());
+    EXPECT_TRUE(secondLog->isDone()) << secondLog->info();
+    EXPECT_TRUE(imageHolds(sources));
+    EXPECT_TRUE(stage->contentsOf(stage->imageNamed("other")) ==
+                stage->expectedContentsOf(otherSources));
+}
+
+TEST_P(TwoBurns, ToOneImageAtTheSameTimeEndInARefusalOfTheSecond) {
+    prepareSecond(stage->image());
+    const DRLayout otherLayout = stage->layoutOf(otherSources);
+    bool isStarted = false;
+    stage->loops().setInStep(true);
+    const Outcome outcome =
+        burn(stage->layoutOf(sources), stage->drive(), [&](const Dictionary& record) {
+            if (BurnLog::stateOf(record) != DRStatusStateSessionOpen || isStarted)
+                return;
+            isStarted = true;
+            second->writeLayout(otherLayout);
+        });
+    stage->loops().setInStep(false);
+    ASSERT_TRUE(runSecondToEnd());
+    EXPECT_TRUE(outcome.isDone) << outcome.info;
+    EXPECT_EQ(secondLog->code(), codeOf(DRError::DeviceBusy)) << secondLog->info();
+    EXPECT_TRUE(imageHolds(sources));
+    EXPECT_EQ(filesInFolder(), stage->filesOfImage());
+}
+
+INSTANTIATE_IMAGE_SUITE(TwoBurns);
+
+} // namespace
+} // namespace quarner

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <algorithm>
+#include <utility>
+
+#include "tests/recorder/ImageStage.h"
+
+namespace quarner {
+
+/// Audio discs of raw sound. The image is mix.cue.
+class CueStage : public ImageStage {
+public:
+    explicit CueStage(ImageRecorderParts parts = {}) : ImageStage(".cue", std::move(parts)) {}
+
+    /// Tracks with pre-gaps of two seconds.
+    DRLayout layoutThrough(RecordingService& recorder, const Paths& paths) override {
+        DRLayout layout;
+        for (const std::string& path : paths)
+            layout.push_back(makeTrack(recorder, path));
+        return layout;
+    }
+    DRLayout layoutOfBlocks(std::uint32_t blocks) override {
+        return {makeTrack(*recorder(), makeSource(1000)), trackOfBlocks(blocks - shortest - gap)};
+    }
+    DRLayout hugeLayout() override {
+        return {trackOfBlocks(0x80000000U), trackOfBlocks(0x80000000U)};
+    }
+    /// A track of a new short file that takes so many sectors.
+    std::shared_ptr<DRTrack> trackOfBlocks(std::uint32_t blocks) {
+        auto track = makeTrack(*recorder(), makeSource(1000));
+        track->setLength(DRMSF::msfWithFrames(blocks));
+        return track;
+    }
+
+    /// The sound, filled up with silence to whole sectors, and to four seconds.
+    std::string expectedContentOf(const std::string& path) override {
+        std::string content = contentOf(path);
+        const std::size_t sectors = (content.size() + blockSize() - 1) / blockSize();
+        content.resize(std::max<std::size_t>(sectors, shortest) * blockSize(), '\0');
+        return content;
+    }
+    std::uint64_t blocksOnDisc() override {
+        return std::filesystem::file_size(bin()) / blockSize();
+    }
+    std::vector<std::string> contentsOf(const std::string& cuePath) const override;
+    std::vector<std::string> filesOfImage() const override { return {"mix.bin", "mix.cue"}; }
+    std::string partEnding() const override { return ".bin.part"; }
+    std::uint64_t blockSize() const override { return 2352; }
+
+    void whileReading(const std::string& path, std::function<void()> function) override {
+        sound->setReadHook([=](const std::string& read, std::uint64_t pairs) {
+            if (read == path && pairs > 0)
+                function();
+        });
+    }
+    void beforeReading(std::function<void()> function) override {
+        sound->setReadHook([=](const std::string&, std::uint64_t) { function(); });
+    }
+
+    std::string cue() const { return image(); }
+    std::string bin() const { return folder.file("mix.bin"); }
+
+private:
+    static std::shared_ptr<DRTrack> makeTrack(RecordingService& recorder, const std::string& path) {
+        auto track = recorder.trackForAudioFile(path);
+        track->setPreGap(DRMSF::msfWithFrames(gap));
+        return track;
+    }
+
+    static constexpr std::uint32_t gap = 150;
+    static constexpr std::uint32_t shortest = 300;
+};
+
+/// Read from the sheet.
+inline std::vector<std::string> CueStage::contentsOf(const std::string& cuePath) const {
+    std::ifstream sheet(cuePath);
+    std::string line;
+    std::string bytes;
+    std::vector<std::pair<std::size_t, std::size_t>> indexes; // (number, byte)
+    while (std::getline(sheet, line)) {
+        unsigned index = 0, minutes = 0, seconds = 0, frames = 0;
+        if (line.starts_with("FILE \""))
+            bytes = contentOf(folder.file(line.substr(6, line.rfind('"') - 6)));
+        else if (std::sscanf(line.c_str(), " INDEX %u %u:%u:%u", &index, &minutes, &seconds,
+                             &frames) == 4)
+            indexes.emplace_back(index, ((minutes * 60 + seconds) * 75 + frames) * 2352ULL);
+    }
+    std::vector<std::string> tracks;
+    for (std::size_t i = 0; i < indexes.size(); ++i) {
+        if (indexes[i].first != 1)
+            continue;
+        const std::size_t end = i + 1 < indexes.size() ? indexes[i + 1].second : bytes.size();
+        tracks.push_back(bytes.substr(indexes[i].second, end - indexes[i].second));
+    }
+    return tracks;
+}
+
+} // namespace quarner

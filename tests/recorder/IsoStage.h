@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <memory>
+#include <span>
+#include <utility>
+
+#include "adapters/isofs/JolietDirectory.h"
+#include "adapters/isofs/JolietDiscs.h"
+#include "tests/recorder/ImageStage.h"
+
+namespace quarner {
+
+/// Joliet discs that tell when they are being read.
+class WatchedDiscs : public DataDiscService {
+public:
+    /// Called on the reading thread with the bytes read so far and those of the whole disc.
+    using ReadHook = std::function<void(std::uint64_t, std::uint64_t)>;
+    void setReadHook(ReadHook hook) { _hook = std::move(hook); }
+
+    std::shared_ptr<DRTrack> trackForRootFolder(std::shared_ptr<const DRFolder> folder) override {
+        return _discs->trackForRootFolder(std::move(folder));
+    }
+    DiscContent contentOf(const DRTrack& track) override {
+        DiscContent content = _discs->contentOf(track);
+        for (auto& source : content.sources)
+            source = std::make_unique<Source>(std::move(source), content.plan.bytes(), _hook);
+        return content;
+    }
+
+private:
+    class Source : public TrackSource {
+    public:
+        Source(std::unique_ptr<TrackSource> source, std::uint64_t size, ReadHook hook)
+            : _source(std::move(source)), _size(size), _hook(std::move(hook)) {}
+        void check() override { _source->check(); }
+        void close() override { _source->close(); }
+        void read(std::span<std::byte> buffer) override {
+            if (_hook)
+                _hook(_read, _size);
+            _source->read(buffer);
+            _read += buffer.size();
+        }
+
+    private:
+        const std::unique_ptr<TrackSource> _source;
+        const std::uint64_t _size;
+        const ReadHook _hook;
+        std::uint64_t _read = 0;
+    };
+
+    const std::shared_ptr<DataDiscService> _discs = makeJolietDiscs();
+    ReadHook _hook;
+};
+
+/// Data discs. The image is mix.iso.
+class IsoStage : public ImageStage {
+public:
+    explicit IsoStage(ImageRecorderParts parts = {})
+        : IsoStage(std::move(parts), std::make_shared<WatchedDiscs>()) {}
+
+    DRLayout layoutThrough(RecordingService& recorder, const Paths& paths) override {
+        const auto root = std::make_shared<DRFolder>("Disc");
+        root->setExplicitFilesystemMask(DRFilesystemMaskJoliet);
+        for (const std::string& path : paths)
+            root->addChild(recorder.fileWithPath(path));
+        return {recorder.trackForRootFolder(root)};
+    }
+    DRLayout layoutOfBlocks(std::uint32_t blocks) override {
+        const std::string path = makeSource(1);
+        const std::uint64_t others = layoutOf({path})[0]->estimateLength() - 1;
+        std::filesystem::resize_file(path, (blocks - others) * blockSize());
+        return layoutOf({path});
+    }
+    DRLayout hugeLayout() override {
+        const Paths paths = {makeSource(1), makeSource(1), makeSource(1)};
+        for (const std::string& path : paths)
+            std::filesystem::resize_file(path, std::uintmax_t(3) << 30);
+        return layoutOf(paths);
+    }
+
+    std::string expectedContentOf(const std::string& path) override { return contentOf(path); }
+    std::uint64_t blocksOnDisc() override {
+        return std::filesystem::file_size(image()) / blockSize();
+    }
+    std::vector<std::string> contentsOf(const std::string& isoPath) const override {
+        const std::string disc = quarner::contentOf(isoPath);
+        std::vector<std::string> contents;
+        for (const auto& [name, file] : jolietRootDirectory(std::as_bytes(std::span(disc))))
+            contents.push_back(disc.substr(file.firstBlock * blockSize(), file.size));
+        return contents;
+    }
+    std::vector<std::string> filesOfImage() const override { return {"mix.iso"}; }
+    std::string partEnding() const override { return ".iso.part"; }
+    std::uint64_t blockSize() const override { return 2048; }
+
+    void whileReading(const std::string&, std::function<void()> function) override {
+        _discs->setReadHook([=](std::uint64_t read, std::uint64_t size) {
+            if (read > size / 2)
+                function();
+        });
+    }
+    void beforeReading(std::function<void()> function) override {
+        _discs->setReadHook([=](std::uint64_t, std::uint64_t) { function(); });
+    }
+
+private:
+    IsoStage(ImageRecorderParts parts, std::shared_ptr<WatchedDiscs> discs)
+        : ImageStage(".iso", {.files = std::move(parts.files),
+                              .clock = std::move(parts.clock),
+                              .dataDiscs = discs}),
+          _discs(std::move(discs)) {}
+
+    const std::shared_ptr<WatchedDiscs> _discs;
+};
+
+} // namespace quarner
