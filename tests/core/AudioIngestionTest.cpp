@@ -21,92 +21,6 @@ protected:
     Paths incompatibleFiles() const { return reported("incompatible-files"); }
 };
 
-TEST_F(AudioIngestionTest, AnEmptyListIsRefusedWithoutARun) {
-    EXPECT_FALSE(burner->addFiles({}));
-    finishRuns();
-    EXPECT_EQ(platform.calls(ServiceCall::AsyncGlobal), 0U);
-    EXPECT_THAT(delegate.calls(), IsEmpty());
-}
-
-TEST_F(AudioIngestionTest, TheUsersOrderDecidesAndIgnoresCase) {
-    putSongs({"/b.mp3", "/A.mp3"});
-    burner->addFiles({"/b.mp3", "/A.mp3"});
-    finishRuns();
-    EXPECT_THAT(paths(), ElementsAre("/A.mp3", "/b.mp3"));
-}
-
-TEST_F(AudioIngestionTest, TheOrderFollowsTheLocale) {
-    putSongs({"/a.mp3", "/b.mp3", "/c.mp3"});
-    platform.setCollation([](const std::string& a, const std::string& b) { return b.compare(a); });
-    burner->addFiles({"/b.mp3", "/c.mp3", "/a.mp3"});
-    finishRuns();
-    EXPECT_THAT(paths(), ElementsAre("/c.mp3", "/b.mp3", "/a.mp3"));
-}
-
-TEST_F(AudioIngestionTest, TheRefusedPathsAreSortedToo) {
-    putSongs({"/a.mp3"});
-    platform.putFile("/y.txt");
-    platform.putFile("/X.txt");
-    burner->addFiles({"/y.txt", "/a.mp3", "/X.txt"});
-    finishRuns();
-    EXPECT_THAT(incompatibleFiles(), ElementsAre("/X.txt", "/y.txt"));
-}
-
-TEST_F(AudioIngestionTest, AFileThatIsAlreadyInTheListIsSkippedSilently) {
-    putSongs({"/a.mp3"});
-    compile({"/a.mp3"});
-    EXPECT_FALSE(burner->addFiles({"/a.mp3"}));
-    finishRuns();
-    EXPECT_EQ(count(), 1U);
-    EXPECT_THAT(delegate.calls(), IsEmpty());
-}
-
-TEST_F(AudioIngestionTest, ADuplicateIsInNoListOfTheReport) {
-    putSongs({"/a.mp3", "/b.mp3"});
-    compile({"/a.mp3"});
-    EXPECT_TRUE(burner->addFiles({"/a.mp3", "/b.mp3"}));
-    finishRuns();
-    EXPECT_THAT(paths(), ElementsAre("/a.mp3", "/b.mp3"));
-    EXPECT_THAT(delegate.reports().back(),
-                (EndReport{{"protected-files", {}}, {"incompatible-files", {}}}));
-}
-
-TEST_F(AudioIngestionTest, ADuplicateIsRecognisedByItsResolvedPath) {
-    putSongs({"/a.mp3"});
-    platform.putFile("/alias.mp3", {.aliasOf = "/a.mp3"});
-    compile({"/a.mp3"});
-    EXPECT_FALSE(burner->addFiles({"/alias.mp3"}));
-    finishRuns();
-    EXPECT_EQ(count(), 1U);
-}
-
-TEST_F(AudioIngestionTest, TheSameFileTwiceInOneCallBecomesTwoTracks) {
-    putSongs({"/a.mp3"});
-    EXPECT_TRUE(burner->addFiles({"/a.mp3", "/a.mp3"}));
-    finishRuns();
-    EXPECT_THAT(paths(), ElementsAre("/a.mp3", "/a.mp3"));
-}
-
-TEST_F(AudioIngestionTest, AFileThatARunUnderWayWillAddIsAcceptedAgain) {
-    putSongs({"/a.mp3"});
-    platform.backgroundQueue().hold();
-    EXPECT_TRUE(burner->addFiles({"/a.mp3"}));
-    EXPECT_TRUE(burner->addFiles({"/a.mp3"}));
-    platform.backgroundQueue().release();
-    finishRuns();
-    EXPECT_EQ(count(), 2U);
-}
-
-TEST_F(AudioIngestionTest, AnAliasIsAcceptedUnderItsTargetsPath) {
-    putSongs({"/target.mp3"});
-    platform.putFile("/alias", {.aliasOf = "/target.mp3"});
-    EXPECT_TRUE(burner->addFiles({"/alias"}));
-    finishRuns();
-    EXPECT_THAT(paths(), ElementsAre("/target.mp3"));
-    ASSERT_EQ(delegate.added().size(), 1U);
-    EXPECT_EQ(valueFor(delegate.added()[0], kQuarnItemFilePathKey), Value("/target.mp3"));
-}
-
 TEST_F(AudioIngestionTest, WhatIsRefusedAtOnceIsReportedAsTheCallerWroteIt) {
     putSongs({"/a.mp3"});
     platform.putFile("/real/text.txt");
@@ -117,23 +31,6 @@ TEST_F(AudioIngestionTest, WhatIsRefusedAtOnceIsReportedAsTheCallerWroteIt) {
     finishRuns();
     EXPECT_THAT(incompatibleFiles(), ElementsAre("/text alias"));
     EXPECT_THAT(protectedFiles(), ElementsAre("/song alias"));
-}
-
-TEST_F(AudioIngestionTest, WhatTheRunRefusesIsReportedResolvedAndAfterTheOthers) {
-    platform.putFile("/real/broken.mp3");
-    platform.putFile("/alias", {.aliasOf = "/real/broken.mp3"});
-    platform.putFile("/z.txt");
-    EXPECT_TRUE(burner->addFiles({"/alias", "/z.txt"}));
-    finishRuns();
-    EXPECT_THAT(incompatibleFiles(), ElementsAre("/z.txt", "/real/broken.mp3"));
-    EXPECT_THAT(delegate.added(), IsEmpty());
-}
-
-TEST_F(AudioIngestionTest, TheExtensionCountsInAnyCase) {
-    putSongs({"/song.MP3", "/tune.M4a"});
-    EXPECT_TRUE(burner->addFiles({"/song.MP3", "/tune.M4a"}));
-    finishRuns();
-    EXPECT_EQ(count(), 2U);
 }
 
 TEST_F(AudioIngestionTest, AnotherExtensionIsAcceptedOnlyByASupportedTypeCode) {
@@ -153,29 +50,6 @@ TEST_F(AudioIngestionTest, AnotherExtensionIsAcceptedOnlyByASupportedTypeCode) {
 TEST_F(AudioIngestionTest, ATypeCodeOutsideTheListHelpsNobody) {
     platform.putSong("/x.wav", {.seconds = 5}, {.typeCode = typeCode("WAVE")});
     EXPECT_FALSE(burner->addFiles({"/x.wav"}));
-}
-
-TEST_F(AudioIngestionTest, AFileShorterThanASecondIsReportedByTheRun) {
-    platform.putSong("/short.mp3", {.seconds = 0.5});
-    EXPECT_TRUE(burner->addFiles({"/short.mp3"}));
-    finishRuns();
-    EXPECT_EQ(count(), 0U);
-    EXPECT_THAT(incompatibleFiles(), ElementsAre("/short.mp3"));
-}
-
-TEST_F(AudioIngestionTest, AFileOfOneSecondIsLongEnough) {
-    platform.putSong("/second.mp3", {.seconds = 1.0});
-    burner->addFiles({"/second.mp3"});
-    finishRuns();
-    EXPECT_EQ(count(), 1U);
-}
-
-TEST_F(AudioIngestionTest, ANegativeDurationIsIncompatible) {
-    platform.putSong("/odd.mp3", {.time = QTTime{.value = -90, .scale = 10}});
-    burner->addFiles({"/odd.mp3"});
-    finishRuns();
-    EXPECT_EQ(count(), 0U);
-    EXPECT_THAT(incompatibleFiles(), ElementsAre("/odd.mp3"));
 }
 
 TEST_F(AudioIngestionTest, AFileOfWhichNoTrackCanBeMadeIsIncompatible) {
@@ -257,13 +131,6 @@ TEST_F(AudioIngestionTest, EveryTrackHasAPreGapOf150Frames) {
     const ContentList::Snapshot items = burner->_content.snapshot();
     for (const BurnItemRef& item : *items)
         EXPECT_EQ(std::dynamic_pointer_cast<const DRTrack>(item)->preGap().totalFrames(), 150U);
-}
-
-TEST_F(AudioIngestionTest, AddingLogsNothing) {
-    putSongs({"/a.mp3"});
-    burner->addFiles({"/a.mp3", "/missing.mp3", "/x.txt"});
-    finishRuns();
-    EXPECT_THAT(platform.log(), IsEmpty());
 }
 
 } // namespace

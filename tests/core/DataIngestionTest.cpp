@@ -13,24 +13,11 @@ std::vector<std::string> incompatible(const RecordingDelegate& delegate) {
     return delegate.reports().at(0).at("incompatible-files");
 }
 
-TEST_F(DataIngestion, AnEmptyListIsNotAcceptedAndReportsNothing) {
-    EXPECT_FALSE(burner->addFiles({}));
-    finishRuns();
-    EXPECT_THAT(delegate.calls(), IsEmpty());
-}
-
 TEST_F(DataIngestion, ARunWithNothingAcceptedIsSilent) {
     platform.putSong("/song.wav", {.seconds = 10});
     EXPECT_FALSE(burner->addFiles({"/song.wav", "/notes.txt"}));
     finishRuns();
     EXPECT_THAT(delegate.calls(), IsEmpty());
-}
-
-TEST_F(DataIngestion, TheExtensionIsLoweredBeforeItIsLookedUp) {
-    putSongs({"/Song.MP3"});
-    EXPECT_TRUE(burner->addFiles({"/Song.MP3"}));
-    finishRuns();
-    EXPECT_THAT(paths(), ElementsAre("/Song.MP3"));
 }
 
 TEST_F(DataIngestion, AnUnsupportedFileIsReportedAsTheCallerWroteItsPath) {
@@ -39,14 +26,6 @@ TEST_F(DataIngestion, AnUnsupportedFileIsReportedAsTheCallerWroteItsPath) {
     EXPECT_TRUE(burner->addFiles({"/one.mp3", "/alias"}));
     finishRuns();
     EXPECT_THAT(incompatible(delegate), ElementsAre("/alias"));
-}
-
-TEST_F(DataIngestion, AnAliasThatTheRunRefusesIsReportedUnderItsResolvedPath) {
-    platform.putFile("/silent.mp3");
-    platform.putFile("/alias", {.aliasOf = "/silent.mp3"});
-    EXPECT_TRUE(burner->addFiles({"/alias"}));
-    finishRuns();
-    EXPECT_THAT(incompatible(delegate), ElementsAre("/silent.mp3"));
 }
 
 TEST_F(DataIngestion, AFileThatPlaysLessThanASecondIsRefused) {
@@ -97,12 +76,6 @@ TEST_F(DataIngestion, ADuplicateIsKnownByTheNodesSourcePathNotByItsRecord) {
                      {.nodeProperties = {{kQuarnItemFilePathKey, "/elsewhere.mp3"}}});
     compile({"/one.mp3"});
     EXPECT_FALSE(burner->addFiles({"/one.mp3"}));
-}
-
-TEST_F(DataIngestion, TheSameFileTwiceInOneCallIsAddedTwice) {
-    putSongs({"/one.mp3"});
-    compile({"/one.mp3", "/one.mp3"});
-    EXPECT_EQ(count(), 2U);
 }
 
 TEST_F(DataIngestion, PositionsCountAllAcceptedFilesAlsoThoseThatAreThenRefused) {

@@ -6,6 +6,11 @@
 
 #include <quarner/scripted.h>
 
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <vector>
+
 #include "quarner/audio/AudioCDBurner.h"
 #include "quarner/data/DataCDBurner.h"
 #include "quarner/platform/DRTrack.h"
@@ -35,6 +40,8 @@ public:
 template <typename Burner>
 class BurnerTest : public ::testing::Test {
 protected:
+    static constexpr bool isAudio = !std::is_base_of_v<DataCDBurner, Burner>;
+
     BurnerTest() { burner->setDelegate(&delegate); }
 
     /// Turns the run loop until every run has ended.
@@ -51,6 +58,25 @@ protected:
     void putSongs(const std::vector<std::string>& paths, double seconds = 10.0) {
         for (const std::string& path : paths)
             platform.putSong(path, {.seconds = seconds});
+    }
+
+    /// An item of the burner's own kind that did not come from a file, with a name.
+    static std::shared_ptr<BurnItem> makeItem(const std::string& name = "item") {
+        std::shared_ptr<BurnItem> item;
+        if constexpr (isAudio)
+            item = trackOf(100, 150);
+        else
+            item = std::make_shared<DRFile>('/' + name + ".mp3");
+        item->setProperties({{kQuarnItemDisplayNameKey, name}});
+        return item;
+    }
+
+    /// The report of a run in which no file was protected and these were not compatible.
+    static EndReport reportOf(const std::vector<std::string>& incompatible) {
+        EndReport report = {{"incompatible-files", incompatible}};
+        if constexpr (isAudio)
+            report.emplace("protected-files", std::vector<std::string>());
+        return report;
     }
 
     /// A track that did not come from a file.
@@ -76,6 +102,15 @@ protected:
     RecordingDelegate delegate; // outlives the runs, which end with the platform
     ScriptedPlatform platform;
     std::shared_ptr<Burner> burner = std::make_shared<Burner>();
+};
+
+/// Both burners, and their names, for the suites of what they do alike.
+using Burners = ::testing::Types<OpenAudioCDBurner, OpenDataCDBurner>;
+struct BurnerNames {
+    template <typename Burner>
+    static std::string GetName(int) {
+        return std::is_base_of_v<DataCDBurner, Burner> ? "Data" : "Audio";
+    }
 };
 
 using AudioBurnerTest = BurnerTest<OpenAudioCDBurner>;
