@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include <fcntl.h>
 #include <libintl.h>
 #include <unistd.h>
 
@@ -26,6 +27,16 @@ public:
     InstalledPlatform(const InstalledPlatform&) = delete;
     InstalledPlatform& operator=(const InstalledPlatform&) = delete;
 };
+
+/// A standard stream that is closed would give its number to the next file that is opened, the
+/// image for one, which what is printed would then be written into.
+void fillClosedStandardStreams() {
+    int descriptor = STDIN_FILENO;
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO)
+        descriptor = open("/dev/null", O_RDWR);
+    if (descriptor > STDERR_FILENO)
+        close(descriptor);
+}
 
 void takeLocaleFromEnvironment() {
     std::setlocale(LC_ALL, ""); // NOLINT(concurrency-mt-unsafe): no other thread is there yet
@@ -62,6 +73,7 @@ ExitStatus runOnDesktop(Console& console, const Command& command) {
 }
 
 ExitStatus runProgram(const std::vector<std::string>& arguments) {
+    fillClosedStandardStreams();
     takeLocaleFromEnvironment();
     // A reader that goes away, or a limit on the size of files, does not end a burn halfway.
     std::signal(SIGPIPE, SIG_IGN);

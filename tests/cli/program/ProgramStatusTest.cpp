@@ -2,6 +2,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdlib>
+
 #include "tests/cli/program/HostFixture.h"
 
 namespace quarner::testing {
@@ -163,6 +165,21 @@ TEST_F(ProgramStatus, AReaderThatGoesAwayDoesNotEndTheBurn) {
     program.stopReading();
     EXPECT_EQ(program.wait().status, 0);
     EXPECT_TRUE(std::filesystem::exists(folder.file("mix.cue")));
+}
+
+/// In memory: there the image is written through the page cache, where anything can be written.
+TEST_F(ProgramStatus, ClosedStandardStreamsDoNotTakeTheImagesPlace) {
+    song("a.mp3");
+    std::string memory = "/dev/shm/quarner-test-XXXXXX";
+    if (mkdtemp(memory.data()) == nullptr)
+        GTEST_SKIP() << "there is no /dev/shm to write to";
+    HostSettings closed;
+    closed.wrapper = {"sh", "-c", "exec \"$@\" <&- >&- 2>&-", "sh"};
+    EXPECT_EQ(run({"audio", "--verbose", "--image", memory + "/mix.cue", "a.mp3"}, closed).status,
+              0);
+    ASSERT_EQ(run({"audio", "--image", "mix.cue", "a.mp3"}).status, 0);
+    EXPECT_TRUE(contentOf(memory + "/mix.bin") == contentOf(folder.file("mix.bin")));
+    std::filesystem::remove_all(memory);
 }
 
 } // namespace
