@@ -73,7 +73,8 @@ std::unique_ptr<ImageLock> PosixFileSystem::lock(const std::string& path) {
 
 std::optional<std::string> PosixFileSystem::content(const std::string& path) {
     constexpr std::size_t most = std::size_t(1) << 20;
-    const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    // A pipe of this name must not make anyone wait for its writer.
+    const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file.isOpen() && errno == ENOENT)
         return std::nullopt;
     std::string text;

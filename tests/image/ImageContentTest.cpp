@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <gmock/gmock.h>
 
+#include <sys/stat.h>
+
+#include <fstream>
+
 #include "adapters/engine/DiscPlan.h"
 #include "tests/image/ForwardingFiles.h"
 #include "tests/image/ImageTest.h"
@@ -106,6 +110,20 @@ TEST_F(ImageContent, AnExistingImageIsLoadedAsAWrittenDisc) {
     EXPECT_TRUE(stage->recorder()
                     ->add({.path = stage->folder.file("none.cue"), .loadExisting = true})
                     ->mediaIsBlank());
+}
+
+TEST_F(ImageContent, APipeInTheImagesPlaceIsNoDiscAndKeepsNobodyWaiting) {
+    ASSERT_EQ(mkfifo(stage->cue().c_str(), 0600), 0);
+    EXPECT_TRUE(
+        stage->recorder()->add({.path = stage->cue(), .loadExisting = true})->mediaIsBlank());
+}
+
+TEST_F(ImageContent, ABinOfAnotherProgramIsReplacedToo) {
+    std::ofstream(stage->bin()) << "another program's sound";
+    const DRLayout layout = makeLayout({1000, 2000});
+    ASSERT_TRUE(burn(layout).isDone);
+    EXPECT_TRUE(stage->tracksOnDisc() == tracksOf(layout));
+    EXPECT_THAT(filesInFolder(), ElementsAre("mix.bin", "mix.cue"));
 }
 
 TEST_F(ImageContent, ADriveTakes74Or80MinutesAndANameOfItsOwn) {
