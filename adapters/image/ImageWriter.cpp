@@ -47,7 +47,9 @@ bool ImageWriter::sheetNames(const std::string& binPath) const {
 }
 
 void ImageWriter::closeSession() {
-    _firstBin = sheetNames(_names.plainBin) ? _names.newBin : _names.plainBin;
+    // Whatever bears the BIN's name stays until the sheet is in place, whoever wrote it.
+    const bool isFree = sheetNames(_names.newBin) || !isThere(_names.plainBin);
+    _firstBin = isFree ? _names.plainBin : _names.newBin;
     writeSheet(_names.cuePart, _firstBin);
     if (needsSecondStep())
         writeSheet(_names.lastCuePart, _names.plainBin);

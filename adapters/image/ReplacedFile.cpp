@@ -13,4 +13,9 @@ void refuseOtherThanFile(const std::string& path) {
         throw BurnFailure(DRError::WriteFailed, path + " is not a file and is not replaced");
 }
 
+bool isThere(const std::string& path) {
+    struct stat found = {};
+    return lstat(path.c_str(), &found) == 0;
+}
+
 } // namespace quarner

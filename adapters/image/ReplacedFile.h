@@ -9,4 +9,7 @@ namespace quarner {
 /// replaces only files.
 void refuseOtherThanFile(const std::string& path);
 
+/// Whether anything bears this path, a symbolic link that leads nowhere included.
+bool isThere(const std::string& path);
+
 } // namespace quarner

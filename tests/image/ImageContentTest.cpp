@@ -5,6 +5,7 @@
 
 #include <fstream>
 
+#include "adapters/engine/BurnFailure.h"
 #include "adapters/engine/DiscPlan.h"
 #include "tests/image/ForwardingFiles.h"
 #include "tests/image/ImageTest.h"
@@ -113,16 +114,32 @@ TEST_F(ImageContent, AnExistingImageIsLoadedAsAWrittenDisc) {
 }
 
 TEST_F(ImageContent, APipeInTheImagesPlaceIsNoDiscAndKeepsNobodyWaiting) {
-    ASSERT_EQ(mkfifo(stage->cue().c_str(), 0600), 0);
-    EXPECT_TRUE(
-        stage->recorder()->add({.path = stage->cue(), .loadExisting = true})->mediaIsBlank());
+    ASSERT_EQ(mkfifo(cue().c_str(), 0600), 0);
+    EXPECT_TRUE(stage->recorder()->add({.path = cue(), .loadExisting = true})->mediaIsBlank());
 }
 
 TEST_F(ImageContent, ABinOfAnotherProgramIsReplacedToo) {
-    std::ofstream(stage->bin()) << "another program's sound";
+    std::ofstream(bin()) << "another program's sound";
     const DRLayout layout = makeLayout({1000, 2000});
     ASSERT_TRUE(burn(layout).isDone);
-    EXPECT_TRUE(stage->tracksOnDisc() == tracksOf(layout));
+    EXPECT_TRUE(stage->contentsOnDisc() == tracksOf(layout));
+    EXPECT_THAT(filesInFolder(), ElementsAre("mix.bin", "mix.cue"));
+}
+
+TEST_F(ImageContent, ABinThatNoSheetNamesOutlivesAFailureToPublish) {
+    class NoSheet : public ForwardingFiles {
+        void rename(const std::string& from, const std::string& to) override {
+            if (to.ends_with(".cue"))
+                throw BurnFailure(DRError::WriteFailed, "renaming failed");
+            ForwardingFiles::rename(from, to);
+        }
+    };
+    useParts({.files = std::make_shared<NoSheet>()});
+    std::ofstream(cue()) << "FILE mix.bin BINARY\n"; // another program's way to write it
+    std::ofstream(bin()) << "another program's sound";
+    EXPECT_EQ(burn(makeLayout({2000})).code, codeOf(DRError::WriteFailed));
+    EXPECT_EQ(contentOf(bin()), "another program's sound");
+    EXPECT_EQ(contentOf(cue()), "FILE mix.bin BINARY\n");
     EXPECT_THAT(filesInFolder(), ElementsAre("mix.bin", "mix.cue"));
 }
 
