@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+#include "tests/desktop/DesktopFixture.h"
+#include "tests/support/Program.h"
+
+namespace quarner::testing {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+
+std::string contentOf(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+class DesktopDataDisc : public DesktopTest {
+protected:
+    DesktopDataDisc() {
+        burner = Quarner::dataCDBurner();
+        burner->setDelegate(&delegate);
+    }
+    std::string addDrive() const { return addImageDrive({.path = image(), .minutes = 80}); }
+    std::string image() const { return folder.file("mix.iso"); }
+
+    /// The calls of a burn without the progress, a call that repeats only once.
+    std::vector<std::string> states() const {
+        std::vector<std::string> states = delegate.calls();
+        std::erase_if(states, [](const std::string& call) {
+            return call.starts_with("burnProgressDidChanaged");
+        });
+        states.erase(std::unique(states.begin(), states.end()), states.end());
+        return states;
+    }
+    std::string extracted(const std::string& name) const {
+        return run({"isoinfo", "-J", "-i", image(), "-x", '/' + name}).output;
+    }
+    /// Runs a program that can tell the user of any name.
+    static ProgramResult run(std::vector<std::string> command) {
+        command.insert(command.begin(), {"env", "LC_ALL=C.UTF-8"});
+        return runProgram(command);
+    }
+};
+
+TEST_F(DesktopDataDisc, AHostAddsFilesAndBurnsThemByteForByte) {
+    const QuarnerDevice drive(addDrive());
+    const std::string one = put("five.mp3", "one.mp3");
+    const std::string two = put("six.m4a", "Größe 二.m4a");
+    compile({one, two});
+    EXPECT_EQ(burner->usedCapacity(),
+              std::filesystem::file_size(one) + std::filesystem::file_size(two));
+    EXPECT_FALSE(burner->isContentOverflowForDevice(drive));
+    delegate.forget();
+
+    burner->burnWithDevice(drive, "Mix");
+    EXPECT_THAT(delegate.calls(), ElementsAre("burnProgressDidStarted"));
+    ASSERT_TRUE(runUntilCalled("burnProgressDidDone"));
+    EXPECT_THAT(states(),
+                ElementsAre("burnProgressDidStarted", "burnProgressIsPreparing",
+                            "burnProgressIsOpeningTrack(1, 1)", "burnProgressIsWriteingTrack(1, 1)",
+                            "burnProgressDidCloseTrack(1, 1)", "burnProgressDidCloseSession",
+                            "burnProgressIsFinishing", "burnProgressIsVerifying",
+                            "burnProgressDidDone"));
+    EXPECT_THAT(delegate.calls(), Contains("burnProgressDidChanaged(1, 0)"));
+    EXPECT_FALSE(drive.isDiscBlank());
+
+    EXPECT_TRUE(extracted("one.mp3") == contentOf(one));
+    EXPECT_EQ(run({"isoinfo", "-f", "-i", image()}).output, "") << "Joliet only";
+    const TemporaryFolder out;
+    EXPECT_EQ(run({"bsdtar", "-xf", image(), "-C", out.path().string()}).status, 0);
+    EXPECT_TRUE(contentOf(out.file("one.mp3")) == contentOf(one));
+    EXPECT_TRUE(contentOf(out.file("Größe 二.m4a")) == contentOf(two));
+}
+
+TEST_F(DesktopDataDisc, TheBurnFollowsAnEditedList) {
+    const QuarnerDevice drive(addDrive());
+    compile({put("five.mp3", "a.mp3"), put("five.mp3", "b.mp3"), put("six.m4a", "c.m4a")});
+    burner->removeItem(burner->child(1, nullptr));
+    burner->moveBurnItem({1}, 0);
+    burner->burnWithDevice(drive, "Mix");
+    ASSERT_TRUE(runUntilCalled("burnProgressDidDone"));
+    EXPECT_EQ(run({"isoinfo", "-J", "-f", "-i", image()}).output, "/a.mp3\n/c.m4a\n");
+}
+
+TEST_F(DesktopDataDisc, StoppingEndsInACancellationAndLeavesNoImage) {
+    const QuarnerDevice drive(addDrive());
+    compile({put("60.00.mp3", "one.mp3")});
+    burner->burnWithDevice(drive, "Mix");
+    burner->stopBurn();
+    ASSERT_TRUE(runUntilCalled("burnProgressDidCanceled"));
+    EXPECT_FALSE(std::filesystem::exists(image()));
+    EXPECT_TRUE(drive.isDiscBlank());
+}
+
+TEST_F(DesktopDataDisc, AFileThatIsGoneSinceItWasAddedFailsTheBurn) {
+    const QuarnerDevice drive(addDrive());
+    const std::string path = put("five.mp3", "one.mp3");
+    compile({path});
+    std::filesystem::remove(path);
+    burner->burnWithDevice(drive, "Mix");
+    ASSERT_TRUE(runUntil([&] { return !delegate.errors().empty(); }));
+    EXPECT_EQ(delegate.errors().front().code, signedCode(DRError::SourceMissing));
+    EXPECT_FALSE(std::filesystem::exists(image()));
+}
+
+} // namespace
+} // namespace quarner::testing

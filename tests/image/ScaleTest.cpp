@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <gtest/gtest.h>
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+
+#include "tests/image/ImageTest.h"
+
+namespace quarner {
+namespace {
+
+/// Data discs of many files, and of large ones.
+class DataScale : public ImageTest {
+protected:
+    DataScale() : ImageTest(isoFormat()) {}
+
+    /// So many new files of so many bytes, all zeros, that take no room.
+    Paths makeHoles(std::size_t count, std::uintmax_t size) {
+        Paths paths;
+        for (std::size_t i = 0; i < count; ++i) {
+            paths.push_back(stage->makeSource(1));
+            std::filesystem::resize_file(paths.back(), size);
+        }
+        return paths;
+    }
+
+    /// How long it takes to make nodes of the files and to lay them out, twice.
+    double secondsToLayOut(const Paths& paths) {
+        const auto start = std::chrono::steady_clock::now();
+        const DRLayout layout = stage->layoutOf(paths);
+        EXPECT_GT(layout[0]->estimateLength(), paths.size() * 147);
+        EXPECT_EQ(stage->layoutOf(paths)[0]->estimateLength(), layout[0]->estimateLength());
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    }
+
+    /// The better of two: others use the machine too.
+    double leastSecondsToLayOut(const Paths& paths) {
+        return std::min(secondsToLayOut(paths), secondsToLayOut(paths));
+    }
+
+    /// The most memory, in KiB, that a process had which burnt one file of so many bytes.
+    long peakOfBurning(std::uintmax_t size) {
+        const Paths paths = makeHoles(1, size);
+        const pid_t child = fork();
+        if (child == 0)
+            _exit(burn(paths).isDone ? 0 : 1);
+        int status = 1;
+        rusage usage = {};
+        EXPECT_EQ(wait4(child, &status, 0, &usage), child);
+        EXPECT_EQ(status, 0) << "the burn in the child failed";
+        return usage.ru_maxrss;
+    }
+};
+
+TEST_F(DataScale, FourTimesTheFilesTakeAboutFourTimesAsLong) {
+    const Paths many = makeHoles(2000, 300'000);
+    const Paths few(many.begin(), many.begin() + 500);
+    const double ratio = leastSecondsToLayOut(many) / leastSecondsToLayOut(few);
+    RecordProperty("ratio", std::to_string(ratio));
+    EXPECT_LT(ratio, 10.0) << "16 would be the square";
+}
+
+TEST_F(DataScale, TwoThousandFilesAreBurnt) {
+    const Paths paths = makeHoles(2000, 3000);
+    const Outcome outcome = burn(paths);
+    EXPECT_TRUE(outcome.isDone) << outcome.info;
+    EXPECT_TRUE(imageHolds(paths));
+}
+
+TEST_F(DataScale, TheMemoryDoesNotGrowWithTheBytes) {
+    constexpr std::uintmax_t mebibyte = 1 << 20;
+    const long small = peakOfBurning(100 * mebibyte);
+    const long large = peakOfBurning(600 * mebibyte);
+    RecordProperty("growthInKiB", std::to_string(large - small));
+    EXPECT_LT(large - small, 8 * 1024);
+}
+
+} // namespace
+} // namespace quarner
