@@ -77,10 +77,12 @@ std::optional<std::string> PosixFileSystem::content(const std::string& path) {
     const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file.isOpen() && errno == ENOENT)
         return std::nullopt;
+    if (!file.isOpen())
+        throw writeFailure(errno, "reading " + path); // before anything is written: no fault of it
     std::string text;
     std::array<char, 4096> buffer = {};
     posix_fadvise(file.number(), 0, 0, POSIX_FADV_DONTNEED);
-    ssize_t count = file.isOpen() ? 1 : -1;
+    ssize_t count = 1;
     while (count > 0 && text.size() < most) {
         count = read(file.number(), buffer.data(), buffer.size());
         if (count > 0)

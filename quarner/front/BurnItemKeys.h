@@ -13,7 +13,8 @@ inline constexpr char kQuarnItemFileSizeKey[] = "itemFileSize";
 inline constexpr char kQuarnItemRealFileSizeKey[] = "itemRealFileSize";
 /// Text: the name as a user sees it.
 inline constexpr char kQuarnItemDisplayNameKey[] = "itemName";
-/// Text: the full path, aliases resolved. It identifies the file.
+/// Text: the path as the host gave it, a relative one left relative, but what an alias stands for
+/// in its place. Whatever bytes it has. It identifies the file.
 inline constexpr char kQuarnItemFilePathKey[] = "itemPath";
 /// Icon: names in the desktop's icon theme.
 inline constexpr char kQuarnItemIconKey[] = "itemIcon";

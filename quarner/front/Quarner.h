@@ -108,6 +108,10 @@ public:
     /// what can be overwritten, verified, at the drive's highest speed. Reports
     /// `burnProgressDidStarted` at once, and the rest through the run loop of the calling thread,
     /// which must keep running. A null name leaves the disc without a title.
+    ///
+    /// Dropping the last reference to the burner does not stop the burn: it goes on unheard. Call
+    /// this only when the burn before has ended: a burn that is replaced runs on and still reports
+    /// here, and with its end `stopBurn` loses hold of the new one.
     virtual void burnWithDevice(const QuarnerDevice& device,
                                 const std::optional<std::string>& discNamed);
 

@@ -229,6 +229,22 @@ TEST_P(ImageFault, ASourceWithoutPermissionFailsTheBurn) {
     EXPECT_THAT(outcome.info, HasSubstr(paths[0]));
 }
 
+TEST_P(ImageFault, OnlyASheetHasToBeReadableToBeReplaced) {
+    const Paths paths = makeSources({1000});
+    const DRLayout layout = stage->layoutOf(paths);
+    std::filesystem::permissions(stage->sources.path(), std::filesystem::perms(0755));
+    std::filesystem::permissions(stage->folder.path(), std::filesystem::perms(0777));
+    std::ofstream(stage->image()) << "old";
+    std::filesystem::permissions(stage->image(), std::filesystem::perms(0));
+    const OrdinaryUser user;
+    ASSERT_TRUE(user.isSet());
+    const Outcome outcome = burn(layout);
+    if (stage->image().ends_with(".iso"))
+        EXPECT_TRUE(outcome.isDone) << outcome.info;
+    else
+        EXPECT_EQ(outcome.code, codeOf(DRError::PermissionDenied)) << outcome.info;
+}
+
 TEST_P(ImageFault, AFolderThatIsNotThereFailsTheBurn) {
     const auto drive = stage->recorder()->add({.path = stage->imageNamed("no/mix")});
     const Outcome outcome = burn(makeLayout({1000}), drive);

@@ -53,8 +53,7 @@ protected:
 };
 
 TEST_P(ImageReaders, CdInfoSeesTheTracksWhereTheyAre) {
-    if (!isInstalled("cd-info"))
-        GTEST_SKIP() << "cd-info is not installed";
+    ASSERT_TRUE(isInstalled("cd-info"));
     burnImage();
     EXPECT_THAT(
         outputOf("cd-info --no-header --no-cddb --cue-file=" + quotedForShell(cue())),
@@ -63,8 +62,7 @@ TEST_P(ImageReaders, CdInfoSeesTheTracksWhereTheyAre) {
 }
 
 TEST_P(ImageReaders, CdrdaoSeesTheTracksAndTheirPreGaps) {
-    if (!isInstalled("cdrdao"))
-        GTEST_SKIP() << "cdrdao is not installed";
+    ASSERT_TRUE(isInstalled("cdrdao"));
     burnImage();
     EXPECT_THAT(outputOf("cd " + stage->folder.path().string() + " && cdrdao show-toc " +
                          quotedForShell(cue())),
@@ -74,17 +72,15 @@ TEST_P(ImageReaders, CdrdaoSeesTheTracksAndTheirPreGaps) {
 }
 
 TEST_P(ImageReaders, BchunkExtractsEveryTrack) {
-    if (!isInstalled("bchunk"))
-        GTEST_SKIP() << "bchunk is not installed";
+    ASSERT_TRUE(isInstalled("bchunk"));
     burnImage();
     const TemporaryFolder out;
     const std::string log = outputOf("bchunk " + quotedForShell(bin()) + ' ' +
                                      quotedForShell(cue()) + ' ' + out.file("track"));
     const std::vector<std::string> tracks = tracksOf(layout);
-    const std::string silence(150 * 2352, '\0');
-    // It puts the silence before a track at the end of the one before.
-    EXPECT_TRUE(contentOf(out.file("track01.cdr")).substr(0, tracks[0].size()) == tracks[0]) << log;
-    EXPECT_TRUE(contentOf(out.file("track03.cdr")) == tracks[2]) << log;
+    for (const std::size_t i : {0, 1, 2})
+        EXPECT_TRUE(contentOf(out.file("track0" + std::to_string(i + 1) + ".cdr")) == tracks[i])
+            << log;
 }
 
 INSTANTIATE_TEST_SUITE_P(Named, ImageReaders,
