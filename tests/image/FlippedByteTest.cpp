@@ -50,6 +50,10 @@ struct Flaw {
     ImageFormat format;
     const char* ending;
     std::int64_t offset;
+
+    friend void PrintTo(const Flaw& flaw, std::ostream* out) {
+        *out << flaw.ending << " at " << flaw.offset;
+    }
 };
 
 class FlippedByteTest : public ImageTest, public testing::WithParamInterface<Flaw> {
