@@ -1,11 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <nlohmann/json.hpp>
-
-#include "tests/cli/TestHost.h"
+#include "tests/cli/BurnCommandFixture.h"
 
 namespace quarner::cli {
 namespace {
@@ -13,45 +7,11 @@ namespace {
 using nlohmann::json;
 using testing::AllOf;
 using testing::Contains;
-using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::Not;
 using testing::StartsWith;
 
-std::vector<json> objects(const TestHost& host) {
-    std::vector<json> all;
-    for (const std::string& line : host.outLines())
-        all.push_back(json::parse(line));
-    return all;
-}
-
-std::vector<std::string> events(const TestHost& host) {
-    std::vector<std::string> names;
-    for (const json& object : objects(host))
-        names.push_back(object.at("event"));
-    return names;
-}
-
-/// A writer with a blank disc, three songs, and burns that go well.
-class AudioCommandTest : public testing::Test {
-protected:
-    AudioCommandTest() {
-        host.platform.addDrive({.name = "Writer", .disc = DiscScript{}});
-        for (const char* const song : {"/m/a.mp3", "/m/b.m4a", "/m/c.mp3"})
-            host.platform.putSong(song, {.seconds = 200.0});
-        host.platform.playBurns();
-    }
-
-    TestHost host;
-};
-
-TEST_F(AudioCommandTest, BurnsTheFilesOnTheOnlyDrive) {
-    EXPECT_EQ(host.run({"audio", "/m/a.mp3", "/m/b.m4a"}), 0);
-    EXPECT_THAT(host.outLines().back(),
-                HasSubstr("Burnt and verified: 2 tracks, 00:06:44, on Writer"));
-    EXPECT_EQ(host.err(), "");
-    EXPECT_EQ(host.platform.lastBurn()->layout().size(), 2U);
-}
+/// What only audio discs have. For the rest see BurnCommandTest.cpp.
+using AudioCommandTest = BurnCommandFixture;
 
 TEST_F(AudioCommandTest, PlainLinesShowFilesTracksUsageStepsAndTenths) {
     EXPECT_EQ(host.run({"audio", "/m/a.mp3", "/m/b.m4a"}), 0);
@@ -68,24 +28,9 @@ TEST_F(AudioCommandTest, PlainLinesShowFilesTracksUsageStepsAndTenths) {
     EXPECT_EQ(host.out().find('\r'), std::string::npos);
 }
 
-TEST_F(AudioCommandTest, JsonTellsEveryCallbackInOrderAndEndsWithTheStatus) {
-    EXPECT_EQ(host.run({"audio", "--json", "/m/a.mp3"}), 0);
-    EXPECT_THAT(
-        events(host),
-        ElementsAre(
-            "addFilesProgressDidStarted", "addFilesProgressDidChanged", "fileDidAdded",
-            "addFilesProgressDidEnd", "compilation", "burnProgressDidStarted",
-            "burnProgressIsPreparing", "burnProgressIsOpeningTrack", "burnProgressDidChanaged",
-            "burnProgressIsWriteingTrack", "burnProgressDidChanaged", "burnProgressIsWriteingTrack",
-            "burnProgressDidChanaged", "burnProgressDidCloseTrack", "burnProgressDidCloseSession",
-            "burnProgressIsFinishing", "burnProgressIsVerifying", "burnProgressDidChanaged",
-            "burnProgressIsVerifying", "burnProgressDidChanaged", "burnProgressIsVerifying",
-            "burnProgressDidDone", "exit"));
-}
-
 TEST_F(AudioCommandTest, JsonObjectsHaveTheArgumentsOfTheirCallbacks) {
     EXPECT_EQ(host.run({"audio", "--json", "/m/a.mp3"}), 0);
-    const auto all = objects(host);
+    const auto all = objects();
     EXPECT_EQ(
         all[1],
         (json{
@@ -110,37 +55,13 @@ TEST_F(AudioCommandTest, JsonObjectsHaveTheArgumentsOfTheirCallbacks) {
     EXPECT_EQ(all.back(), (json{{"event", "exit"}, {"status", 0}}));
 }
 
-TEST_F(AudioCommandTest, ARefusedFileKeepsTheBurnFromStarting) {
-    EXPECT_EQ(host.run({"audio", "/m/a.mp3", "/m/none.mp3"}), 3);
-    EXPECT_THAT(linesOf(host.err()),
-                ElementsAre("quarner: /m/none.mp3: no such file",
-                            "quarner: 1 file of 2 refused, so nothing was burnt; --keep-going "
-                            "burns the rest"));
-    EXPECT_EQ(host.platform.burns().size(), 0U);
-}
-
-TEST_F(AudioCommandTest, KeepGoingBurnsTheRest) {
-    EXPECT_EQ(host.run({"audio", "--keep-going", "/m/a.mp3", "/m/none.mp3"}), 0);
-    EXPECT_THAT(host.err(), HasSubstr("/m/none.mp3: no such file"));
-    ASSERT_NE(host.platform.lastBurn(), nullptr);
-    EXPECT_EQ(host.platform.lastBurn()->layout().size(), 1U);
-}
-
-TEST_F(AudioCommandTest, KeepGoingWithNothingLeftIsARefusal) {
-    EXPECT_EQ(host.run({"audio", "--keep-going", "--json", "/m/none.mp3", "/m/x.txt"}), 3);
-    EXPECT_THAT(events(host), ElementsAre("compilation", "exit"));
-    EXPECT_EQ(objects(host)[0].at("items"), 0);
-    EXPECT_THAT(linesOf(host.err()),
-                ElementsAre(HasSubstr("none.mp3: no such file"), HasSubstr("x.txt: no such file"),
-                            "quarner: nothing is left to burn"));
-}
-
 TEST_F(AudioCommandTest, ContentThatDoesNotFitIsNotBurntAndToldByHowMuch) {
     host.platform.putSong("/m/long.mp3", {.seconds = 4000.0});
     host.platform.putSong("/m/longer.mp3", {.seconds = 900.0});
     EXPECT_EQ(host.run({"audio", "/m/long.mp3", "/m/longer.mp3"}), 4);
-    EXPECT_THAT(host.err(), HasSubstr("01:21:44 with their pauses, and the disc has room for "
-                                      "01:19:57: 00:01:47 too long"));
+    EXPECT_THAT(host.err(),
+                HasSubstr("the tracks and their pauses take 01:21:44, and the disc has room for "
+                          "01:19:57: 00:01:47 too long"));
     EXPECT_EQ(host.platform.burns().size(), 0U);
 }
 
@@ -150,117 +71,10 @@ TEST_F(AudioCommandTest, ABurnThatFindsTheDiscTooSmallIsAMatterOfRoomToo) {
     EXPECT_THAT(host.err(), HasSubstr("less than a second too long"));
 }
 
-TEST_F(AudioCommandTest, AFailedBurnIsToldWithItsReasonAndWhatToDo) {
-    host.platform.playBurns({.failsAt = 0.4, .code = DRError::PermissionDenied});
-    EXPECT_EQ(host.run({"audio", "/m/a.mp3"}), 1);
-    EXPECT_THAT(host.err(), HasSubstr("the burn failed: the image may not be written there"));
-    EXPECT_THAT(host.err(), HasSubstr("Choose a folder that you may write to"));
-}
-
 TEST_F(AudioCommandTest, AFullDiskIsToldWithTheRoomThatTheImageTakes) {
     host.platform.playBurns({.failsAt = 0.4, .code = DRError::NoSpace});
     EXPECT_EQ(host.run({"audio", "/m/a.mp3"}), 1);
     EXPECT_THAT(host.err(), HasSubstr("The image takes 34 MB: make room"));
-}
-
-TEST_F(AudioCommandTest, TheServicesOwnTextOnAFailureIsShown) {
-    host.platform.playBurns({.progressReports = 2000});
-    host.atEachTurn = [&] {
-        const auto burn = host.platform.lastBurn();
-        if (burn && burn->isPlaying())
-            burn->post(Dictionary{
-                {DRStatusStateKey, DRStatusStateFailed},
-                {DRErrorStatusKey,
-                 Dictionary{{DRErrorStatusErrorKey, static_cast<std::uint32_t>(DRError::NoSpace)},
-                            {DRErrorStatusErrorInfoKey, "writing /m/x.bin: disk\nfull"}}}});
-    };
-    EXPECT_EQ(host.run({"audio", "/m/a.mp3"}), 1);
-    EXPECT_THAT(host.err(), HasSubstr("(writing /m/x.bin: disk\uFFFDfull)"));
-}
-
-TEST_F(AudioCommandTest, AnEmptyDriveIsToldAsSuch) {
-    TestHost empty;
-    empty.platform.addDrive({.name = "Writer"});
-    empty.platform.putSong("/m/a.mp3", {.seconds = 200.0});
-    EXPECT_EQ(empty.run({"audio", "/m/a.mp3"}), 1);
-    EXPECT_THAT(empty.err(), HasSubstr("there is no disc in the drive"));
-}
-
-TEST_F(AudioCommandTest, ADryRunDoesEverythingUpToTheBurn) {
-    EXPECT_EQ(host.run({"audio", "--dry-run", "/m/a.mp3"}), 0);
-    EXPECT_THAT(host.out(), HasSubstr("00:03:22 of 01:19:57"));
-    EXPECT_THAT(host.outLines().back(), HasSubstr("nothing was written"));
-    EXPECT_EQ(host.platform.burns().size(), 0U);
-    EXPECT_EQ(host.run({"audio", "--dry-run", "/m/b.m4a", "/m/none.mp3"}), 3);
-    host.platform.putSong("/m/long.mp3", {.seconds = 5000.0});
-    EXPECT_EQ(host.run({"audio", "--dry-run", "/m/long.mp3"}), 4);
-}
-
-TEST_F(AudioCommandTest, TheTitleAndTheImageReachTheBurn) {
-    const auto folder = std::filesystem::temp_directory_path();
-    const std::string image = (folder / "mix.cue").string();
-    EXPECT_EQ(host.run({"audio", "--image", image, "--capacity", "74", "--title", "T", "/m/a.mp3"}),
-              0);
-    ASSERT_EQ(host.images.size(), 1U);
-    EXPECT_EQ(host.images[0].path, image);
-    EXPECT_EQ(host.images[0].minutes, 74);
-    EXPECT_EQ(host.images[0].disc, ImageRequest::Disc::Blank);
-    EXPECT_EQ(host.platform.lastBurn()->device()->displayName(), "Image " + image);
-    EXPECT_THAT(host.outLines().back(), HasSubstr("on " + image));
-}
-
-TEST_F(AudioCommandTest, InterruptingTheAddingStopsAtTheNextFile) {
-    host.platform.onCall(ServiceCall::MovieWithFile, [&](const std::string& path) {
-        if (path == "/m/b.m4a")
-            host.interrupt();
-    });
-    host.platform.backgroundQueue().hold();
-    host.atEachTurn = [&] { host.platform.backgroundQueue().releaseOne(); };
-    // The last file of the run waits until the interruption has been dealt with.
-    host.platform.onCall(ServiceCall::TrackForAudioFile,
-                         [&](const std::string&) { g_usleep(20000); });
-    EXPECT_EQ(host.run({"audio", "--json", "/m/a.mp3", "/m/b.m4a", "/m/c.mp3"}), 130);
-    EXPECT_THAT(events(host), Contains("addFilesProgressDidCanceled"));
-    EXPECT_THAT(events(host), Not(Contains("burnProgressDidStarted")));
-    EXPECT_EQ(objects(host).back().at("status"), 130);
-    EXPECT_THAT(host.err(), HasSubstr("cancelled; nothing was written"));
-}
-
-TEST_F(AudioCommandTest, InterruptingTheBurnWaitsForItsEnd) {
-    host.platform.playBurns({.progressReports = 2000});
-    bool isAsked = false;
-    host.atEachTurn = [&] {
-        const auto burn = host.platform.lastBurn();
-        if (burn && burn->isPlaying() && !std::exchange(isAsked, true))
-            host.interrupt();
-    };
-    EXPECT_EQ(host.run({"audio", "--json", "/m/a.mp3"}), 130);
-    EXPECT_TRUE(host.platform.lastBurn()->isAborted());
-    EXPECT_EQ(events(host)[events(host).size() - 2], "burnProgressDidCanceled");
-}
-
-TEST_F(AudioCommandTest, ABurnThatIsDoneBeforeItCouldBeInterruptedIsDone) {
-    host.platform.fail(ServiceCall::Abort);
-    bool isAsked = false;
-    host.atEachTurn = [&] {
-        const auto burn = host.platform.lastBurn();
-        if (burn && burn->isPlaying() && !std::exchange(isAsked, true))
-            host.interrupt();
-    };
-    EXPECT_EQ(host.run({"audio", "/m/a.mp3"}), 0);
-}
-
-TEST_F(AudioCommandTest, EndingAtOnceEndsThePlatformBeforeTheDelegateGoes) {
-    host.platform.playBurns({.progressReports = 2000});
-    bool isEnded = false;
-    host.atEachTurn = [&] {
-        const auto burn = host.platform.lastBurn();
-        if (burn && burn->isPlaying() && !std::exchange(isEnded, true))
-            host.loop.post([] { throw EndedAtOnce(); });
-    };
-    EXPECT_EQ(host.run({"audio", "--json", "/m/a.mp3"}), 130);
-    EXPECT_EQ(host.platformEndings, 1);
-    EXPECT_EQ(objects(host).back(), (json{{"event", "exit"}, {"status", 130}}));
 }
 
 TEST_F(AudioCommandTest, ATerminalShowsOneProgressBar) {

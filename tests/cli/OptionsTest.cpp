@@ -10,12 +10,18 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-AudioOptions audio(std::vector<std::string> arguments) {
+BurnOptions audio(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), "audio");
     const auto parsed = parseCommandLine(arguments);
     const auto* const command = std::get_if<Command>(&parsed);
     EXPECT_NE(command, nullptr) << std::get<Message>(parsed).text;
-    return command == nullptr ? AudioOptions() : std::get<AudioOptions>(command->options);
+    return command == nullptr ? BurnOptions() : std::get<BurnOptions>(command->options);
+}
+
+BurnOptions data(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "data");
+    const auto parsed = parseCommandLine(arguments);
+    return std::get<BurnOptions>(std::get<Command>(parsed).options);
 }
 
 Message message(const std::vector<std::string>& arguments) {
@@ -32,7 +38,7 @@ std::string usageError(const std::vector<std::string>& arguments) {
 }
 
 TEST(Options, AudioTakesItsOptionsAnywhereAndKeepsTheOrderOfTheFiles) {
-    const AudioOptions options =
+    const BurnOptions options =
         audio({"b.mp3", "--image", "mix.cue", "a.mp3", "--title", "My mix", "--capacity", "74",
                "--dry-run", "--keep-going", "--verbose", "c.m4a"});
     EXPECT_THAT(options.files, ElementsAre("b.mp3", "a.mp3", "c.m4a"));
@@ -43,7 +49,7 @@ TEST(Options, AudioTakesItsOptionsAnywhereAndKeepsTheOrderOfTheFiles) {
 }
 
 TEST(Options, WithoutOptionsTheDiscHas80MinutesAndNoTitle) {
-    const AudioOptions options = audio({"a.mp3"});
+    const BurnOptions options = audio({"a.mp3"});
     EXPECT_EQ(options.target.capacity, 80);
     EXPECT_EQ(options.title, std::nullopt);
     EXPECT_EQ(options.target.image, std::nullopt);
@@ -55,7 +61,28 @@ TEST(Options, FileNamesComeThroughByteForByte) {
                 ElementsAre("[x]", "", "\"q\"", "a,b", "\xff.mp3", "{}", "--title", "-"));
 }
 
-TEST(Options, AnEmptyTitleIsATitle) { EXPECT_EQ(audio({"--title", "", "a.mp3"}).title, ""); }
+TEST(Options, AnEmptyTitleIsATitle) {
+    EXPECT_EQ(audio({"--title", "", "a.mp3"}).title, "");
+    EXPECT_EQ(data({"--title", "", "a.mp3"}).title, "");
+}
+
+TEST(Options, DataTakesTheOptionsOfAudio) {
+    const BurnOptions options =
+        data({"b.mp3", "--image", "mix.iso", "--title", "My mix", "--capacity", "74", "--dry-run",
+              "--keep-going", "--verbose", "a.mp3", "--", "-c.m4a"});
+    EXPECT_EQ(options.kind, DiscKind::Data);
+    EXPECT_EQ(audio({"a.mp3"}).kind, DiscKind::Audio);
+    EXPECT_THAT(options.files, ElementsAre("b.mp3", "a.mp3", "-c.m4a"));
+    EXPECT_EQ(options.target.image, "mix.iso");
+    EXPECT_EQ(options.target.capacity, 74);
+    EXPECT_EQ(options.title, "My mix");
+    EXPECT_TRUE(options.dryRun && options.keepGoing && options.verbose);
+}
+
+TEST(Options, ADataDiscNeedsATitleAndAMistypedOneIsNamed) {
+    EXPECT_THAT(usageError({"data", "a.mp3"}), HasSubstr("needs a name: --title NAME"));
+    EXPECT_THAT(usageError({"data", "--titel", "x", "a.mp3"}), HasSubstr("did you mean --title?"));
+}
 
 TEST(Options, TheQueriesTakeADriveOrAnImage) {
     const auto parsed = parseCommandLine({"eject", "--json", "--drive", "Front drive"});
@@ -77,6 +104,7 @@ TEST(Options, AWrongOptionNamesTheNearestRightOne) {
 
 TEST(Options, AWrongCommandNamesTheNearestRightOne) {
     EXPECT_THAT(usageError({"audoi", "a.mp3"}), HasSubstr("did you mean 'quarner audio'?"));
+    EXPECT_THAT(usageError({"dta", "a.mp3"}), HasSubstr("did you mean 'quarner data'?"));
     EXPECT_THAT(usageError({"drive"}), HasSubstr("did you mean 'quarner drives'?"));
 }
 
@@ -113,7 +141,7 @@ TEST_P(Help, ShowsAnExample) {
 }
 
 INSTANTIATE_TEST_SUITE_P(OfEveryCommand, Help,
-                         testing::Values("audio", "drives", "disc", "eject", "watch"),
+                         testing::Values("audio", "data", "drives", "disc", "eject", "watch"),
                          [](const auto& suite) { return suite.param; });
 
 TEST(Options, TheVersionIsTold) {

@@ -87,6 +87,14 @@ TEST(UsageLine, ShowsUsedAgainstFreeTime) {
               "[##############################] 01:20:10 of 01:20:00, 00:00:10 too long");
 }
 
+TEST(UsageLine, OfADataDiscCountsBytes) {
+    const ScriptedPlatform platform;
+    EXPECT_EQ(usageLine({{}, 1048576, 4194304, true, false, DiscKind::Data}, 80, false),
+              "[#######-----------------------] 1 MB of 4 MB, 3 MB left");
+    EXPECT_EQ(usageLine({{}, 5242880, 4194304, true, true, DiscKind::Data}, 80, false),
+              "[##############################] 5 MB of 4 MB, 1 MB too much");
+}
+
 TEST(UsageLine, LeavesTheBarOutWhereThereIsNoRoom) {
     EXPECT_EQ(usageLine({{}, 2400, 4800, true, false}, 40, false),
               "00:40:00 of 01:20:00, 00:40:00 left");
@@ -105,6 +113,11 @@ TEST(ProgressLine, ShowsStateTrackPercentAndTimeLeft) {
 TEST(ProgressLine, KnowsNoTimeLeftBeforeThereIsProgress) {
     EXPECT_EQ(progressLine("Verifying", 0.0, 0, 40, false),
               "Verifying [-----------]   0%  --:-- left");
+}
+
+TEST(ProgressLine, HasNoTimeWhereItIsNeverTold) {
+    EXPECT_EQ(progressLine("Verifying", 0.5, std::nullopt, 30, false),
+              "Verifying [######-------]  50%");
 }
 
 TEST(ProgressLine, GivesUpTheBarFirstAndThenTheTime) {

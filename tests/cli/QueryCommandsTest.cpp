@@ -43,6 +43,16 @@ TEST(DrivesCommand, AnImageIsADriveToo) {
     EXPECT_EQ(host.images.at(0).disc, ImageRequest::Disc::ExistingOrBlank);
 }
 
+TEST(DiscCommand, AnImageOfEitherKindOfDiscWillDo) {
+    TestHost host;
+    const auto folder = std::filesystem::temp_directory_path();
+    EXPECT_EQ(host.run({"disc", "--image", (folder / "x.iso").string()}), 0);
+    EXPECT_EQ(host.run({"disc", "--image", (folder / "x.cue").string()}), 0);
+    EXPECT_EQ(host.images.at(0).path, (folder / "x.iso").string());
+    EXPECT_EQ(host.run({"eject", "--image", (folder / "x.bin").string()}), 2);
+    EXPECT_THAT(host.err(), HasSubstr("must end in .cue or .iso"));
+}
+
 TEST(DiscCommand, ShowsKindStateTimesSizesAndSpeeds) {
     TestHost host;
     host.platform.addDrive({.name = "Writer", .disc = DiscScript{}});

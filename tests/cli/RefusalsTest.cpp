@@ -31,7 +31,9 @@ protected:
         return path;
     }
 
-    std::string reason(const std::string& path) { return reasonForRefusal(*burner, path); }
+    std::string reason(const std::string& path) {
+        return reasonForRefusal(DiscKind::Audio, *burner, path);
+    }
 
     ScriptedPlatform platform;
     const std::shared_ptr<Quarner> burner = Quarner::audioCDBurner();
@@ -60,6 +62,14 @@ TEST_F(RefusalsTest, CopyProtectedMedia) {
     EXPECT_EQ(reason(file("a.M4B")), "copy-protected");
 }
 
+TEST_F(RefusalsTest, ADataDiscKnowsNoProtectedMedia) {
+    const auto data = Quarner::dataCDBurner();
+    EXPECT_EQ(reasonForRefusal(DiscKind::Data, *data, file("a.m4p")),
+              "unsupported type (mp3 and m4a can be added)");
+    EXPECT_EQ(reasonForRefusal(DiscKind::Data, *data, file("a.mp3")),
+              "unreadable: no sound could be found in it");
+}
+
 TEST_F(RefusalsTest, AnotherTypeThanTheSupportedOnes) {
     EXPECT_EQ(reason(file("a.wav", {.seconds = 10.0})),
               "unsupported type (mp3 and m4a can be added)");
@@ -76,7 +86,7 @@ TEST_F(RefusalsTest, AFileThatIsTooShort) {
 
 TEST_F(RefusalsTest, AFileOfWhichNoTrackCouldBeMade) {
     EXPECT_EQ(reason(file("a.mp3", {.seconds = 10.0, .makesTrack = false})),
-              "unreadable: it could not be made a track");
+              "unreadable: it could not be added");
 }
 
 TEST_F(RefusalsTest, AnAliasIsJudgedByWhatItStandsFor) {

@@ -55,8 +55,8 @@ std::string addDesktopImageDrive(const ImageRequest& request) {
 }
 
 bool isVerbose(const Command& command) {
-    const auto* const audio = std::get_if<AudioOptions>(&command.options);
-    return audio != nullptr && audio->verbose;
+    const auto* const burn = std::get_if<BurnOptions>(&command.options);
+    return burn != nullptr && burn->verbose;
 }
 
 [[noreturn]] void exitNow() { _exit(static_cast<int>(ExitStatus::Canceled)); }

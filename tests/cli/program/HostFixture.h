@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -26,6 +28,18 @@ protected:
         const std::string path = folder.file(name);
         std::filesystem::copy_file(audioFixture(recipe), path);
         return path;
+    }
+
+    /// An M4A file of exactly so many bytes, which hardly takes any room: the rest is a free atom.
+    void paddedSong(const std::string& name, std::uint32_t bytes) const {
+        const std::string path = song(name);
+        const auto rest = bytes - static_cast<std::uint32_t>(std::filesystem::file_size(path));
+        std::ofstream out(path, std::ios::binary | std::ios::app);
+        for (const unsigned shift : {24U, 16U, 8U, 0U})
+            out.put(static_cast<char>(rest >> shift));
+        out << "free";
+        out.close();
+        std::filesystem::resize_file(path, bytes);
     }
 
     /// The program's end, run in the folder.

@@ -58,6 +58,23 @@ TEST_F(ProgramOutput, JsonTellsEveryCallbackInOrder) {
                                    "burnProgressIsVerifying", "burnProgressDidDone", "exit"));
 }
 
+TEST_F(ProgramOutput, JsonOfADataDiscCountsBytesAndKnowsNoProtectedFiles) {
+    const std::string path = song("a.mp3");
+    const auto all = objects(run({"data", "--json", "--keep-going", "--image", "mix.iso", "--title",
+                                  "T", path, "none.mp3"})
+                                 .out);
+    const json& item = all[2].at("item");
+    EXPECT_EQ(item.at("itemPath"), path);
+    EXPECT_EQ(item.at("itemRealFileSize"), std::filesystem::file_size(path));
+    EXPECT_EQ(all[4],
+              (json{{"event", "addFilesProgressDidEnd"}, {"incompatible-files", {"none.mp3"}}}));
+    EXPECT_EQ(all[5], (json{{"event", "compilation"},
+                            {"items", 1},
+                            {"usedCapacity", std::filesystem::file_size(path)},
+                            {"overflow", false}}));
+    EXPECT_EQ(all.back(), (json{{"event", "exit"}, {"status", 0}}));
+}
+
 TEST_F(ProgramOutput, JsonCarriesTheArguments) {
     const std::string path = song("a.mp3");
     const auto all = objects(

@@ -1,28 +1,40 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <csignal>
 
-#include "tests/cli/program/HostFixture.h"
+#include "tests/cli/program/EveryKind.h"
 
 namespace quarner::testing {
 namespace {
 
-using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 /// Works that take long enough to be interrupted.
-class ProgramSignals : public HostFixture {
+class ProgramSignals : public EveryKind {
 protected:
     ProgramSignals() {
         song("minute.mp3", 60);
         makeFolder("images");
     }
 
-    /// So many times the same song, on an image.
-    static std::vector<std::string> tracks(std::size_t count) {
-        std::vector<std::string> arguments = {"audio", "--image", "images/mix.cue"};
-        arguments.insert(arguments.end(), count, "minute.mp3");
-        return arguments;
+    /// So many times the same song, onto an image.
+    std::vector<std::string> songs(std::size_t count) const {
+        return commandLine(std::vector<std::string>(count, "minute.mp3"), "images/");
+    }
+
+    /// A burn that writes for a while: so many minutes of sound, or one file that takes as long.
+    std::vector<std::string> work(unsigned minutes) const {
+        if (!isData())
+            return songs(minutes);
+        const std::string name = std::to_string(minutes) + ".m4a";
+        largeSong(name, minutes * 20'000'000);
+        return commandLine({name}, "images/");
+    }
+
+    /// What is told in the midst of the writing of a work.
+    std::string writing(unsigned minutes) const {
+        return isData() ? "Writing track 1 of 1" : "Writing track 2 of " + std::to_string(minutes);
     }
 
     /// The end of a burn of which the marker has been seen and that has then got these signals.
@@ -36,69 +48,76 @@ protected:
     }
 };
 
-TEST_F(ProgramSignals, CtrlCWhileAddingCancelsTheRun) {
-    const HostEnd end = interrupted(tracks(2000), "Adding 3 of 2000", {SIGINT});
+TEST_P(ProgramSignals, CtrlCWhileAddingCancelsTheRun) {
+    const HostEnd end = interrupted(songs(2000), "Adding 3 of 2000", {SIGINT});
     EXPECT_EQ(end.status, 130);
     EXPECT_THAT(end.err, HasSubstr("cancelled; nothing was written"));
     EXPECT_THAT(names("images"), IsEmpty());
 }
 
-TEST_F(ProgramSignals, ASecondSignalWhileAddingEndsAtOnce) {
-    EXPECT_EQ(interrupted(tracks(2000), "Adding 3 of 2000", {SIGINT, SIGTERM}).status, 130);
+TEST_P(ProgramSignals, ASecondSignalWhileAddingEndsAtOnce) {
+    EXPECT_EQ(interrupted(songs(2000), "Adding 3 of 2000", {SIGINT, SIGTERM}).status, 130);
     EXPECT_THAT(names("images"), IsEmpty());
 }
 
-TEST_F(ProgramSignals, CtrlCWhileBurningLeavesNothingBehind) {
-    const HostEnd end = interrupted(tracks(30), "Writing track 2 of 30", {SIGINT});
+TEST_P(ProgramSignals, CtrlCWhileBurningLeavesNothingBehind) {
+    const HostEnd end = interrupted(work(30), writing(30), {SIGINT});
     EXPECT_EQ(end.status, 130);
     EXPECT_THAT(end.err, HasSubstr("cancelled; nothing was written"));
     EXPECT_THAT(names("images"), IsEmpty());
 }
 
-TEST_F(ProgramSignals, TheRequestToTerminateIsTreatedAlike) {
-    EXPECT_EQ(interrupted(tracks(30), "Writing track 2 of 30", {SIGTERM}).status, 130);
+TEST_P(ProgramSignals, TheRequestToTerminateIsTreatedAlike) {
+    EXPECT_EQ(interrupted(work(30), writing(30), {SIGTERM}).status, 130);
     EXPECT_THAT(names("images"), IsEmpty());
 }
 
-TEST_F(ProgramSignals, ASecondSignalWhileBurningEndsAtOnceAndLeavesNothingBehind) {
-    EXPECT_EQ(interrupted(tracks(30), "Writing track 2 of 30", {SIGINT, SIGTERM}).status, 130);
+TEST_P(ProgramSignals, ASecondSignalWhileBurningEndsAtOnceAndLeavesNothingBehind) {
+    EXPECT_EQ(interrupted(work(30), writing(30), {SIGINT, SIGTERM}).status, 130);
     EXPECT_THAT(names("images"), IsEmpty());
 }
 
-TEST_F(ProgramSignals, CtrlCWhileVerifyingLeavesNothingBehind) {
-    const HostEnd end = interrupted(tracks(10), "Verifying", {SIGINT});
+TEST_P(ProgramSignals, CtrlCWhileVerifyingLeavesNothingBehind) {
+    const HostEnd end = interrupted(work(10), "Verifying", {SIGINT});
     EXPECT_EQ(end.status, 130);
     EXPECT_THAT(names("images"), IsEmpty());
 }
 
-TEST_F(ProgramSignals, ACancelledBurnKeepsTheImageThatWasThere) {
-    ASSERT_EQ(run(tracks(1)).status, 0);
-    const std::string before = contentOf(folder.file("images/mix.bin"));
-    EXPECT_EQ(interrupted(tracks(30), "Writing track 2 of 30", {SIGINT}).status, 130);
-    EXPECT_THAT(names("images"), ElementsAre("mix.bin", "mix.cue"));
-    EXPECT_TRUE(contentOf(folder.file("images/mix.bin")) == before);
+TEST_P(ProgramSignals, ACancelledBurnKeepsTheImageThatWasThere) {
+    ASSERT_EQ(run(songs(1)).status, 0);
+    const std::string file = folder.file("images/" + imageFiles().front());
+    const std::string before = contentOf(file);
+    EXPECT_EQ(interrupted(work(30), writing(30), {SIGINT}).status, 130);
+    EXPECT_THAT(names("images"), ElementsAreArray(imageFiles()));
+    EXPECT_TRUE(contentOf(file) == before);
 }
 
-TEST_F(ProgramSignals, JsonTellsTheCancellationAndTheStatus) {
-    std::vector<std::string> arguments = tracks(30);
+TEST_P(ProgramSignals, JsonTellsTheCancellationAndTheStatus) {
+    std::vector<std::string> arguments = work(30);
     arguments.push_back("--json");
+    const std::string track = isData() ? "1" : "2";
     const HostEnd end =
-        interrupted(arguments, R"("burnProgressIsWriteingTrack","track":2)", {SIGINT});
+        interrupted(arguments, R"("burnProgressIsWriteingTrack","track":)" + track, {SIGINT});
     EXPECT_EQ(end.status, 130);
     EXPECT_TRUE(end.out.ends_with("{\"event\":\"burnProgressDidCanceled\"}\n"
                                   "{\"event\":\"exit\",\"status\":130}\n"));
 }
 
-TEST_F(ProgramSignals, ABurnThatWasKilledLeavesNothingThatTheNextOneDoesNotClearAway) {
-    const HostEnd killed = interrupted(tracks(30), "Writing track 2 of 30", {SIGKILL});
+TEST_P(ProgramSignals, ABurnThatWasKilledLeavesNothingThatTheNextOneDoesNotClearAway) {
+    const HostEnd killed = interrupted(work(30), writing(30), {SIGKILL});
     EXPECT_EQ(killed.status, 137);
-    EXPECT_FALSE(std::filesystem::exists(folder.file("images/mix.cue")));
-    EXPECT_FALSE(std::filesystem::exists(folder.file("images/mix.bin")));
-    EXPECT_EQ(run(tracks(1)).status, 0);
-    EXPECT_THAT(names("images"), ElementsAre("mix.bin", "mix.cue"));
+    for (const std::string& name : imageFiles())
+        EXPECT_FALSE(std::filesystem::exists(folder.file("images/" + name)));
+    EXPECT_EQ(run(songs(1)).status, 0);
+    EXPECT_THAT(names("images"), ElementsAreArray(imageFiles()));
 }
 
-TEST_F(ProgramSignals, WatchingEndsWithCtrlC) {
+INSTANTIATE_TEST_SUITE_P(OfEveryKind, ProgramSignals,
+                         ::testing::Values(cli::DiscKind::Audio, cli::DiscKind::Data), kindName);
+
+using ProgramWatching = HostFixture;
+
+TEST_F(ProgramWatching, EndsWithCtrlC) {
     HostProgram program({"watch"}, here());
     ASSERT_TRUE(program.waitForOutput("There is no drive yet."));
     program.signal(SIGINT);

@@ -1,19 +1,16 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <cstdlib>
 
 #include "tests/cli/program/HostFixture.h"
+#include "tests/support/Program.h"
 
 namespace quarner::testing {
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
-using ::testing::Not;
 
+/// For what is alike for every kind of disc see ProgramEveryKindTest.cpp.
 class ProgramStatus : public HostFixture {};
 
 TEST_F(ProgramStatus, Is0WhenTheImageIsWrittenAndVerified) {
@@ -65,16 +62,6 @@ TEST_F(ProgramStatus, Is3WithTheReasonForEachRefusedFile) {
     EXPECT_FALSE(std::filesystem::exists(folder.file("mix.cue")));
 }
 
-TEST_F(ProgramStatus, KeepGoingBurnsTheRestAndIs3OnlyWithNothingLeft) {
-    song("a.mp3");
-    EXPECT_EQ(run({"audio", "--keep-going", "--image", "mix.cue", "none.mp3"}).status, 3);
-    EXPECT_FALSE(std::filesystem::exists(folder.file("mix.cue")));
-    const HostEnd end = run({"audio", "--keep-going", "--image", "mix.cue", "none.mp3", "a.mp3"});
-    EXPECT_EQ(end.status, 0);
-    EXPECT_THAT(end.err, HasSubstr("none.mp3: no such file"));
-    EXPECT_TRUE(std::filesystem::exists(folder.file("mix.cue")));
-}
-
 TEST_F(ProgramStatus, Is4WhenTheContentDoesNotFitTheCapacity) {
     song("minute.mp3", 60);
     std::vector<std::string> arguments = {"audio", "--dry-run", "--image", "mix.cue"};
@@ -83,88 +70,62 @@ TEST_F(ProgramStatus, Is4WhenTheContentDoesNotFitTheCapacity) {
     arguments.insert(arguments.begin() + 1, {"--capacity", "74"});
     const HostEnd end = run(arguments);
     EXPECT_EQ(end.status, 4);
-    EXPECT_THAT(end.err, HasSubstr("the tracks take 01:17:30 with their pauses, and the disc has "
+    EXPECT_THAT(end.err, HasSubstr("the tracks and their pauses take 01:17:30, and the disc has "
                                    "room for 01:14:00: 00:03:30 too long"));
     EXPECT_THAT(names("."), ElementsAre("minute.mp3"));
 }
 
-TEST_F(ProgramStatus, ADryRunWritesNothing) {
+TEST_F(ProgramStatus, Is0WhenADataImageIsWrittenAndOtherProgramsReadIt) {
     song("a.mp3");
-    const HostEnd end = run({"audio", "--dry-run", "--image", "mix.cue", "a.mp3"});
-    EXPECT_EQ(end.status, 0);
-    EXPECT_THAT(end.out, HasSubstr("00:00:12 of 01:19:57"));
+    song("b Größe.m4a");
+    const HostEnd end =
+        run({"data", "--image", "mix.iso", "--title", "Two songs", "b Größe.m4a", "a.mp3"});
+    EXPECT_EQ(end.status, 0) << end.err;
+    EXPECT_EQ(end.err, "");
+    EXPECT_THAT(lines(end.out).back(), HasSubstr("Burnt and verified: 2 files, "));
+    EXPECT_THAT(lines(end.out).back(), HasSubstr(", on mix.iso"));
+    const std::string image = folder.file("mix.iso");
+    const std::string listed =
+        runProgram({"isoinfo", "-J", "-f", "-j", "iso8859-1", "-i", image}).output;
+    EXPECT_THAT(lines(listed), ::testing::UnorderedElementsAre("/a.mp3", "/b Gr\xF6\xDF"
+                                                                         "e.m4a"));
+    EXPECT_EQ(runProgram({"isoinfo", "-f", "-i", image}).output, "");
+    EXPECT_THAT(runProgram({"isoinfo", "-d", "-i", image}).output,
+                HasSubstr("Volume id: TWO_SONGS\n"));
+    makeFolder("read");
+    EXPECT_EQ(runProgram({"bsdtar", "-x", "-f", image, "-C", folder.file("read")}).status, 0);
+    EXPECT_THAT(names("read"), ElementsAre("a.mp3", "b Größe.m4a"));
+    for (const std::string& name : names("read"))
+        EXPECT_TRUE(contentOf(folder.file("read/" + name)) == contentOf(folder.file(name))) << name;
+}
+
+TEST_F(ProgramStatus, Is2ForADataDiscWithoutATitleOrWithAnAudioImage) {
+    song("a.mp3");
+    EXPECT_EQ(run({"data", "--image", "mix.iso", "a.mp3"}).status, 2);
+    EXPECT_EQ(run({"data", "--image", "mix.cue", "--title", "T", "a.mp3"}).status, 2);
     EXPECT_THAT(names("."), ElementsAre("a.mp3"));
+    EXPECT_EQ(run({"data", "--image", "mix.iso", "--title", "", "a.mp3"}).status, 0);
 }
 
-TEST_F(ProgramStatus, AnImageThatExistsIsReplacedByAWholeOne) {
-    song("a.mp3");
-    song("b.mp3", 20);
-    ASSERT_EQ(run({"audio", "--image", "mix.cue", "a.mp3"}).status, 0);
-    ASSERT_EQ(run({"audio", "--image", "mix.cue", "b.mp3"}).status, 0);
-    EXPECT_EQ(std::filesystem::file_size(folder.file("mix.bin")), 1500U * 2352U);
-    EXPECT_THAT(names("."), ElementsAre("a.mp3", "b.mp3", "mix.bin", "mix.cue"));
-}
-
-TEST_F(ProgramStatus, Is1WhenTheDiskIsFullAndTheOldImageStays) {
-    song("a.mp3");
-    song("b.mp3", 20);
-    ASSERT_EQ(run({"audio", "--image", "mix.cue", "a.mp3"}).status, 0);
-    const std::string before = contentOf(folder.file("mix.bin"));
-    HostSettings small;
-    small.wrapper = {"prlimit", "--fsize=2000000"};
-    const HostEnd end = run({"audio", "--image", "mix.cue", "b.mp3"}, small);
-    EXPECT_EQ(end.status, 1) << end.err;
-    EXPECT_THAT(end.err, HasSubstr("quarner: the burn failed: "));
-    EXPECT_THAT(end.err, HasSubstr("mix.bin"));
-    EXPECT_TRUE(contentOf(folder.file("mix.bin")) == before);
-    EXPECT_THAT(names("."), ElementsAre("a.mp3", "b.mp3", "mix.bin", "mix.cue"));
-}
-
-TEST_F(ProgramStatus, AFolderWithoutPermissionIsNamedWithWhatToDo) {
-    song("a.mp3");
-    const std::string closed = makeFolder("closed");
-    chmod(folder.path().c_str(), 0755);
-    HostSettings settings;
-    if (geteuid() == 0)
-        settings.wrapper = {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"};
-    else
-        chmod(closed.c_str(), 0555);
-    if (run({"--version"}, settings).status != 0)
-        GTEST_SKIP() << "the program cannot be run by another user from here";
-    const HostEnd end = run({"audio", "--image", "closed/mix.cue", "a.mp3"}, settings);
-    EXPECT_EQ(end.status, 1);
-    EXPECT_THAT(end.err, HasSubstr("quarner: the burn failed: the image may not be written there"));
-    EXPECT_THAT(end.err, HasSubstr("closed/"));
-    EXPECT_THAT(end.err, HasSubstr("Choose a folder that you may write to with --image"));
-    EXPECT_THAT(names("closed"), IsEmpty());
-}
-
-TEST_F(ProgramStatus, AMachineWithoutDrivesIsToldWhatToDo) {
-    song("a.mp3");
-    const HostEnd burn = run({"audio", "a.mp3"});
-    EXPECT_EQ(burn.status, 2);
-    EXPECT_THAT(burn.err, HasSubstr("--image FILE.cue"));
-    EXPECT_EQ(run({"drives"}).status, 0);
-    EXPECT_EQ(run({"disc"}).status, 2);
-    EXPECT_EQ(run({"eject"}).status, 2);
-}
-
-TEST_F(ProgramStatus, ADiscInAnImageCanBeLookedAtAndPutOut) {
-    song("a.mp3");
-    EXPECT_THAT(run({"disc", "--image", "mix.cue"}).out, HasSubstr("CD-R, blank"));
-    ASSERT_EQ(run({"audio", "--image", "mix.cue", "a.mp3"}).status, 0);
-    EXPECT_THAT(run({"disc", "--image", "mix.cue"}).out, HasSubstr("Used:    00:00:10"));
-    EXPECT_EQ(run({"eject", "--image", "mix.cue"}).status, 0);
-    EXPECT_THAT(names("."), ElementsAre("a.mp3", "mix.bin", "mix.cue"));
-}
-
-TEST_F(ProgramStatus, AReaderThatGoesAwayDoesNotEndTheBurn) {
-    song("a.mp3");
-    HostProgram program({"audio", "--image", "mix.cue", "a.mp3"}, here());
-    ASSERT_TRUE(program.waitForOutput("Adding"));
-    program.stopReading();
-    EXPECT_EQ(program.wait().status, 0);
-    EXPECT_TRUE(std::filesystem::exists(folder.file("mix.cue")));
+TEST_F(ProgramStatus, Is4WhenTheFilesDoNotFitADataDisc) {
+    paddedSong("a.m4a", 690'000'000);
+    const std::vector<std::string> burn = {"data", "--title", "T", "--image", "mix.iso", "a.m4a"};
+    std::vector<std::string> shorter = burn;
+    shorter.insert(shorter.end(), {"--capacity", "74"});
+    const HostEnd end = run(shorter);
+    EXPECT_EQ(end.status, 4);
+    EXPECT_THAT(end.err, HasSubstr("the files take 658 MB, and the disc has room for 650.4 MB: "
+                                   "7.6 MB too much"));
+    shorter.push_back("--dry-run");
+    EXPECT_EQ(run(shorter).status, 4);
+    // What fits by itself, but not with the file system.
+    paddedSong("brim.m4a", 333'000U * 2048 - 10);
+    shorter[5] = "brim.m4a";
+    shorter.pop_back();
+    const HostEnd brim = run(shorter);
+    EXPECT_EQ(brim.status, 4);
+    EXPECT_THAT(brim.err, HasSubstr("too little for them and the file system"));
+    EXPECT_THAT(names("."), ElementsAre("a.m4a", "brim.m4a"));
 }
 
 /// In memory: there the image is written through the page cache, where anything can be written.

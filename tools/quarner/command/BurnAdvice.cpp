@@ -11,8 +11,6 @@
 namespace quarner::cli {
 namespace {
 
-constexpr std::uint64_t bytesPerSecond = 75ULL * 2352; // of an audio CD (Red Book)
-
 constexpr std::array advice = {
     std::pair{DRError::DeviceBusy, std::string_view("Wait until the other burn has ended.")},
     std::pair{DRError::DeviceVanished, std::string_view("Plug it in, and take a new disc.")},
@@ -32,10 +30,10 @@ constexpr std::array advice = {
 
 } // namespace
 
-std::string adviceForFailedBurn(std::int64_t code, std::uint64_t seconds) {
+std::string adviceForFailedBurn(std::int64_t code, std::uint64_t imageBytes) {
     if (code == signedCode(DRError::NoSpace))
         return "The image takes " +
-               MultiMedia::stringWithFilesize(static_cast<std::int64_t>(seconds * bytesPerSecond)) +
+               MultiMedia::stringWithFilesize(static_cast<std::int64_t>(imageBytes)) +
                ": make room for it, or put it on another file system with --image.";
     for (const auto& [error, text] : advice)
         if (signedCode(error) == code)

@@ -6,8 +6,8 @@
 
 namespace quarner::cli {
 
-/// What somebody whose burn of so many seconds failed with this code can do about it, as a
-/// sentence; empty where there is nothing to say.
-std::string adviceForFailedBurn(std::int64_t code, std::uint64_t seconds);
+/// What somebody whose burn failed with this code can do about it, as a sentence; the image would
+/// have so many bytes; empty where there is nothing to say.
+std::string adviceForFailedBurn(std::int64_t code, std::uint64_t imageBytes);
 
 } // namespace quarner::cli

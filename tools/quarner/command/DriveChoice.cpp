@@ -15,7 +15,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char imageHint[] = "--image FILE.cue makes an image without a drive.";
+constexpr DiscKind allKinds[] = {DiscKind::Audio, DiscKind::Data};
+
+std::string imageHint(std::optional<DiscKind> kind) {
+    const std::string name =
+        kind ? std::string("FILE") + traitsOf(*kind).extension : "FILE.cue or FILE.iso";
+    return "--image " + name + " makes an image without a drive.";
+}
 
 bool canWrite(const std::string& name) { return QuarnerDevice(name).cdBurnEnabled(); }
 
@@ -26,42 +32,63 @@ std::string listed(const std::vector<std::string>& names) {
     return text;
 }
 
-std::string namedDrive(const std::string& name, DriveUse use) {
+std::string namedDrive(const std::string& name, std::optional<DiscKind> toBurn) {
     const std::vector<std::string> all = QuarnerDevice::devices();
     if (all.empty())
         throw UsageProblem("there is no drive '" + safeText(name) + "', nor any other. " +
-                           imageHint);
+                           imageHint(toBurn));
     if (std::find(all.begin(), all.end(), name) == all.end())
         throw UsageProblem("there is no drive '" + safeText(name) + "'; did you mean '" +
                            safeText(nearestName(name, all)) + "'? The drives are:" + listed(all));
-    if (use == DriveUse::Write && !canWrite(name))
-        throw UsageProblem("the drive '" + safeText(name) + "' cannot write CDs. " + imageHint);
+    if (toBurn && !canWrite(name))
+        throw UsageProblem("the drive '" + safeText(name) + "' cannot write CDs. " +
+                           imageHint(toBurn));
     return name;
 }
 
-std::string onlyDrive(DriveUse use) {
+std::string onlyDrive(std::optional<DiscKind> toBurn) {
     const std::vector<std::string> all = QuarnerDevice::devices();
     std::vector<std::string> fit;
     std::copy_if(all.begin(), all.end(), std::back_inserter(fit),
-                 [use](const std::string& name) { return use == DriveUse::Any || canWrite(name); });
+                 [toBurn](const std::string& name) { return !toBurn || canWrite(name); });
     if (fit.size() == 1)
         return fit.front();
     if (all.empty())
-        throw UsageProblem(std::string("there is no drive. ") + imageHint);
+        throw UsageProblem("there is no drive. " + imageHint(toBurn));
     if (fit.empty())
-        throw UsageProblem("no drive can write CDs. " + std::string(imageHint) +
+        throw UsageProblem("no drive can write CDs. " + imageHint(toBurn) +
                            " The drives are:" + listed(all));
     throw UsageProblem("there are several drives; choose one with --drive NAME:" + listed(fit));
 }
 
+/// The kind of disc of which an image of that name would be.
+std::optional<DiscKind> kindOfImage(const std::string& name) {
+    const std::string extension = "." + Paths::lowercaseExtension(name);
+    for (const DiscKind kind : allKinds)
+        if (extension == traitsOf(kind).extension && !fs::path(name).extension().empty())
+            return kind;
+    return std::nullopt;
+}
+
+void checkExtension(const std::string& name, std::optional<DiscKind> kind) {
+    const std::optional<DiscKind> found = kindOfImage(name);
+    if (found && (!kind || *found == *kind))
+        return;
+    const std::string endings = kind ? traitsOf(*kind).extension : ".cue or .iso";
+    std::string text = "the image's name must end in " + endings + ", as in " +
+                       traitsOf(kind.value_or(DiscKind::Audio)).example + ", but is '" +
+                       safeText(name) + "'";
+    if (found)
+        text += std::string("; an image that ends in ") + traitsOf(*found).extension +
+                " is made by quarner " + traitsOf(*found).command;
+    throw UsageProblem(text);
+}
+
 } // namespace
 
-std::string imagePath(const std::string& name) {
-    const fs::path given(name);
-    if (Paths::lowercaseExtension(name) != "cue" || given.extension().empty())
-        throw UsageProblem("the image's name must end in .cue, as in mix.cue, but is '" +
-                           safeText(name) + "'");
-    const fs::path path = fs::absolute(given);
+std::string imagePath(const std::string& name, std::optional<DiscKind> kind) {
+    checkExtension(name, kind);
+    const fs::path path = fs::absolute(name);
     std::error_code ignored;
     if (fs::is_directory(path, ignored))
         throw UsageProblem("'" + safeText(name) + "' is a folder; name a file in it");
@@ -71,13 +98,12 @@ std::string imagePath(const std::string& name) {
     return path.string();
 }
 
-std::string chooseDrive(const Host& host, const Target& target, DriveUse use) {
+std::string chooseDrive(const Host& host, const Target& target, std::optional<DiscKind> toBurn) {
     if (target.image) {
-        const auto disc = use == DriveUse::Write ? ImageRequest::Disc::Blank
-                                                 : ImageRequest::Disc::ExistingOrBlank;
-        return host.addImageDrive({imagePath(*target.image), target.capacity, disc});
+        const auto disc = toBurn ? ImageRequest::Disc::Blank : ImageRequest::Disc::ExistingOrBlank;
+        return host.addImageDrive({imagePath(*target.image, toBurn), target.capacity, disc});
     }
-    return target.drive ? namedDrive(*target.drive, use) : onlyDrive(use);
+    return target.drive ? namedDrive(*target.drive, toBurn) : onlyDrive(toBurn);
 }
 
 } // namespace quarner::cli

@@ -14,7 +14,7 @@ namespace {
 
 std::vector<std::string> drivesToList(const Host& host, const Target& target) {
     if (target.image || target.drive)
-        return {chooseDrive(host, target, DriveUse::Any)};
+        return {chooseDrive(host, target)};
     return QuarnerDevice::devices();
 }
 
@@ -44,7 +44,7 @@ ExitStatus listDrives(Host& host, const Target& target, bool json) {
 }
 
 ExitStatus showDisc(Host& host, const Target& target, bool json) {
-    const QuarnerDevice device(chooseDrive(host, target, DriveUse::Any));
+    const QuarnerDevice device(chooseDrive(host, target));
     if (json)
         host.console.line(jsonLine("disc", discArguments(device)));
     else
@@ -54,7 +54,7 @@ ExitStatus showDisc(Host& host, const Target& target, bool json) {
 }
 
 ExitStatus ejectDisc(Host& host, const Target& target, bool json) {
-    QuarnerDevice device(chooseDrive(host, target, DriveUse::Any));
+    QuarnerDevice device(chooseDrive(host, target));
     const std::string name = device.deviceName().value_or("");
     device.eject();
     const bool isOut = !device.isDiscInDevice();

@@ -49,16 +49,16 @@ std::string soundObstacle(const std::string& path) {
     const QTTime time = movie->duration();
     if (time.scale == 0 || time.value / time.scale <= 0)
         return "shorter than a second";
-    return "unreadable: it could not be made a track";
+    return "unreadable: it could not be added";
 }
 
 } // namespace
 
-std::string reasonForRefusal(Quarner& burner, const std::string& path) {
+std::string reasonForRefusal(DiscKind kind, Quarner& burner, const std::string& path) {
     const std::string resolved = Paths::realPath(path);
     if (const auto reason = obstacle(resolved))
         return *reason;
-    if (Paths::isQuickTimeProtectedFile(resolved))
+    if (traitsOf(kind).refusesProtected && Paths::isQuickTimeProtectedFile(resolved))
         return "copy-protected";
     if (!hasSupportedType(burner, resolved))
         return "unsupported type (mp3 and m4a can be added)";

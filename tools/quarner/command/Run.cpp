@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "tools/quarner/command/AudioCommand.h"
+#include "tools/quarner/command/BurnCommand.h"
 #include "tools/quarner/command/QueryCommands.h"
 #include "tools/quarner/command/WatchCommand.h"
 #include "tools/quarner/text/JsonLine.h"
@@ -46,9 +46,9 @@ ExitStatus endJson(Console& console, bool json, ExitStatus status) {
 
 ExitStatus runCommand(Host& host, const Command& command) {
     try {
-        if (const auto* const audio = std::get_if<AudioOptions>(&command.options)) {
+        if (const auto* const burn = std::get_if<BurnOptions>(&command.options)) {
             const std::unique_ptr<View> view = makeView(host.console, command.json);
-            return AudioCommand(host, *audio, *view).run();
+            return BurnCommand(host, *burn, *view).run();
         }
         const auto& query = std::get<QueryOptions>(command.options);
         return endJson(host.console, command.json, runQuery(host, query, command.json));

@@ -26,7 +26,7 @@ struct WatchCommand::WatchedDrive : QuarnerDeviceDelegate {
 WatchCommand::WatchCommand(Host& host, const Target& target, bool json)
     : _host(host), _json(json), _anyDrive("") {
     if (target.image || target.drive)
-        _only = chooseDrive(host, target, DriveUse::Any);
+        _only = chooseDrive(host, target);
     _anyDrive.setDelegate(this);
     for (const std::string& name : QuarnerDevice::devices())
         watch(name);

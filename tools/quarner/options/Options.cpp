@@ -20,6 +20,10 @@ constexpr char audioExample[] =
     "Example:\n  quarner audio --image mix.cue --title \"Summer mix\" one.mp3 two.m4a\n\n"
     "The files become tracks in the order of their names. Ctrl-C cancels and leaves nothing "
     "behind.\n";
+constexpr char dataExample[] =
+    "Example:\n  quarner data --image mix.iso --title \"Summer mix\" one.mp3 two.m4a\n\n"
+    "The files lie as they are in the one folder of the disc. Ctrl-C cancels and leaves nothing "
+    "behind.\n";
 constexpr char drivesExample[] = "Example:\n  quarner drives --json\n\n"
                                  "Without any drive the list is empty, and the exit status 0.\n";
 constexpr char discExample[] = "Example:\n  quarner disc --image mix.cue\n\n"
@@ -40,9 +44,10 @@ public:
     Message messageFor(const CLI::ParseError& end) const;
 
 private:
-    void addAudio();
-    CLI::App* addQuery(const char* name, const char* description, const char* example, Query query);
-    void addTarget(CLI::App& command);
+    void addBurn(DiscKind kind, const char* description, const char* image, const char* example);
+    void addBurnOptions(CLI::App& command);
+    void addQuery(const char* name, const char* description, const char* example, Query query);
+    void addTarget(CLI::App& command, const std::string& name, const char* image);
     void takeFiles();
     void checkWordsBeforeCommand() const;
     [[noreturn]] void refuseCommand(const std::string& word) const;
@@ -51,10 +56,10 @@ private:
 
     CLI::App _app{"Puts audio files onto a CD, or into the image of one, and verifies it.",
                   "quarner"};
-    CLI::App* _audio = nullptr;
+    std::optional<DiscKind> _toBurn;
     bool _json = false;
     Target _target;
-    AudioOptions _audioOptions;
+    BurnOptions _burnOptions;
     std::optional<std::string> _firstFile;
     std::vector<std::string> _filesAfterMark;
     Query _query = Query::Drives;
@@ -74,54 +79,59 @@ Grammar::Grammar() {
     _app.footer(std::string("Example:\n  quarner audio --image mix.cue one.mp3 two.m4a\n\n"
                             "quarner COMMAND --help tells more.\n") +
                 statusHelp);
-    addAudio();
-    addTarget(
-        *addQuery("drives", "List the drives and what they can do", drivesExample, Query::Drives));
-    addTarget(*addQuery("disc", "Show the disc in a drive", discExample, Query::Disc));
-    addTarget(*addQuery("eject", "Put the disc out of a drive", ejectExample, Query::Eject));
-    addTarget(*addQuery("watch", "Tell of drives and discs as they come and go", watchExample,
-                        Query::Watch));
+    addBurn(DiscKind::Audio, "Burn audio files (mp3, m4a) to an audio CD",
+            "The image of a disc, two files: FILE.cue and a .bin", audioExample);
+    addBurn(DiscKind::Data, "Burn audio files (mp3, m4a) as they are to a data CD",
+            "The image of a disc", dataExample);
+    addQuery("drives", "List the drives and what they can do", drivesExample, Query::Drives);
+    addQuery("disc", "Show the disc in a drive", discExample, Query::Disc);
+    addQuery("eject", "Put the disc out of a drive", ejectExample, Query::Eject);
+    addQuery("watch", "Tell of drives and discs as they come and go", watchExample, Query::Watch);
 }
 
-void Grammar::addAudio() {
-    _audio = _app.add_subcommand("audio", "Burn audio files (mp3, m4a) to an audio CD");
-    _audio->allow_extras();
-    addTarget(*_audio);
-    _audio->add_option("--title", _audioOptions.title, "Name of the disc")->type_name("NAME");
-    _audio->add_option("--capacity", _target.capacity, "Minutes of the image's disc (default 80)")
+void Grammar::addBurn(DiscKind kind, const char* description, const char* image,
+                      const char* example) {
+    const DiscTraits& disc = traitsOf(kind);
+    CLI::App* const command = _app.add_subcommand(disc.command, description);
+    command->allow_extras();
+    addTarget(*command, std::string("FILE") + disc.extension, image);
+    addBurnOptions(*command);
+    command->footer(std::string(example) + statusHelp);
+    command->callback([this, kind] { _toBurn = kind; });
+}
+
+void Grammar::addBurnOptions(CLI::App& command) {
+    command.add_option("--title", _burnOptions.title, "Name of the disc")->type_name("NAME");
+    command.add_option("--capacity", _target.capacity, "Minutes of the image's disc (default 80)")
         ->check(CLI::IsMember({74, 80}))
         ->needs("--image");
-    _audio->add_flag("--dry-run", _audioOptions.dryRun,
+    command.add_flag("--dry-run", _burnOptions.dryRun,
                      "Do everything up to the burn, write nothing");
-    _audio->add_flag("--keep-going", _audioOptions.keepGoing,
+    command.add_flag("--keep-going", _burnOptions.keepGoing,
                      "Burn the rest when a file is refused");
-    _audio->add_flag("--verbose", _audioOptions.verbose, "Show diagnostics");
-    _audio->add_flag("--json", _json, "One JSON object a line, for programs");
+    command.add_flag("--verbose", _burnOptions.verbose, "Show diagnostics");
+    command.add_flag("--json", _json, "One JSON object a line, for programs");
     // Only the first: a list would have its brackets taken off. The others are what remains.
-    _audio->add_option("FILE...", _firstFile, "Audio files; after -- also ones that begin with -")
+    command.add_option("FILE...", _firstFile, "Audio files; after -- also ones that begin with -")
         ->type_name(" ");
-    _audio->footer(std::string(audioExample) + statusHelp);
 }
 
-CLI::App* Grammar::addQuery(const char* name, const char* description, const char* example,
-                            Query query) {
+void Grammar::addQuery(const char* name, const char* description, const char* example,
+                       Query query) {
     CLI::App* const command = _app.add_subcommand(name, description);
     command->allow_extras();
     command->add_flag("--json", _json, "One JSON object a line, for programs");
     command->footer(example);
     command->callback([this, query] { _query = query; });
-    return command;
+    addTarget(*command, "FILE", "The image of a disc: FILE.cue or FILE.iso");
 }
 
-void Grammar::addTarget(CLI::App& command) {
-    CLI::Option* const image =
-        command
-            .add_option("--image", _target.image,
-                        "The image of a disc, two files: FILE.cue and a .bin")
-            ->type_name("FILE.cue");
+void Grammar::addTarget(CLI::App& command, const std::string& name, const char* image) {
+    CLI::Option* const option =
+        command.add_option("--image", _target.image, image)->type_name(name);
     command.add_option("--drive", _target.drive, "The drive, by its name in 'quarner drives'")
         ->type_name("NAME")
-        ->excludes(image);
+        ->excludes(option);
 }
 
 void Grammar::parse(const std::vector<std::string>& arguments) {
@@ -134,6 +144,8 @@ void Grammar::parse(const std::vector<std::string>& arguments) {
     if (chosen() == nullptr)
         throw UsageError("no command is given");
     takeFiles();
+    if (_toBurn == DiscKind::Data && !_burnOptions.title)
+        throw UsageError("a data disc needs a name: --title NAME (an empty one is allowed)");
 }
 
 const CLI::App* Grammar::chosen() const {
@@ -188,7 +200,7 @@ void Grammar::checkWordsBeforeCommand() const {
 }
 
 void Grammar::takeFiles() {
-    std::vector<std::string>& files = _audioOptions.files;
+    std::vector<std::string>& files = _burnOptions.files;
     if (_firstFile)
         files.push_back(*_firstFile);
     for (const std::string& word : chosen()->remaining()) {
@@ -197,16 +209,17 @@ void Grammar::takeFiles() {
         files.push_back(word);
     }
     files.insert(files.end(), _filesAfterMark.begin(), _filesAfterMark.end());
-    if (chosen() == _audio && files.empty())
+    if (_toBurn && files.empty())
         throw UsageError("no file is given");
-    if (chosen() != _audio && !files.empty())
+    if (!_toBurn && !files.empty())
         throw UsageError("quarner " + chosen()->get_name() + " takes no '" + files.front() + "'");
 }
 
 Command Grammar::command() const {
-    if (chosen() != _audio)
+    if (!_toBurn)
         return {_json, QueryOptions{_query, _target}};
-    AudioOptions options = _audioOptions;
+    BurnOptions options = _burnOptions;
+    options.kind = *_toBurn;
     options.target = _target;
     return {_json, std::move(options)};
 }

@@ -6,6 +6,7 @@
 #include <variant>
 #include <vector>
 
+#include "tools/quarner/disc/DiscKind.h"
 #include "tools/quarner/host/ExitStatus.h"
 
 namespace quarner::cli {
@@ -17,9 +18,10 @@ struct Target {
     int capacity = 80; ///< minutes of the image's disc: 74 or 80
 };
 
-struct AudioOptions {
+struct BurnOptions {
+    DiscKind kind = DiscKind::Audio;
     Target target;
-    std::optional<std::string> title;
+    std::optional<std::string> title; ///< always there for a data disc
     bool dryRun = false;
     bool keepGoing = false;
     bool verbose = false;
@@ -36,7 +38,7 @@ struct QueryOptions {
 
 struct Command {
     bool json = false;
-    std::variant<AudioOptions, QueryOptions> options;
+    std::variant<BurnOptions, QueryOptions> options;
 };
 
 /// What to print instead of running a command: help and the version, or what is wrong.

@@ -27,10 +27,6 @@ std::string textUnder(const Dictionary& item, const char* key) {
     return text == nullptr ? std::string() : safeText(*text);
 }
 
-std::string duration(std::uint64_t seconds) {
-    return MultiMedia::stringWithDuration(static_cast<std::int64_t>(seconds), false);
-}
-
 std::string row(std::string_view number, std::string_view name, std::string_view time,
                 std::string_view size, std::size_t columns) {
     const std::size_t fixed = numberColumns + 2 + timeColumns + sizeColumns;
@@ -45,14 +41,21 @@ std::string sumRow(const Compilation& compilation, std::size_t columns) {
     for (const Dictionary& item : compilation.items)
         bytes += valueFor(item, kQuarnItemRealFileSizeKey).asInt64();
     const std::size_t count = compilation.items.size();
+    const DiscTraits& disc = traitsOf(compilation.kind);
     const std::string name =
-        std::to_string(count) + (count == 1 ? " track" : " tracks") + " and their pauses";
-    return row("", name, duration(compilation.used), MultiMedia::stringWithFilesize(bytes),
-               columns);
+        std::to_string(count) + " " + disc.item + (count == 1 ? "" : "s") + disc.pauses;
+    const bool countsTime = compilation.kind == DiscKind::Audio;
+    return row("", name, countsTime ? disc.capacityText(compilation.used) : "",
+               MultiMedia::stringWithFilesize(bytes), columns);
 }
 
 std::string percentText(double fraction) {
     return std::to_string(static_cast<int>(std::floor(keptWithinOne(fraction) * 100))) + "%";
+}
+
+std::string timeLeftColumn(double fraction, std::uint64_t seconds) {
+    const std::string time = fraction > 0 ? timeLeftText(seconds) : unknownTime;
+    return "  " + rightAligned(time, 5) + " left";
 }
 
 } // namespace
@@ -99,10 +102,13 @@ std::vector<std::string> trackList(const Compilation& compilation, std::size_t c
 std::string usageLine(const Compilation& compilation, std::size_t columns, bool isUtf8) {
     if (!compilation.hasDisc)
         return "There is no disc in the drive.";
-    const std::string figures = duration(compilation.used) + " of " + duration(compilation.free);
+    const DiscTraits& disc = traitsOf(compilation.kind);
+    const std::string figures =
+        disc.capacityText(compilation.used) + " of " + disc.capacityText(compilation.free);
     const std::string verdict =
-        compilation.overflow ? ", " + duration(compilation.used - compilation.free) + " too long"
-                             : ", " + duration(compilation.free - compilation.used) + " left";
+        compilation.overflow
+            ? ", " + disc.capacityText(compilation.used - compilation.free) + " " + disc.excess
+            : ", " + disc.capacityText(compilation.free - compilation.used) + " left";
     const std::size_t text = figures.size() + verdict.size() + 1;
     if (text + narrowestBar > columns)
         return shortened(figures + verdict, columns);
@@ -112,11 +118,10 @@ std::string usageLine(const Compilation& compilation, std::size_t columns, bool 
     return bar(fraction, std::min(widestBar, columns - text), isUtf8) + " " + figures + verdict;
 }
 
-std::string progressLine(std::string_view state, double fraction, std::uint64_t lefttime,
-                         std::size_t columns, bool isUtf8) {
+std::string progressLine(std::string_view state, double fraction,
+                         std::optional<std::uint64_t> lefttime, std::size_t columns, bool isUtf8) {
     const std::string percent = rightAligned(percentText(fraction), 4);
-    const std::string time = fraction > 0 ? timeLeftText(lefttime) : unknownTime;
-    const std::string left = "  " + rightAligned(time, 5) + " left";
+    const std::string left = lefttime ? timeLeftColumn(fraction, *lefttime) : "";
     const std::string head = std::string(state) + " ";
     const std::size_t text = displayWidth(head) + 1 + percent.size() + left.size();
     if (text + narrowestBar <= columns)

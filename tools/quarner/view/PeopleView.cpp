@@ -23,7 +23,7 @@ void PeopleView::addFilesProgressDidCanceled() { _console.status(""); }
 
 void PeopleView::burnProgressDidChanaged(double fraction, std::uint64_t lefttime) {
     _step.fraction = fraction;
-    _step.lefttime = lefttime;
+    keepTimeLeft(lefttime);
     _hasNewProgress = true;
 }
 
@@ -51,7 +51,7 @@ void PeopleView::enter(BurnStep::Stage stage, std::int64_t track, std::int64_t o
     // A progress is told before the state that it belongs to. Without one, a new stage begins at 0.
     if (!_hasNewProgress && stage != _step.stage) {
         _step.fraction = 0;
-        _step.lefttime = 0;
+        keepTimeLeft(0);
     }
     _hasNewProgress = false;
     _step.stage = stage;
@@ -60,7 +60,14 @@ void PeopleView::enter(BurnStep::Stage stage, std::int64_t track, std::int64_t o
     show(_step);
 }
 
+void PeopleView::keepTimeLeft(std::uint64_t seconds) {
+    if (_step.lefttime)
+        _step.lefttime = seconds;
+}
+
 void PeopleView::compilationIsComplete(const Compilation& compilation) {
+    if (!traitsOf(compilation.kind).tellsTimeLeft)
+        _step.lefttime.reset();
     _console.status("");
     if (compilation.items.empty())
         return;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "tools/quarner/host/Console.h"
@@ -18,7 +19,7 @@ struct BurnStep {
     std::int64_t track = 0; ///< from 1, while writing
     std::int64_t of = 0;
     double fraction = 0;
-    std::uint64_t lefttime = 0;
+    std::optional<std::uint64_t> lefttime = 0; ///< nothing where it is never told
 
     bool hasProgress() const { return stage == Stage::Writing || stage == Stage::Verifying; }
     std::string text() const; ///< "Writing track 2 of 9"
@@ -52,6 +53,7 @@ protected:
     Console& console() { return _console; }
 
 private:
+    void keepTimeLeft(std::uint64_t seconds);
     void enter(BurnStep::Stage stage, std::int64_t track = 0, std::int64_t of = 0);
 
     Console& _console;

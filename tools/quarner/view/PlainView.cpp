@@ -7,6 +7,14 @@
 #include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
+namespace {
+
+std::string progressText(int tenth, std::optional<std::uint64_t> lefttime) {
+    const std::string left = lefttime ? ", " + timeLeftText(*lefttime) + " left" : "";
+    return ": " + std::to_string(tenth * 10) + "%" + left;
+}
+
+} // namespace
 
 void PlainView::addFilesProgressDidChanged(const std::string& displayName, std::int64_t index,
                                            std::uint64_t of) {
@@ -23,9 +31,7 @@ void PlainView::show(const BurnStep& step) {
         return;
     _lastStep = text;
     _lastTenth = tenth;
-    console().line(isNewTenth ? text + ": " + std::to_string(tenth * 10) + "%, " +
-                                    timeLeftText(step.lefttime) + " left"
-                              : text);
+    console().line(isNewTenth ? text + progressText(tenth, step.lefttime) : text);
 }
 
 } // namespace quarner::cli

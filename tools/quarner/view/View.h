@@ -9,8 +9,8 @@
 
 namespace quarner::cli {
 
-/// Shows what `quarner audio` does: everything that a burner tells, in the order in which it does,
-/// and the two things below. All on the main loop.
+/// Shows what `quarner audio` or `quarner data` does: everything that a burner tells, in the order
+/// in which it does, and the two things below. All on the main loop.
 class View : public QuarnDelegate {
 public:
     /// Once, when the adding of files has ended.

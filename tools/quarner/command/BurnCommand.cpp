@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "tools/quarner/command/AudioCommand.h"
+#include "tools/quarner/command/BurnCommand.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "quarner/platform/DRErrors.h"
-#include "quarner/util/MultiMedia.h"
 #include "tools/quarner/command/BurnAdvice.h"
 #include "tools/quarner/command/DriveChoice.h"
 #include "tools/quarner/command/Refusals.h"
@@ -15,36 +14,32 @@
 namespace quarner::cli {
 namespace {
 
-std::string duration(std::uint64_t seconds) {
-    return MultiMedia::stringWithDuration(static_cast<std::int64_t>(seconds), false);
-}
-
 std::string counted(std::size_t count, const std::string& noun) {
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
 } // namespace
 
-AudioCommand::AudioCommand(Host& host, AudioOptions options, View& view)
-    : _host(host), _options(std::move(options)), _view(view),
-      _device(chooseDrive(host, _options.target, DriveUse::Write)),
-      _relay(host.loop, {&view, this}), _burner(Quarner::audioCDBurner()) {
+BurnCommand::BurnCommand(Host& host, BurnOptions options, View& view)
+    : _host(host), _options(std::move(options)), _disc(traitsOf(_options.kind)), _view(view),
+      _device(chooseDrive(host, _options.target, _options.kind)), _relay(host.loop, {&view, this}),
+      _burner(_disc.makeBurner()) {
     _burner->setDelegate(&_relay);
 }
 
-AudioCommand::~AudioCommand() {
+BurnCommand::~BurnCommand() {
     _host.onInterruption(nullptr);
     _burner->setDelegate(nullptr);
 }
 
-ExitStatus AudioCommand::run() {
+ExitStatus BurnCommand::run() {
     _host.onInterruption([this] { interrupt(); });
     const Outcome outcome = performOrEndAtOnce();
     _view.didEnd(outcome.status, outcome.text);
     return outcome.status;
 }
 
-AudioCommand::Outcome AudioCommand::performOrEndAtOnce() {
+BurnCommand::Outcome BurnCommand::performOrEndAtOnce() {
     try {
         return perform();
     } catch (const EndedAtOnce&) {
@@ -53,7 +48,7 @@ AudioCommand::Outcome AudioCommand::performOrEndAtOnce() {
     }
 }
 
-AudioCommand::Outcome AudioCommand::perform() {
+BurnCommand::Outcome BurnCommand::perform() {
     addFiles();
     const Compilation compiled = compilation();
     _view.compilationIsComplete(compiled);
@@ -69,47 +64,53 @@ AudioCommand::Outcome AudioCommand::perform() {
 }
 
 // Neither call does anything unless there is something to stop.
-void AudioCommand::interrupt() {
+void BurnCommand::interrupt() {
     _isInterrupted = true;
     _burner->cancelToAddFiles();
     _burner->stopBurn();
 }
 
-void AudioCommand::addFiles() {
+void BurnCommand::addFiles() {
     if (_burner->addFiles(_options.files))
         _host.loop.run();
     else
         refuse(_options.files); // of these the burner reports nothing
 }
 
-void AudioCommand::addFilesProgressDidEnd(const EndReport& report) {
+void BurnCommand::addFilesProgressDidEnd(const EndReport& report) {
     for (const auto& [reason, paths] : report)
         refuse(paths);
     _host.loop.quit();
 }
 
-void AudioCommand::refuse(const std::vector<std::string>& paths) {
+void BurnCommand::refuse(const std::vector<std::string>& paths) {
     _refusedCount += paths.size();
     for (const std::string& path : paths)
-        _host.console.error("quarner: " + safeText(path) + ": " + reasonForRefusal(*_burner, path));
+        _host.console.error("quarner: " + safeText(path) + ": " +
+                            reasonForRefusal(_options.kind, *_burner, path));
 }
 
-Compilation AudioCommand::compilation() const {
+Compilation BurnCommand::compilation() const {
     Compilation compiled;
+    compiled.kind = _options.kind;
     const std::uint64_t count = _burner->numberOfChildrenOfBurnItem(nullptr);
     for (std::uint64_t i = 0; i < count; ++i)
         compiled.items.push_back(*_burner->propertyOfBurnItem(_burner->child(i, nullptr)));
     compiled.used = _burner->usedCapacity();
-    compiled.free = _device.freeTimeOfDisc();
+    compiled.free = _disc.freeCapacity(_device);
     compiled.hasDisc = _device.isDiscInDevice();
     compiled.overflow = _burner->isContentOverflowForDevice(_device);
     return compiled;
 }
 
-AudioCommand::Outcome AudioCommand::burn(const Compilation& compiled) {
+BurnCommand::Outcome BurnCommand::burn(const Compilation& compiled) {
     const FailureDetail detail;
-    _burner->burnWithDevice(_device, _options.title);
-    _host.loop.run();
+    if (_device.device()) {
+        _burner->burnWithDevice(_device, _options.title);
+        _host.loop.run();
+    } else { // of which a burner of data discs says nothing
+        _errorCode = signedCode(DRError::DeviceVanished);
+    }
     switch (_burnEnd) {
     case BurnEnd::Done:
         return success(compiled);
@@ -120,23 +121,23 @@ AudioCommand::Outcome AudioCommand::burn(const Compilation& compiled) {
     }
 }
 
-void AudioCommand::burnProgressDidDone() {
+void BurnCommand::burnProgressDidDone() {
     _burnEnd = BurnEnd::Done;
     _host.loop.quit();
 }
 
-void AudioCommand::burnProgressDidCanceled() {
+void BurnCommand::burnProgressDidCanceled() {
     _burnEnd = BurnEnd::Canceled;
     _host.loop.quit();
 }
 
-void AudioCommand::burnProgressDidError(const BurnError& error) {
+void BurnCommand::burnProgressDidError(const BurnError& error) {
     _burnEnd = BurnEnd::Error;
     _errorCode = error.code;
     _host.loop.quit();
 }
 
-AudioCommand::Outcome AudioCommand::refusal() const {
+BurnCommand::Outcome BurnCommand::refusal() const {
     const std::size_t count = _options.files.size();
     if (_refusedCount >= count)
         return {ExitStatus::Refused, "nothing is left to burn"};
@@ -144,36 +145,39 @@ AudioCommand::Outcome AudioCommand::refusal() const {
                                      " refused, so nothing was burnt; --keep-going burns the rest"};
 }
 
-AudioCommand::Outcome AudioCommand::overflow(const Compilation& compiled) const {
-    const std::string excess = compiled.used > compiled.free
-                                   ? duration(compiled.used - compiled.free)
-                                   : "less than a second";
-    return {ExitStatus::TooLong, "the tracks take " + duration(compiled.used) +
-                                     " with their pauses, and the disc has room for " +
-                                     duration(compiled.free) + ": " + excess + " too long"};
+BurnCommand::Outcome BurnCommand::overflow(const Compilation& compiled) const {
+    const std::string excess =
+        compiled.used > compiled.free
+            ? _disc.capacityText(compiled.used - compiled.free) + " " + _disc.excess
+            : _disc.overhead;
+    return {ExitStatus::TooLong, std::string("the ") + _disc.item + "s" + _disc.pauses + " take " +
+                                     _disc.capacityText(compiled.used) +
+                                     ", and the disc has room for " +
+                                     _disc.capacityText(compiled.free) + ": " + excess};
 }
 
-AudioCommand::Outcome AudioCommand::cancellation() const {
+BurnCommand::Outcome BurnCommand::cancellation() const {
     const bool mayHaveSpoiltDisc = _burnEnd == BurnEnd::Canceled && !_options.target.image;
     return {ExitStatus::Canceled, mayHaveSpoiltDisc ? "cancelled; the disc is not usable"
                                                     : "cancelled; nothing was written"};
 }
 
-AudioCommand::Outcome AudioCommand::success(const Compilation& compiled) const {
+BurnCommand::Outcome BurnCommand::success(const Compilation& compiled) const {
     const std::string place = safeText(_options.target.image.value_or(*_device.deviceName()));
-    return {ExitStatus::Success, "Burnt and verified: " + counted(compiled.items.size(), "track") +
-                                     ", " + duration(compiled.used) + ", on " + place};
+    return {ExitStatus::Success,
+            "Burnt and verified: " + counted(compiled.items.size(), _disc.item) + ", " +
+                _disc.capacityText(compiled.used) + ", on " + place};
 }
 
-AudioCommand::Outcome AudioCommand::failure(const Compilation& compiled,
-                                            const std::string& detail) const {
+BurnCommand::Outcome BurnCommand::failure(const Compilation& compiled,
+                                          const std::string& detail) const {
     if (_errorCode == signedCode(DRError::MediaTooSmall) || (_errorCode == 0 && compiled.hasDisc))
         return overflow(compiled);
     const std::int64_t code = _errorCode == 0 ? signedCode(DRError::MediaNotPresent) : _errorCode;
     std::string text = "the burn failed: " + std::string(textForBurnErrorCode(code));
     if (!detail.empty())
         text += " (" + safeText(detail) + ")";
-    const std::string advice = adviceForFailedBurn(code, compiled.used);
+    const std::string advice = adviceForFailedBurn(code, _disc.imageBytes(compiled.used));
     return {ExitStatus::Failed, advice.empty() ? text : text + "\n" + advice};
 }
 

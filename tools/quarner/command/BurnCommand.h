@@ -7,6 +7,7 @@
 
 #include "quarner/device/QuarnerDevice.h"
 #include "quarner/front/Quarner.h"
+#include "tools/quarner/disc/DiscKind.h"
 #include "tools/quarner/host/DelegateRelay.h"
 #include "tools/quarner/host/Host.h"
 #include "tools/quarner/options/Options.h"
@@ -14,13 +15,14 @@
 
 namespace quarner::cli {
 
-/// `quarner audio`: adds files, says what they take, and burns them. For one run.
-class AudioCommand : private QuarnDelegate {
+/// `quarner audio` and `quarner data`: adds files, says what they take, and burns them. For one
+/// run.
+class BurnCommand : private QuarnDelegate {
 public:
     /// The host and the view must outlive the command. Throws `UsageProblem` when there is no
     /// drive to use.
-    AudioCommand(Host& host, AudioOptions options, View& view);
-    ~AudioCommand() override;
+    BurnCommand(Host& host, BurnOptions options, View& view);
+    ~BurnCommand() override;
 
     /// Runs the main loop until it is over, and tells the view the end.
     ExitStatus run();
@@ -52,7 +54,8 @@ private:
     Outcome failure(const Compilation& compiled, const std::string& detail) const;
 
     Host& _host;
-    const AudioOptions _options;
+    const BurnOptions _options;
+    const DiscTraits& _disc;
     View& _view;
     QuarnerDevice _device;
     DelegateRelay _relay;

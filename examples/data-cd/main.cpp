@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+// The smallest host: burns the named audio files, as they are, to data-cd.iso, and ends with 0 once
+// they are.
+#include <glib.h>
+#include <iostream>
+#include <quarner/desktop.h>
+#include <quarner/quarner.h>
+
+namespace {
+
+class DataCD : public quarner::QuarnDelegate {
+public:
+    explicit DataCD(const std::string& drive) : _drive(drive) { _burner->setDelegate(this); }
+    int burnFiles(const std::vector<std::string>& paths) {
+        if (_drive.device() && _burner->addFiles(paths)) // otherwise nothing is reported
+            g_main_loop_run(_loop.get());
+        return _status;
+    }
+
+private:
+    void addFilesProgressDidEnd(const quarner::EndReport& report) override {
+        for (const std::string& path : report.at(quarner::incompatibleFilesReportKey))
+            std::cerr << path << ": cannot be added\n";
+        // This is the thread that added the files. The burn belongs on the main one.
+        g_idle_add_once([](void* self) { static_cast<DataCD*>(self)->burn(); }, this);
+    }
+
+    void burn() {
+        if (_burner->isContentBlank() || _burner->isContentOverflowForDevice(_drive))
+            quit(1);
+        else
+            _burner->burnWithDevice(_drive, "Music");
+    }
+
+    void burnProgressDidStarted() override {
+        std::cout << _burner->usedCapacity() << " bytes" << std::endl;
+    }
+    void burnProgressDidDone() override { quit(0); }
+    void burnProgressDidCanceled() override { quit(1); }
+    void burnProgressDidError(const quarner::BurnError& /*error*/) override { quit(1); }
+
+    void quit(int status) {
+        _status = status;
+        g_main_loop_quit(_loop.get());
+    }
+
+    quarner::QuarnerDevice _drive;
+    std::shared_ptr<quarner::Quarner> _burner = quarner::Quarner::dataCDBurner();
+    std::shared_ptr<GMainLoop> _loop{g_main_loop_new(nullptr, FALSE), g_main_loop_unref};
+    int _status = 1;
+};
+
+} // namespace
+
+int main(int count, char** arguments) {
+    quarner::installDesktopPlatform();
+    const std::vector<std::string> files(arguments + 1, arguments + count);
+    return DataCD(quarner::addImageDrive({.path = "data-cd.iso"})).burnFiles(files);
+}

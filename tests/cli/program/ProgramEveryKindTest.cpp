@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "tests/cli/program/EveryKind.h"
+
+namespace quarner::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+/// How the program ends, where that is alike for every kind of disc.
+using ProgramEveryKind = EveryKind;
+
+TEST_P(ProgramEveryKind, KeepGoingBurnsTheRestAndIs3OnlyWithNothingLeft) {
+    song("a.mp3");
+    EXPECT_EQ(burn({"--keep-going", "none.mp3"}).status, 3);
+    EXPECT_FALSE(std::filesystem::exists(folder.file(disc().example)));
+    const HostEnd end = burn({"--keep-going", "none.mp3", "a.mp3"});
+    EXPECT_EQ(end.status, 0);
+    EXPECT_THAT(end.err, HasSubstr("none.mp3: no such file"));
+    EXPECT_TRUE(std::filesystem::exists(folder.file(disc().example)));
+}
+
+TEST_P(ProgramEveryKind, ADryRunWritesNothing) {
+    song("a.mp3");
+    const HostEnd end = burn({"--dry-run", "a.mp3"});
+    EXPECT_EQ(end.status, 0);
+    EXPECT_THAT(end.out, HasSubstr(isData() ? " of 702.8 MB, " : "00:00:12 of 01:19:57"));
+    EXPECT_THAT(names("."), ElementsAre("a.mp3"));
+}
+
+TEST_P(ProgramEveryKind, AnImageThatExistsIsReplacedByAWholeOne) {
+    song("a.mp3");
+    largeSong("b.m4a", 3'000'000);
+    ASSERT_EQ(burn({"a.mp3"}).status, 0);
+    ASSERT_EQ(burn({"b.m4a"}).status, 0);
+    const auto size = std::filesystem::file_size(folder.file(imageFiles().front()));
+    EXPECT_EQ(size % (isData() ? 2048 : 2352), 0U);
+    EXPECT_GT(size, 3'000'000U);
+    EXPECT_THAT(names("."), ElementsAreArray(withImage({"a.mp3", "b.m4a"})));
+}
+
+TEST_P(ProgramEveryKind, Is1WhenTheDiskIsFullAndTheOldImageStays) {
+    song("a.mp3");
+    largeSong("b.m4a", 3'000'000);
+    ASSERT_EQ(burn({"a.mp3"}).status, 0);
+    const std::string before = contentOf(folder.file(imageFiles().front()));
+    HostSettings small;
+    small.wrapper = {"prlimit", "--fsize=2000000"};
+    const HostEnd end = burn({"b.m4a"}, small);
+    EXPECT_EQ(end.status, 1) << end.err;
+    EXPECT_THAT(end.err, HasSubstr("quarner: the burn failed: "));
+    EXPECT_THAT(end.err, HasSubstr(imageFiles().front()));
+    EXPECT_TRUE(contentOf(folder.file(imageFiles().front())) == before);
+    EXPECT_THAT(names("."), ElementsAreArray(withImage({"a.mp3", "b.m4a"})));
+}
+
+TEST_P(ProgramEveryKind, AFolderWithoutPermissionIsNamedWithWhatToDo) {
+    song("a.mp3");
+    const std::string closed = makeFolder("closed");
+    chmod(folder.path().c_str(), 0755);
+    HostSettings settings;
+    if (geteuid() == 0)
+        settings.wrapper = {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"};
+    else
+        chmod(closed.c_str(), 0555);
+    if (run({"--version"}, settings).status != 0)
+        GTEST_SKIP() << "the program cannot be run by another user from here";
+    const HostEnd end = run(commandLine({"a.mp3"}, "closed/"), settings);
+    EXPECT_EQ(end.status, 1);
+    EXPECT_THAT(end.err, HasSubstr("quarner: the burn failed: the image may not be written there"));
+    EXPECT_THAT(end.err, HasSubstr("closed/"));
+    EXPECT_THAT(end.err, HasSubstr("Choose a folder that you may write to with --image"));
+    EXPECT_THAT(names("closed"), IsEmpty());
+}
+
+TEST_P(ProgramEveryKind, AMachineWithoutDrivesIsToldWhatToDo) {
+    song("a.mp3");
+    const HostEnd burn = run({disc().command, "--title", "T", "a.mp3"});
+    EXPECT_EQ(burn.status, 2);
+    EXPECT_THAT(burn.err, HasSubstr(std::string("--image FILE") + disc().extension));
+    EXPECT_EQ(run({"drives"}).status, 0);
+    EXPECT_EQ(run({"disc"}).status, 2);
+    EXPECT_EQ(run({"eject"}).status, 2);
+}
+
+TEST_P(ProgramEveryKind, ADiscInAnImageCanBeLookedAtAndPutOut) {
+    song("a.mp3");
+    EXPECT_THAT(run({"disc", "--image", disc().example}).out, HasSubstr("CD-R, blank"));
+    ASSERT_EQ(burn({"a.mp3"}).status, 0);
+    EXPECT_THAT(run({"disc", "--image", disc().example}).out,
+                HasSubstr(isData() ? "Used:    00:00:01" : "Used:    00:00:10"));
+    EXPECT_EQ(run({"eject", "--image", disc().example}).status, 0);
+    EXPECT_THAT(names("."), ElementsAreArray(withImage({"a.mp3"})));
+}
+
+TEST_P(ProgramEveryKind, AReaderThatGoesAwayDoesNotEndTheBurn) {
+    song("a.mp3");
+    HostProgram program(commandLine({"a.mp3"}), here());
+    ASSERT_TRUE(program.waitForOutput("Adding"));
+    program.stopReading();
+    EXPECT_EQ(program.wait().status, 0);
+    EXPECT_TRUE(std::filesystem::exists(folder.file(disc().example)));
+}
+
+INSTANTIATE_TEST_SUITE_P(OfEveryKind, ProgramEveryKind,
+                         ::testing::Values(cli::DiscKind::Audio, cli::DiscKind::Data), kindName);
+
+} // namespace
+} // namespace quarner::testing

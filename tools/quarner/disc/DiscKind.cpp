@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "tools/quarner/disc/DiscKind.h"
+
+#include "quarner/device/QuarnerDevice.h"
+#include "quarner/front/Quarner.h"
+#include "quarner/util/MultiMedia.h"
+
+namespace quarner::cli {
+namespace {
+
+constexpr std::uint64_t bytesPerSecond = 75ULL * 2352; // of an audio CD (Red Book)
+
+std::string durationText(std::uint64_t seconds) {
+    return MultiMedia::stringWithDuration(static_cast<std::int64_t>(seconds), false);
+}
+
+std::string sizeText(std::uint64_t bytes) {
+    return MultiMedia::stringWithFilesize(static_cast<std::int64_t>(bytes));
+}
+
+constexpr DiscTraits audioDisc = {
+    .extension = ".cue",
+    .example = "mix.cue",
+    .command = "audio",
+    .item = "track",
+    .pauses = " and their pauses",
+    .excess = "too long",
+    .overhead = "less than a second too long",
+    .refusesProtected = true,
+    .tellsTimeLeft = true,
+    .makeBurner = Quarner::audioCDBurner,
+    .freeCapacity = [](const QuarnerDevice& device) { return device.freeTimeOfDisc(); },
+    .capacityText = durationText,
+    .imageBytes = [](std::uint64_t seconds) { return seconds * bytesPerSecond; },
+};
+
+constexpr DiscTraits dataDisc = {
+    .extension = ".iso",
+    .example = "mix.iso",
+    .command = "data",
+    .item = "file",
+    .pauses = "",
+    .excess = "too much",
+    .overhead = "too little for them and the file system",
+    .refusesProtected = false,
+    .tellsTimeLeft = false,
+    .makeBurner = Quarner::dataCDBurner,
+    .freeCapacity = [](const QuarnerDevice& device) { return device.freeSizeOfDisc(); },
+    .capacityText = sizeText,
+    .imageBytes = [](std::uint64_t bytes) { return bytes; },
+};
+
+} // namespace
+
+const DiscTraits& traitsOf(DiscKind kind) { return kind == DiscKind::Data ? dataDisc : audioDisc; }
+
+} // namespace quarner::cli

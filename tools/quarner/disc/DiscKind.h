@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace quarner {
+class Quarner;
+class QuarnerDevice;
+} // namespace quarner
+
+namespace quarner::cli {
+
+/// The kinds of disc that the program burns.
+enum class DiscKind { Audio, Data };
+
+/// All that is different about them. Capacity is counted in seconds of an audio disc and in bytes
+/// of a data disc.
+struct DiscTraits {
+    const char* extension; ///< of an image, in lower case, with its dot: ".cue"
+    const char* example;   ///< the name of such an image
+    const char* command;   ///< the command that burns it
+    const char* item;      ///< what an added file is on it: "track"
+    const char* pauses;    ///< said after the number of items where they have pauses, or empty
+    const char* excess;    ///< how content is that does not fit: "too long"
+    const char* overhead;  ///< said where content does not fit that is not more than the room
+    bool refusesProtected; ///< whether its burner tells protected files from others
+    bool tellsTimeLeft;    ///< whether its burner knows how long the burn takes
+
+    std::shared_ptr<Quarner> (*makeBurner)();
+    std::uint64_t (*freeCapacity)(const QuarnerDevice& device);
+    std::string (*capacityText)(std::uint64_t capacity);
+    std::uint64_t (*imageBytes)(std::uint64_t used); ///< how large the image about is
+};
+
+const DiscTraits& traitsOf(DiscKind kind);
+
+} // namespace quarner::cli
