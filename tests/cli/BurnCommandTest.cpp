@@ -86,6 +86,18 @@ TEST_P(BurnCommandTest, TheServicesOwnTextOnAFailureIsShown) {
     EXPECT_THAT(host.err(), HasSubstr("(writing /m/x.bin: disk\uFFFDfull)"));
 }
 
+TEST_P(BurnCommandTest, AHundredFilesAreTooManyTracksForAnAudioDiscAlone) {
+    host.platform.putSong("/m/short.mp3", {.seconds = 5});
+    const std::vector<std::string> files(99, "/m/short.mp3");
+    std::vector<std::string> arguments = {"--dry-run"};
+    arguments.insert(arguments.end(), files.begin(), files.end());
+    EXPECT_EQ(burn(arguments), 0);
+    arguments.push_back("/m/short.mp3");
+    const bool isAudio = GetParam() == DiscKind::Audio;
+    EXPECT_EQ(burn(arguments), isAudio ? 4 : 0);
+    EXPECT_THAT(host.err(), isAudio ? HasSubstr("at most 99 tracks") : HasSubstr(""));
+}
+
 TEST_P(BurnCommandTest, ADryRunDoesEverythingUpToTheBurn) {
     EXPECT_EQ(burn({"--dry-run", "/m/a.mp3"}), 0);
     EXPECT_THAT(host.out(), HasSubstr(GetParam() == DiscKind::Data ? "3.8 MB of 702.8 MB"

@@ -14,6 +14,8 @@
 namespace quarner::cli {
 namespace {
 
+constexpr std::size_t mostTracks = 99; // Red Book
+
 std::string counted(std::size_t count, const std::string& noun) {
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
@@ -58,6 +60,10 @@ BurnCommand::Outcome BurnCommand::perform() {
         return refusal();
     if (compiled.overflow)
         return overflow(compiled);
+    if (_options.kind == DiscKind::Audio && compiled.items.size() > mostTracks)
+        return {ExitStatus::TooLong, "a disc holds at most " + std::to_string(mostTracks) +
+                                         " tracks, but there are " +
+                                         std::to_string(compiled.items.size())};
     if (_options.dryRun)
         return {ExitStatus::Success, "Dry run: nothing was written."};
     return burn(compiled);

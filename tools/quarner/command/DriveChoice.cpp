@@ -88,8 +88,8 @@ void checkExtension(const std::string& name, std::optional<DiscKind> kind) {
 
 std::string imagePath(const std::string& name, std::optional<DiscKind> kind) {
     checkExtension(name, kind);
-    const fs::path path = fs::absolute(name);
     std::error_code ignored;
+    const fs::path path = fs::absolute(name, ignored); // empty in a folder that was deleted
     if (fs::is_directory(path, ignored))
         throw UsageProblem("'" + safeText(name) + "' is a folder; name a file in it");
     if (!fs::is_directory(path.parent_path(), ignored))
