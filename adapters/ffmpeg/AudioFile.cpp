@@ -17,8 +17,8 @@ constexpr std::array formats = {"mp3", "mov", "aac", "flac", "ogg", "wav",      
 
 std::string joined(const auto& names) {
     std::string list;
-    for (const std::string name : names)
-        list += (list.empty() ? "" : ",") + name;
+    for (const auto& name : names)
+        list += (list.empty() ? "" : ",") + std::string(name);
     return list;
 }
 
@@ -114,7 +114,7 @@ std::vector<std::string> audioFileExtensions() {
         for (std::string extension; std::getline(list, extension, ',');)
             extensions.push_back(extension);
         if (format && !format->extensions)
-            extensions.push_back(name);
+            extensions.emplace_back(name);
     }
     std::sort(extensions.begin(), extensions.end());
     extensions.erase(std::unique(extensions.begin(), extensions.end()), extensions.end());

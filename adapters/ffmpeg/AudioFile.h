@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 extern "C" {
@@ -48,7 +49,7 @@ public:
     bool hasUnknownDurations() const { return _hasUnknownDurations; }
 
 private:
-    explicit AudioFile(const std::string& path) : _path(path) {}
+    explicit AudioFile(std::string path) : _path(std::move(path)) {}
     bool openInput();
     bool findSound();
     bool isInputFormat(std::string_view name) const;

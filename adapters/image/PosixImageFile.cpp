@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <system_error>
 
 #include "adapters/engine/BurnFailure.h"
 
@@ -31,7 +32,8 @@ bool leaveDirectMode(const FileDescriptor& file) {
 }
 
 BurnFailure readFailure(int errorNumber, const std::string& path) {
-    return {DRError::ReadBackFailed, "reading " + path + ": " + std::strerror(errorNumber)};
+    return {DRError::ReadBackFailed,
+            "reading " + path + ": " + std::generic_category().message(errorNumber)};
 }
 
 } // namespace

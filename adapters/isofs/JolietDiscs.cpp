@@ -21,7 +21,7 @@ std::uint64_t blocksOf(const DRFolder& folder) {
 class JolietDiscs : public DataDiscService {
 public:
     std::shared_ptr<DRTrack> trackForRootFolder(std::shared_ptr<const DRFolder> folder) override {
-        const auto track = std::make_shared<DRTrack>();
+        auto track = std::make_shared<DRTrack>();
         const std::uint64_t blocks = blocksOf(*folder);
         track->setLength(DRMSF::msfWithFrames(static_cast<std::uint32_t>(blocks)));
         track->setEstimateLength(blocks);

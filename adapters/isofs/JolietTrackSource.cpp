@@ -6,7 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
+#include <system_error>
 #include <utility>
 
 #include "adapters/engine/BurnFailure.h"
@@ -19,7 +19,8 @@ public:
     explicit OpenFile(const std::string& path)
         : _path(path), _descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
         if (_descriptor < 0)
-            throw BurnFailure(DRError::SourceMissing, path + ": " + std::strerror(errno));
+            throw BurnFailure(DRError::SourceMissing,
+                              path + ": " + std::generic_category().message(errno));
         posix_fadvise(_descriptor, 0, 0, POSIX_FADV_SEQUENTIAL);
     }
     ~OpenFile() { ::close(_descriptor); }
@@ -32,7 +33,8 @@ public:
             count = ::read(_descriptor, buffer.data(), buffer.size());
         while (count < 0 && errno == EINTR);
         if (count < 0)
-            throw BurnFailure(DRError::SourceUnreadable, _path + ": " + std::strerror(errno));
+            throw BurnFailure(DRError::SourceUnreadable,
+                              _path + ": " + std::generic_category().message(errno));
         if (count == 0)
             throw BurnFailure(DRError::SourceChanged, _path + ": shorter than when it was added");
         return static_cast<std::size_t>(count);

@@ -42,7 +42,7 @@ MainQueue::ItemRef MainQueue::takeNext() {
                                    [&](const ItemRef& item) { return !isHeldBack(*item); });
     if (next == _items.end())
         return nullptr;
-    const ItemRef item = *next;
+    ItemRef item = *next;
     item->isBegun = true;
     _items.erase(next);
     return item;
