@@ -8,7 +8,7 @@ namespace quarner {
 
 namespace {
 
-constexpr std::size_t largestFrame = 4096; // bytes
+constexpr std::int64_t largestFrame = 4096; // bytes
 
 std::uint32_t number(std::string_view bytes, std::size_t offset, std::size_t size) {
     std::uint32_t value = 0;
@@ -24,7 +24,10 @@ std::optional<EncoderTag> encoderTagIn(std::string_view bytes) {
     if (start == 0)
         return std::nullopt;
     const std::string_view tag = bytes.substr(start - 1);
-    constexpr std::uint32_t hasFrames = 1, hasBytes = 2, hasTable = 4, hasQuality = 8;
+    constexpr std::uint32_t hasFrames = 1;
+    constexpr std::uint32_t hasBytes = 2;
+    constexpr std::uint32_t hasTable = 4;
+    constexpr std::uint32_t hasQuality = 8;
     if (tag.size() < 12 || (number(tag, 4, 4) & hasFrames) == 0)
         return std::nullopt;
     const std::uint32_t fields = number(tag, 4, 4);
