@@ -106,7 +106,7 @@ std::string contentOf(const std::string& path) {
 
 TEST(TestingHosts, TheCodeInTheDocumentIsTheCodeThatIsBuilt) {
     const std::string document = contentOf(QUARNER_SOURCE_DIR "/docs/testing-hosts.md");
-    const std::string code = contentOf(__FILE__);
+    const std::string code = contentOf(QUARNER_SOURCE_DIR "/tests/core/TestingHostsTest.cpp");
     const std::string opening = "```cpp\n";
     int blocks = 0;
     for (std::size_t at = document.find(opening); at != std::string::npos;
