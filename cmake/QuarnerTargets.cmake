@@ -4,7 +4,8 @@
 # everything that is not exported.
 
 add_library(quarner_options INTERFACE)
-target_compile_options(quarner_options INTERFACE
+# -pthread everywhere: some libraries ask for it, and a precompiled header serves one set of flags.
+target_compile_options(quarner_options INTERFACE -pthread
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast
   $<$<BOOL:${QUARNER_WARNINGS_ARE_ERRORS}>:-Werror>)
 target_include_directories(quarner_options INTERFACE ${PROJECT_SOURCE_DIR})
@@ -61,6 +62,8 @@ function(quarner_precompile_test_headers NAME)
       <mutex> <optional> <string> <thread> <vector>)
   endif()
   target_precompile_headers(${NAME} REUSE_FROM quarner_test_headers)
+  # One that does not fit costs time, nothing else.
+  set_target_properties(${NAME} PROPERTIES PCH_WARN_INVALID OFF)
 endfunction()
 
 # quarner_library(NAME OUTPUT file OBJECTS name... [HEADERS folder] [DEPENDS target...])
