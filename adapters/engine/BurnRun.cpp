@@ -30,9 +30,9 @@ SectorWriter::~SectorWriter() = default;
 BurnTarget::~BurnTarget() = default;
 
 BurnRun::BurnRun(std::shared_ptr<BurnTarget> target, std::shared_ptr<StopSignal> stop,
-                 StatusReporter report, Clock clock, bool isVerified)
+                 StatusReporter report, Clock clock, BurnSettings settings)
     : _target(std::move(target)), _stop(std::move(stop)), _report(std::move(report)),
-      _clock(std::move(clock)), _isVerified(isVerified) {}
+      _clock(std::move(clock)), _settings(settings) {}
 
 void BurnRun::perform(const ContentMaker& makeContent) {
     if (const std::optional<BurnFailure> failure = attempt(makeContent))
@@ -56,7 +56,7 @@ void BurnRun::burn(const ContentMaker& makeContent) {
     tell(DRStatusStatePreparing);
     DiscContent content = makeContent();
     std::optional<std::uint64_t> written;
-    _writer = _target->claim(content.plan, _stop);
+    _writer = _target->claim(content.plan, _settings, _stop);
     const AtEnd release([&] {
         _writer.reset();
         _target->release(written);
@@ -75,7 +75,7 @@ void BurnRun::burnContent(DiscContent& content) {
     tell(DRStatusStateSessionClose);
     tell(DRStatusStateFinishing);
     _writer->finish();
-    if (_isVerified)
+    if (_settings.isVerified)
         verify(content.plan);
     _stop->seal();
     _writer->commit();

@@ -6,6 +6,7 @@
 #include <span>
 
 #include "adapters/engine/BurnFailure.h"
+#include "adapters/engine/BurnSettings.h"
 #include "adapters/engine/BurnTarget.h"
 #include "adapters/engine/Checksums.h"
 #include "adapters/engine/Clock.h"
@@ -26,7 +27,7 @@ using ContentMaker = std::function<DiscContent()>;
 class BurnRun {
 public:
     BurnRun(std::shared_ptr<BurnTarget> target, std::shared_ptr<StopSignal> stop,
-            StatusReporter report, Clock clock, bool isVerified);
+            StatusReporter report, Clock clock, BurnSettings settings);
 
     /// Burns and tells of it, to the Done or Failed record. Never throws.
     void perform(const ContentMaker& makeContent);
@@ -50,7 +51,7 @@ private:
     const std::shared_ptr<StopSignal> _stop;
     const StatusReporter _report;
     const Clock _clock;
-    const bool _isVerified;
+    const BurnSettings _settings;
 
     std::unique_ptr<SectorWriter> _writer;
     std::optional<Checksums> _checksums;

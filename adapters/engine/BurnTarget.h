@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 
+#include "adapters/engine/BurnSettings.h"
 #include "adapters/engine/DiscPlan.h"
 #include "adapters/engine/SectorWriter.h"
 #include "adapters/engine/StopSignal.h"
@@ -20,9 +21,10 @@ public:
     BurnTarget& operator=(const BurnTarget&) = delete;
 
     /// Takes the drive for one burn: throws `BurnFailure` when the drive is gone or busy or its
-    /// disc cannot take this plan. Whoever got a writer calls `release` once, after destroying it.
-    /// The drive stops the burn through `stop` when it is unplugged.
-    virtual std::unique_ptr<SectorWriter> claim(const DiscPlan& plan,
+    /// disc cannot take this plan with these settings. Nothing is written yet. Whoever got a writer
+    /// calls `release` once, after destroying it. The drive stops the burn through `stop` when it
+    /// is unplugged.
+    virtual std::unique_ptr<SectorWriter> claim(const DiscPlan& plan, const BurnSettings& settings,
                                                 const std::shared_ptr<StopSignal>& stop) = 0;
 
     /// The speed of writing or reading back has changed: blocks per second.

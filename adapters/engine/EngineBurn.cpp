@@ -6,15 +6,9 @@
 
 #include "adapters/engine/BurnRun.h"
 #include "adapters/engine/PCMTrackSource.h"
-#include "quarner/platform/DRKeys.h"
 
 namespace quarner {
 namespace {
-
-bool isVerified(const Dictionary& properties) {
-    const Value& wanted = valueFor(properties, DRBurnVerifyDiscKey);
-    return wanted.isNull() || wanted.asBool();
-}
 
 DiscContent audioContent(const DRLayout& layout, const std::shared_ptr<PCMService>& pcm) {
     DiscContent content;
@@ -60,8 +54,8 @@ void EngineBurn::writeLayout(DRLayout layout) {
         report.failed(BurnFailure(DRError::DeviceVanished, "the drive is not attached"));
         return;
     }
-    const auto run =
-        std::make_shared<BurnRun>(_target, _stop, report, _services.clock, isVerified(_properties));
+    const auto run = std::make_shared<BurnRun>(_target, _stop, report, _services.clock,
+                                               burnSettings(_properties));
     const auto work = [run, layout = std::move(layout), pcm = _services.pcm,
                        dataDiscs = _services.dataDiscs] {
         run->perform([&] { return contentOf(layout, pcm, dataDiscs); });

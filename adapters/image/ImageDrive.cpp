@@ -105,7 +105,7 @@ void ImageDrive::unplug() {
         burning->request(DRError::DeviceVanished);
 }
 
-std::unique_ptr<SectorWriter> ImageDrive::claim(const DiscPlan& plan,
+std::unique_ptr<SectorWriter> ImageDrive::claim(const DiscPlan& plan, const BurnSettings&,
                                                 const std::shared_ptr<StopSignal>& stop) {
     std::unique_ptr<SectorWriter> writer = writerFor(plan);
     {

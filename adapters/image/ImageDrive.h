@@ -54,7 +54,7 @@ public:
     /// Unplugs the drive for good: it has no disc from now on, and a burn under way fails.
     void unplug();
 
-    std::unique_ptr<SectorWriter> claim(const DiscPlan& plan,
+    std::unique_ptr<SectorWriter> claim(const DiscPlan& plan, const BurnSettings& settings,
                                         const std::shared_ptr<StopSignal>& stop) override;
     void speedChanged(double speed) override;
     void release(std::optional<std::uint64_t> writtenSectors) override;
