@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "adapters/engine/BurnTarget.h"
+#include "adapters/engine/Clock.h"
+#include "adapters/optical/DiscFacts.h"
+#include "adapters/optical/DriveRecord.h"
+#include "adapters/runloop/RunLoopCenter.h"
+#include "quarner/platform/DRDevice.h"
+
+namespace quarner {
+
+/// A real drive, opened through libburn. Every operation may be called on any thread. Must be held
+/// by a shared pointer.
+///
+/// What the drive knows of its disc is asked of it once and kept until `mediaChanged`; a drive of
+/// which no changes are heard is asked again after `keptFor`. For a question the drive is open, and
+/// closed to other programs, only for the time of the call. While another program keeps it open the
+/// answer is, after a short wait, that there is no disc, and the drive is asked again after
+/// `keptFor`. While a burn is under way every question is answered with what was known at its
+/// beginning.
+///
+/// The free space is what a burn can use: of a rewritable disc all of it, since the burn blanks it.
+class OpticalDrive : public DRDevice,
+                     public BurnTarget,
+                     public std::enable_shared_from_this<OpticalDrive> {
+public:
+    static constexpr std::chrono::milliseconds keptFor{2000};
+
+    /// `hearsOfChanges`: `mediaChanged` will be called for every change of the disc.
+    OpticalDrive(DriveRecord record, std::string displayName, std::weak_ptr<RunLoops> runLoops,
+                 bool hearsOfChanges, Clock clock = std::chrono::steady_clock::now);
+
+    const DriveRecord& record() const { return _record; }
+
+    /// The disc was changed, put in or taken out: forgets what is known of it and tells of the
+    /// change of status.
+    void mediaChanged();
+
+    /// The drive is unplugged for good: it has no disc from now on, and a burn under way fails with
+    /// `DRError::DeviceVanished`. Tells nobody.
+    void unplug();
+
+    std::string displayName() const override { return _displayName; }
+    Dictionary info() const override;
+    Dictionary status() const override;
+    bool mediaIsPresent() const override;
+    bool mediaIsTransitioning() const override;
+    bool mediaIsBlank() const override;
+    bool mediaIsAppendable() const override;
+    bool mediaIsErasable() const override;
+    bool mediaIsOverwritable() const override;
+    std::optional<DRMSF> mediaSpaceUsed() const override;
+    std::optional<DRMSF> mediaSpaceFree() const override;
+    /// False also when there is no disc, and when the drive does not put it out.
+    bool ejectMedia() override;
+
+    std::unique_ptr<SectorWriter> claim(const DiscPlan& plan, const BurnSettings& settings,
+                                        const std::shared_ptr<StopSignal>& stop) override;
+    void speedChanged(double speed) override;
+    void release(std::optional<std::uint64_t> writtenSectors) override;
+
+private:
+    struct Known {
+        DiscFacts disc;
+        std::chrono::steady_clock::time_point since;
+        bool isFailure = false; ///< the drive could not be asked
+    };
+
+    DiscFacts disc() const;
+    std::optional<DiscFacts> knownDisc() const;
+    void learn(const DiscFacts& disc, bool isFailure) const;
+    void tellOfChange();
+
+    const DriveRecord _record;
+    const std::string _displayName;
+    /// Not kept alive: a notification that waits in one of them keeps this drive.
+    const std::weak_ptr<RunLoops> _runLoops;
+    const bool _hearsOfChanges;
+    const Clock _clock;
+
+    /// Held while the drive is open for a question. Taken before `_mutex`.
+    mutable std::mutex _asking;
+    mutable std::mutex _mutex;
+    mutable std::optional<Known> _known;
+    bool _isAttached = true;
+    std::shared_ptr<StopSignal> _burning; ///< of the burn under way, otherwise null
+    double _speed = 0.0;
+};
+
+} // namespace quarner
