@@ -9,7 +9,8 @@ namespace {
 
 constexpr std::array texts = {
     std::pair{DRError::UserCanceled, std::string_view("the burn was cancelled")},
-    std::pair{DRError::DeviceBusy, std::string_view("the drive is busy with another burn")},
+    std::pair{DRError::DeviceBusy,
+              std::string_view("the drive is busy with another burn or program")},
     std::pair{DRError::DeviceVanished, std::string_view("the drive was unplugged")},
     std::pair{DRError::MediaNotPresent, std::string_view("there is no disc in the drive")},
     std::pair{DRError::MediaNotWritable, std::string_view("the disc cannot be written")},
@@ -17,6 +18,7 @@ constexpr std::array texts = {
     std::pair{DRError::WrongMedia, std::string_view("the disc is not a recordable CD")},
     std::pair{DRError::EmptyLayout, std::string_view("there is nothing to write")},
     std::pair{DRError::TooManyTracks, std::string_view("a disc holds at most 99 tracks")},
+    std::pair{DRError::DeviceNotPermitted, std::string_view("the drive may not be opened")},
     std::pair{DRError::SourceMissing, std::string_view("a source file is gone or unreadable")},
     std::pair{DRError::SourceChanged,
               std::string_view("a source file has changed since it was added")},

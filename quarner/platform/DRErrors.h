@@ -14,14 +14,15 @@ namespace quarner {
 enum class DRError : std::uint32_t {
     UserCanceled = 0x80020066, ///< `stopBurn`; arrives as `burnProgressDidCanceled`
 
-    DeviceBusy = 0x8002F001,       ///< another burn is using the drive or its image
-    DeviceVanished = 0x8002F002,   ///< the drive was unplugged
-    MediaNotPresent = 0x8002F003,  ///< no disc in the drive
-    MediaNotWritable = 0x8002F004, ///< the disc is not blank and cannot be overwritten
-    MediaTooSmall = 0x8002F005,    ///< the layout takes more sectors than the disc has
-    WrongMedia = 0x8002F006,       ///< not a CD
-    EmptyLayout = 0x8002F007,      ///< nothing to write
-    TooManyTracks = 0x8002F008,    ///< an audio disc has at most 99 tracks (Red Book)
+    DeviceBusy = 0x8002F001,         ///< another burn or program is using the drive or its image
+    DeviceVanished = 0x8002F002,     ///< the drive was unplugged
+    MediaNotPresent = 0x8002F003,    ///< no disc in the drive
+    MediaNotWritable = 0x8002F004,   ///< the disc is not blank and cannot be overwritten
+    MediaTooSmall = 0x8002F005,      ///< the layout takes more sectors than the disc has
+    WrongMedia = 0x8002F006,         ///< not a CD
+    EmptyLayout = 0x8002F007,        ///< nothing to write
+    TooManyTracks = 0x8002F008,      ///< an audio disc has at most 99 tracks (Red Book)
+    DeviceNotPermitted = 0x8002F009, ///< this user may not open the drive
 
     SourceMissing = 0x8002F011,    ///< a source file is gone or may not be read
     SourceChanged = 0x8002F012,    ///< a source file is not the one that was added
