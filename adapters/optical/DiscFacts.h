@@ -28,7 +28,11 @@ struct DiscFacts {
     std::vector<std::int64_t> speeds; ///< of writing, in blocks per second, ascending
 
     bool isPresent() const { return state != State::None && state != State::NotReady; }
-    bool isRecordableCD() const;
 };
+
+class GrabbedDrive;
+
+/// Asks an open drive. What it does not tell stays 0 or empty.
+DiscFacts readDiscFacts(const GrabbedDrive& drive);
 
 } // namespace quarner

@@ -70,12 +70,19 @@ private:
     struct Known {
         DiscFacts disc;
         std::chrono::steady_clock::time_point since;
-        bool isFailure = false; ///< the drive could not be asked
+        bool isMomentary = false; ///< true of this moment alone: the drive was busy, or the disc
     };
 
     DiscFacts disc() const;
     std::optional<DiscFacts> knownDisc() const;
-    void learn(const DiscFacts& disc, bool isFailure) const;
+    DiscFacts ask() const;
+    bool mayAsk() const;
+    bool putOut();
+    std::uint64_t changeCount() const;
+    void learn(const DiscFacts& disc, bool isMomentary, std::uint64_t changes) const;
+    void reserve(const std::shared_ptr<StopSignal>& stop);
+    std::unique_ptr<SectorWriter> open(const DiscPlan& plan, const BurnSettings& settings,
+                                       const std::shared_ptr<StopSignal>& stop);
     void tellOfChange();
 
     const DriveRecord _record;
@@ -89,6 +96,7 @@ private:
     mutable std::mutex _asking;
     mutable std::mutex _mutex;
     mutable std::optional<Known> _known;
+    std::uint64_t _changes = 0; ///< of the disc, heard of so far
     bool _isAttached = true;
     std::shared_ptr<StopSignal> _burning; ///< of the burn under way, otherwise null
     double _speed = 0.0;

@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/optical/BurnJob.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <new>
+#include <string>
+#include <thread>
+
+// The library's header wants these two before it.
+#include <stdint.h>
+#include <stdio.h>
+
+#include <libburn/libburn.h>
+
+#include "adapters/engine/BurnFailure.h"
+#include "adapters/optical/BurnLibrary.h"
+
+namespace quarner {
+namespace {
+
+constexpr std::chrono::milliseconds pollInterval{10};
+
+struct DiscRelease {
+    void operator()(burn::burn_disc* disc) const { burn::burn_disc_free(disc); }
+};
+struct SessionRelease {
+    void operator()(burn::burn_session* session) const { burn::burn_session_free(session); }
+};
+struct TrackRelease {
+    void operator()(burn::burn_track* track) const { burn::burn_track_free(track); }
+};
+struct SourceRelease {
+    void operator()(burn::burn_source* source) const { burn::burn_source_free(source); }
+};
+struct OptionsRelease {
+    void operator()(burn::burn_write_opts* options) const { burn::burn_write_opts_free(options); }
+};
+using Disc = std::unique_ptr<burn::burn_disc, DiscRelease>;
+using SessionPart = std::unique_ptr<burn::burn_session, SessionRelease>;
+using Track = std::unique_ptr<burn::burn_track, TrackRelease>;
+using Source = std::unique_ptr<burn::burn_source, SourceRelease>;
+using Options = std::unique_ptr<burn::burn_write_opts, OptionsRelease>;
+
+/// The part of the pipe that is one track.
+struct Feed {
+    SectorPipe& pipe;
+    const off_t size;
+    off_t left;
+};
+
+Feed& feedOf(burn::burn_source* source) { return *static_cast<Feed*>(source->data); }
+
+int readFeed(burn::burn_source* source, unsigned char* buffer, int size) {
+    Feed& feed = feedOf(source);
+    const std::size_t wanted = std::size_t(std::min<off_t>(size, feed.left));
+    const std::size_t count = feed.pipe.take({reinterpret_cast<std::byte*>(buffer), wanted});
+    feed.left -= off_t(count);
+    return count < wanted ? -1 : int(count);
+}
+
+off_t sizeOfFeed(burn::burn_source* source) { return feedOf(source).size; }
+int setSizeOfFeed(burn::burn_source*, off_t) { return 1; }
+void freeFeed(burn::burn_source* source) { delete &feedOf(source); }
+int cancelFeed(burn::burn_source*) { return 1; }
+
+template <typename Pointer>
+Pointer made(Pointer pointer) {
+    if (!pointer)
+        throw std::bad_alloc();
+    return pointer;
+}
+
+Source makeSource(SectorPipe& pipe, off_t size) {
+    auto feed = std::make_unique<Feed>(Feed{pipe, size, size});
+    // The library frees it with the C library's function.
+    auto* const source =
+        made(static_cast<burn::burn_source*>(std::calloc(1, sizeof(burn::burn_source))));
+    source->refcount = 1;
+    source->version = 1;
+    source->read_xt = readFeed;
+    source->get_size = sizeOfFeed;
+    source->set_size = setSizeOfFeed;
+    source->free_data = freeFeed;
+    source->cancel = cancelFeed;
+    source->data = feed.release();
+    return Source(source);
+}
+
+Track makeTrack(const DiscPlan& plan, std::size_t index, SectorPipe& pipe) {
+    const TrackPlan& planned = plan.tracks[index];
+    Track track = made(Track(burn::burn_track_create()));
+    const bool isAudio = plan.sectorSize == audioSectorSize;
+    burn::burn_track_define_data(track.get(), 0, 0, 1, isAudio ? BURN_AUDIO : BURN_MODE1);
+    const Source source = makeSource(pipe, off_t(planned.length) * plan.sectorSize);
+    if (burn::burn_track_set_source(track.get(), source.get()) != burn::BURN_SOURCE_OK)
+        throw BurnFailure(DRError::Internal, "libburn takes no track from here");
+    const std::uint32_t gap = planned.preGap + (index == 0 ? leadingGapSectors : 0);
+    burn::burn_track_set_pregap_size(track.get(), gap > 0 ? int(gap) : -1, 0);
+    return track;
+}
+
+Disc makeDisc(const DiscPlan& plan, SectorPipe& pipe) {
+    Disc disc = made(Disc(burn::burn_disc_create()));
+    const SessionPart session = made(SessionPart(burn::burn_session_create()));
+    if (burn::burn_disc_add_session(disc.get(), session.get(), BURN_POS_END) == 0)
+        throw std::bad_alloc();
+    for (std::size_t i = 0; i < plan.tracks.size(); ++i) {
+        const Track track = makeTrack(plan, i, pipe);
+        if (burn::burn_session_add_track(session.get(), track.get(), BURN_POS_END) == 0)
+            throw std::bad_alloc();
+    }
+    return disc;
+}
+
+Options makeOptions(burn::burn_drive* drive, const BurnSettings& settings) {
+    Options options = made(Options(burn::burn_write_opts_new(drive)));
+    burn::burn_write_opts_set_write_type(options.get(), burn::BURN_WRITE_SAO, burn::BURN_BLOCK_SAO);
+    burn::burn_write_opts_set_multi(options.get(), settings.staysAppendable ? 1 : 0);
+    burn::burn_write_opts_set_underrun_proof(options.get(), 1);
+    return options;
+}
+
+bool isIdle(burn::burn_drive* drive) {
+    return burn::burn_drive_get_status(drive, nullptr) == burn::BURN_DRIVE_IDLE;
+}
+
+} // namespace
+
+class BurnJob::Session {
+public:
+    Session(burn::burn_drive* drive, const DiscPlan& plan, const BurnSettings& settings,
+            SectorPipe& pipe)
+        : _disc(makeDisc(plan, pipe)), _options(makeOptions(drive, settings)) {
+        std::array<char, BURN_REASONS_LEN> reasons = {};
+        if (burn::burn_precheck_write(_options.get(), _disc.get(), reasons.data(), 0) != 1)
+            throw BurnFailure(DRError::MediaNotWritable,
+                              std::string("libburn refuses to write: ") + reasons.data());
+    }
+
+    void start() { burn::burn_disc_write(_options.get(), _disc.get()); }
+
+private:
+    const Disc _disc;
+    const Options _options;
+};
+
+BurnJob::BurnJob(const GrabbedDrive& drive, const DiscPlan& plan, const BurnSettings& settings,
+                 SectorPipe& pipe)
+    : _drive(drive.handle()), _pipe(pipe),
+      _session(std::make_unique<Session>(_drive, plan, settings, pipe)) {}
+
+BurnJob::~BurnJob() {
+    // Again and again, because a job that is just being started forgets it. Before the pipe ends,
+    // because the library fills up with silence what a source does not deliver.
+    while (isRunning()) {
+        burn::burn_drive_cancel(_drive);
+        _pipe.close();
+        std::this_thread::sleep_for(pollInterval);
+    }
+    BurnLibrary::shared().logMessages();
+}
+
+void BurnJob::start() { _session->start(); }
+
+bool BurnJob::isRunning() const { return !isIdle(_drive); }
+
+bool BurnJob::wroteWell() const { return burn::burn_drive_wrote_well(_drive) == 1; }
+
+void blankDisc(const GrabbedDrive& grabbed) {
+    burn::burn_drive* const drive = grabbed.handle();
+    BurnLibrary& library = BurnLibrary::shared();
+    const BurnLibrary::Moment start = library.now();
+    burn::burn_disc_erase(drive, 1);
+    while (!isIdle(drive)) {
+        library.logMessages();
+        std::this_thread::sleep_for(pollInterval);
+    }
+    const bool isWell = burn::burn_drive_wrote_well(drive) == 1;
+    burn::burn_drive_re_assess(drive, 0);
+    if (!isWell || burn::burn_disc_get_status(drive) != burn::BURN_DISC_BLANK)
+        throw BurnFailure(DRError::WriteFailed,
+                          "the disc cannot be blanked: " + library.worstSince(start));
+}
+
+void setSpeeds(const GrabbedDrive& drive, std::optional<double> blocksPerSecond) {
+    // Thousands of bytes per second, rounded up; 0 is the fastest.
+    const double thousands = blocksPerSecond.value_or(0.0) * audioSectorSize / 1000.0;
+    burn::burn_drive_set_speed(drive.handle(), 0, int(std::ceil(std::min(thousands, 1e6))));
+}
+
+} // namespace quarner

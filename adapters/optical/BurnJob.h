@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <memory>
+
+#include "adapters/engine/BurnSettings.h"
+#include "adapters/engine/DiscPlan.h"
+#include "adapters/optical/GrabbedDrive.h"
+#include "adapters/optical/SectorPipe.h"
+
+namespace quarner {
+
+/// One session as libburn writes it, session at once, on a thread of its own: every track of the
+/// plan, its content taken from a pipe. The pre-gaps are made by the drive and not taken from it.
+class BurnJob {
+public:
+    /// Hands the plan to libburn, which examines it: throws `BurnFailure` when drive and disc
+    /// cannot take it. Nothing is written yet. The drive and the pipe must outlive this object.
+    BurnJob(const GrabbedDrive& drive, const DiscPlan& plan, const BurnSettings& settings,
+            SectorPipe& pipe);
+    /// Stops the writing, closes the pipe, and returns when the drive is idle.
+    ~BurnJob();
+    BurnJob(const BurnJob&) = delete;
+    BurnJob& operator=(const BurnJob&) = delete;
+
+    void start();
+    /// Whether the drive is still at work: writing, or closing the disc. Any thread.
+    bool isRunning() const;
+    /// Once it is not running any more: whether everything was written.
+    bool wroteWell() const;
+
+private:
+    class Session;
+
+    burn::burn_drive* const _drive;
+    SectorPipe& _pipe;
+    std::unique_ptr<Session> _session;
+};
+
+/// Blanks an erasable disc in the quick way; returns when the drive is idle. The drive cannot be
+/// stopped meanwhile. Throws `BurnFailure` when the disc is not blank afterwards.
+void blankDisc(const GrabbedDrive& drive);
+
+/// Writes at so many blocks per second, or as fast as drive and disc allow; reads as fast as it
+/// can.
+void setSpeeds(const GrabbedDrive& drive, std::optional<double> blocksPerSecond);
+
+} // namespace quarner

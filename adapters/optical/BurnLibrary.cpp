@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/optical/BurnLibrary.h"
+
+#include <array>
+#include <utility>
+#include <vector>
+
+// The library's header wants these two before it.
+#include <stdint.h>
+#include <stdio.h>
+
+#include <libburn/libburn.h>
+
+#include "adapters/engine/BurnFailure.h"
+#include "quarner/platform/Platform.h"
+
+namespace quarner {
+namespace {
+
+constexpr std::size_t mostKept = 64;
+
+} // namespace
+
+BurnLibrary& BurnLibrary::shared() {
+    static auto* const library = new BurnLibrary; // in use until the process ends
+    return *library;
+}
+
+BurnLibrary::BurnLibrary() {
+    if (burn::burn_initialize() == 0)
+        throw BurnFailure(DRError::Internal, "libburn cannot be started");
+    char queued[] = "WARNING";
+    char printed[] = "NEVER";
+    char prefix[] = "";
+    burn::burn_msgs_set_severities(queued, printed, prefix);
+}
+
+BurnLibrary::Moment BurnLibrary::now() {
+    logMessages();
+    const std::lock_guard lock(_mutex);
+    return _moment;
+}
+
+void BurnLibrary::logMessages() {
+    std::vector<std::string> lines;
+    {
+        const std::lock_guard lock(_mutex);
+        char any[] = "ALL";
+        std::array<char, BURN_MSGS_MESSAGE_LEN> text = {};
+        std::array<char, 80> severity = {};
+        int code = 0;
+        int number = 0;
+        while (burn::burn_msgs_obtain(any, &code, text.data(), &number, severity.data()) == 1) {
+            int rank = 0;
+            burn::burn_text_to_sev(severity.data(), &rank, 0);
+            keep({++_moment, rank, text.data()});
+            lines.push_back(std::string("libburn: ") + severity.data() + ": " + text.data());
+        }
+    }
+    for (const std::string& line : lines)
+        currentPlatform()->log->log(line);
+}
+
+void BurnLibrary::keep(Message message) {
+    _kept.push_back(std::move(message));
+    if (_kept.size() > mostKept)
+        _kept.pop_front();
+}
+
+std::string BurnLibrary::worstSince(Moment moment) {
+    logMessages();
+    const std::lock_guard lock(_mutex);
+    const Message* worst = nullptr;
+    for (const Message& message : _kept)
+        if (message.moment > moment && (!worst || message.severity > worst->severity))
+            worst = &message;
+    return worst ? worst->text : std::string();
+}
+
+} // namespace quarner

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <mutex>
+#include <string>
+
+namespace quarner {
+
+/// What libburn has only once in a process: its list of drives, and its queue of messages. Every
+/// operation may be called on any thread.
+class BurnLibrary {
+public:
+    /// Starts the library at the first call, without its handler of signals. It stays until the end
+    /// of the process. Throws `BurnFailure` when it cannot be started.
+    static BurnLibrary& shared();
+    BurnLibrary(const BurnLibrary&) = delete;
+    BurnLibrary& operator=(const BurnLibrary&) = delete;
+
+    /// Held by whoever adds a drive to the library's list or takes one off.
+    std::mutex& drives() { return _drives; }
+
+    /// A moment in the sequence of the library's messages.
+    using Moment = std::uint64_t;
+    Moment now();
+
+    /// Passes what the library has to say on to the platform's log. To be called now and then while
+    /// the library works, and after it.
+    void logMessages();
+
+    /// The most severe message since a moment, the first of them if several are; empty without one.
+    /// Two drives at work have one queue, so the text may be of the other: it is for the diagnostic
+    /// log alone.
+    std::string worstSince(Moment moment);
+
+private:
+    struct Message {
+        Moment moment;
+        int severity;
+        std::string text;
+    };
+
+    BurnLibrary();
+    ~BurnLibrary() = default;
+    void keep(Message message);
+
+    std::mutex _drives;
+    std::mutex _mutex;
+    Moment _moment = 0;
+    std::deque<Message> _kept;
+};
+
+} // namespace quarner

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+#include "adapters/engine/StopSignal.h"
+#include "adapters/optical/DriveRecord.h"
+
+namespace burn {
+struct burn_drive;
+struct burn_drive_info;
+} // namespace burn
+
+namespace quarner {
+
+/// A drive that is open here, and closed to everybody else. Destroying it unlocks the tray and lets
+/// go of the drive; no operation of libburn may be under way then.
+class GrabbedDrive {
+public:
+    /// Opens a drive. One that another program has open is tried again until the time is over, or
+    /// the burn is stopped (`stop` may be null). Throws `BurnFailure`.
+    GrabbedDrive(const DriveRecord& record, std::chrono::milliseconds patience,
+                 const StopSignal* stop);
+    ~GrabbedDrive();
+    GrabbedDrive(const GrabbedDrive&) = delete;
+    GrabbedDrive& operator=(const GrabbedDrive&) = delete;
+
+    /// libburn's own drive; valid as long as this object.
+    burn::burn_drive* handle() const { return _handle; }
+
+    /// Opens the tray when this object is destroyed.
+    void ejectAtEnd() { _ejects = true; }
+
+private:
+    bool grab(const std::string& node);
+
+    burn::burn_drive_info* _found = nullptr;
+    burn::burn_drive* _handle = nullptr;
+    bool _ejects = false;
+};
+
+/// Whether the system still has the drive, whatever state that is in.
+bool isAttached(const DriveRecord& record);
+
+} // namespace quarner

@@ -1,0 +1,254 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/optical/OpticalDrive.h"
+
+#include <utility>
+
+#include "adapters/engine/BurnFailure.h"
+#include "adapters/optical/GrabbedDrive.h"
+#include "adapters/optical/OpticalWriter.h"
+#include "quarner/platform/DRKeys.h"
+#include "quarner/platform/Platform.h"
+
+namespace quarner {
+namespace {
+
+/// How long a drive that another program has open is waited for. The system itself opens a drive
+/// for a moment after each of its events.
+constexpr std::chrono::milliseconds questionPatience{500};
+constexpr std::chrono::milliseconds burnPatience{3000};
+
+DRMSF msf(std::uint64_t blocks) { return DRMSF::msfWithFrames(static_cast<std::uint32_t>(blocks)); }
+
+/// Why this disc cannot take this plan; nothing when it can.
+std::optional<BurnFailure> refusal(const DiscFacts& disc, const DiscPlan& plan,
+                                   const BurnSettings& settings) {
+    using State = DiscFacts::State;
+    if (disc.state == State::None)
+        return BurnFailure(DRError::MediaNotPresent, "no disc");
+    if (disc.state == State::NotReady)
+        return BurnFailure(DRError::MediaNotPresent, "the disc does not get ready");
+    if (disc.type == DRDeviceMediaTypeCDROM) // also a closed CD-R, as many drives put it
+        return BurnFailure(DRError::MediaNotWritable, "the disc cannot be recorded any more");
+    if (disc.type != DRDeviceMediaTypeCDR && disc.type != DRDeviceMediaTypeCDRW)
+        return BurnFailure(DRError::WrongMedia, "the disc is no CD: " + disc.type);
+    if (disc.state != State::Blank && !(disc.isErasable && settings.overwritesDisc))
+        return BurnFailure(DRError::MediaNotWritable, "the disc is not blank");
+    if (plan.sectors() > disc.freeBlocks)
+        return BurnFailure(DRError::MediaTooSmall,
+                           "the layout takes " + std::to_string(plan.sectors()) +
+                               " sectors, the disc has " + std::to_string(disc.freeBlocks));
+    return std::nullopt;
+}
+
+} // namespace
+
+OpticalDrive::OpticalDrive(DriveRecord record, std::string displayName,
+                           std::weak_ptr<RunLoops> runLoops, bool hearsOfChanges, Clock clock)
+    : _record(std::move(record)), _displayName(std::move(displayName)),
+      _runLoops(std::move(runLoops)), _hearsOfChanges(hearsOfChanges), _clock(std::move(clock)) {}
+
+void OpticalDrive::mediaChanged() {
+    {
+        const std::lock_guard lock(_mutex);
+        ++_changes;
+        if (!_burning)
+            _known.reset();
+    }
+    tellOfChange();
+}
+
+void OpticalDrive::unplug() {
+    std::shared_ptr<StopSignal> burning;
+    {
+        const std::lock_guard lock(_mutex);
+        _isAttached = false;
+        burning = _burning;
+    }
+    if (burning)
+        burning->request(DRError::DeviceVanished);
+}
+
+/// What is to be answered without asking the drive; nothing when it has to be asked.
+std::optional<DiscFacts> OpticalDrive::knownDisc() const {
+    const std::lock_guard lock(_mutex);
+    if (!_isAttached)
+        return DiscFacts();
+    if (_burning)
+        return _known ? _known->disc : DiscFacts();
+    if (!_known)
+        return std::nullopt;
+    const bool isKept = _hearsOfChanges && !_known->isMomentary;
+    if (isKept || _clock() - _known->since < keptFor)
+        return _known->disc;
+    return std::nullopt;
+}
+
+DiscFacts OpticalDrive::disc() const {
+    if (std::optional<DiscFacts> known = knownDisc())
+        return std::move(*known);
+    const std::lock_guard asking(_asking);
+    if (std::optional<DiscFacts> known = knownDisc()) // asked by another thread meanwhile
+        return std::move(*known);
+    return ask();
+}
+
+DiscFacts OpticalDrive::ask() const {
+    const std::uint64_t changes = changeCount();
+    DiscFacts disc;
+    bool isMomentary = true;
+    try {
+        const GrabbedDrive drive(_record, questionPatience, nullptr);
+        disc = readDiscFacts(drive);
+        isMomentary = disc.state == DiscFacts::State::NotReady;
+    } catch (const std::exception& failure) {
+        currentPlatform()->log->log(_displayName + ": " + failure.what());
+    }
+    learn(disc, isMomentary, changes);
+    return disc;
+}
+
+std::uint64_t OpticalDrive::changeCount() const {
+    const std::lock_guard lock(_mutex);
+    return _changes;
+}
+
+/// What was learnt while the disc was being changed is of no use.
+void OpticalDrive::learn(const DiscFacts& disc, bool isMomentary, std::uint64_t changes) const {
+    const std::lock_guard lock(_mutex);
+    if (changes == _changes)
+        _known = Known{disc, _clock(), isMomentary};
+}
+
+Dictionary OpticalDrive::info() const { return {{DRDeviceCanWriteCDKey, _record.canWriteCD}}; }
+
+Dictionary OpticalDrive::status() const {
+    const DiscFacts found = disc();
+    Dictionary status;
+    if (found.isPresent()) {
+        Dictionary media = {{DRDeviceMediaTypeKey, found.type},
+                            {DRDeviceMediaBlocksUsedKey, found.usedBlocks},
+                            {DRDeviceMediaBlocksFreeKey, found.freeBlocks}};
+        if (!found.speeds.empty())
+            media.emplace(DRDeviceBurnSpeedsKey, Array(found.speeds.begin(), found.speeds.end()));
+        status.emplace(DRDeviceMediaInfoKey, std::move(media));
+    }
+    const std::lock_guard lock(_mutex);
+    status.emplace(DRStatusCurrentSpeedKey, _speed);
+    return status;
+}
+
+bool OpticalDrive::mediaIsPresent() const { return disc().isPresent(); }
+
+bool OpticalDrive::mediaIsTransitioning() const {
+    return disc().state == DiscFacts::State::NotReady;
+}
+
+bool OpticalDrive::mediaIsBlank() const { return disc().state == DiscFacts::State::Blank; }
+
+bool OpticalDrive::mediaIsAppendable() const {
+    const DiscFacts::State state = disc().state;
+    return state == DiscFacts::State::Blank || state == DiscFacts::State::Appendable;
+}
+
+bool OpticalDrive::mediaIsErasable() const { return disc().isErasable; }
+
+bool OpticalDrive::mediaIsOverwritable() const { return disc().isOverwritable; }
+
+std::optional<DRMSF> OpticalDrive::mediaSpaceUsed() const {
+    const DiscFacts found = disc();
+    return found.isPresent() ? std::optional(msf(found.usedBlocks)) : std::nullopt;
+}
+
+std::optional<DRMSF> OpticalDrive::mediaSpaceFree() const {
+    const DiscFacts found = disc();
+    return found.isPresent() ? std::optional(msf(found.freeBlocks)) : std::nullopt;
+}
+
+bool OpticalDrive::ejectMedia() {
+    bool isOut = false;
+    {
+        const std::lock_guard asking(_asking);
+        isOut = mayAsk() && putOut();
+    }
+    if (isOut)
+        tellOfChange();
+    return isOut;
+}
+
+bool OpticalDrive::mayAsk() const {
+    const std::lock_guard lock(_mutex);
+    return _isAttached && !_burning;
+}
+
+bool OpticalDrive::putOut() {
+    try {
+        GrabbedDrive drive(_record, questionPatience, nullptr);
+        if (!readDiscFacts(drive).isPresent())
+            return false;
+        drive.ejectAtEnd();
+    } catch (const std::exception& failure) {
+        currentPlatform()->log->log(_displayName + ": " + failure.what());
+        return false;
+    }
+    return !ask().isPresent();
+}
+
+std::unique_ptr<SectorWriter> OpticalDrive::claim(const DiscPlan& plan,
+                                                  const BurnSettings& settings,
+                                                  const std::shared_ptr<StopSignal>& stop) {
+    reserve(stop);
+    std::unique_ptr<SectorWriter> writer;
+    try {
+        const std::lock_guard asking(_asking); // until a question that is being asked is answered
+        writer = open(plan, settings, stop);
+    } catch (...) {
+        const std::lock_guard lock(_mutex);
+        _burning.reset();
+        throw;
+    }
+    tellOfChange();
+    return writer;
+}
+
+void OpticalDrive::reserve(const std::shared_ptr<StopSignal>& stop) {
+    const std::lock_guard lock(_mutex);
+    if (!_isAttached)
+        throw BurnFailure(DRError::DeviceVanished, _displayName + ": unplugged");
+    if (_burning)
+        throw BurnFailure(DRError::DeviceBusy, _displayName + ": another burn is under way");
+    _burning = stop;
+}
+
+std::unique_ptr<SectorWriter> OpticalDrive::open(const DiscPlan& plan, const BurnSettings& settings,
+                                                 const std::shared_ptr<StopSignal>& stop) {
+    const std::uint64_t changes = changeCount();
+    auto drive = std::make_unique<GrabbedDrive>(_record, burnPatience, stop.get());
+    const DiscFacts disc = readDiscFacts(*drive);
+    learn(disc, false, changes);
+    if (const std::optional<BurnFailure> failure = refusal(disc, plan, settings))
+        throw BurnFailure(failure->error(), _displayName + ": " + failure->info());
+    return std::make_unique<OpticalWriter>(std::move(drive), _record, settings,
+                                           disc.state != DiscFacts::State::Blank, stop);
+}
+
+void OpticalDrive::speedChanged(double speed) {
+    const std::lock_guard lock(_mutex);
+    _speed = speed;
+}
+
+void OpticalDrive::release(std::optional<std::uint64_t>) {
+    {
+        const std::lock_guard lock(_mutex);
+        _burning.reset();
+        _known.reset();
+        _speed = 0.0;
+    }
+    tellOfChange();
+}
+
+void OpticalDrive::tellOfChange() {
+    if (const auto runLoops = _runLoops.lock())
+        runLoops->postToAll({DRDeviceStatusChangedNotification, shared_from_this(), {}});
+}
+
+} // namespace quarner

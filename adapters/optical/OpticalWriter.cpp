@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/optical/OpticalWriter.h"
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+#include <utility>
+
+// The library's header wants these two before it.
+#include <stdint.h>
+#include <stdio.h>
+
+#include <libburn/libburn.h>
+
+#include "adapters/engine/BurnFailure.h"
+#include "adapters/optical/DiscFacts.h"
+#include "adapters/optical/DiscTable.h"
+
+namespace quarner {
+namespace {
+
+constexpr std::chrono::milliseconds pollInterval{10};
+
+/// So many sectors are read by one call of the library, which cannot be interrupted.
+constexpr std::size_t sectorsPerReading = 64;
+
+/// No message, and no second attempt block by block: who reads decides what to make of a failure.
+constexpr int quietOnce = 2 | 4;
+
+} // namespace
+
+OpticalWriter::OpticalWriter(std::unique_ptr<GrabbedDrive> drive, DriveRecord record,
+                             BurnSettings settings, bool needsBlanking,
+                             std::shared_ptr<StopSignal> stop)
+    : _drive(std::move(drive)), _record(std::move(record)), _settings(settings),
+      _needsBlanking(needsBlanking), _stop(std::move(stop)) {}
+
+OpticalWriter::~OpticalWriter() = default;
+
+void OpticalWriter::openSession(const DiscPlan& plan) {
+    _plan = plan;
+    _jobStart = BurnLibrary::shared().now();
+    for (auto track = plan.tracks.rbegin(); track != plan.tracks.rend(); ++track) {
+        _left.push_back({false, std::uint64_t(track->length) * plan.sectorSize});
+        _left.push_back({true, std::uint64_t(track->preGap) * plan.sectorSize});
+    }
+    if (isAudio())
+        _sound.emplace(plan.sectors());
+    if (_needsBlanking)
+        blankDisc(*_drive);
+    _stop->throwIfRequested();
+    setSpeeds(*_drive, _settings.requestedSpeed);
+    _job = std::make_unique<BurnJob>(*_drive, plan, _settings, _pipe);
+}
+
+void OpticalWriter::write(std::span<const std::byte> sectors) {
+    if (_sound)
+        _sound->add(sectors);
+    while (!sectors.empty()) {
+        bool isGap = false;
+        const std::span<const std::byte> stretch = nextStretch(sectors, isGap);
+        if (!isGap)
+            give(stretch);
+        sectors = sectors.subspan(stretch.size());
+    }
+    BurnLibrary::shared().logMessages();
+}
+
+std::span<const std::byte> OpticalWriter::nextStretch(std::span<const std::byte> sectors,
+                                                      bool& isGap) {
+    while (_left.back().bytes == 0)
+        _left.pop_back();
+    Stretch& stretch = _left.back();
+    isGap = stretch.isGap;
+    const auto part = std::size_t(std::min<std::uint64_t>(stretch.bytes, sectors.size()));
+    stretch.bytes -= part;
+    return sectors.first(part);
+}
+
+void OpticalWriter::give(std::span<const std::byte> sectors) {
+    if (!_isStarted)
+        _job->start();
+    _isStarted = true;
+    if (!_pipe.give(sectors, _stop->token(), [this] { return _job->isRunning(); }))
+        fail(DRError::WriteFailed, "writing");
+}
+
+void OpticalWriter::closeSession() {}
+
+void OpticalWriter::finish() {
+    while (_job->isRunning()) {
+        BurnLibrary::shared().logMessages();
+        std::this_thread::sleep_for(pollInterval);
+    }
+    if (!_job->wroteWell())
+        fail(DRError::WriteFailed, "closing the disc");
+}
+
+void OpticalWriter::verifyTableOfContents() {
+    const std::string difference = differenceFromPlan(*_drive, _plan);
+    if (!difference.empty())
+        fail(DRError::VerifyFailed, "the table of contents of the disc has " + difference);
+    if (_sound)
+        findOffset();
+}
+
+void OpticalWriter::findOffset() {
+    const auto read = [this](std::int64_t firstSector, std::span<std::byte> buffer) {
+        return readSectors(firstSector, buffer);
+    };
+    const std::optional<std::int64_t> offset = _sound->find(read);
+    if (!offset)
+        fail(DRError::VerifyFailed, "the first sound was not found again on the disc");
+    _offset = *offset;
+}
+
+void OpticalWriter::readBack(std::uint64_t firstSector, std::span<std::byte> buffer) {
+    const auto read = [this](std::int64_t first, std::span<std::byte> bytes) {
+        return readSectors(first, bytes);
+    };
+    const bool isRead = _sound ? _sound->readAligned(firstSector, buffer, _offset, read)
+                               : read(std::int64_t(firstSector), buffer);
+    if (!isRead)
+        fail(DRError::ReadBackFailed, "reading back from sector " + std::to_string(firstSector));
+}
+
+bool OpticalWriter::readSectors(std::int64_t firstSector, std::span<std::byte> buffer) {
+    const std::size_t step = sectorsPerReading * _plan.sectorSize;
+    while (!buffer.empty()) {
+        _stop->throwIfRequested();
+        const std::span<std::byte> part = buffer.first(std::min(step, buffer.size()));
+        if (!readSome(firstSector, part))
+            return false;
+        firstSector += std::int64_t(part.size() / _plan.sectorSize);
+        buffer = buffer.subspan(part.size());
+    }
+    return true;
+}
+
+bool OpticalWriter::readSome(std::int64_t firstSector, std::span<std::byte> buffer) {
+    off_t count = 0;
+    auto* const bytes = reinterpret_cast<char*>(buffer.data());
+    const auto size = off_t(buffer.size());
+    const int result =
+        isAudio() ? burn::burn_read_audio(_drive->handle(), int(firstSector), bytes, size, &count,
+                                          quietOnce)
+                  : burn::burn_read_data(_drive->handle(), off_t(firstSector) * dataBlockSize,
+                                         bytes, size, &count, quietOnce);
+    return result == 1 && count == size;
+}
+
+/// What is behind a failure, as far as the drive can still be asked: a stop, an unplugged drive, a
+/// missing disc.
+void OpticalWriter::fail(DRError error, const std::string& attempt) {
+    _stop->throwIfRequested();
+    const std::string reason = BurnLibrary::shared().worstSince(_jobStart);
+    const std::string text = _record.node + ": " + attempt + (reason.empty() ? "" : ": " + reason);
+    _job.reset();
+    if (!isAttached(_record))
+        throw BurnFailure(DRError::DeviceVanished, text);
+    burn::burn_drive_re_assess(_drive->handle(), 0);
+    if (readDiscFacts(*_drive).state == DiscFacts::State::None)
+        throw BurnFailure(DRError::MediaNotPresent, text);
+    throw BurnFailure(error, text);
+}
+
+} // namespace quarner
