@@ -1,0 +1,228 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "tests/support/optical/EmulatedRecorder.h"
+
+#include <linux/cdrom.h>
+
+#include <algorithm>
+#include <thread>
+
+namespace quarner {
+namespace {
+
+const char* nameOf(Medium::State state) {
+    switch (state) {
+    case Medium::State::Blank:
+        return "blank";
+    case Medium::State::Appendable:
+    case Medium::State::Incomplete:
+        return "appendable";
+    case Medium::State::Closed:
+        break;
+    }
+    return "complete";
+}
+
+const char* propertyOf(Medium::Kind kind) {
+    switch (kind) {
+    case Medium::Kind::CDR:
+        return "ID_CDROM_MEDIA_CD_R";
+    case Medium::Kind::CDRW:
+        return "ID_CDROM_MEDIA_CD_RW";
+    case Medium::Kind::CDROM:
+        return "ID_CDROM_MEDIA_CD";
+    case Medium::Kind::DVDR:
+        break;
+    }
+    return "ID_CDROM_MEDIA_DVD_R";
+}
+
+std::string withUnderscores(std::string text) {
+    std::replace(text.begin(), text.end(), ' ', '_');
+    return text;
+}
+
+} // namespace
+
+EmulatedRecorder::EmulatedRecorder(UdevBed& udev, unsigned number,
+                                   const RecorderDescription& description)
+    : _udev(udev), _number(number), _name("sr" + std::to_string(number)),
+      _unit(description.vendor, description.product), _delay(description.delay) {
+    _unit.readOffset = description.readOffset;
+    _unit.faults = description.faults;
+    _unit.changeMedium(description.medium);
+}
+
+void EmulatedRecorder::unplug() {
+    {
+        const std::lock_guard lock(_mutex);
+        if (!_isPlugged)
+            return;
+        _isPlugged = false;
+    }
+    _udev.detach(_name);
+}
+
+void EmulatedRecorder::replug() {
+    UdevBed::Properties all;
+    {
+        const std::lock_guard lock(_mutex);
+        if (_isPlugged)
+            return;
+        _isPlugged = true;
+        _unit.start();
+        all = properties();
+    }
+    _udev.attach(_name, _number, all, shared_from_this());
+}
+
+void EmulatedRecorder::insert(Medium medium) {
+    {
+        const std::lock_guard lock(_mutex);
+        _unit.changeMedium(std::move(medium));
+    }
+    tellOfMedium();
+}
+
+void EmulatedRecorder::removeMedium() {
+    {
+        const std::lock_guard lock(_mutex);
+        _unit.changeMedium(std::nullopt);
+    }
+    tellOfMedium();
+}
+
+void EmulatedRecorder::pressEject() {
+    {
+        const std::lock_guard lock(_mutex);
+        if (_unit.isTrayLocked() || _unit.isTrayOpen())
+            return;
+        _unit.setTrayOpen(true);
+    }
+    tellOfMedium();
+}
+
+/// As udev's own rules give them to a drive of this kind.
+UdevBed::Properties EmulatedRecorder::properties() const {
+    UdevBed::Properties all = {{"ID_CDROM", "1"},
+                               {"ID_CDROM_CD", "1"},
+                               {"ID_CDROM_CD_R", "1"},
+                               {"ID_CDROM_CD_RW", "1"},
+                               {"ID_CDROM_DVD", "1"},
+                               {"ID_TYPE", "cd"},
+                               {"ID_BUS", "scsi"},
+                               {"ID_VENDOR", withUnderscores(_unit.vendor())},
+                               {"ID_MODEL", withUnderscores(_unit.product())}};
+    if (_unit.hasMedium()) {
+        all.emplace_back("ID_CDROM_MEDIA", "1");
+        all.emplace_back(propertyOf(_unit.medium()->kind), "1");
+        all.emplace_back("ID_CDROM_MEDIA_STATE", nameOf(_unit.medium()->state));
+    }
+    return all;
+}
+
+void EmulatedRecorder::tellOfMedium() {
+    UdevBed::Properties all;
+    {
+        const std::lock_guard lock(_mutex);
+        if (!_isPlugged)
+            return;
+        all = properties();
+    }
+    _udev.change(_name, _number, all, {{"DISK_MEDIA_CHANGE", "1"}});
+}
+
+std::optional<ScsiReply> EmulatedRecorder::execute(const ScsiCommand& command) {
+    std::unique_lock lock(_mutex);
+    const auto hook = _hook;
+    const auto delay = _delay;
+    lock.unlock();
+    if (hook)
+        hook(command.operation());
+    std::this_thread::sleep_for(delay);
+    lock.lock();
+    if (!_isPlugged || _unit.isUnplugged())
+        return std::nullopt;
+    _commands.push_back(command.operation());
+    const bool hadMedium = _unit.hasMedium();
+    const ScsiReply reply = _unit.execute(command);
+    afterCommand(hadMedium);
+    return _unit.isUnplugged() ? std::nullopt : std::optional(reply);
+}
+
+/// Whoever watches the drive hears of what commands and faults did to it.
+void EmulatedRecorder::afterCommand(bool hadMedium) {
+    const auto self = shared_from_this();
+    if (_unit.isUnplugged())
+        _udev.later([self] { self->unplug(); });
+    else if (_unit.hasMedium() != hadMedium)
+        _udev.later([self] { self->tellOfMedium(); });
+}
+
+int EmulatedRecorder::driveStatus() {
+    const std::lock_guard lock(_mutex);
+    if (_unit.isTrayOpen())
+        return CDS_TRAY_OPEN;
+    return _unit.hasMedium() ? CDS_DISC_OK : CDS_NO_DISC;
+}
+
+void EmulatedRecorder::nodeOpened() {
+    const std::lock_guard lock(_mutex);
+    ++_openCount;
+}
+
+void EmulatedRecorder::nodeClosed() {
+    const std::lock_guard lock(_mutex);
+    --_openCount;
+}
+
+void EmulatedRecorder::setFaults(const UnitFaults& faults) {
+    const std::lock_guard lock(_mutex);
+    _unit.faults = faults;
+}
+
+void EmulatedRecorder::setReadOffset(int samples) {
+    const std::lock_guard lock(_mutex);
+    _unit.readOffset = samples;
+}
+
+void EmulatedRecorder::setDelay(std::chrono::microseconds delay) {
+    const std::lock_guard lock(_mutex);
+    _delay = delay;
+}
+
+void EmulatedRecorder::setCommandHook(std::function<void(std::uint8_t)> hook) {
+    const std::lock_guard lock(_mutex);
+    _hook = std::move(hook);
+}
+
+bool EmulatedRecorder::isTrayOpen() const {
+    const std::lock_guard lock(_mutex);
+    return _unit.isTrayOpen();
+}
+
+bool EmulatedRecorder::isTrayLocked() const {
+    const std::lock_guard lock(_mutex);
+    return _unit.isTrayLocked();
+}
+
+int EmulatedRecorder::openCount() const {
+    const std::lock_guard lock(_mutex);
+    return _openCount;
+}
+
+std::uint32_t EmulatedRecorder::writeSpeed() const {
+    const std::lock_guard lock(_mutex);
+    return _unit.writeSpeed();
+}
+
+std::optional<Medium> EmulatedRecorder::writtenDisc() const {
+    const std::lock_guard lock(_mutex);
+    return _unit.medium();
+}
+
+std::vector<std::uint8_t> EmulatedRecorder::commands() const {
+    const std::lock_guard lock(_mutex);
+    return _commands;
+}
+
+} // namespace quarner

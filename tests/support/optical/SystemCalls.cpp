@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "tests/support/optical/SystemCalls.h"
+
+#include <linux/cdrom.h>
+#include <scsi/sg.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <cstring>
+#include <span>
+#include <utility>
+#include <vector>
+
+namespace quarner {
+namespace {
+
+struct UnrefData {
+    void operator()(UMockdevIoctlData* data) const { umockdev_ioctl_data_unref(data); }
+};
+using OwnedData = std::unique_ptr<UMockdevIoctlData, UnrefData>;
+
+OwnedData resolve(UMockdevIoctlData* data, std::size_t offset, std::size_t size) {
+    return OwnedData(umockdev_ioctl_data_resolve(data, offset, size, nullptr));
+}
+
+std::vector<std::uint8_t> bytesAt(UMockdevIoctlData* data, std::size_t offset, std::size_t size) {
+    const OwnedData part = size > 0 ? resolve(data, offset, size) : nullptr;
+    if (!part)
+        return {};
+    return {part->data, part->data + part->data_len};
+}
+
+/// Overwrites what a pointer in the data points to.
+void putBytes(UMockdevIoctlData* data, std::size_t offset, std::vector<std::uint8_t> bytes) {
+    if (bytes.empty())
+        return;
+    const OwnedData part = resolve(data, offset, bytes.size());
+    if (part)
+        umockdev_ioctl_data_update(part.get(), 0, bytes.data(), static_cast<int>(bytes.size()));
+}
+
+// Of the kernel's scsi.h, which is not among its headers for programs.
+constexpr gulong getIdAndUnit = 0x5382;
+constexpr gulong getBusNumber = 0x5386;
+
+/// The answer of a system call.
+struct CallResult {
+    long value = 0;
+    int error = 0;
+};
+
+/// Puts the answer where the caller of SG_IO expects it.
+void deliver(UMockdevIoctlData* data, sg_io_hdr header, const ScsiReply& reply) {
+    constexpr unsigned char checkCondition = 2;
+    constexpr unsigned short driverHasSense = 8;
+    std::vector<std::uint8_t> answer = reply.data;
+    if (answer.size() > header.dxfer_len)
+        answer.resize(header.dxfer_len);
+    const bool isRead = header.dxfer_direction == SG_DXFER_FROM_DEV;
+    if (isRead)
+        putBytes(data, offsetof(sg_io_hdr, dxferp), answer);
+    header.resid = isRead ? static_cast<int>(header.dxfer_len - answer.size()) : 0;
+    header.status = header.masked_status = 0;
+    header.host_status = header.driver_status = 0;
+    header.sb_len_wr = 0;
+    if (!reply.sense.isGood()) {
+        std::vector<std::uint8_t> sense = reply.sense.bytes();
+        if (sense.size() > header.mx_sb_len)
+            sense.resize(header.mx_sb_len);
+        header.status = checkCondition;
+        header.masked_status = checkCondition >> 1;
+        header.driver_status = driverHasSense;
+        header.sb_len_wr = static_cast<unsigned char>(sense.size());
+        putBytes(data, offsetof(sg_io_hdr, sbp), std::move(sense));
+    }
+    umockdev_ioctl_data_update(data, 0, reinterpret_cast<guint8*>(&header), sizeof header);
+}
+
+CallResult sendCommand(UMockdevIoctlClient* client, SystemCallTarget& target) {
+    const OwnedData data = resolve(umockdev_ioctl_client_get_arg(client), 0, sizeof(sg_io_hdr));
+    if (!data)
+        return {-1, EFAULT};
+    sg_io_hdr header = {};
+    std::memcpy(&header, data->data, sizeof header);
+    const auto block = bytesAt(data.get(), offsetof(sg_io_hdr, cmdp), header.cmd_len);
+    const bool isWrite = header.dxfer_direction == SG_DXFER_TO_DEV;
+    const auto sent =
+        bytesAt(data.get(), offsetof(sg_io_hdr, dxferp), isWrite ? header.dxfer_len : 0);
+    const std::optional<ScsiReply> reply =
+        target.execute({.block = block, .sent = std::as_bytes(std::span(sent))});
+    if (!reply)
+        return {-1, ENODEV};
+    deliver(data.get(), header, *reply);
+    return {};
+}
+
+CallResult fillIn(UMockdevIoctlClient* client, std::vector<std::uint8_t> bytes) {
+    putBytes(umockdev_ioctl_client_get_arg(client), 0, std::move(bytes));
+    return {};
+}
+
+CallResult answer(UMockdevIoctlClient* client, SystemCallTarget& target) {
+    switch (umockdev_ioctl_client_get_request(client)) {
+    case SG_IO:
+        return sendCommand(client, target);
+    case getIdAndUnit:
+        return fillIn(client, std::vector<std::uint8_t>(8));
+    case getBusNumber:
+        return fillIn(client, std::vector<std::uint8_t>(4));
+    case CDROM_DRIVE_STATUS:
+        return {target.driveStatus()};
+    default:
+        return {-1, ENOTTY};
+    }
+}
+
+using Target = std::weak_ptr<SystemCallTarget>;
+const Target& targetOf(gpointer data) { return *static_cast<Target*>(data); }
+
+gboolean onCall(UMockdevIoctlBase*, UMockdevIoctlClient* client, gpointer data) {
+    const std::shared_ptr<SystemCallTarget> target = targetOf(data).lock();
+    const CallResult result = target ? answer(client, *target) : CallResult{-1, ENODEV};
+    umockdev_ioctl_client_complete(client, result.value, result.error);
+    return TRUE;
+}
+void onOpened(UMockdevIoctlBase*, UMockdevIoctlClient*, gpointer data) {
+    if (const auto target = targetOf(data).lock())
+        target->nodeOpened();
+}
+void onClosed(UMockdevIoctlBase*, UMockdevIoctlClient*, gpointer data) {
+    if (const auto target = targetOf(data).lock())
+        target->nodeClosed();
+}
+
+void connect(UMockdevIoctlBase* calls, const char* signal, GCallback handler, Target target) {
+    const auto forget = [](gpointer data, GClosure*) { delete static_cast<Target*>(data); };
+    g_signal_connect_data(calls, signal, handler, new Target(std::move(target)), forget,
+                          GConnectFlags(0));
+}
+
+} // namespace
+
+SystemCallTarget::~SystemCallTarget() = default;
+
+void answerSystemCalls(UMockdevIoctlBase* calls, const std::shared_ptr<SystemCallTarget>& target) {
+    connect(calls, "handle-ioctl", G_CALLBACK(onCall), target);
+    connect(calls, "client-connected", G_CALLBACK(onOpened), target);
+    connect(calls, "client-vanished", G_CALLBACK(onClosed), target);
+}
+
+} // namespace quarner
