@@ -8,10 +8,10 @@
 #include <utility>
 
 #include "adapters/engine/BurnFailure.h"
+#include "adapters/engine/ReadableName.h"
 #include "adapters/image/CueSheet.h"
 #include "adapters/image/ImageNames.h"
 #include "adapters/image/IsoNames.h"
-#include "adapters/image/ReadableName.h"
 #include "quarner/platform/DRKeys.h"
 
 namespace quarner {
@@ -68,13 +68,9 @@ ImageDrive::Disc existingDisc(FileSystem& files, const std::string& path) {
 
 ImageRecorder::ImageRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<PCMService> pcm,
                              ImageRecorderParts parts)
-    : _runLoops(std::move(runLoops)), _services{_runLoops, std::move(pcm),
-                                                std::move(parts.dataDiscs),
-                                                std::make_shared<BurnThreads>(),
-                                                std::move(parts.clock)},
+    : EngineRecorder(std::move(runLoops), std::move(pcm), std::move(parts.dataDiscs),
+                     std::move(parts.clock)),
       _files(std::move(parts.files)) {}
-
-ImageRecorder::~ImageRecorder() { _services.threads->shutDown(); }
 
 std::shared_ptr<ImageDrive> ImageRecorder::add(const ImageDriveSettings& settings) {
     const std::optional<std::uint32_t> capacity = blocksOf(settings.minutes);
@@ -88,24 +84,18 @@ std::shared_ptr<ImageDrive> ImageRecorder::add(const ImageDriveSettings& setting
     {
         const std::lock_guard lock(_mutex);
         drive = std::make_shared<ImageDrive>(uniqueName(path), path, *capacity, disc, _files,
-                                             _runLoops);
+                                             runLoops());
         _drives.push_back(drive);
     }
-    _runLoops->postToAll({DRDeviceAppearedNotification, drive, {}});
+    tell(DRDeviceAppearedNotification, drive);
     return drive;
 }
 
 std::string ImageRecorder::uniqueName(const std::string& path) const {
-    const std::string name = readableName(ImageNames::baseName(path));
-    std::string candidate = name;
-    for (int number = 2; isTaken(candidate); ++number)
-        candidate = name + " (" + std::to_string(number) + ')';
-    return candidate;
-}
-
-bool ImageRecorder::isTaken(const std::string& name) const {
-    return std::any_of(_drives.begin(), _drives.end(),
-                       [&](const auto& drive) { return drive->displayName() == name; });
+    return uniqueDriveName(readableName(ImageNames::baseName(path)), [this](const auto& name) {
+        return std::any_of(_drives.begin(), _drives.end(),
+                           [&](const auto& drive) { return drive->displayName() == name; });
+    });
 }
 
 bool ImageRecorder::remove(const std::shared_ptr<DRDevice>& device) {
@@ -119,45 +109,13 @@ bool ImageRecorder::remove(const std::shared_ptr<DRDevice>& device) {
         _drives.erase(found);
     }
     drive->unplug();
-    _runLoops->postToAll({DRDeviceDisappearedNotification, drive, {}});
+    tell(DRDeviceDisappearedNotification, drive);
     return true;
 }
 
 std::vector<std::shared_ptr<DRDevice>> ImageRecorder::devices() {
     const std::lock_guard lock(_mutex);
     return {_drives.begin(), _drives.end()};
-}
-
-std::shared_ptr<DRBurn> ImageRecorder::burnForDevice(std::shared_ptr<DRDevice> device) {
-    return std::make_shared<EngineBurn>(_services,
-                                        std::dynamic_pointer_cast<ImageDrive>(std::move(device)));
-}
-
-std::shared_ptr<DRTrack> ImageRecorder::trackForAudioFile(const std::string& path) {
-    const std::optional<FileStamp> stamp = stampOfFile(path);
-    const std::optional<PCMLength> length = stamp ? _services.pcm->measure(path) : std::nullopt;
-    if (!length || length->discSamples == 0)
-        return nullptr;
-    auto track = std::make_shared<DRTrack>();
-    track->path = path;
-    track->sampleCount = length->discSamples;
-    track->stamp = *stamp;
-    track->setLength(DRMSF::msfWithFrames(sectorsForSamples(length->discSamples)));
-    return track;
-}
-
-std::shared_ptr<DRFile> ImageRecorder::fileWithPath(const std::string& path) {
-    const std::optional<FileStamp> stamp = stampOfFile(path);
-    return stamp ? std::make_shared<DRFile>(path, *stamp) : nullptr;
-}
-
-std::shared_ptr<DRTrack> ImageRecorder::trackForRootFolder(std::shared_ptr<const DRFolder> folder) {
-    return _services.dataDiscs ? _services.dataDiscs->trackForRootFolder(std::move(folder))
-                               : nullptr;
-}
-
-std::shared_ptr<DRNotificationCenter> ImageRecorder::currentRunLoopCenter() {
-    return _runLoops->currentCenter();
 }
 
 } // namespace quarner

@@ -6,12 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "adapters/engine/EngineBurn.h"
+#include "adapters/engine/EngineRecorder.h"
 #include "adapters/image/FileSystem.h"
 #include "adapters/image/ImageDrive.h"
-#include "adapters/runloop/RunLoopCenter.h"
 #include "quarner/platform/PCMService.h"
-#include "quarner/platform/RecordingService.h"
 
 namespace quarner {
 
@@ -36,12 +34,10 @@ struct ImageRecorderParts {
 
 /// A recorder whose discs are files: BIN and CUE for audio, ISO for data. Every operation may be
 /// called on any thread.
-class ImageRecorder : public RecordingService {
+class ImageRecorder : public EngineRecorder {
 public:
     ImageRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<PCMService> pcm,
                   ImageRecorderParts parts = {});
-    /// Cancels the burns that are under way and waits for their end. Not on a burn's thread.
-    ~ImageRecorder() override;
 
     /// Attaches a drive, named after its image and unlike the other drives. Null when the path
     /// does not name a CUE or ISO file, or the minutes are none of the two.
@@ -51,18 +47,10 @@ public:
     bool remove(const std::shared_ptr<DRDevice>& device);
 
     std::vector<std::shared_ptr<DRDevice>> devices() override;
-    std::shared_ptr<DRBurn> burnForDevice(std::shared_ptr<DRDevice> device) override;
-    std::shared_ptr<DRTrack> trackForAudioFile(const std::string& path) override;
-    std::shared_ptr<DRFile> fileWithPath(const std::string& path) override;
-    std::shared_ptr<DRTrack> trackForRootFolder(std::shared_ptr<const DRFolder> folder) override;
-    std::shared_ptr<DRNotificationCenter> currentRunLoopCenter() override;
 
 private:
     std::string uniqueName(const std::string& path) const;
-    bool isTaken(const std::string& name) const;
 
-    const std::shared_ptr<RunLoops> _runLoops;
-    const BurnServices _services;
     const std::shared_ptr<FileSystem> _files;
     std::mutex _mutex;
     std::vector<std::shared_ptr<ImageDrive>> _drives;

@@ -3,8 +3,8 @@
 
 #include <filesystem>
 
+#include "adapters/engine/ReadableName.h"
 #include "adapters/image/ImageNames.h"
-#include "adapters/image/ReadableName.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quarner {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "adapters/image/ReadableName.h"
+#include "adapters/engine/ReadableName.h"
 
 #include <cstddef>
 #include <string_view>
