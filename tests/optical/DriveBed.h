@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <gtest/gtest.h>
+#include <umockdev.h>
+
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace quarner {
+
+/// A machine whose devices are what a test says, for programs that run under umockdev-wrapper:
+/// sysfs, device files and udev's events. No device file answers anything.
+class DriveBed {
+public:
+    using Properties = std::vector<std::pair<std::string, std::string>>;
+
+    DriveBed() {
+        umockdev_testbed_set_attribute(_bed.get(), "/sys/class", "quarner", ""); // makes the folder
+    }
+    DriveBed(const DriveBed&) = delete;
+    DriveBed& operator=(const DriveBed&) = delete;
+
+    /// What udev finds out of a writer.
+    static Properties writer(const std::string& vendor, const std::string& model) {
+        return {
+            {"ID_CDROM", "1"}, {"ID_CDROM_CD_R", "1"}, {"ID_VENDOR", vendor}, {"ID_MODEL", model}};
+    }
+
+    /// Plugs a block device in, as udev tells of it. Answers its path in sysfs.
+    std::string plug(const std::string& name, const Properties& properties,
+                     const std::string& parent = {}) {
+        std::string text = "P: " + parent + "/devices/" + name + "\nN: " + name +
+                           "\nE: SUBSYSTEM=block\nE: DEVTYPE=disk\nE: DEVNAME=/dev/" + name + "\n";
+        for (const auto& [key, value] : properties)
+            text.append("E: ").append(key).append("=").append(value).append("\n");
+        addFromText(text);
+        return "/sys" + parent + "/devices/" + name;
+    }
+
+    /// Adds a SCSI device as the kernel describes it. Answers its path within sysfs.
+    std::string addScsi(const std::string& name, const std::string& type, const std::string& vendor,
+                        const std::string& model) {
+        addFromText("P: /devices/" + name +
+                    "\nE: SUBSYSTEM=scsi\nE: DEVTYPE=scsi_device\nA: type=" + type +
+                    "\nA: vendor=" + vendor + "\nA: model=" + model + "\n");
+        return "/devices/" + name;
+    }
+
+    void unplug(const std::string& sysPath) {
+        send(sysPath, "remove");
+        umockdev_testbed_remove_device(_bed.get(), sysPath.c_str());
+    }
+
+    void changeMedia(const std::string& sysPath) {
+        umockdev_testbed_set_property(_bed.get(), sysPath.c_str(), "DISK_MEDIA_CHANGE", "1");
+        send(sysPath, "change");
+    }
+
+private:
+    void send(const std::string& sysPath, const std::string& action) {
+        umockdev_testbed_uevent(_bed.get(), sysPath.c_str(), action.c_str());
+    }
+
+    void addFromText(const std::string& text) {
+        GError* error = nullptr;
+        if (!umockdev_testbed_add_from_string(_bed.get(), text.c_str(), &error)) {
+            ADD_FAILURE() << error->message;
+            g_error_free(error);
+        }
+    }
+
+    struct Unref {
+        void operator()(UMockdevTestbed* bed) const { g_object_unref(bed); }
+    };
+    const std::unique_ptr<UMockdevTestbed, Unref> _bed{umockdev_testbed_new()};
+};
+
+} // namespace quarner

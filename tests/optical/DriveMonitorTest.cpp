@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/optical/DriveMonitor.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+
+#include "tests/optical/DriveBed.h"
+
+namespace quarner {
+namespace {
+
+using ::testing::ElementsAre;
+
+/// Writes down what it is told.
+class Notes : public DriveListener {
+public:
+    void driveIsThere(const DriveRecord& record) override { note("there " + record.node); }
+    void driveIsGone(const std::string& sysPath) override { note("gone " + sysPath); }
+    void mediaChanged(const std::string& sysPath) override { note("media " + sysPath); }
+    void eventsWereLost() override { note("lost"); }
+
+    /// The first notes, as many as are asked for, waiting for them.
+    std::vector<std::string> first(std::size_t count) {
+        std::unique_lock lock(_mutex);
+        _noted.wait_for(lock, std::chrono::seconds(10), [&] { return _notes.size() >= count; });
+        return _notes;
+    }
+
+private:
+    void note(std::string text) {
+        const std::lock_guard lock(_mutex);
+        _notes.push_back(std::move(text));
+        _noted.notify_all();
+    }
+
+    std::mutex _mutex;
+    std::condition_variable _noted;
+    std::vector<std::string> _notes;
+};
+
+struct DriveMonitorTest : ::testing::Test {
+    DriveBed bed;
+    Notes notes;
+    DriveMonitor monitor;
+};
+
+TEST_F(DriveMonitorTest, DrivesThatComeAndGoAreToldInOrder) {
+    ASSERT_TRUE(monitor.start(notes));
+    const std::string drive = bed.plug("sr0", DriveBed::writer("V", "M"));
+    bed.unplug(drive);
+    EXPECT_THAT(notes.first(2), ElementsAre("there /dev/sr0", "gone " + drive));
+}
+
+TEST_F(DriveMonitorTest, ADiscThatIsPutInIsToldOfTheDrive) {
+    const std::string drive = bed.plug("sr0", DriveBed::writer("V", "M"));
+    ASSERT_TRUE(monitor.start(notes));
+    bed.changeMedia(drive);
+    EXPECT_THAT(notes.first(3), ElementsAre("there /dev/sr0", "there /dev/sr0", "media " + drive));
+}
+
+TEST_F(DriveMonitorTest, WhatHappenedBeforeTheStartIsToldAfterIt) {
+    bed.plug("sr0", DriveBed::writer("V", "M"));
+    ASSERT_TRUE(monitor.start(notes));
+    EXPECT_THAT(notes.first(1), ElementsAre("there /dev/sr0"));
+}
+
+TEST_F(DriveMonitorTest, OtherBlockDevicesAreNotToldOf) {
+    ASSERT_TRUE(monitor.start(notes));
+    bed.plug("sda", {{"ID_VENDOR", "ATA"}});
+    bed.plug("sr0", DriveBed::writer("V", "M"));
+    EXPECT_THAT(notes.first(1), ElementsAre("there /dev/sr0"));
+}
+
+} // namespace
+} // namespace quarner
