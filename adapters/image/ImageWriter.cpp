@@ -83,6 +83,7 @@ void ImageWriter::commit() {
     _bin.reset();
     switchOver();
     try {
+        _files->syncFolder(_names.folder);
         moveToPlainName();
         _files->syncFolder(_names.folder);
     } catch (const BurnFailure&) {
@@ -99,7 +100,6 @@ void ImageWriter::switchOver() {
         _files->remove(_firstBin);
         throw;
     }
-    _files->syncFolder(_names.folder);
 }
 
 /// The BIN has both names while the CUE changes from the one to the other.

@@ -37,7 +37,11 @@ void IsoWriter::readBack(std::uint64_t firstSector, std::span<std::byte> buffer)
 void IsoWriter::commit() {
     _iso.reset();
     _files->rename(_names.part, _names.iso);
-    _files->syncFolder(_names.folder);
+    try {
+        _files->syncFolder(_names.folder);
+    } catch (const BurnFailure&) {
+        // The image is in place, and the one before it is gone: that is no failed burn.
+    }
 }
 
 } // namespace quarner

@@ -99,6 +99,41 @@ TEST_P(ImageFault, AFailureToPublishKeepsTheOldImage) {
     expectOldImage(old);
 }
 
+/// A folder whose names cannot be brought to the disk once the image has got its own.
+class NothingSyncedInTheEnd : public ForwardingFiles {
+public:
+    std::string image;
+    int failures = 0;
+    void rename(const std::string& from, const std::string& to) override {
+        ForwardingFiles::rename(from, to);
+        _isPublished = _isPublished || to == image;
+    }
+    void syncFolder(const std::string& folder) override {
+        if (_isPublished) {
+            ++failures;
+            throw BurnFailure(DRError::WriteFailed, "syncing " + folder + " failed");
+        }
+        ForwardingFiles::syncFolder(folder);
+    }
+
+private:
+    bool _isPublished = false;
+};
+
+TEST_P(ImageFault, AnImageThatIsInPlaceIsDoneWhateverHappensAfterwards) {
+    burnOldImage();
+    const auto files = std::make_shared<NothingSyncedInTheEnd>();
+    files->image = stage->image();
+    const Paths fresh = makeSources({2000, 588 * 300});
+    EXPECT_EQ(codeOfBurnWith(files, fresh), 0U);
+    EXPECT_EQ(files->failures, 1);
+    EXPECT_TRUE(imageHolds(fresh));
+    const Paths next = makeSources({3000});
+    EXPECT_TRUE(burn(next).isDone) << "what was left is cleared away";
+    EXPECT_TRUE(imageHolds(next));
+    EXPECT_EQ(filesInFolder(), stage->filesOfImage());
+}
+
 TEST_P(ImageFault, AnImageIsReplacedInOneStepWhenTheBurnIsDone) {
     const Paths old = burnOldImage();
     const Paths fresh = makeSources({588 * 700, 2000});
