@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <cerrno>
 
 #include "tests/optical/LibburnSession.h"
+#include "tests/optical/Noise.h"
 #include "tests/support/optical/OpticalBed.h"
 
 namespace quarner {
@@ -9,25 +14,20 @@ namespace {
 
 using testing::ElementsAre;
 
-/// Bytes that differ from sector to sector and from seed to seed.
-std::vector<std::byte> noise(std::size_t size, std::uint32_t seed) {
-    std::vector<std::byte> bytes(size);
-    std::uint32_t state = seed * 2654435761U + 1;
-    for (std::byte& byte : bytes) {
-        state = state * 1664525U + 1013904223U;
-        byte = static_cast<std::byte>(state >> 24);
-    }
-    return bytes;
-}
-std::vector<std::byte> sound(std::size_t sectors, std::uint32_t seed) {
-    return noise(sectors * 2352, seed);
-}
-std::vector<std::byte> data(std::size_t sectors, std::uint32_t seed) {
-    return noise(sectors * 2048, seed);
-}
+constexpr bool atOnce = true;
+constexpr bool trackByTrack = false;
 
 class EmulatedRecorderTest : public testing::Test {
 protected:
+    /// Writes one track in a session of its own.
+    static bool burn(const EmulatedRecorder& recorder, std::vector<std::byte> content, bool isAudio,
+                     bool isAtOnce, bool isMultiSession = false) {
+        LibburnSession session(recorder.node());
+        return session.isGrabbed() &&
+               session.burn({{.content = std::move(content), .isAudio = isAudio}}, isAtOnce,
+                            isMultiSession);
+    }
+
     OpticalBed bed;
 };
 
@@ -45,14 +45,25 @@ TEST_F(EmulatedRecorderTest, TellsLibburnWhatItIs) {
     EXPECT_TRUE(session.trackStarts().empty());
 }
 
+TEST_F(EmulatedRecorderTest, TellsOfEveryKindOfDisc) {
+    const auto profileOf = [&](std::optional<Medium> medium) {
+        const auto recorder = bed.plug({.medium = std::move(medium)});
+        return LibburnSession(recorder->node()).profile();
+    };
+    EXPECT_EQ(profileOf(std::nullopt), 0);
+    EXPECT_EQ(profileOf(Medium::blankCDR()), 0x09);
+    EXPECT_EQ(profileOf(Medium::blankCDRW()), 0x0A);
+    EXPECT_EQ(profileOf(Medium::blankDVD()), 0x11);
+}
+
 TEST_F(EmulatedRecorderTest, TakesAnAudioSessionAtOnce) {
     const auto recorder = bed.plug();
-    const auto first = sound(310, 1);
-    const auto second = sound(400, 2);
+    const auto first = noiseOfSound(310, 1);
+    const auto second = noiseOfSound(400, 2);
     {
         LibburnSession session(recorder->node());
         ASSERT_TRUE(session.isGrabbed());
-        EXPECT_TRUE(session.burn({{.content = first}, {.content = second, .preGap = 150}}, true));
+        EXPECT_TRUE(session.burn({{.content = first}, {.content = second, .preGap = 150}}, atOnce));
     }
     const Medium disc = recorder->writtenDisc().value();
     EXPECT_EQ(disc.state, Medium::State::Closed);
@@ -71,34 +82,197 @@ TEST_F(EmulatedRecorderTest, TakesAnAudioSessionAtOnce) {
 
 TEST_F(EmulatedRecorderTest, TakesADataTrackAtOnce) {
     const auto recorder = bed.plug();
-    const auto content = data(500, 3);
-    {
-        LibburnSession session(recorder->node());
-        ASSERT_TRUE(session.isGrabbed());
-        EXPECT_TRUE(session.burn({{.content = content, .isAudio = false}}, false));
-    }
+    const auto content = noiseOfData(500, 3);
+    EXPECT_TRUE(burn(*recorder, content, false, trackByTrack));
     const Medium disc = recorder->writtenDisc().value();
     EXPECT_EQ(disc.state, Medium::State::Closed);
     ASSERT_EQ(disc.tracks.size(), 1U);
     EXPECT_FALSE(disc.tracks[0].isAudio);
     EXPECT_EQ(disc.tracks[0].length, 502U) << "the drive ends it with two sectors of its own";
     EXPECT_EQ(disc.contentOf(disc.tracks[0]), content);
+    LibburnSession session(recorder->node());
+    EXPECT_EQ(session.readData(0, 500), content);
+    EXPECT_EQ(session.readData(500, 2), std::nullopt);
 }
 
 TEST_F(EmulatedRecorderTest, TakesADataSessionAtOnce) {
     const auto recorder = bed.plug();
-    const auto content = data(500, 4);
-    {
-        LibburnSession session(recorder->node());
-        ASSERT_TRUE(session.isGrabbed());
-        EXPECT_TRUE(session.burn({{.content = content, .isAudio = false}}, true));
-    }
+    const auto content = noiseOfData(500, 4);
+    EXPECT_TRUE(burn(*recorder, content, false, atOnce));
     const Medium disc = recorder->writtenDisc().value();
     EXPECT_EQ(disc.state, Medium::State::Closed);
     ASSERT_EQ(disc.tracks.size(), 1U);
     EXPECT_FALSE(disc.tracks[0].isAudio);
     EXPECT_EQ(disc.tracks[0].length, 500U);
     EXPECT_EQ(disc.contentOf(disc.tracks[0]), content);
+    LibburnSession session(recorder->node());
+    EXPECT_TRUE(session.isFull());
+    EXPECT_THAT(session.trackStarts(), ElementsAre(0, 500));
+    EXPECT_EQ(session.readData(0, 500), content);
+}
+
+TEST_F(EmulatedRecorderTest, TakesFurtherSessionsUntilTheDiscIsClosed) {
+    const auto recorder = bed.plug();
+    EXPECT_TRUE(burn(*recorder, noiseOfData(300, 1), false, trackByTrack, true));
+    {
+        LibburnSession session(recorder->node());
+        EXPECT_TRUE(session.isAppendable());
+        EXPECT_EQ(session.freeSectors(), 359'847 - (302 + 11'250 + 150));
+    }
+    const auto second = noiseOfData(400, 2);
+    EXPECT_TRUE(burn(*recorder, second, false, trackByTrack));
+    const Medium disc = recorder->writtenDisc().value();
+    EXPECT_EQ(disc.state, Medium::State::Closed);
+    EXPECT_EQ(disc.sessions, 2U);
+    ASSERT_EQ(disc.tracks.size(), 2U);
+    EXPECT_EQ(disc.tracks[1].start, 302 + 11'250 + 150);
+    EXPECT_EQ(disc.contentOf(disc.tracks[1]), second);
+    EXPECT_FALSE(burn(*recorder, second, false, trackByTrack)) << "the disc is closed";
+}
+
+TEST_F(EmulatedRecorderTest, IsBlankedAndWrittenAgain) {
+    const auto recorder = bed.plug({.medium = Medium::blankCDRW()});
+    EXPECT_TRUE(burn(*recorder, noiseOfSound(300, 1), true, atOnce));
+    const auto second = noiseOfSound(350, 2);
+    EXPECT_FALSE(burn(*recorder, second, true, atOnce)) << "not blank";
+    {
+        LibburnSession session(recorder->node());
+        EXPECT_TRUE(session.isErasable());
+        EXPECT_TRUE(session.blank());
+    }
+    EXPECT_EQ(recorder->writtenDisc()->state, Medium::State::Blank);
+    EXPECT_TRUE(burn(*recorder, second, true, atOnce));
+    const Medium disc = recorder->writtenDisc().value();
+    EXPECT_EQ(disc.contentOf(disc.tracks.at(0)), second);
+}
+
+TEST_F(EmulatedRecorderTest, ReadsSoundWithItsOffset) {
+    const auto recorder = bed.plug();
+    const auto content = noiseOfSound(320, 5);
+    EXPECT_TRUE(burn(*recorder, content, true, atOnce));
+    const auto moved = [&](int samples) {
+        recorder->setReadOffset(samples);
+        LibburnSession session(recorder->node());
+        return session.readAudio(10, 20);
+    };
+    const auto expected = [&](int samples) {
+        const auto first = content.begin() + 10 * 2352 + samples * 4;
+        return std::vector<std::byte>(first, first + 20 * 2352);
+    };
+    for (const int samples : {0, 30, 587, 588, 1200, -1, -588, -1200})
+        EXPECT_EQ(moved(samples), expected(samples)) << samples;
+}
+
+TEST_F(EmulatedRecorderTest, LocksTheTrayWhileItIsInUse) {
+    const auto recorder = bed.plug();
+    {
+        LibburnSession session(recorder->node());
+        EXPECT_TRUE(recorder->isTrayLocked());
+        EXPECT_EQ(recorder->openCount(), 1);
+        recorder->pressEject();
+        EXPECT_FALSE(recorder->isTrayOpen());
+        EXPECT_TRUE(session.isBlank());
+    }
+    EXPECT_TRUE(recorder->isReleased());
+    recorder->pressEject();
+    EXPECT_TRUE(recorder->isTrayOpen());
+    EXPECT_EQ(LibburnSession(recorder->node()).profile(), 0) << "the disc is out";
+    recorder->insert(Medium::blankCDRW());
+    EXPECT_FALSE(recorder->isTrayOpen());
+    LibburnSession session(recorder->node());
+    EXPECT_EQ(session.profile(), 0x0A);
+    session.eject();
+    EXPECT_TRUE(recorder->isTrayOpen());
+}
+
+TEST_F(EmulatedRecorderTest, FailsWhereItIsToldTo) {
+    const auto recorder = bed.plug({.faults = {.writeErrorAt = 100}});
+    EXPECT_FALSE(burn(*recorder, noiseOfSound(400, 6), true, atOnce));
+    EXPECT_TRUE(recorder->isReleased());
+    const Medium disc = recorder->writtenDisc().value();
+    EXPECT_EQ(disc.state, Medium::State::Incomplete);
+    EXPECT_EQ(disc.sectors.rbegin()->first, 99);
+    EXPECT_FALSE(burn(*recorder, noiseOfSound(400, 6), true, atOnce)) << "the disc is spoilt";
+
+    recorder->setFaults({.readErrorAt = 7});
+    recorder->insert(Medium::blankCDR());
+    EXPECT_TRUE(burn(*recorder, noiseOfData(300, 6), false, atOnce));
+    LibburnSession session(recorder->node());
+    EXPECT_NE(session.readData(0, 7), std::nullopt);
+    EXPECT_EQ(session.readData(0, 8), std::nullopt);
+}
+
+TEST_F(EmulatedRecorderTest, LosesItsDiscInMidBurn) {
+    const auto recorder = bed.plug({.faults = {.removeMediumAt = 100}});
+    EXPECT_FALSE(burn(*recorder, noiseOfSound(400, 7), true, atOnce));
+    EXPECT_EQ(recorder->writtenDisc(), std::nullopt);
+    EXPECT_TRUE(recorder->isReleased());
+    recorder->setFaults({});
+    recorder->insert(Medium::blankCDR());
+    EXPECT_TRUE(burn(*recorder, noiseOfSound(400, 7), true, atOnce));
+}
+
+TEST_F(EmulatedRecorderTest, IsUnpluggedInMidBurn) {
+    const auto recorder = bed.plug({.faults = {.unplugAt = 100}});
+    EXPECT_FALSE(burn(*recorder, noiseOfSound(400, 8), true, atOnce));
+    EXPECT_FALSE(LibburnSession(recorder->node()).isGrabbed());
+    recorder->setFaults({});
+    recorder->insert(Medium::blankCDR());
+    recorder->replug();
+    EXPECT_TRUE(burn(*recorder, noiseOfSound(400, 8), true, atOnce));
+}
+
+TEST_F(EmulatedRecorderTest, IsBusyForATime) {
+    const auto recorder = bed.plug();
+    recorder->setBusy(100);
+    EXPECT_FALSE(LibburnSession(recorder->node()).isGrabbed());
+    recorder->setBusy(1);
+    EXPECT_TRUE(LibburnSession(recorder->node()).isGrabbed());
+}
+
+TEST_F(EmulatedRecorderTest, IsForOneUserAtATime) {
+    const auto recorder = bed.plug();
+    constexpr int forItself = O_RDWR | O_NONBLOCK | O_EXCL;
+    const int user = open(recorder->node().c_str(), forItself);
+    ASSERT_GE(user, 0);
+    EXPECT_EQ(open(recorder->node().c_str(), forItself), -1);
+    EXPECT_EQ(errno, EBUSY);
+    EXPECT_EQ(recorder->openCount(), 1);
+    close(user);
+    EXPECT_TRUE(LibburnSession(recorder->node()).isGrabbed());
+}
+
+TEST_F(EmulatedRecorderTest, IsNotReadyForATime) {
+    const auto recorder = bed.plug({.faults = {.notReady = 3}});
+    LibburnSession session(recorder->node());
+    ASSERT_TRUE(session.isGrabbed());
+    EXPECT_TRUE(session.isBlank());
+}
+
+TEST_F(EmulatedRecorderTest, IsSlow) {
+    const auto recorder = bed.plug();
+    recorder->setDelay(std::chrono::milliseconds(5));
+    const std::size_t before = recorder->commands().size();
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_TRUE(LibburnSession(recorder->node()).isGrabbed());
+    const auto commands = static_cast<int>(recorder->commands().size() - before);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, commands * std::chrono::milliseconds(5));
+}
+
+TEST_F(EmulatedRecorderTest, IsOneOfSeveral) {
+    const auto first = bed.plug({.product = "FIRST"});
+    const auto second = bed.plug({.product = "SECOND", .medium = Medium::blankCDRW()});
+    EXPECT_EQ(first->node(), "/dev/sr0");
+    EXPECT_EQ(second->node(), "/dev/sr1");
+    {
+        LibburnSession session(second->node());
+        ASSERT_TRUE(session.isGrabbed());
+        EXPECT_EQ(session.product(), "SECOND");
+        EXPECT_EQ(session.profile(), 0x0A);
+        EXPECT_EQ(first->openCount(), 0);
+    }
+    EXPECT_TRUE(burn(*first, noiseOfData(300, 9), false, atOnce));
+    EXPECT_EQ(second->writtenDisc()->state, Medium::State::Blank);
 }
 
 } // namespace

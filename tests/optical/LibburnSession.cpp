@@ -10,8 +10,10 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <condition_variable>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <span>
 #include <thread>
 
@@ -36,40 +38,79 @@ struct FreeOptions {
     void operator()(burn_write_opts* options) const { burn_write_opts_free(options); }
 };
 
+/// The thread on which libburn writes. That a drive is idle is no sign of its end: a drive that is
+/// lost counts as idle at once, while the thread still works on it.
+class WritingThread {
+public:
+    /// Called on that thread.
+    void enter() {
+        thread_local std::unique_ptr<Exit> exit;
+        if (exit)
+            return;
+        exit = std::make_unique<Exit>(*this);
+        const std::lock_guard lock(_mutex);
+        _isRunning = true;
+    }
+    void waitForEnd() {
+        std::unique_lock lock(_mutex);
+        _ended.wait(lock, [&] { return !_isRunning; });
+    }
+
+private:
+    struct Exit {
+        explicit Exit(WritingThread& of) : thread(of) {}
+        ~Exit() {
+            const std::lock_guard lock(thread._mutex);
+            thread._isRunning = false;
+            thread._ended.notify_all();
+        }
+        WritingThread& thread;
+    };
+
+    std::mutex _mutex;
+    std::condition_variable _ended;
+    bool _isRunning = false;
+};
+
 /// What is still to be read of a track.
-using Rest = std::span<const std::byte>;
+struct Rest {
+    std::span<const std::byte> bytes;
+    WritingThread& reader;
+};
 Rest& restOf(burn_source* source) { return *static_cast<Rest*>(source->data); }
 
 int readRest(burn_source* source, unsigned char* buffer, int size) {
     Rest& rest = restOf(source);
-    const std::size_t count = std::min(rest.size(), static_cast<std::size_t>(size));
-    std::memcpy(buffer, rest.data(), count);
-    rest = rest.subspan(count);
+    rest.reader.enter();
+    const std::size_t count = std::min(rest.bytes.size(), static_cast<std::size_t>(size));
+    std::memcpy(buffer, rest.bytes.data(), count);
+    rest.bytes = rest.bytes.subspan(count);
     return static_cast<int>(count);
 }
-off_t sizeOfRest(burn_source* source) { return static_cast<off_t>(restOf(source).size()); }
+off_t sizeOfRest(burn_source* source) { return static_cast<off_t>(restOf(source).bytes.size()); }
 int refuseSize(burn_source*, off_t) { return 0; }
 void freeRest(burn_source* source) { delete &restOf(source); }
 
 /// A source of libburn's own kind, which it frees when its last user did.
-burn_source* sourceOf(const std::vector<std::byte>& content) {
+burn_source* sourceOf(const std::vector<std::byte>& content, WritingThread& reader) {
     auto* source = static_cast<burn_source*>(std::calloc(1, sizeof(burn_source)));
     source->refcount = 1;
     source->read = readRest;
     source->get_size = sizeOfRest;
     source->set_size = refuseSize;
     source->free_data = freeRest;
-    source->data = new Rest(content);
+    source->data = new Rest{content, reader};
     return source;
 }
 
-std::unique_ptr<burn_track, FreeTrack> trackOf(const LibburnSession::Track& track) {
+std::unique_ptr<burn_track, FreeTrack> trackOf(const LibburnSession::Track& track,
+                                               WritingThread& reader) {
     std::unique_ptr<burn_track, FreeTrack> made(burn_track_create());
     constexpr int noPadding = 0;
     burn_track_define_data(made.get(), 0, 0, noPadding, track.isAudio ? BURN_AUDIO : BURN_MODE1);
     if (track.preGap > 0)
         burn_track_set_pregap_size(made.get(), track.preGap, 0);
-    burn_source* source = sourceOf(track.content);
+    burn_source* source = sourceOf(track.content, reader);
     burn_track_set_source(made.get(), source);
     burn_source_free(source);
     return made;
@@ -178,9 +219,10 @@ bool LibburnSession::burn(const std::vector<Track>& tracks, bool isAtOnce, bool 
     const std::unique_ptr<burn_disc, FreeDisc> disc(burn_disc_create());
     const std::unique_ptr<burn_session, FreeSession> session(burn_session_create());
     burn_disc_add_session(disc.get(), session.get(), BURN_POS_END);
+    WritingThread thread;
     std::vector<std::unique_ptr<burn_track, FreeTrack>> made;
     for (const Track& track : tracks) {
-        made.push_back(trackOf(track));
+        made.push_back(trackOf(track, thread));
         burn_session_add_track(session.get(), made.back().get(), BURN_POS_END);
     }
     const std::unique_ptr<burn_write_opts, FreeOptions> options(
@@ -192,6 +234,7 @@ bool LibburnSession::burn(const std::vector<Track>& tracks, bool isAtOnce, bool 
     burn_write_opts_set_multi(options.get(), isMultiSession ? 1 : 0);
     burn_disc_write(options.get(), disc.get());
     _library->waitUntilIdle();
+    thread.waitForEnd();
     return burn_drive_wrote_well(_library->drive) == 1;
 }
 

@@ -4,7 +4,10 @@
 #include <linux/cdrom.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <thread>
+
+#include "tests/support/optical/NodeAccess.h"
 
 namespace quarner {
 namespace {
@@ -50,6 +53,7 @@ EmulatedRecorder::EmulatedRecorder(UdevBed& udev, unsigned number,
     _unit.readOffset = description.readOffset;
     _unit.faults = description.faults;
     _unit.changeMedium(description.medium);
+    watchNode(node());
 }
 
 void EmulatedRecorder::unplug() {
@@ -165,16 +169,6 @@ int EmulatedRecorder::driveStatus() {
     return _unit.hasMedium() ? CDS_DISC_OK : CDS_NO_DISC;
 }
 
-void EmulatedRecorder::nodeOpened() {
-    const std::lock_guard lock(_mutex);
-    ++_openCount;
-}
-
-void EmulatedRecorder::nodeClosed() {
-    const std::lock_guard lock(_mutex);
-    --_openCount;
-}
-
 void EmulatedRecorder::setFaults(const UnitFaults& faults) {
     const std::lock_guard lock(_mutex);
     _unit.faults = faults;
@@ -189,6 +183,8 @@ void EmulatedRecorder::setDelay(std::chrono::microseconds delay) {
     const std::lock_guard lock(_mutex);
     _delay = delay;
 }
+
+void EmulatedRecorder::setBusy(unsigned attempts) { refuseOpening(node(), EBUSY, attempts); }
 
 void EmulatedRecorder::setCommandHook(std::function<void(std::uint8_t)> hook) {
     const std::lock_guard lock(_mutex);
@@ -205,10 +201,9 @@ bool EmulatedRecorder::isTrayLocked() const {
     return _unit.isTrayLocked();
 }
 
-int EmulatedRecorder::openCount() const {
-    const std::lock_guard lock(_mutex);
-    return _openCount;
-}
+int EmulatedRecorder::openCount() const { return openCountOf(node()); }
+
+bool EmulatedRecorder::isReleased() const { return openCount() == 0 && !isTrayLocked(); }
 
 std::uint32_t EmulatedRecorder::writeSpeed() const {
     const std::lock_guard lock(_mutex);

@@ -58,14 +58,19 @@ public:
     void setReadOffset(int samples);
     /// How long each command takes.
     void setDelay(std::chrono::microseconds delay);
+    /// Makes the next attempts of this process to open the node fail as those do while another
+    /// program has the drive for itself; 0 ends it.
+    void setBusy(unsigned attempts);
     /// Called with the first byte of each command before it is executed, on the thread that answers
     /// the commands of all recorders. Must not send commands itself.
     void setCommandHook(std::function<void(std::uint8_t)> hook);
 
     bool isTrayOpen() const;
     bool isTrayLocked() const;
-    /// How many times its node is open, in all programs.
+    /// How many times this process has its node open.
     int openCount() const;
+    /// Whether this process has let go of it: the node not open, and the tray not locked.
+    bool isReleased() const;
     /// The write speed that was last asked for, in kB/s; 0xFFFF stands for the highest.
     std::uint32_t writeSpeed() const;
     /// The disc with what was written to it; nothing without one.
@@ -75,8 +80,6 @@ public:
 
     std::optional<ScsiReply> execute(const ScsiCommand& command) override;
     int driveStatus() override;
-    void nodeOpened() override;
-    void nodeClosed() override;
 
 private:
     UdevBed::Properties properties() const;
@@ -90,7 +93,6 @@ private:
     mutable std::mutex _mutex;
     OpticalUnit _unit;
     bool _isPlugged = false;
-    int _openCount = 0;
     std::chrono::microseconds _delay;
     std::function<void(std::uint8_t)> _hook;
     std::vector<std::uint8_t> _commands;

@@ -13,10 +13,10 @@ namespace quarner {
 
 /// What shall go wrong, and where. Addresses are sectors as the recorder is sent them.
 struct UnitFaults {
-    std::optional<std::int32_t> writeErrorAt;   ///< this sector cannot be written
-    std::optional<std::int32_t> readErrorAt;    ///< this sector cannot be read
-    std::optional<std::int32_t> removeMediumAt; ///< the disc is gone when this sector comes
-    std::optional<std::int32_t> unplugAt;       ///< the drive is gone when this sector comes
+    std::optional<std::int32_t> writeErrorAt = {};   ///< this sector cannot be written
+    std::optional<std::int32_t> readErrorAt = {};    ///< this sector cannot be read
+    std::optional<std::int32_t> removeMediumAt = {}; ///< the disc is gone when this sector comes
+    std::optional<std::int32_t> unplugAt = {};       ///< the drive is gone when this sector comes
     unsigned notReady = 0; ///< so many commands that need the disc find the drive not ready yet
 };
 

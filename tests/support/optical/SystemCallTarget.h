@@ -16,8 +16,6 @@ public:
     virtual std::optional<ScsiReply> execute(const ScsiCommand& command) = 0;
     /// The answer to CDROM_DRIVE_STATUS.
     virtual int driveStatus() = 0;
-    virtual void nodeOpened() = 0;
-    virtual void nodeClosed() = 0;
 };
 
 } // namespace quarner

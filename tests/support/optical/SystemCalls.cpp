@@ -115,37 +115,20 @@ CallResult answer(UMockdevIoctlClient* client, SystemCallTarget& target) {
 }
 
 using Target = std::weak_ptr<SystemCallTarget>;
-const Target& targetOf(gpointer data) { return *static_cast<Target*>(data); }
-
 gboolean onCall(UMockdevIoctlBase*, UMockdevIoctlClient* client, gpointer data) {
-    const std::shared_ptr<SystemCallTarget> target = targetOf(data).lock();
+    const std::shared_ptr<SystemCallTarget> target = static_cast<Target*>(data)->lock();
     const CallResult result = target ? answer(client, *target) : CallResult{-1, ENODEV};
     umockdev_ioctl_client_complete(client, result.value, result.error);
     return TRUE;
 }
-void onOpened(UMockdevIoctlBase*, UMockdevIoctlClient*, gpointer data) {
-    if (const auto target = targetOf(data).lock())
-        target->nodeOpened();
-}
-void onClosed(UMockdevIoctlBase*, UMockdevIoctlClient*, gpointer data) {
-    if (const auto target = targetOf(data).lock())
-        target->nodeClosed();
-}
-
-void connect(UMockdevIoctlBase* calls, const char* signal, GCallback handler, Target target) {
-    const auto forget = [](gpointer data, GClosure*) { delete static_cast<Target*>(data); };
-    g_signal_connect_data(calls, signal, handler, new Target(std::move(target)), forget,
-                          GConnectFlags(0));
-}
-
 } // namespace
 
 SystemCallTarget::~SystemCallTarget() = default;
 
 void answerSystemCalls(UMockdevIoctlBase* calls, const std::shared_ptr<SystemCallTarget>& target) {
-    connect(calls, "handle-ioctl", G_CALLBACK(onCall), target);
-    connect(calls, "client-connected", G_CALLBACK(onOpened), target);
-    connect(calls, "client-vanished", G_CALLBACK(onClosed), target);
+    const auto forget = [](gpointer data, GClosure*) { delete static_cast<Target*>(data); };
+    g_signal_connect_data(calls, "handle-ioctl", G_CALLBACK(onCall), new Target(target), forget,
+                          GConnectFlags(0));
 }
 
 } // namespace quarner

@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+//
+// The functions below stand before those of the test bed, which stand before libc's.
+#include "tests/support/optical/NodeAccess.h"
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstdarg>
+#include <map>
+#include <mutex>
+
+namespace quarner {
+namespace {
+
+struct Node {
+    int error = 0;
+    unsigned refusals = 0;
+    std::map<int, bool> open; ///< the descriptors, and which of them are exclusive
+};
+
+/// Whether anything is watched: until then, which includes the time before `main`, nothing here is
+/// needed.
+std::atomic<bool> isUsed = false;
+std::mutex mutex;
+std::map<std::string, Node>& nodes() {
+    static std::map<std::string, Node> all;
+    return all;
+}
+Node* nodeOf(const char* path) {
+    const auto found = nodes().find(path);
+    return found == nodes().end() ? nullptr : &found->second;
+}
+
+/// The error that an attempt to open a node ends with; 0 when it may go on.
+int refusalOf(Node& node, int flags) {
+    if (node.refusals > 0) {
+        --node.refusals;
+        return node.error;
+    }
+    const bool isTaken = std::any_of(node.open.begin(), node.open.end(),
+                                     [](const auto& descriptor) { return descriptor.second; });
+    return isTaken && (flags & O_EXCL) != 0 ? EBUSY : 0;
+}
+
+bool isDenied(const char* path) {
+    const std::lock_guard lock(mutex);
+    const Node* node = nodeOf(path);
+    return node != nullptr && node->refusals > 0 && node->error == EACCES;
+}
+
+/// Opens a path by a function, unless it is a node that refuses.
+template <class Function>
+int openWatched(const char* path, int flags, Function function) {
+    if (!isUsed)
+        return function();
+    const std::lock_guard lock(mutex);
+    Node* node = nodeOf(path);
+    if (node == nullptr)
+        return function();
+    if (const int error = refusalOf(*node, flags); error != 0) {
+        errno = error;
+        return -1;
+    }
+    const int descriptor = function();
+    if (descriptor >= 0)
+        node->open[descriptor] = (flags & O_EXCL) != 0;
+    return descriptor;
+}
+
+void forgetDescriptor(int descriptor) {
+    if (!isUsed)
+        return;
+    const std::lock_guard lock(mutex);
+    for (auto& [path, node] : nodes())
+        node.open.erase(descriptor);
+}
+
+using Open = int (*)(const char*, int, ...);
+
+template <class Function>
+Function following(const char* name) {
+    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
+}
+
+} // namespace
+
+void watchNode(const std::string& path) {
+    const std::lock_guard lock(mutex);
+    isUsed = true;
+    nodes()[path] = {};
+}
+
+int openCountOf(const std::string& path) {
+    const std::lock_guard lock(mutex);
+    const Node* node = nodeOf(path.c_str());
+    return node == nullptr ? 0 : static_cast<int>(node->open.size());
+}
+
+void refuseOpening(const std::string& path, int error, unsigned times) {
+    const std::lock_guard lock(mutex);
+    nodes().at(path).error = error;
+    nodes().at(path).refusals = times;
+}
+
+} // namespace quarner
+
+#define QUARNER_EXPORT [[gnu::visibility("default")]]
+
+using quarner::following;
+using quarner::Open;
+using quarner::openWatched;
+
+extern "C" {
+
+QUARNER_EXPORT int open(const char* path, int flags, ...) {
+    va_list list;
+    va_start(list, flags);
+    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(list, mode_t) : 0;
+    va_end(list);
+    return openWatched(path, flags, [&] { return following<Open>("open")(path, flags, mode); });
+}
+
+QUARNER_EXPORT int open64(const char* path, int flags, ...) {
+    va_list list;
+    va_start(list, flags);
+    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(list, mode_t) : 0;
+    va_end(list);
+    return openWatched(path, flags, [&] { return following<Open>("open64")(path, flags, mode); });
+}
+
+QUARNER_EXPORT int __open_2(const char* path, int flags) {
+    return openWatched(path, flags, [&] { return following<Open>("open")(path, flags, 0); });
+}
+
+QUARNER_EXPORT int __open64_2(const char* path, int flags) {
+    return openWatched(path, flags, [&] { return following<Open>("open64")(path, flags, 0); });
+}
+
+QUARNER_EXPORT int close(int descriptor) {
+    quarner::forgetDescriptor(descriptor);
+    return following<int (*)(int)>("close")(descriptor);
+}
+
+/// The test bed knows only the older `access`.
+QUARNER_EXPORT int faccessat(int folder, const char* path, int mode, int flags) {
+    using Check = int (*)(int, const char*, int, int);
+    if (!quarner::isUsed || folder != AT_FDCWD)
+        return following<Check>("faccessat")(folder, path, mode, flags);
+    if (mode != F_OK && quarner::isDenied(path)) {
+        errno = EACCES;
+        return -1;
+    }
+    return access(path, mode);
+}
+}
