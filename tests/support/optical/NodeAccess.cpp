@@ -8,11 +8,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <cstdarg>
 #include <map>
 #include <mutex>
+#include <string_view>
 
 namespace quarner {
 namespace {
@@ -23,9 +25,15 @@ struct Node {
     std::map<int, bool> open; ///< the descriptors, and which of them are exclusive
 };
 
-/// Whether anything is watched: until then, which includes the time before `main`, nothing here is
-/// needed.
-std::atomic<bool> isUsed = false;
+// The functions of libc are called at any moment, also before `main` and by the runtime library of
+// a sanitizer in the middle of a report. So what does not concern a node gets by without the mutex.
+
+constexpr std::string_view commonPrefix = "/dev/sr";
+bool mayBeNode(const char* path) { return std::string_view(path).starts_with(commonPrefix); }
+
+constexpr int mostDescriptors = 4096;
+std::array<std::atomic<bool>, mostDescriptors> isOfNode;
+
 std::mutex mutex;
 std::map<std::string, Node>& nodes() {
     static std::map<std::string, Node> all;
@@ -48,6 +56,8 @@ int refusalOf(Node& node, int flags) {
 }
 
 bool isDenied(const char* path) {
+    if (!mayBeNode(path))
+        return false;
     const std::lock_guard lock(mutex);
     const Node* node = nodeOf(path);
     return node != nullptr && node->refusals > 0 && node->error == EACCES;
@@ -56,7 +66,7 @@ bool isDenied(const char* path) {
 /// Opens a path by a function, unless it is a node that refuses.
 template <class Function>
 int openWatched(const char* path, int flags, Function function) {
-    if (!isUsed)
+    if (!mayBeNode(path))
         return function();
     const std::lock_guard lock(mutex);
     Node* node = nodeOf(path);
@@ -67,13 +77,16 @@ int openWatched(const char* path, int flags, Function function) {
         return -1;
     }
     const int descriptor = function();
-    if (descriptor >= 0)
+    if (descriptor >= 0 && descriptor < mostDescriptors) {
         node->open[descriptor] = (flags & O_EXCL) != 0;
+        isOfNode[static_cast<std::size_t>(descriptor)] = true;
+    }
     return descriptor;
 }
 
 void forgetDescriptor(int descriptor) {
-    if (!isUsed)
+    if (descriptor < 0 || descriptor >= mostDescriptors ||
+        !isOfNode[static_cast<std::size_t>(descriptor)].exchange(false))
         return;
     const std::lock_guard lock(mutex);
     for (auto& [path, node] : nodes())
@@ -91,7 +104,6 @@ Function following(const char* name) {
 
 void watchNode(const std::string& path) {
     const std::lock_guard lock(mutex);
-    isUsed = true;
     nodes()[path] = {};
 }
 
@@ -149,7 +161,7 @@ QUARNER_EXPORT int close(int descriptor) {
 /// The test bed knows only the older `access`.
 QUARNER_EXPORT int faccessat(int folder, const char* path, int mode, int flags) {
     using Check = int (*)(int, const char*, int, int);
-    if (!quarner::isUsed || folder != AT_FDCWD)
+    if (folder != AT_FDCWD)
         return following<Check>("faccessat")(folder, path, mode, flags);
     if (mode != F_OK && quarner::isDenied(path)) {
         errno = EACCES;

@@ -8,8 +8,9 @@ namespace quarner {
 // How this process opens the nodes of emulated drives. The functions of libc for it are taken over
 // in every program that holds this. Any thread.
 
-/// From now on a path behaves as a drive's node does: while it is open with O_EXCL, opening it so
-/// again fails with EBUSY. Nothing is open and nothing refused at first.
+/// From now on a path, which begins with "/dev/sr", behaves as a drive's node does: while it is
+/// open with O_EXCL, opening it so again fails with EBUSY. Nothing is open and nothing refused at
+/// first.
 void watchNode(const std::string& path);
 
 /// How many times this process has a watched path open.
