@@ -30,6 +30,16 @@ std::string quotable(std::string stem) {
     return stem + suffix.data();
 }
 
+/// ".bIn" for "mix.cUe": no two sheets that are different files name the same BIN.
+std::string binExtension(const std::string& cuePath) {
+    std::string extension = ".bin";
+    const std::size_t start = cuePath.size() - extension.size();
+    for (std::size_t i = 0; i < extension.size(); ++i)
+        if (cuePath[start + i] >= 'A' && cuePath[start + i] <= 'Z')
+            extension[i] = static_cast<char>(extension[i] - 'a' + 'A');
+    return extension;
+}
+
 } // namespace
 
 std::string ImageNames::baseName(const std::string& path) {
@@ -41,7 +51,7 @@ std::optional<ImageNames> imageNames(const std::string& cuePath) {
     if (!parts)
         return std::nullopt;
     const std::string stem = quotable(parts->stem);
-    const std::string extension = parts->path[parts->path.size() - 3] == 'C' ? ".BIN" : ".bin";
+    const std::string extension = binExtension(parts->path);
     const std::string base = parts->base();
     const std::string hidden = base + '.' + stem;
     return ImageNames{.folder = parts->folder,

@@ -118,6 +118,18 @@ TEST_F(ImageContent, APipeInTheImagesPlaceIsNoDiscAndKeepsNobodyWaiting) {
     EXPECT_TRUE(stage->recorder()->add({.path = cue(), .loadExisting = true})->mediaIsBlank());
 }
 
+TEST_F(ImageContent, ImagesWhoseNamesDifferInTheirLettersCaseAloneLeaveEachOtherAlone) {
+    const Paths first = makeSources({1000});
+    const Paths second = makeSources({2000});
+    ASSERT_TRUE(burn(first).isDone);
+    const std::string other = stage->folder.file("mix.cUE");
+    if (std::filesystem::exists(other))
+        GTEST_SKIP() << "to this file system they are one name";
+    ASSERT_TRUE(burn(stage->layoutOf(second), stage->recorder()->add({.path = other})).isDone);
+    EXPECT_TRUE(imageHolds(first));
+    EXPECT_TRUE(stage->contentsOf(other) == stage->expectedContentsOf(second));
+}
+
 TEST_F(ImageContent, ABinOfAnotherProgramIsReplacedToo) {
     std::ofstream(bin()) << "another program's sound";
     const DRLayout layout = makeLayout({1000, 2000});

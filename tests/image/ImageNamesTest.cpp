@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <set>
 
 #include "adapters/engine/ReadableName.h"
 #include "adapters/image/ImageNames.h"
@@ -20,6 +21,18 @@ TEST(ImageNames, TheBinIsNamedAfterTheCue) {
     EXPECT_EQ(binNameFor("MIX.CUE"), "MIX.BIN");
     EXPECT_EQ(binNameFor("two words.b.cue"), "two words.b.bin");
     EXPECT_EQ(binNameFor("Grüße 日本 \xFF.cue"), "Grüße 日本 \xFF.bin");
+}
+
+TEST(ImageNames, SheetsThatDifferInTheirLettersCaseAloneNameDifferentBins) {
+    EXPECT_EQ(binNameFor("mix.Cue"), "mix.Bin");
+    std::set<std::string> bins;
+    for (const char* cue : {"cue", "cuE", "cUe", "cUE", "Cue", "CuE", "CUe", "CUE"}) {
+        const auto names = imageNames("/nowhere/mix." + std::string(cue));
+        ASSERT_TRUE(names);
+        bins.insert(names->plainBin);
+        bins.insert(names->newBin);
+    }
+    EXPECT_EQ(bins.size(), 16U);
 }
 
 TEST(ImageNames, OnlyANameWithTheExtensionCueNamesAnImage) {
