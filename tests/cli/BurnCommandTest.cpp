@@ -22,6 +22,13 @@ protected:
         arguments.insert(arguments.begin(), {disc().command, "--title", "T"});
         return host.run(arguments);
     }
+    /// What a second Ctrl-C does.
+    void endAtOnce() {
+        host.loop.post([] { throw EndedAtOnce(); });
+    }
+    std::string image() const {
+        return (std::filesystem::temp_directory_path() / disc().example).string();
+    }
 };
 
 TEST_P(BurnCommandTest, BurnsTheFilesOnTheOnlyDrive) {
@@ -143,10 +150,45 @@ TEST_P(BurnCommandTest, ABurnThatIsDoneBeforeItCouldBeInterruptedIsDone) {
 
 TEST_P(BurnCommandTest, EndingAtOnceEndsThePlatformBeforeTheDelegateGoes) {
     host.platform.playBurns({.progressReports = 2000});
-    onceWhileBurning([this] { host.loop.post([] { throw EndedAtOnce(); }); });
+    onceWhileBurning([this] { endAtOnce(); });
     EXPECT_EQ(burn({"--json", "/m/a.mp3"}), 130);
     EXPECT_EQ(host.platformEndings, 1);
     EXPECT_EQ(objects().back(), (json{{"event", "exit"}, {"status", 130}}));
+}
+
+TEST_P(BurnCommandTest, ABurnThatWasCancelledMakesADiscUseless) {
+    host.platform.playBurns({.progressReports = 2000});
+    onceWhileBurning([this] { host.interrupt(); });
+    EXPECT_EQ(burn({"/m/a.mp3"}), 130);
+    EXPECT_EQ(host.err(), "quarner: cancelled; the disc is not usable\n");
+}
+
+TEST_P(BurnCommandTest, ABurnThatWasEndedAtOnceMayHaveMadeTheDiscUseless) {
+    host.platform.playBurns({.progressReports = 2000});
+    onceWhileBurning([this] { endAtOnce(); });
+    EXPECT_EQ(burn({"/m/a.mp3"}), 130);
+    EXPECT_EQ(host.err(), "quarner: cancelled; the disc may not be usable\n");
+}
+
+TEST_P(BurnCommandTest, ABurnThatWasCancelledLeavesNoImage) {
+    host.platform.playBurns({.progressReports = 2000});
+    onceWhileBurning([this] { host.interrupt(); });
+    EXPECT_EQ(burn({"--image", image(), "/m/a.mp3"}), 130);
+    EXPECT_EQ(host.err(), "quarner: cancelled; nothing was written\n");
+}
+
+TEST_P(BurnCommandTest, ABurnThatWasEndedAtOnceMayHaveMadeItsImage) {
+    host.platform.playBurns({.progressReports = 2000});
+    onceWhileBurning([this] { endAtOnce(); });
+    EXPECT_EQ(burn({"--image", image(), "/m/a.mp3"}), 130);
+    EXPECT_EQ(host.err(), "quarner: cancelled; nothing was written, unless the image was complete "
+                          "already\n");
+}
+
+TEST_P(BurnCommandTest, NothingWasWrittenBeforeTheBurn) {
+    host.platform.onCall(ServiceCall::MovieWithFile, [this](const std::string&) { endAtOnce(); });
+    EXPECT_EQ(burn({"/m/a.mp3", "/m/b.m4a"}), 130);
+    EXPECT_EQ(host.err(), "quarner: cancelled; nothing was written\n");
 }
 
 TEST_P(BurnCommandTest, KeepGoingBurnsTheRest) {
@@ -175,15 +217,13 @@ TEST_P(BurnCommandTest, ADriveThatIsGoneAtOnceEndsTheCommand) {
 }
 
 TEST_P(BurnCommandTest, TheImageReachesTheBurn) {
-    const auto folder = std::filesystem::temp_directory_path();
-    const std::string image = (folder / disc().example).string();
-    EXPECT_EQ(burn({"--image", image, "--capacity", "74", "/m/a.mp3"}), 0);
+    EXPECT_EQ(burn({"--image", image(), "--capacity", "74", "/m/a.mp3"}), 0);
     ASSERT_EQ(host.images.size(), 1U);
-    EXPECT_EQ(host.images[0].path, image);
+    EXPECT_EQ(host.images[0].path, image());
     EXPECT_EQ(host.images[0].minutes, 74);
     EXPECT_EQ(host.images[0].disc, ImageRequest::Disc::Blank);
-    EXPECT_EQ(host.platform.lastBurn()->device()->displayName(), "Image " + image);
-    EXPECT_THAT(host.outLines().back(), HasSubstr("on " + image));
+    EXPECT_EQ(host.platform.lastBurn()->device()->displayName(), "Image " + image());
+    EXPECT_THAT(host.outLines().back(), HasSubstr("on " + image()));
 }
 
 INSTANTIATE_TEST_SUITE_P(OfEveryKind, BurnCommandTest,

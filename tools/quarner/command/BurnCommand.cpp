@@ -112,6 +112,7 @@ Compilation BurnCommand::compilation() const {
 BurnCommand::Outcome BurnCommand::burn(const Compilation& compiled) {
     const FailureDetail detail;
     if (_device.device()) {
+        _isStarted = true;
         _burner->burnWithDevice(_device, _options.title);
         _host.loop.run();
     } else { // of which a burner of data discs says nothing
@@ -163,9 +164,14 @@ BurnCommand::Outcome BurnCommand::overflow(const Compilation& compiled) const {
 }
 
 BurnCommand::Outcome BurnCommand::cancellation() const {
-    const bool mayHaveSpoiltDisc = _burnEnd == BurnEnd::Canceled && !_options.target.image;
-    return {ExitStatus::Canceled, mayHaveSpoiltDisc ? "cancelled; the disc is not usable"
-                                                    : "cancelled; nothing was written"};
+    // A burn that was ended at once tells its end to nobody, and may have come to it before.
+    const bool isUnknown = _isStarted && _burnEnd == BurnEnd::None;
+    const char* text = "nothing was written";
+    if (_isStarted && !_options.target.image)
+        text = isUnknown ? "the disc may not be usable" : "the disc is not usable";
+    else if (isUnknown)
+        text = "nothing was written, unless the image was complete already";
+    return {ExitStatus::Canceled, std::string("cancelled; ") + text};
 }
 
 BurnCommand::Outcome BurnCommand::success(const Compilation& compiled) const {

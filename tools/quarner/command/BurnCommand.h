@@ -62,6 +62,7 @@ private:
     const std::shared_ptr<Quarner> _burner;
 
     bool _isInterrupted = false;
+    bool _isStarted = false; ///< whether the burn was asked for
     std::size_t _refusedCount = 0;
     enum class BurnEnd { None, Done, Canceled, Error } _burnEnd = BurnEnd::None;
     std::int64_t _errorCode = 0;
