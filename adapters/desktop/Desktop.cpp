@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "adapters/desktop/DesktopPlatform.h"
+#include "adapters/image/ImagePlace.h"
 #include "adapters/image/ImageRecorder.h"
 
 namespace quarner {
@@ -55,6 +56,13 @@ void uninstallDesktopPlatform() {
         return;
     desktop->endBackgroundWork(); // first: it uses the services
     installPlatform({});
+}
+
+std::optional<ImageProblem> findImageProblem(const std::string& path) {
+    const std::optional<BurnFailure> problem = problemOfPlace(path);
+    if (!problem)
+        return std::nullopt;
+    return ImageProblem{signedCode(problem->error()), problem->info()};
 }
 
 std::string addImageDrive(const ImageDriveOptions& options) {

@@ -9,11 +9,11 @@ namespace quarner {
 /// The files of one image, and the names that they bear on their way. All in one folder.
 ///
 /// The BIN is named after the CUE, as some readers expect, in the case of its letters: mix.cue and
-/// mix.bin, MIX.CUE and MIX.BIN, mix.Cue and mix.Bin. A double quote or a control character, which a CUE sheet cannot express, becomes a low
-/// line in the BIN's name, and a number is added that keeps such names apart. Bytes that are not
-/// UTF-8 stay as they are. All readers that were tried take names of up to 120 bytes; a few fail at
-/// longer ones. The hidden names are longer than the CUE's by up to 16 bytes, which must not exceed
-/// what the file system allows.
+/// mix.bin, MIX.CUE and MIX.BIN, mix.Cue and mix.Bin. A double quote or a control character, which
+/// a CUE sheet cannot express, becomes a low line in the BIN's name, and a number is added that
+/// keeps such names apart. Bytes that are not UTF-8 stay as they are. All readers that were tried
+/// take names of up to 120 bytes; a few fail at longer ones. The hidden names are longer than the
+/// CUE's by up to 16 bytes, which must not exceed what the file system allows.
 struct ImageNames {
     std::string folder;   ///< absolute
     std::string cue;      ///< the image's own path

@@ -6,6 +6,7 @@
 
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/image/CueSheet.h"
+#include "adapters/image/ImagePlace.h"
 #include "adapters/image/ReplacedFile.h"
 
 namespace quarner {
@@ -24,8 +25,7 @@ ImageWriter::~ImageWriter() {
 }
 
 void ImageWriter::openSession(const DiscPlan& plan) {
-    refuseOtherThanFile(_names.cue);
-    refuseOtherThanFile(_names.plainBin);
+    refuseUnfitPlace(_names);
     _lock = _files->lock(_names.lock);
     removeParts();
     if (!sheetNames(_names.newBin))

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "adapters/engine/BurnFailure.h"
-#include "adapters/image/ReplacedFile.h"
+#include "adapters/image/ImagePlace.h"
 
 namespace quarner {
 
@@ -22,7 +22,7 @@ IsoWriter::~IsoWriter() {
 }
 
 void IsoWriter::openSession(const DiscPlan& plan) {
-    refuseOtherThanFile(_names.iso);
+    refuseUnfitPlace(_names);
     _lock = _files->lock(_names.lock);
     _files->remove(_names.part);
     _blockSize = plan.sectorSize;

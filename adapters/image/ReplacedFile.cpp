@@ -3,13 +3,18 @@
 
 #include <sys/stat.h>
 
+#include <cerrno>
+
 #include "adapters/engine/BurnFailure.h"
 
 namespace quarner {
 
 void refuseOtherThanFile(const std::string& path) {
     struct stat found = {};
-    if (stat(path.c_str(), &found) == 0 && !S_ISREG(found.st_mode))
+    const bool isFound = stat(path.c_str(), &found) == 0;
+    if (!isFound && errno != ENOENT)
+        throw writeFailure(errno, "looking at " + path);
+    if (isFound && !S_ISREG(found.st_mode))
         throw BurnFailure(DRError::WriteFailed, path + " is not a file and is not replaced");
 }
 

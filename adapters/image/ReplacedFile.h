@@ -5,8 +5,8 @@
 
 namespace quarner {
 
-/// Throws `BurnFailure` when there is something at a path that is not a regular file: an image
-/// replaces only files.
+/// Throws `BurnFailure` when there is something at a path that is not a regular file, for an image
+/// replaces only files, or when that cannot be told.
 void refuseOtherThanFile(const std::string& path);
 
 /// Whether anything bears this path, a symbolic link that leads nowhere included.

@@ -5,6 +5,8 @@
 #include <filesystem>
 
 #include "tests/cli/TestHost.h"
+#include "tests/support/OrdinaryUser.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace quarner::cli {
 namespace {
@@ -74,6 +76,17 @@ TEST_F(DriveChoiceTest, AnImagesNameEndsInCueInALetterCaseOfItsOwn) {
 TEST_F(DriveChoiceTest, AnImageNeedsAFolderThatExists) {
     EXPECT_THAT(usageError({"--image", folder + "/no such folder/mix.cue"}),
                 HasSubstr("no such folder' does not exist"));
+}
+
+TEST_F(DriveChoiceTest, AFolderThatCannotBeReachedIsNotSaidToBeMissing) {
+    const TemporaryFolder closed; // to others
+    std::filesystem::create_directory(closed.file("inner"));
+    const OrdinaryUser user;
+    ASSERT_TRUE(user.isSet());
+    EXPECT_THAT(usageError({"--image", closed.file("inner/mix.cue")}),
+                AllOf(HasSubstr("inner' cannot be used: Permission denied"),
+                      Not(HasSubstr("does not exist"))));
+    EXPECT_TRUE(host.images.empty());
 }
 
 TEST_F(DriveChoiceTest, AFolderIsNoImage) {

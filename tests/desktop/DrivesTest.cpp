@@ -57,6 +57,15 @@ TEST_F(DesktopDrives, WhatIsNoImageOrNoDiscGivesNoDrive) {
     EXPECT_FALSE(insertBlankDisc("mix.cue"));
 }
 
+TEST_F(DesktopDrives, AnImageThatCannotBeWrittenIsFoundOutBefore) {
+    EXPECT_FALSE(findImageProblem(folder.file("mix.cue")));
+    std::filesystem::create_directory(folder.file("mix.bin"));
+    const std::optional<ImageProblem> problem = findImageProblem(folder.file("mix.cue"));
+    ASSERT_TRUE(problem);
+    EXPECT_EQ(problem->code, signedCode(DRError::WriteFailed));
+    EXPECT_EQ(problem->info, folder.file("mix.bin") + " is not a file and is not replaced");
+}
+
 TEST_F(DesktopDrives, ABlankDiscOfEightyMinutesIsSeenAsSuch) {
     const QuarnerDevice drive(add("mix.cue"));
     EXPECT_TRUE(drive.cdBurnEnabled());

@@ -3,13 +3,13 @@
 
 #include <fcntl.h>
 #include <sys/mount.h>
-#include <unistd.h>
 
 #include <fstream>
 
 #include "adapters/engine/BurnFailure.h"
 #include "tests/image/ForwardingFiles.h"
 #include "tests/image/ImageTest.h"
+#include "tests/support/OrdinaryUser.h"
 
 namespace quarner {
 namespace {
@@ -212,27 +212,6 @@ TEST_P(ImageFault, ADiskThatFillsUpInMidBurnFailsIt) {
     EXPECT_THAT(filesInFolder(), IsEmpty());
     EXPECT_TRUE(burn(makeLayout({1000})).isDone) << "what fits is burnt";
 }
-
-/// Acts as an ordinary user for the length of a scope. Files are made by root in most containers.
-class OrdinaryUser {
-public:
-    OrdinaryUser() : _before(geteuid()) {
-        constexpr uid_t nobody = 65534;
-        if (_before == 0)
-            _isSet = seteuid(nobody) == 0;
-    }
-    ~OrdinaryUser() {
-        if (_before == 0 && seteuid(_before) != 0)
-            std::abort();
-    }
-    OrdinaryUser(const OrdinaryUser&) = delete;
-    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-    bool isSet() const { return _isSet; }
-
-private:
-    const uid_t _before;
-    bool _isSet = true;
-};
 
 TEST_P(ImageFault, AFolderWithoutPermissionFailsTheBurn) {
     const Paths paths = makeSources({1000});

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "quarner/desktop.h"
+#include "tools/quarner/command/BurnAdvice.h"
 #include "tools/quarner/command/Run.h"
 #include "tools/quarner/host/Diagnostics.h"
 #include "tools/quarner/host/Interruptions.h"
@@ -45,6 +46,9 @@ void takeLocaleFromEnvironment() {
 }
 
 std::string addDesktopImageDrive(const ImageRequest& request) {
+    if (request.disc == ImageRequest::Disc::Blank)
+        if (const auto problem = findImageProblem(request.path))
+            throw UsageProblem(explainedFailure(problem->code, problem->info, 0));
     std::string name =
         addImageDrive({.path = request.path,
                        .minutes = request.minutes,

@@ -59,7 +59,7 @@ TEST_P(ProgramEveryKind, Is1WhenTheDiskIsFullAndTheOldImageStays) {
     EXPECT_THAT(names("."), ElementsAreArray(withImage({"a.mp3", "b.m4a"})));
 }
 
-TEST_P(ProgramEveryKind, AFolderWithoutPermissionIsNamedWithWhatToDo) {
+TEST_P(ProgramEveryKind, AFolderWithoutPermissionIsNamedWithWhatToDoBeforeAnythingIsAdded) {
     song("a.mp3");
     const std::string closed = makeFolder("closed");
     chmod(folder.path().c_str(), 0755);
@@ -71,9 +71,11 @@ TEST_P(ProgramEveryKind, AFolderWithoutPermissionIsNamedWithWhatToDo) {
     if (run({"--version"}, settings).status != 0)
         GTEST_SKIP() << "the program cannot be run by another user from here";
     const HostEnd end = run(commandLine({"a.mp3"}, "closed/"), settings);
-    EXPECT_EQ(end.status, 1);
-    EXPECT_THAT(end.err, HasSubstr("quarner: the burn failed: the image may not be written there"));
-    EXPECT_THAT(end.err, HasSubstr("closed/"));
+    EXPECT_EQ(end.status, 2);
+    EXPECT_EQ(end.out, "");
+    EXPECT_THAT(end.err, HasSubstr("quarner: the image may not be written there (writing to the "
+                                   "folder "));
+    EXPECT_THAT(end.err, HasSubstr("/closed: Permission denied)"));
     EXPECT_THAT(end.err, HasSubstr("Choose a folder that you may write to with --image"));
     EXPECT_THAT(names("closed"), IsEmpty());
 }

@@ -38,6 +38,17 @@ TEST_F(ProgramStatus, Is2ForWrongUsageAndNothingIsTouched) {
     EXPECT_THAT(names("."), ElementsAre("a.mp3"));
 }
 
+TEST_F(ProgramStatus, Is2ForAFolderInThePlaceOfTheBinBeforeAnythingIsAdded) {
+    song("a.mp3");
+    makeFolder("mix.bin");
+    const HostEnd end = run({"audio", "--image", "mix.cue", "a.mp3"});
+    EXPECT_EQ(end.status, 2);
+    EXPECT_EQ(end.out, "");
+    EXPECT_THAT(end.err, HasSubstr("quarner: writing failed ("));
+    EXPECT_THAT(end.err, HasSubstr("/mix.bin is not a file and is not replaced)"));
+    EXPECT_EQ(run({"disc", "--image", "mix.cue"}).status, 0) << "nothing is to be burnt";
+}
+
 TEST_F(ProgramStatus, Is3WithTheReasonForEachRefusedFile) {
     song("a.mp3");
     folder.write("damaged.mp3", "no sound");

@@ -7,6 +7,7 @@
 
 #include "quarner/platform/DRErrors.h"
 #include "quarner/util/MultiMedia.h"
+#include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
 namespace {
@@ -39,6 +40,15 @@ std::string adviceForFailedBurn(std::int64_t code, std::uint64_t imageBytes) {
         if (signedCode(error) == code)
             return std::string(text);
     return {};
+}
+
+std::string explainedFailure(std::int64_t code, const std::string& detail,
+                             std::uint64_t imageBytes) {
+    std::string text(textForBurnErrorCode(code));
+    if (!detail.empty())
+        text += " (" + safeText(detail) + ")";
+    const std::string advice = adviceForFailedBurn(code, imageBytes);
+    return advice.empty() ? text : text + "\n" + advice;
 }
 
 } // namespace quarner::cli

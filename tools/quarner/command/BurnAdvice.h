@@ -10,4 +10,9 @@ namespace quarner::cli {
 /// have so many bytes; empty where there is nothing to say.
 std::string adviceForFailedBurn(std::int64_t code, std::uint64_t imageBytes);
 
+/// A failure in full, for people: what the code means, the text on what failed in brackets unless
+/// it is empty, and on a line of its own what can be done.
+std::string explainedFailure(std::int64_t code, const std::string& detail,
+                             std::uint64_t imageBytes);
+
 } // namespace quarner::cli

@@ -186,11 +186,8 @@ BurnCommand::Outcome BurnCommand::failure(const Compilation& compiled,
     if (_errorCode == signedCode(DRError::MediaTooSmall) || (_errorCode == 0 && compiled.hasDisc))
         return overflow(compiled);
     const std::int64_t code = _errorCode == 0 ? signedCode(DRError::MediaNotPresent) : _errorCode;
-    std::string text = "the burn failed: " + std::string(textForBurnErrorCode(code));
-    if (!detail.empty())
-        text += " (" + safeText(detail) + ")";
-    const std::string advice = adviceForFailedBurn(code, _disc.imageBytes(compiled.used));
-    return {ExitStatus::Failed, advice.empty() ? text : text + "\n" + advice};
+    return {ExitStatus::Failed,
+            "the burn failed: " + explainedFailure(code, detail, _disc.imageBytes(compiled.used))};
 }
 
 } // namespace quarner::cli

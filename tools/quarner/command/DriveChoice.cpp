@@ -84,17 +84,25 @@ void checkExtension(const std::string& name, std::optional<DiscKind> kind) {
     throw UsageProblem(text);
 }
 
+void checkFolder(const fs::path& folder) {
+    std::error_code error;
+    if (fs::is_directory(folder, error))
+        return;
+    const std::string name = "the folder '" + safeText(folder.string()) + "' ";
+    if (error && error != std::errc::no_such_file_or_directory)
+        throw UsageProblem(name + "cannot be used: " + error.message());
+    throw UsageProblem(name + "does not exist; make it, or put the image elsewhere");
+}
+
 } // namespace
 
 std::string imagePath(const std::string& name, std::optional<DiscKind> kind) {
     checkExtension(name, kind);
-    std::error_code ignored;
-    const fs::path path = fs::absolute(name, ignored); // empty in a folder that was deleted
-    if (fs::is_directory(path, ignored))
+    std::error_code error;
+    const fs::path path = fs::absolute(name, error); // empty in a folder that was deleted
+    if (fs::is_directory(path, error))
         throw UsageProblem("'" + safeText(name) + "' is a folder; name a file in it");
-    if (!fs::is_directory(path.parent_path(), ignored))
-        throw UsageProblem("the folder '" + safeText(path.parent_path().string()) +
-                           "' does not exist; make it, or put the image elsewhere");
+    checkFolder(path.parent_path());
     return path.string();
 }
 

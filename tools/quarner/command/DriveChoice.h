@@ -18,7 +18,8 @@ std::string chooseDrive(const Host& host, const Target& target,
                         std::optional<DiscKind> toBurn = std::nullopt);
 
 /// The absolute path of an image. Throws `UsageProblem` for a name that does not end like one of
-/// this kind of disc, or of any kind; for a folder; and for a place that does not exist.
+/// this kind of disc, or of any kind; for a folder; and for a place that does not exist or cannot
+/// be reached.
 std::string imagePath(const std::string& name, std::optional<DiscKind> kind = std::nullopt);
 
 } // namespace quarner::cli

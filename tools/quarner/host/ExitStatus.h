@@ -7,7 +7,7 @@ namespace quarner::cli {
 enum class ExitStatus {
     Success = 0,   ///< burnt and verified; or the question was answered
     Failed = 1,    ///< the burn, or what else was asked for, failed
-    Usage = 2,     ///< the command line is wrong, or names a drive that cannot be used
+    Usage = 2,     ///< the command line is wrong, or names a drive or an image that cannot be used
     Refused = 3,   ///< a named file was refused
     TooLong = 4,   ///< the compilation does not fit the disc
     Canceled = 130 ///< ended by Ctrl-C or a signal, as shells count it

@@ -26,7 +26,8 @@ struct ImageRequest {
 struct Host {
     Console& console;
     EventLoop& loop;
-    /// Adds an image drive to the platform and answers its display name.
+    /// Adds an image drive to the platform and answers its display name. Throws `UsageProblem`
+    /// when that cannot be, or when a blank disc could not be burnt there.
     std::function<std::string(const ImageRequest&)> addImageDrive;
     /// Says what the next signal that asks the program to end runs, once, on the main loop; null
     /// for ending at once.

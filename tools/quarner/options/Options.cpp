@@ -14,7 +14,7 @@ namespace {
 
 constexpr char statusHelp[] =
     "Exit status: 0 burnt and verified, 1 the burn failed, 2 wrong usage or "
-    "no drive to use,\n3 a file was refused, 4 does not fit the disc, 130 "
+    "no drive or\nimage to use, 3 a file was refused, 4 does not fit the disc, 130 "
     "cancelled.\n";
 constexpr char audioExample[] =
     "Example:\n  quarner audio --image mix.cue --title \"Summer mix\" one.mp3 two.m4a\n\n"

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 #include "quarner/platform/Export.h"
@@ -42,6 +44,19 @@ struct ImageDriveOptions {
     /// the disc is blank, and a burn replaces the image once the new one is whole.
     bool loadExisting = false;
 };
+
+/// Why an image cannot be written to its place.
+struct ImageProblem {
+    std::int64_t code = 0; ///< with which a burn fails: see `BurnError::code`
+    std::string info;      ///< what is wrong with which file or folder
+};
+
+/// Looks whether a burn to an image at this path can be begun, for a host that wants to tell before
+/// files are added to it: nothing may be written to the folder, something other than a file bears
+/// the name of the image or of its BIN, or the name is too long. Answers nothing where there is no
+/// such problem, which does not mean that the burn will go well; and nothing for a path that
+/// `addImageDrive` does not accept. Any thread, also without the installed platform.
+QUARNER_EXPORT std::optional<ImageProblem> findImageProblem(const std::string& path);
 
 // The following need the installed desktop platform. Any thread.
 

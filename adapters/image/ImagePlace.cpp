@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/image/ImagePlace.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "adapters/image/ReplacedFile.h"
+
+namespace quarner {
+namespace {
+
+void refuseClosedFolder(const std::string& folder) {
+    if (faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0)
+        throw writeFailure(errno, "writing to the folder " + folder);
+}
+
+} // namespace
+
+void refuseUnfitPlace(const ImageNames& names) {
+    refuseOtherThanFile(names.cue);
+    refuseOtherThanFile(names.plainBin);
+    refuseClosedFolder(names.folder);
+}
+
+void refuseUnfitPlace(const IsoNames& names) {
+    refuseOtherThanFile(names.iso);
+    refuseClosedFolder(names.folder);
+}
+
+std::optional<BurnFailure> problemOfPlace(const std::string& path) {
+    try {
+        if (const std::optional<ImageNames> names = imageNames(path))
+            refuseUnfitPlace(*names);
+        else if (const std::optional<IsoNames> data = isoNames(path))
+            refuseUnfitPlace(*data);
+    } catch (const BurnFailure& failure) {
+        return failure;
+    }
+    return std::nullopt;
+}
+
+} // namespace quarner

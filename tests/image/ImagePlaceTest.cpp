@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <gmock/gmock.h>
+
+#include "adapters/image/ImagePlace.h"
+#include "tests/image/ImageTest.h"
+#include "tests/support/OrdinaryUser.h"
+
+namespace quarner {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class ImagePlace : public AnyImageTest {
+protected:
+    std::string pathOf(const std::string& name) const { return stage->imageNamed(name); }
+
+    /// With what a burn there fails for its place: told before, and by the burn in the same words.
+    BurnFailure problemAt(const std::string& path) {
+        const std::optional<BurnFailure> problem = problemOfPlace(path);
+        const Outcome outcome = burn(_layout, stage->recorder()->add({.path = path}));
+        EXPECT_TRUE(problem) << outcome.info;
+        if (!problem)
+            return {DRError::Internal, ""};
+        EXPECT_EQ(outcome.code, codeOf(problem->error()));
+        EXPECT_EQ(outcome.info, problem->info());
+        return *problem;
+    }
+
+private:
+    const DRLayout _layout = makeLayout({1000});
+};
+
+TEST_P(ImagePlace, AFolderThatMayBeWrittenToIsNoProblemAndStaysAsItIs) {
+    EXPECT_FALSE(problemOfPlace(pathOf("mix")));
+    EXPECT_THAT(filesInFolder(), IsEmpty());
+    ASSERT_TRUE(burn(makeSources({1000})).isDone);
+    EXPECT_FALSE(problemOfPlace(pathOf("mix"))) << "an image that is there is replaced";
+}
+
+TEST_P(ImagePlace, WhatIsNoFileIsToldBeforeTheBurn) {
+    std::filesystem::create_directory(pathOf("mix"));
+    EXPECT_THAT(problemAt(pathOf("mix")).info(), HasSubstr(pathOf("mix") + " is not a file"));
+}
+
+TEST_P(ImagePlace, AFolderThatMayNotBeWrittenToIsToldBeforeTheBurn) {
+    std::filesystem::permissions(stage->sources.path(), std::filesystem::perms(0755));
+    std::filesystem::permissions(stage->folder.path(), std::filesystem::perms(0555));
+    const OrdinaryUser user;
+    ASSERT_TRUE(user.isSet());
+    const BurnFailure problem = problemAt(pathOf("mix"));
+    EXPECT_EQ(problem.error(), DRError::PermissionDenied);
+    EXPECT_THAT(problem.info(), HasSubstr(stage->folder.path().string()));
+}
+
+TEST_P(ImagePlace, AFolderThatMayNotBeLookedIntoIsToldBeforeTheBurn) {
+    std::filesystem::permissions(stage->sources.path(), std::filesystem::perms(0755));
+    std::filesystem::permissions(stage->folder.path(), std::filesystem::perms(0666));
+    const OrdinaryUser user;
+    ASSERT_TRUE(user.isSet());
+    EXPECT_EQ(problemAt(pathOf("mix")).error(), DRError::PermissionDenied);
+}
+
+TEST_P(ImagePlace, ANameThatIsTooLongIsToldBeforeTheBurn) {
+    const std::string name(300, 'x');
+    EXPECT_THAT(problemAt(pathOf(name)).info(), HasSubstr("File name too long"));
+}
+
+INSTANTIATE_IMAGE_SUITE(ImagePlace);
+
+using CuePlace = CueTest;
+
+TEST_F(CuePlace, AFolderInThePlaceOfTheBinIsToldBeforeTheBurn) {
+    std::filesystem::create_directory(bin());
+    const std::optional<BurnFailure> problem = problemOfPlace(cue());
+    ASSERT_TRUE(problem);
+    EXPECT_EQ(problem->info(), burn(makeLayout({1000})).info);
+    EXPECT_THAT(problem->info(), HasSubstr(bin() + " is not a file"));
+}
+
+TEST_F(CuePlace, WhatIsNoImageHasNoPlace) { EXPECT_FALSE(problemOfPlace("/dev/null")); }
+
+} // namespace
+} // namespace quarner
