@@ -2,32 +2,25 @@
 #include "adapters/image/ImageNames.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdint>
-#include <cstdio>
+#include <string_view>
 
+#include "adapters/image/FittingStem.h"
 #include "adapters/image/ImagePath.h"
 
 namespace quarner {
 namespace {
 
-bool cannotBeQuoted(char c) { return c == '"' || (c >= 0 && c < ' ') || c == '\x7f'; }
+/// To a stem, in the hidden names.
+constexpr std::string_view longestAddition = "..bin.link.part";
 
-/// FNV-1a: told apart must be names, not attackers.
-std::uint32_t numberOf(const std::string& name) {
-    std::uint32_t number = 2166136261U;
-    for (const char c : name)
-        number = (number ^ static_cast<unsigned char>(c)) * 16777619U;
-    return number;
-}
+bool cannotBeQuoted(char c) { return c == '"' || (c >= 0 && c < ' ') || c == '\x7f'; }
 
 std::string quotable(std::string stem) {
     if (std::none_of(stem.begin(), stem.end(), cannotBeQuoted))
         return stem;
-    std::array<char, 16> suffix = {};
-    std::snprintf(suffix.data(), suffix.size(), "-%08x", numberOf(stem));
+    const std::string number = numberFor(stem);
     std::replace_if(stem.begin(), stem.end(), cannotBeQuoted, '_');
-    return stem + suffix.data();
+    return stem + number;
 }
 
 /// ".bIn" for "mix.cUe": no two sheets that are different files name the same BIN.
@@ -53,11 +46,14 @@ std::optional<ImageNames> imageNames(const std::string& cuePath) {
     const std::string stem = quotable(parts->stem);
     const std::string extension = binExtension(parts->path);
     const std::string base = parts->base();
-    const std::string hidden = base + '.' + stem;
+    const std::size_t longest = longestNameIn(parts->folder);
+    const std::string binStem = fittingStem(stem, longest - extension.size());
+    const std::string shortStem = fittingStem(stem, longest - longestAddition.size());
+    const std::string hidden = base + '.' + shortStem;
     return ImageNames{.folder = parts->folder,
                       .cue = parts->path,
-                      .plainBin = base + stem + extension,
-                      .newBin = base + stem + extension + ".new",
+                      .plainBin = base + binStem + extension,
+                      .newBin = base + shortStem + extension + ".new",
                       .lock = hidden + ".bin.lock",
                       .binPart = hidden + ".bin.part",
                       .linkPart = hidden + ".bin.link.part",

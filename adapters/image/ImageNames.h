@@ -12,8 +12,8 @@ namespace quarner {
 /// mix.bin, MIX.CUE and MIX.BIN, mix.Cue and mix.Bin. A double quote or a control character, which
 /// a CUE sheet cannot express, becomes a low line in the BIN's name, and a number is added that
 /// keeps such names apart. Bytes that are not UTF-8 stay as they are. All readers that were tried
-/// take names of up to 120 bytes; a few fail at longer ones. The hidden names are longer than the
-/// CUE's by up to 16 bytes, which must not exceed what the file system allows.
+/// take names of up to 120 bytes; a few fail at longer ones. Where a name would be longer than
+/// the file system allows, the end of its stem gives way to a number; the CUE's own never changes.
 struct ImageNames {
     std::string folder;   ///< absolute
     std::string cue;      ///< the image's own path

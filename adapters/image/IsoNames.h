@@ -7,6 +7,8 @@
 namespace quarner {
 
 /// The files of a data disc's image, and the names that they bear on their way. All in one folder.
+/// Where a hidden name would be longer than the file system allows, the end of the image's stem
+/// gives way to a number.
 struct IsoNames {
     std::string folder; ///< absolute
     std::string iso;    ///< the image's own path

@@ -161,6 +161,20 @@ TEST_P(ImageFault, AnImageAtASymbolicLinkIsReplacedWhereTheLinkLeads) {
     EXPECT_EQ(filesInFolder(), stage->filesOfImage());
 }
 
+TEST_P(ImageFault, TheLongestNameThatAFileMayHaveIsGoodForAnImage) {
+    for (const std::string& stem : {std::string(251, 'x'), '"' + std::string(242, 'y')}) {
+        const std::string image = stage->imageNamed(stem);
+        for (int i = 0; i < 3; ++i) {
+            const Paths fresh = makeSources({3000});
+            const auto drive = stage->recorder()->add({.path = image});
+            const Outcome outcome = burn(stage->layoutOf(fresh), drive);
+            ASSERT_TRUE(outcome.isDone) << outcome.info;
+            EXPECT_TRUE(stage->contentsOf(image) == stage->expectedContentsOf(fresh));
+        }
+    }
+    EXPECT_EQ(filesInFolder().size(), 2 * stage->filesOfImage().size());
+}
+
 /// A file system of one megabyte at a folder, for the length of a test.
 class SmallDisk {
 public:

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <filesystem>
 #include <set>
+#include <vector>
 
 #include "adapters/engine/ReadableName.h"
 #include "adapters/image/ImageNames.h"
+#include "adapters/image/IsoNames.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quarner {
@@ -48,6 +51,54 @@ TEST(ImageNames, WhatASheetCannotExpressIsReplacedAndKeptApart) {
     EXPECT_TRUE(line.starts_with("a_b-")) << line;
     EXPECT_NE(quote, line);
     EXPECT_NE(quote, "a_b.bin");
+}
+
+std::vector<std::string> namesOf(const ImageNames& names) {
+    return {names.plainBin, names.newBin,  names.lock,       names.binPart,
+            names.linkPart, names.cuePart, names.lastCuePart};
+}
+
+TEST(ImageNames, NoneIsLongerThanTheFileSystemTakes) {
+    const TemporaryFolder here;
+    for (std::size_t length = 230; length <= 251; ++length)
+        for (const char* start : {"", "\""}) {
+            const std::string stem = start + std::string(length - std::strlen(start), 'x');
+            const auto names = imageNames(here.file(stem + ".cue"));
+            ASSERT_TRUE(names);
+            for (const std::string& name : namesOf(*names))
+                EXPECT_LE(ImageNames::baseName(name).size(), 255U) << name;
+            EXPECT_EQ(names->cue, here.file(stem + ".cue"));
+            const auto data = isoNames(here.file(stem + ".iso"));
+            ASSERT_TRUE(data);
+            for (const std::string& name : {data->lock, data->part})
+                EXPECT_LE(ImageNames::baseName(name).size(), 255U) << name;
+        }
+    const std::string longest(251, 'x');
+    EXPECT_EQ(imageNames(here.file(longest + ".cue"))->plainBin, here.file(longest + ".bin"));
+}
+
+TEST(ImageNames, LongOnesThatDifferAtTheirEndAreKeptApart) {
+    const std::string stem(250, 'x');
+    std::set<std::string> names;
+    for (const char* end : {"a", "b"}) {
+        for (const std::string& name : namesOf(*imageNames("/nowhere/" + stem + end + ".cue")))
+            names.insert(name);
+        const auto data = isoNames("/nowhere/" + stem + end + ".iso");
+        names.insert({data->lock, data->part});
+    }
+    EXPECT_EQ(names.size(), 2U * (7 + 2));
+}
+
+TEST(ImageNames, LongOnesAreCutBetweenTwoCharacters) {
+    std::string name;
+    while (name.size() < 245)
+        name += "音";
+    for (const char* fill : {"", "y", "yy"}) {
+        const std::string lock =
+            ImageNames::baseName(imageNames("/nowhere/" + (fill + name) + ".cue")->lock);
+        EXPECT_EQ(readableName(lock), lock);
+        EXPECT_NE(lock.find("音-"), std::string::npos) << lock;
+    }
 }
 
 TEST(ImageNames, ASymbolicLinkStandsForItsTarget) {
