@@ -15,11 +15,24 @@ std::string lowered(std::string text) {
     return text;
 }
 
+/// Where the links at a path lead, whether or not there is anything.
+fs::path followed(fs::path path) {
+    constexpr int mostLinks = 40; // as many as the system follows
+    std::error_code error;
+    for (int i = 0; i < mostLinks && fs::is_symlink(fs::symlink_status(path, error)); ++i) {
+        const fs::path target = fs::read_symlink(path, error);
+        if (error)
+            break;
+        path = path.parent_path() / target; // an absolute one takes its place
+    }
+    return path;
+}
+
 fs::path resolved(const std::string& path) {
     std::error_code error;
     const fs::path whole = fs::absolute(path, error);
     const fs::path target = fs::canonical(whole, error);
-    return error ? whole : target;
+    return error ? followed(whole) : target;
 }
 
 } // namespace

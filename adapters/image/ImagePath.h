@@ -16,8 +16,8 @@ struct ImagePath {
     std::string base() const { return folder.ends_with('/') ? folder : folder + '/'; }
 };
 
-/// Takes a path apart, a symbolic link followed; nothing when it does not end in a file name with
-/// this extension (".cue"), in whatever case.
+/// Takes a path apart, a symbolic link followed, also to where nothing is yet; nothing when it does
+/// not end in a file name with this extension (".cue"), in whatever case.
 std::optional<ImagePath> imagePath(const std::string& path, const std::string& extension);
 
 } // namespace quarner

@@ -161,6 +161,19 @@ TEST_P(ImageFault, AnImageAtASymbolicLinkIsReplacedWhereTheLinkLeads) {
     EXPECT_EQ(filesInFolder(), stage->filesOfImage());
 }
 
+TEST_P(ImageFault, AnImageIsMadeWhereASymbolicLinkLeadsThatHasNoTargetYet) {
+    const TemporaryFolder elsewhere;
+    const std::string link =
+        elsewhere.file(std::filesystem::path(stage->image()).filename().string());
+    std::filesystem::create_symlink(stage->image(), link);
+    const Paths fresh = makeSources({3000});
+    const Outcome outcome = burn(stage->layoutOf(fresh), stage->recorder()->add({.path = link}));
+    EXPECT_TRUE(outcome.isDone) << outcome.info;
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    EXPECT_TRUE(imageHolds(fresh));
+    EXPECT_EQ(filesInFolder(), stage->filesOfImage());
+}
+
 TEST_P(ImageFault, TheLongestNameThatAFileMayHaveIsGoodForAnImage) {
     for (const std::string& stem : {std::string(251, 'x'), '"' + std::string(242, 'y')}) {
         const std::string image = stage->imageNamed(stem);

@@ -109,6 +109,25 @@ TEST(ImageNames, ASymbolicLinkStandsForItsTarget) {
     EXPECT_EQ(imageNames(here.file("link.cue"))->plainBin, there.file("real.bin"));
 }
 
+TEST(ImageNames, ASymbolicLinkStandsForItsTargetAlsoWhereNothingIsYet) {
+    const TemporaryFolder here;
+    const TemporaryFolder there;
+    std::filesystem::create_symlink(there.file("real.cue"), here.file("link.cue"));
+    std::filesystem::create_symlink("link.cue", here.file("relative.cue"));
+    for (const char* link : {"link.cue", "relative.cue"}) {
+        EXPECT_EQ(imageNames(here.file(link))->cue, there.file("real.cue"));
+        EXPECT_EQ(imageNames(here.file(link))->folder, there.path());
+        EXPECT_EQ(imageNames(here.file(link))->plainBin, there.file("real.bin"));
+    }
+}
+
+TEST(ImageNames, ALinkThatLeadsNowhereAtAllEndsTheSearch) {
+    const TemporaryFolder here;
+    std::filesystem::create_symlink(here.file("b.cue"), here.file("a.cue"));
+    std::filesystem::create_symlink(here.file("a.cue"), here.file("b.cue"));
+    EXPECT_EQ(imageNames(here.file("a.cue"))->folder, here.path());
+}
+
 TEST(ImageNames, ARelativePathCountsFromTheWorkingDirectory) {
     EXPECT_EQ(imageNames("mix.cue")->cue, (std::filesystem::current_path() / "mix.cue").string());
 }

@@ -66,6 +66,17 @@ TEST_P(ImagePlace, ANameThatIsTooLongIsToldBeforeTheBurn) {
     EXPECT_THAT(problemAt(pathOf(name)).info(), HasSubstr("File name too long"));
 }
 
+TEST_P(ImagePlace, ALinkToItselfIsToldBeforeTheBurn) {
+    std::filesystem::create_symlink(pathOf("mix"), pathOf("mix"));
+    EXPECT_THAT(problemAt(pathOf("mix")).info(), HasSubstr("symbolic links"));
+    EXPECT_TRUE(std::filesystem::is_symlink(pathOf("mix")));
+}
+
+TEST_P(ImagePlace, ALinkIntoAFolderThatIsNotThereIsToldBeforeTheBurn) {
+    std::filesystem::create_symlink(pathOf("no/mix"), pathOf("mix"));
+    EXPECT_THAT(problemAt(pathOf("mix")).info(), HasSubstr("/no: No such file"));
+}
+
 INSTANTIATE_IMAGE_SUITE(ImagePlace);
 
 using CuePlace = CueTest;
