@@ -5,8 +5,11 @@
 #include <utility>
 
 #include "adapters/desktop/DesktopPlatform.h"
+#include "adapters/desktop/DesktopRecorder.h"
 #include "adapters/image/ImagePlace.h"
 #include "adapters/image/ImageRecorder.h"
+#include "adapters/optical/AccessProblem.h"
+#include "adapters/optical/OpticalRecorder.h"
 
 namespace quarner {
 namespace {
@@ -39,10 +42,12 @@ std::shared_ptr<DesktopPlatform> takeCurrent() {
     return std::exchange(installed().desktop, nullptr);
 }
 
-std::shared_ptr<ImageDrive> imageDrive(const DesktopPlatform& desktop, const std::string& name) {
-    for (const auto& drive : desktop.recorder().devices())
+/// The drive of a name among those of one recorder; null when there is none.
+template <typename Drive>
+std::shared_ptr<Drive> driveNamed(const std::string& name, RecordingService& recorder) {
+    for (const auto& drive : recorder.devices())
         if (drive->displayName() == name)
-            return std::dynamic_pointer_cast<ImageDrive>(drive);
+            return std::dynamic_pointer_cast<Drive>(drive);
     return nullptr;
 }
 
@@ -69,21 +74,38 @@ std::string addImageDrive(const ImageDriveOptions& options) {
     const auto desktop = current();
     if (!desktop || options.minutes < 0)
         return {};
-    const auto drive = desktop->recorder().add({.path = options.path,
-                                                .minutes = static_cast<unsigned>(options.minutes),
-                                                .loadExisting = options.loadExisting});
+    const auto drive =
+        desktop->recorder().images().add({.path = options.path,
+                                          .minutes = static_cast<unsigned>(options.minutes),
+                                          .loadExisting = options.loadExisting});
     return drive ? drive->displayName() : std::string();
 }
 
 bool removeImageDrive(const std::string& displayName) {
     const auto desktop = current();
-    return desktop && desktop->recorder().remove(imageDrive(*desktop, displayName));
+    if (!desktop)
+        return false;
+    ImageRecorder& images = desktop->recorder().images();
+    return images.remove(driveNamed<ImageDrive>(displayName, images));
 }
 
 bool insertBlankDisc(const std::string& displayName) {
     const auto desktop = current();
-    const auto drive = desktop ? imageDrive(*desktop, displayName) : nullptr;
+    const auto drive =
+        desktop ? driveNamed<ImageDrive>(displayName, desktop->recorder().images()) : nullptr;
     return drive && drive->insertBlank();
+}
+
+std::string driveAccessProblem(const std::string& displayName) {
+    const auto desktop = current();
+    const auto drive =
+        desktop ? driveNamed<OpticalDrive>(displayName, desktop->recorder().optical()) : nullptr;
+    return drive ? accessProblem(drive->record().node).value_or("") : "";
+}
+
+bool hearsOfDrives() {
+    const auto desktop = current();
+    return desktop && desktop->recorder().optical().hearsOfChanges();
 }
 
 } // namespace quarner

@@ -8,8 +8,8 @@
 
 namespace quarner {
 
+class DesktopRecorder;
 class GlibDispatch;
-class ImageRecorder;
 
 /// The adapters, put together. Made on the main thread.
 class DesktopPlatform {
@@ -22,14 +22,14 @@ public:
     DesktopPlatform& operator=(const DesktopPlatform&) = delete;
 
     const Platform& services() const { return _services; }
-    ImageRecorder& recorder() const { return *_recorder; }
+    DesktopRecorder& recorder() const { return *_recorder; }
 
     /// Ends the work in the background: see `GlibDispatch::shutDown`.
     void endBackgroundWork();
 
 private:
     const std::shared_ptr<GlibDispatch> _dispatch;
-    std::shared_ptr<ImageRecorder> _recorder;
+    std::shared_ptr<DesktopRecorder> _recorder;
     Platform _services;
 };
 

@@ -18,10 +18,12 @@
 #include "quarner/quarner.h"
 #include "tests/support/RecordingDelegate.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/optical/OpticalBed.h"
 
 namespace quarner::testing {
 
-/// A host with the desktop platform: this thread is the main one, and runs the default loop.
+/// A host with the desktop platform, on a machine whose only drives are those of the test: this
+/// thread is the main one, and runs the default loop.
 class DesktopTest : public ::testing::Test {
 protected:
     DesktopTest() {
@@ -79,6 +81,7 @@ protected:
         return paths;
     }
 
+    OpticalBed machine; // before the platform, which looks at it
     const TemporaryFolder folder;
     RecordingDelegate delegate;
     std::shared_ptr<Quarner> burner = Quarner::audioCDBurner();

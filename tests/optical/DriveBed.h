@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #include <umockdev.h>
 
-#include <initializer_list>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <utility>
@@ -12,8 +12,8 @@
 
 namespace quarner {
 
-/// A machine whose devices are what a test says, for programs that run under umockdev-wrapper:
-/// sysfs, device files and udev's events. No device file answers anything.
+/// A machine whose devices are what a test says, for programs that are linked with umockdev's
+/// preload library: sysfs, device files and udev's events. No device file answers anything.
 class DriveBed {
 public:
     using Properties = std::vector<std::pair<std::string, std::string>>;
@@ -50,8 +50,23 @@ public:
         return "/devices/" + name;
     }
 
+    /// Repeats an event of a device.
+    void send(const std::string& sysPath, const std::string& action) {
+        umockdev_testbed_uevent(_bed.get(), sysPath.c_str(), action.c_str());
+    }
+
     void unplug(const std::string& sysPath) {
         send(sysPath, "remove");
+        unplugSilently(sysPath);
+    }
+
+    /// As on a machine where udev does not run.
+    void unplugSilently(const std::string& sysPath) {
+        const std::unique_ptr<gchar, decltype(&g_free)> root(
+            umockdev_testbed_get_root_dir(_bed.get()), g_free);
+        for (const char* const place : {"dev", "sys/class/block", "sys/block"})
+            std::filesystem::remove(std::filesystem::path(root.get()) / place /
+                                    std::filesystem::path(sysPath).filename());
         umockdev_testbed_remove_device(_bed.get(), sysPath.c_str());
     }
 
@@ -61,10 +76,6 @@ public:
     }
 
 private:
-    void send(const std::string& sysPath, const std::string& action) {
-        umockdev_testbed_uevent(_bed.get(), sysPath.c_str(), action.c_str());
-    }
-
     void addFromText(const std::string& text) {
         GError* error = nullptr;
         if (!umockdev_testbed_add_from_string(_bed.get(), text.c_str(), &error)) {

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
+#include <mutex>
 #include <span>
 #include <utility>
 #include <vector>
@@ -126,7 +127,13 @@ gboolean onCall(UMockdevIoctlBase*, UMockdevIoctlClient* client, gpointer data) 
 SystemCallTarget::~SystemCallTarget() = default;
 
 void answerSystemCalls(UMockdevIoctlBase* calls, const std::shared_ptr<SystemCallTarget>& target) {
-    const auto forget = [](gpointer data, GClosure*) { delete static_cast<Target*>(data); };
+    // Made here, dropped wherever GLib's last reference goes, which only GLib itself can follow.
+    static std::mutex mutex;
+    const std::lock_guard lock(mutex);
+    const auto forget = [](gpointer data, GClosure*) {
+        const std::lock_guard dropping(mutex);
+        delete static_cast<Target*>(data);
+    };
     g_signal_connect_data(calls, "handle-ioctl", G_CALLBACK(onCall), new Target(target), forget,
                           GConnectFlags(0));
 }

@@ -9,7 +9,6 @@
 namespace quarner::cli {
 namespace {
 
-/// By whoever started the program: nohup, or a shell whose script runs it in the background.
 bool isIgnored(int signal) {
     struct sigaction action = {};
     return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
@@ -20,7 +19,8 @@ sigset_t endingSignals() {
     sigemptyset(&signals);
     sigaddset(&signals, SIGINT);
     sigaddset(&signals, SIGTERM);
-    sigaddset(&signals, SIGHUP);
+    if (!isIgnored(SIGHUP)) // as nohup does
+        sigaddset(&signals, SIGHUP);
     return signals;
 }
 
@@ -56,8 +56,7 @@ void Interruptions::serve() {
             if (_isOver)
                 return;
         }
-        if (!isIgnored(signal)) // one that is blocked arrives nevertheless
-            signalArrived();
+        signalArrived();
     }
 }
 

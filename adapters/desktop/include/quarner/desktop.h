@@ -8,7 +8,8 @@
 #include "quarner/platform/Export.h"
 
 /// The platform of a desktop host: GLib's main loop and log, the user's locale, files and aliases
-/// as the desktop has them, sound through FFmpeg, and drives whose discs are image files.
+/// as the desktop has them, sound through FFmpeg, the optical drives of the machine, and drives
+/// whose discs are image files.
 namespace quarner {
 
 /// Installs the platform. To be called before anything else of the framework, on the main thread,
@@ -73,5 +74,16 @@ QUARNER_EXPORT bool removeImageDrive(const std::string& displayName);
 /// that is there stays until then. Answers false when there is no such drive, or a disc in it (see
 /// `QuarnerDevice::eject`).
 QUARNER_EXPORT bool insertBlankDisc(const std::string& displayName);
+
+/// Why this user may not open the optical drive of a name, in one English sentence without its
+/// full stop, which names the group or the permission that is missing. Empty when there is no such
+/// problem, and for an image drive. Such a drive is listed, seems to have no disc, and a burn on it
+/// fails.
+QUARNER_EXPORT std::string driveAccessProblem(const std::string& displayName);
+
+/// Whether optical drives that come and go, and discs that are put in and out, are told of to a
+/// `QuarnerDeviceDelegate`. Not so where the device manager (udev) does not run: there, a host asks
+/// for the drives again.
+QUARNER_EXPORT bool hearsOfDrives();
 
 } // namespace quarner

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/optical/OpticalRecorder.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "adapters/engine/ReadableName.h"
+#include "quarner/platform/DRKeys.h"
+
+namespace quarner {
+namespace {
+
+std::string nameOf(const DriveRecord& record) {
+    const bool hasBoth = !record.vendor.empty() && !record.product.empty();
+    const std::string name = record.vendor + (hasBoth ? " " : "") + record.product;
+    return name.empty() ? record.node.substr(record.node.rfind('/') + 1) : readableName(name);
+}
+
+} // namespace
+
+OpticalRecorder::OpticalRecorder(std::shared_ptr<RunLoops> runLoops,
+                                 std::shared_ptr<PCMService> pcm, OpticalRecorderParts parts)
+    : EngineRecorder(std::move(runLoops), std::move(pcm), std::move(parts.dataDiscs), parts.clock),
+      _clock(std::move(parts.clock)) {
+    const std::lock_guard lock(_updating); // the monitor waits until the drives are listed
+    _hearsOfChanges = _monitor.start(*this) && parts.isUdevRunning;
+    for (const DriveRecord& record : listDrives())
+        attach(record);
+}
+
+std::vector<std::shared_ptr<DRDevice>> OpticalRecorder::devices() {
+    if (!_hearsOfChanges)
+        eventsWereLost();
+    const std::lock_guard lock(_mutex);
+    return {_drives.begin(), _drives.end()};
+}
+
+void OpticalRecorder::driveIsThere(const DriveRecord& record) {
+    const std::lock_guard lock(_updating);
+    if (!driveAt(record.sysPath))
+        attach(record);
+}
+
+void OpticalRecorder::driveIsGone(const std::string& sysPath) {
+    const std::lock_guard lock(_updating);
+    if (const Drive drive = driveAt(sysPath))
+        detach(drive);
+}
+
+void OpticalRecorder::mediaChanged(const std::string& sysPath) {
+    if (const Drive drive = driveAt(sysPath))
+        drive->mediaChanged();
+}
+
+void OpticalRecorder::eventsWereLost() {
+    const std::lock_guard lock(_updating);
+    const std::vector<DriveRecord> found = listDrives();
+    for (const Drive& drive : drives())
+        if (std::none_of(found.begin(), found.end(), [&](const DriveRecord& record) {
+                return record.sysPath == drive->record().sysPath;
+            }))
+            detach(drive);
+    for (const DriveRecord& record : found)
+        if (!driveAt(record.sysPath))
+            attach(record);
+}
+
+void OpticalRecorder::attach(const DriveRecord& record) {
+    Drive drive;
+    {
+        const std::lock_guard lock(_mutex);
+        drive = std::make_shared<OpticalDrive>(record, uniqueName(record), runLoops(),
+                                               _hearsOfChanges, _clock);
+        const auto place = std::upper_bound(
+            _drives.begin(), _drives.end(), record,
+            [](const DriveRecord& a, const Drive& b) { return comesBefore(a, b->record()); });
+        _drives.insert(place, drive);
+    }
+    tell(DRDeviceAppearedNotification, drive);
+}
+
+void OpticalRecorder::detach(const Drive& drive) {
+    {
+        const std::lock_guard lock(_mutex);
+        std::erase(_drives, drive);
+    }
+    drive->unplug();
+    tell(DRDeviceDisappearedNotification, drive);
+}
+
+OpticalRecorder::Drive OpticalRecorder::driveAt(const std::string& sysPath) {
+    const std::lock_guard lock(_mutex);
+    const auto found = std::find_if(_drives.begin(), _drives.end(), [&](const Drive& drive) {
+        return drive->record().sysPath == sysPath;
+    });
+    return found == _drives.end() ? nullptr : *found;
+}
+
+std::vector<OpticalRecorder::Drive> OpticalRecorder::drives() {
+    const std::lock_guard lock(_mutex);
+    return _drives;
+}
+
+std::string OpticalRecorder::uniqueName(const DriveRecord& record) const {
+    return uniqueDriveName(nameOf(record), [this](const std::string& name) {
+        return std::any_of(_drives.begin(), _drives.end(),
+                           [&](const Drive& drive) { return drive->displayName() == name; });
+    });
+}
+
+} // namespace quarner

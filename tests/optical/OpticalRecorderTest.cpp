@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/optical/OpticalRecorder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/optical/DeviceNotes.h"
+#include "tests/optical/DriveBed.h"
+#include "tests/recorder/RawSound.h"
+#include "tests/recorder/StepLoops.h"
+
+namespace quarner {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class OpticalRecorderTest : public ::testing::Test {
+protected:
+    void start(bool isUdevRunning = true) {
+        recorder =
+            std::make_shared<OpticalRecorder>(loops, std::make_shared<RawSound>(),
+                                              OpticalRecorderParts{.isUdevRunning = isUdevRunning});
+        notes = std::make_unique<DeviceNotes>(recorder->currentRunLoopCenter());
+    }
+
+    std::vector<std::string> names() {
+        std::vector<std::string> found;
+        for (const auto& drive : recorder->devices())
+            found.push_back(drive->displayName());
+        return found;
+    }
+
+    bool hearNotes(std::size_t count) {
+        return loops->runUntil([&] { return notes->all().size() >= count; },
+                               std::chrono::seconds(10));
+    }
+
+    DriveBed bed;
+    const std::shared_ptr<StepLoops> loops = std::make_shared<StepLoops>();
+    std::shared_ptr<OpticalRecorder> recorder;
+    std::unique_ptr<DeviceNotes> notes;
+};
+
+TEST_F(OpticalRecorderTest, AMachineWithoutDrivesHasNone) {
+    start();
+    EXPECT_THAT(recorder->devices(), IsEmpty());
+    EXPECT_NE(recorder->burnForDevice(nullptr), nullptr);
+}
+
+TEST_F(OpticalRecorderTest, DrivesAreNamedAfterVendorAndProductAndUnlikeEachOther) {
+    bed.plug("sr1", DriveBed::writer("ASUS", "DRW-24"));
+    bed.plug("sr0", DriveBed::writer("ASUS", "DRW-24"));
+    bed.plug("sr2", {{"ID_CDROM", "1"}, {"ID_MODEL", "HL-DT-ST_DVDRAM"}});
+    bed.plug("sr3", {{"ID_CDROM", "1"}});
+    start();
+    EXPECT_THAT(names(), ElementsAre("ASUS DRW-24", "ASUS DRW-24 (2)", "HL-DT-ST DVDRAM", "sr3"));
+}
+
+TEST_F(OpticalRecorderTest, ADriveSaysWhetherItWrites) {
+    bed.plug("sr0", DriveBed::writer("V", "Writer"));
+    bed.plug("sr1", {{"ID_CDROM", "1"}, {"ID_MODEL", "Reader"}});
+    start();
+    const auto drives = recorder->devices();
+    ASSERT_EQ(drives.size(), 2U);
+    EXPECT_TRUE(valueFor(drives[0]->info(), DRDeviceCanWriteCDKey).asBool());
+    EXPECT_FALSE(valueFor(drives[1]->info(), DRDeviceCanWriteCDKey).asBool());
+}
+
+TEST_F(OpticalRecorderTest, TheSameObjectStandsForTheSameDrive) {
+    bed.plug("sr0", DriveBed::writer("V", "M"));
+    start();
+    EXPECT_EQ(recorder->devices(), recorder->devices());
+}
+
+TEST_F(OpticalRecorderTest, ADriveThatIsPluggedInAppearsInTheOrderOfTheDeviceFiles) {
+    bed.plug("sr1", DriveBed::writer("V", "First"));
+    start();
+    bed.plug("sr0", DriveBed::writer("V", "Second"));
+    ASSERT_TRUE(hearNotes(1));
+    EXPECT_THAT(notes->all(), ElementsAre("+ V Second"));
+    EXPECT_THAT(names(), ElementsAre("V Second", "V First"));
+}
+
+TEST_F(OpticalRecorderTest, ADriveThatIsUnpluggedDisappearsAndAnswersOn) {
+    const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
+    start();
+    const auto drive = recorder->devices().at(0);
+    bed.unplug(sysPath);
+    ASSERT_TRUE(hearNotes(1));
+    EXPECT_THAT(notes->all(), ElementsAre("- V M"));
+    EXPECT_THAT(names(), IsEmpty());
+    EXPECT_EQ(drive->displayName(), "V M");
+    EXPECT_FALSE(drive->mediaIsPresent());
+}
+
+TEST_F(OpticalRecorderTest, ADriveThatComesBackIsANewOneOfTheSameName) {
+    const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
+    start();
+    const auto before = recorder->devices().at(0);
+    bed.unplug(sysPath);
+    bed.plug("sr0", DriveBed::writer("V", "M"));
+    ASSERT_TRUE(hearNotes(2));
+    EXPECT_THAT(notes->all(), ElementsAre("- V M", "+ V M"));
+    EXPECT_NE(recorder->devices().at(0), before);
+}
+
+TEST_F(OpticalRecorderTest, ANameThatIsTakenIsNotGivenAgain) {
+    const std::string first = bed.plug("sr0", DriveBed::writer("V", "M"));
+    bed.plug("sr1", DriveBed::writer("V", "M"));
+    start();
+    bed.unplug(first);
+    bed.plug("sr2", DriveBed::writer("V", "M"));
+    ASSERT_TRUE(hearNotes(2));
+    EXPECT_THAT(names(), ElementsAre("V M (2)", "V M"));
+}
+
+TEST_F(OpticalRecorderTest, ADriveThatUdevTellsOfAgainIsNotToldOfTwice) {
+    const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
+    start();
+    bed.send(sysPath, "add");
+    bed.send(sysPath, "change");
+    bed.send(sysPath, "remove");
+    bed.unplug(sysPath);
+    bed.plug("sr1", DriveBed::writer("V", "Last"));
+    ASSERT_TRUE(hearNotes(2));
+    EXPECT_THAT(notes->all(), ElementsAre("- V M", "+ V Last"));
+}
+
+TEST_F(OpticalRecorderTest, AnotherDiscIsANewStatusOfItsDrive) {
+    bed.plug("sr0", DriveBed::writer("V", "M"));
+    const std::string changed = bed.plug("sr1", DriveBed::writer("V", "N"));
+    start();
+    bed.changeMedia(changed);
+    ASSERT_TRUE(hearNotes(1));
+    EXPECT_THAT(notes->all(), ElementsAre("~ V N"));
+}
+
+TEST_F(OpticalRecorderTest, WhereUdevRunsADriveStaysUntilUdevTellsOfItsEnd) {
+    const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
+    start();
+    EXPECT_TRUE(recorder->hearsOfChanges());
+    bed.unplugSilently(sysPath);
+    EXPECT_THAT(names(), ElementsAre("V M"));
+}
+
+TEST_F(OpticalRecorderTest, WithoutUdevTheListIsThatOfTheMoment) {
+    const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
+    bed.plug("sr1", DriveBed::writer("V", "N"));
+    start(false);
+    EXPECT_FALSE(recorder->hearsOfChanges());
+    EXPECT_THAT(names(), ElementsAre("V M", "V N"));
+    const auto other = recorder->devices().at(1);
+    bed.unplugSilently(sysPath);
+    EXPECT_THAT(recorder->devices(), ElementsAre(other));
+    loops->runPending();
+    EXPECT_THAT(notes->all(), ElementsAre("- V M"));
+}
+
+TEST_F(OpticalRecorderTest, WithoutUdevADriveIsListedAsSoonAsItIsThere) {
+    start(false);
+    EXPECT_THAT(names(), IsEmpty());
+    const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
+    EXPECT_THAT(names(), ElementsAre("V M"));
+    EXPECT_THAT(names(), ElementsAre("V M"));
+    loops->runPending();
+    EXPECT_THAT(notes->all(), ElementsAre("+ V M"));
+}
+
+TEST_F(OpticalRecorderTest, ARecorderEndsWhileDrivesComeAndGo) {
+    start();
+    for (int round = 0; round < 20; ++round) {
+        bed.unplug(bed.plug("sr0", DriveBed::writer("V", "M")));
+        notes.reset();
+        recorder.reset();
+        start();
+    }
+    EXPECT_THAT(names(), IsEmpty());
+}
+
+} // namespace
+} // namespace quarner
