@@ -6,8 +6,6 @@
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
-#include <memory>
-#include <mutex>
 #include <new>
 #include <string>
 #include <thread>
@@ -20,6 +18,7 @@
 
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/optical/BurnLibrary.h"
+#include "quarner/platform/DRTrack.h"
 
 namespace quarner {
 namespace {
@@ -47,38 +46,35 @@ using Track = std::unique_ptr<burn::burn_track, TrackRelease>;
 using Source = std::unique_ptr<burn::burn_source, SourceRelease>;
 using Options = std::unique_ptr<burn::burn_write_opts, OptionsRelease>;
 
-/// The part of the pipe that is one track. Read on libburn's thread, and freed when that has ended:
-/// the mutex makes sure that the one sees what the other did.
+/// The part of the pipe that is one track.
 struct Feed {
     SectorPipe& pipe;
     const off_t size;
     off_t left;
-    std::mutex mutex = {};
 };
 
 Feed& feedOf(burn::burn_source* source) { return *static_cast<Feed*>(source->data); }
 
+// The library calls these on its own thread and tells by nothing but an unlocked flag that it has
+// come to its end. So each touches the feed first, and the lock of the pipe last: closing the pipe
+// is then what lets the feed be freed on another thread.
+
 int readFeed(burn::burn_source* source, unsigned char* buffer, int size) {
     Feed& feed = feedOf(source);
-    const std::lock_guard lock(feed.mutex);
     const std::size_t wanted = std::size_t(std::min<off_t>(size, feed.left));
+    feed.left -= off_t(wanted);
     const std::size_t count = feed.pipe.take({reinterpret_cast<std::byte*>(buffer), wanted});
-    feed.left -= off_t(count);
     return count < wanted ? -1 : int(count);
 }
 
 off_t sizeOfFeed(burn::burn_source* source) {
-    const std::lock_guard lock(feedOf(source).mutex);
-    return feedOf(source).size;
+    const off_t size = feedOf(source).size;
+    feedOf(source).pipe.take({});
+    return size;
 }
 
 int setSizeOfFeed(burn::burn_source*, off_t) { return 1; }
-
-void freeFeed(burn::burn_source* source) {
-    const std::unique_ptr<Feed> feed(&feedOf(source));
-    const std::lock_guard lock(feed->mutex);
-}
-
+void freeFeed(burn::burn_source* source) { delete &feedOf(source); }
 int cancelFeed(burn::burn_source*) { return 1; }
 
 template <typename Pointer>
@@ -89,7 +85,7 @@ Pointer made(Pointer pointer) {
 }
 
 Source makeSource(SectorPipe& pipe, off_t size) {
-    auto feed = std::unique_ptr<Feed>(new Feed{pipe, size, size});
+    auto feed = std::make_unique<Feed>(Feed{pipe, size, size});
     // The library frees it with the C library's function.
     auto* const source =
         made(static_cast<burn::burn_source*>(std::calloc(1, sizeof(burn::burn_source))));
@@ -107,8 +103,10 @@ Source makeSource(SectorPipe& pipe, off_t size) {
 Track makeTrack(const DiscPlan& plan, std::size_t index, SectorPipe& pipe) {
     const TrackPlan& planned = plan.tracks[index];
     Track track = made(Track(burn::burn_track_create()));
-    const bool isAudio = plan.sectorSize == audioSectorSize;
-    burn::burn_track_define_data(track.get(), 0, 0, 1, isAudio ? BURN_AUDIO : BURN_MODE1);
+    const int mode = plan.sectorSize == audioSectorSize ? BURN_AUDIO : BURN_MODE1;
+    // The library announces the shortest track that a CD can have, and does not fill it by itself.
+    const std::uint32_t tail = std::max(planned.length, DRTrack::minimumSectors) - planned.length;
+    burn::burn_track_define_data(track.get(), 0, int(tail * plan.sectorSize), 1, mode);
     const Source source = makeSource(pipe, off_t(planned.length) * plan.sectorSize);
     if (burn::burn_track_set_source(track.get(), source.get()) != burn::BURN_SOURCE_OK)
         throw BurnFailure(DRError::Internal, "libburn takes no track from here");
@@ -175,6 +173,7 @@ BurnJob::~BurnJob() {
         _pipe.close();
         std::this_thread::sleep_for(pollInterval);
     }
+    _pipe.close();
     BurnLibrary::shared().logMessages();
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <csignal>
+#include <utility>
 
 #include "tests/cli/program/EveryKind.h"
 
@@ -70,6 +71,23 @@ TEST_P(ProgramSignals, CtrlCWhileBurningLeavesNothingBehind) {
 TEST_P(ProgramSignals, TheRequestToTerminateIsTreatedAlike) {
     EXPECT_EQ(interrupted(work(30), writing(30), {SIGTERM}).status, 130);
     EXPECT_THAT(names("images"), IsEmpty());
+}
+
+TEST_P(ProgramSignals, OnesThatTheProgramWasStartedToIgnoreDoNotEndIt) {
+    const std::vector<std::string> arguments = work(5);
+    HostSettings ignoring = here();
+    for (const auto& [name, number] :
+         {std::pair("INT", SIGINT), {"TERM", SIGTERM}, {"HUP", SIGHUP}}) {
+        ignoring.wrapper = {"sh", "-c", "trap '' " + std::string(name) + "; exec \"$@\"", "sh"};
+        HostProgram program(arguments, ignoring);
+        EXPECT_TRUE(program.waitForOutput("Writing track 1 of "));
+        program.signal(number);
+        EXPECT_EQ(program.wait().status, 0) << name;
+        HostProgram other(arguments, ignoring);
+        EXPECT_TRUE(other.waitForOutput("Writing track 1 of "));
+        other.signal(number == SIGTERM ? SIGINT : SIGTERM);
+        EXPECT_EQ(other.wait().status, 130) << name;
+    }
 }
 
 TEST_P(ProgramSignals, ASecondSignalWhileBurningEndsAtOnceAndLeavesNothingBehind) {

@@ -9,6 +9,7 @@
 namespace quarner::cli {
 namespace {
 
+/// By whoever started the program: nohup, or a shell whose script runs it in the background.
 bool isIgnored(int signal) {
     struct sigaction action = {};
     return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
@@ -19,8 +20,7 @@ sigset_t endingSignals() {
     sigemptyset(&signals);
     sigaddset(&signals, SIGINT);
     sigaddset(&signals, SIGTERM);
-    if (!isIgnored(SIGHUP)) // as nohup does
-        sigaddset(&signals, SIGHUP);
+    sigaddset(&signals, SIGHUP);
     return signals;
 }
 
@@ -56,7 +56,8 @@ void Interruptions::serve() {
             if (_isOver)
                 return;
         }
-        signalArrived();
+        if (!isIgnored(signal)) // one that is blocked arrives nevertheless
+            signalArrived();
     }
 }
 

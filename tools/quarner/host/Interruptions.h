@@ -11,7 +11,8 @@
 
 namespace quarner::cli {
 
-/// Ctrl-C and the signals that ask a program to end. They are taken by a thread of their own, so
+/// Ctrl-C and the signals that ask a program to end; those that the program was started to ignore
+/// are ignored. They are taken by a thread of their own, so
 /// that they work even while the main loop is stuck in a slow file, and so that what they lead to
 /// runs as ordinary code.
 class Interruptions {

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <gmock/gmock.h>
+
+#include "quarner/platform/DRKeys.h"
+#include "tests/optical/DriveStage.h"
+
+namespace quarner {
+namespace {
+
+using testing::ElementsAre;
+
+Dictionary mediaOf(const OpticalDrive& drive) {
+    const Dictionary status = drive.status();
+    const Dictionary* media = valueFor(status, DRDeviceMediaInfoKey).asDictionary();
+    return media ? *media : Dictionary();
+}
+std::string typeOf(const OpticalDrive& drive) {
+    const Dictionary media = mediaOf(drive);
+    const std::string* type = valueFor(media, DRDeviceMediaTypeKey).asString();
+    return type ? *type : std::string();
+}
+std::uint64_t blocksOf(const OpticalDrive& drive, const char* key) {
+    return valueFor(mediaOf(drive), key).asUInt64();
+}
+
+/// What is said of a disc, in one line.
+std::string factsOf(const OpticalDrive& drive) {
+    std::string facts = typeOf(drive).substr(std::string("DRDeviceMediaType").size());
+    for (const auto& [isSo, name] : {std::pair(drive.mediaIsBlank(), " blank"),
+                                     std::pair(drive.mediaIsAppendable(), " appendable"),
+                                     std::pair(drive.mediaIsErasable(), " erasable"),
+                                     std::pair(drive.mediaIsOverwritable(), " overwritable")})
+        facts += isSo ? name : "";
+    return facts + ' ' + std::to_string(blocksOf(drive, DRDeviceMediaBlocksUsedKey)) + '/' +
+           std::to_string(blocksOf(drive, DRDeviceMediaBlocksFreeKey));
+}
+
+Medium appendable() {
+    Medium medium = Medium::audioCD({300, 400});
+    medium.kind = Medium::Kind::CDR;
+    medium.state = Medium::State::Appendable;
+    return medium;
+}
+Medium rewritable() {
+    Medium medium = Medium::dataCD(1000);
+    medium.kind = Medium::Kind::CDRW;
+    return medium;
+}
+
+class DriveFacts : public testing::Test, public DriveStage {};
+
+TEST_F(DriveFacts, OfABlankDisc) {
+    EXPECT_EQ(factsOf(*drive), "CDR blank appendable 0/359847");
+    EXPECT_TRUE(drive->mediaIsPresent());
+    EXPECT_FALSE(drive->mediaIsTransitioning());
+    EXPECT_EQ(drive->mediaSpaceUsed(), DRMSF::msf());
+    EXPECT_EQ(drive->mediaSpaceFree(), DRMSF::msfWithFrames(359'847));
+    expectReleased();
+}
+
+TEST_F(DriveFacts, AreTheSpeedsOfTheDiscInBlocksPerSecond) {
+    const Dictionary media = mediaOf(*drive);
+    const Array* speeds = valueFor(media, DRDeviceBurnSpeedsKey).asArray();
+    ASSERT_NE(speeds, nullptr);
+    EXPECT_THAT(*speeds, ElementsAre(Value(300), Value(600), Value(1200), Value(1800)));
+}
+
+TEST_F(DriveFacts, OfOtherDiscs) {
+    insert(Medium::blankCDR(333'000));
+    EXPECT_EQ(factsOf(*drive), "CDR blank appendable 0/333000");
+    insert(Medium::blankCDRW());
+    EXPECT_EQ(factsOf(*drive), "CDRW blank appendable erasable 0/359847");
+    insert(rewritable());
+    EXPECT_EQ(factsOf(*drive), "CDRW erasable 1000/359847") << "all of it can be used again";
+    insert(Medium::audioCD({300, 400}));
+    EXPECT_EQ(factsOf(*drive), "CDR 850/0");
+    Medium pressed = Medium::dataCD(1000);
+    pressed.kind = Medium::Kind::CDROM;
+    insert(pressed);
+    EXPECT_EQ(factsOf(*drive), "CDROM 1000/0");
+    insert(Medium::blankDVD());
+    EXPECT_EQ(typeOf(*drive), DRDeviceMediaTypeDVDR);
+    EXPECT_TRUE(drive->mediaIsBlank());
+    insert(appendable());
+    EXPECT_EQ(factsOf(*drive), "CDR appendable 12250/347597");
+    expectReleased();
+}
+
+TEST_F(DriveFacts, AreNoneWithoutADisc) {
+    recorder->removeMedium();
+    EXPECT_FALSE(drive->mediaIsPresent());
+    EXPECT_FALSE(drive->mediaIsTransitioning());
+    EXPECT_FALSE(drive->mediaIsBlank());
+    EXPECT_FALSE(drive->mediaIsAppendable());
+    EXPECT_EQ(drive->mediaSpaceUsed(), std::nullopt);
+    EXPECT_EQ(drive->mediaSpaceFree(), std::nullopt);
+    EXPECT_TRUE(mediaOf(*drive).empty());
+    expectReleased();
+}
+
+TEST_F(DriveFacts, AreAskedOnceForADisc) {
+    drive->mediaIsPresent();
+    const std::size_t asked = recorder->commands().size();
+    EXPECT_GT(asked, 0U);
+    factsOf(*drive);
+    time += std::chrono::hours(1);
+    factsOf(*drive);
+    EXPECT_EQ(recorder->commands().size(), asked);
+    drive->mediaChanged();
+    drive->mediaIsPresent();
+    EXPECT_GT(recorder->commands().size(), asked);
+}
+
+TEST_F(DriveFacts, AreKeptForAMomentWhereNoChangesAreHeard) {
+    const auto deaf = makeDrive(*recorder, false);
+    EXPECT_TRUE(deaf->mediaIsPresent());
+    recorder->removeMedium();
+    EXPECT_TRUE(deaf->mediaIsPresent());
+    time += OpticalDrive::keptFor;
+    EXPECT_FALSE(deaf->mediaIsPresent());
+}
+
+} // namespace
+} // namespace quarner

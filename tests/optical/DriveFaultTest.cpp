@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <gmock/gmock.h>
+
+#include <array>
+
+#include "quarner/platform/DRKeys.h"
+#include "tests/optical/DriveStage.h"
+
+namespace quarner {
+namespace {
+
+using testing::HasSubstr;
+
+/// What goes wrong with a burn, and that the drive is as good as new afterwards.
+class DriveFault : public testing::TestWithParam<bool>, public DriveStage {
+protected:
+    DRLayout layout() { return GetParam() ? audio({700, 700}) : data(2'000'000); }
+
+    /// Burns, and acts when a state is told.
+    std::unique_ptr<BurnLog> burnAndDo(const char* state, std::function<void()> act) {
+        loops->setInStep(true);
+        const auto burning = makeBurn();
+        auto log = observe(burning);
+        bool isDone = false;
+        log->onRecord = [&](const Dictionary& record) {
+            if (BurnLog::stateOf(record) != state || std::exchange(isDone, true))
+                return;
+            act();
+            loops->setInStep(false);
+        };
+        burning->writeLayout(layout());
+        EXPECT_TRUE(loops->runUntil([&] { return log->isOver(); }));
+        log->onRecord = nullptr;
+        return log;
+    }
+    std::unique_ptr<BurnLog> burnWith(const std::function<void(UnitFaults&)>& set) {
+        UnitFaults faults;
+        set(faults);
+        recorder->setFaults(faults);
+        auto log = burn(layout());
+        recorder->setFaults({});
+        return log;
+    }
+
+    /// The drive is free, and burns a new disc.
+    void expectAsGoodAsNew() {
+        expectReleased();
+        insert(Medium::blankCDR());
+        EXPECT_TRUE(drive->mediaIsBlank());
+        const auto log = burn(layout());
+        EXPECT_TRUE(log->isDone()) << log->info();
+        expectReleased();
+    }
+};
+
+TEST_P(DriveFault, AWriteErrorFailsTheBurn) {
+    const auto log = burnWith([](UnitFaults& faults) { faults.writeErrorAt = 500; });
+    EXPECT_EQ(log->code(), codeOf(DRError::WriteFailed)) << log->info();
+    EXPECT_THAT(log->info(), HasSubstr("SCSI error"));
+    EXPECT_EQ(log->count(DRStatusStateFinishing), 0U);
+    expectAsGoodAsNew();
+}
+
+TEST_P(DriveFault, AWriteErrorAtTheVeryFirstSectorFailsTheBurn) {
+    const auto log = burnWith([](UnitFaults& faults) { faults.writeErrorAt = -150; });
+    EXPECT_EQ(log->code(), codeOf(DRError::WriteFailed)) << log->info();
+    expectAsGoodAsNew();
+}
+
+TEST_P(DriveFault, AWriteErrorAtTheLastSectorFailsTheBurn) {
+    const auto last = [&](std::int32_t end) {
+        insert(Medium::blankCDR());
+        return burnWith([&](UnitFaults& faults) { faults.writeErrorAt = end - 1; });
+    };
+    ASSERT_TRUE(burn(layout())->isDone());
+    const auto log = last(recorder->writtenDisc()->end());
+    EXPECT_EQ(log->code(), codeOf(DRError::WriteFailed)) << log->info();
+    expectAsGoodAsNew();
+}
+
+TEST_P(DriveFault, ADiscThatIsTakenOutFailsTheBurn) {
+    const auto log = burnWith([](UnitFaults& faults) { faults.removeMediumAt = 500; });
+    EXPECT_EQ(log->code(), codeOf(DRError::MediaNotPresent)) << log->info();
+    EXPECT_FALSE(drive->mediaIsPresent());
+    expectAsGoodAsNew();
+}
+
+TEST_P(DriveFault, ADriveThatIsUnpluggedFailsTheBurnAlsoBeforeAnybodyHearsOfIt) {
+    const auto log = burnWith([](UnitFaults& faults) { faults.unplugAt = 500; });
+    EXPECT_EQ(log->code(), codeOf(DRError::DeviceVanished)) << log->info();
+    EXPECT_EQ(recorder->openCount(), 0);
+    EXPECT_FALSE(drive->mediaIsPresent());
+    recorder->replug();
+    drive = makeDrive(*recorder);
+    expectAsGoodAsNew();
+}
+
+TEST_P(DriveFault, ADriveThatIsHeardOfAsUnpluggedFailsTheBurn) {
+    const auto log = burnAndDo(DRStatusStateTrackWrite, [&] {
+        recorder->unplug();
+        drive->unplug();
+    });
+    EXPECT_EQ(log->code(), codeOf(DRError::DeviceVanished)) << log->info();
+    EXPECT_EQ(recorder->openCount(), 0);
+    EXPECT_FALSE(drive->mediaIsPresent());
+    EXPECT_FALSE(drive->ejectMedia());
+    EXPECT_EQ(burn(layout())->code(), codeOf(DRError::DeviceVanished));
+    recorder->replug();
+    drive = makeDrive(*recorder);
+    expectAsGoodAsNew();
+}
+
+TEST_P(DriveFault, ADiscThatCannotBeReadBackFailsTheBurn) {
+    const auto log = burnWith([](UnitFaults& faults) { faults.readErrorAt = 900; });
+    EXPECT_EQ(log->code(), codeOf(DRError::ReadBackFailed)) << log->info();
+    expectAsGoodAsNew();
+}
+
+TEST_P(DriveFault, OneWrongByteOnTheDiscFailsTheBurn) {
+    for (const std::int32_t sector : {400, 899}) {
+        const auto log = burnAndDo(DRStatusStateVerifying, [&] {
+            Medium disc = recorder->writtenDisc().value();
+            disc.sectors.at(sector).at(2047) ^= std::byte(1);
+            recorder->insert(disc);
+        });
+        EXPECT_EQ(log->code(), codeOf(DRError::VerifyFailed)) << sector << log->info();
+        expectReleased();
+        insert(Medium::blankCDR());
+    }
+    expectAsGoodAsNew();
+}
+
+TEST_P(DriveFault, AnotherTableOfContentsThanThePlansFailsTheBurn) {
+    const auto log = burnAndDo(DRStatusStateVerifying, [&] {
+        Medium disc = recorder->writtenDisc().value();
+        disc.tracks.back().length += 1;
+        recorder->insert(disc);
+    });
+    EXPECT_EQ(log->code(), codeOf(DRError::VerifyFailed)) << log->info();
+    EXPECT_THAT(log->info(), HasSubstr("table of contents"));
+    expectAsGoodAsNew();
+}
+
+TEST_P(DriveFault, ACancelInAnyStateEndsTheBurnAndFreesTheDrive) {
+    for (const char* const state :
+         {DRStatusStatePreparing, DRStatusStateSessionOpen, DRStatusStateTrackOpen,
+          DRStatusStateTrackWrite, DRStatusStateTrackClose, DRStatusStateSessionClose,
+          DRStatusStateFinishing, DRStatusStateVerifying}) {
+        SCOPED_TRACE(state);
+        insert(Medium::blankCDR());
+        std::shared_ptr<EngineBurn> burning = makeBurn();
+        loops->setInStep(true);
+        const auto log = observe(burning);
+        log->onRecord = [&](const Dictionary& record) {
+            if (BurnLog::stateOf(record) == state)
+                burning->abort();
+        };
+        burning->writeLayout(layout());
+        ASSERT_TRUE(loops->runUntil([&] { return log->isOver(); }));
+        loops->setInStep(false);
+        EXPECT_EQ(log->code(), codeOf(DRError::UserCanceled)) << log->info();
+        expectReleased();
+    }
+    expectAsGoodAsNew();
+}
+
+TEST_P(DriveFault, ACancelBeforeTheFirstSectorLeavesTheDiscBlank) {
+    for (const char* const state : {DRStatusStatePreparing, DRStatusStateSessionOpen}) {
+        std::shared_ptr<EngineBurn> burning = makeBurn();
+        loops->setInStep(true);
+        const auto log = observe(burning);
+        log->onRecord = [&](const Dictionary& record) {
+            if (BurnLog::stateOf(record) == state)
+                burning->abort();
+        };
+        burning->writeLayout(layout());
+        ASSERT_TRUE(loops->runUntil([&] { return log->isOver(); }));
+        loops->setInStep(false);
+        EXPECT_EQ(countOf(operation::write), 0U);
+        EXPECT_TRUE(drive->mediaIsBlank());
+    }
+}
+
+TEST_P(DriveFault, ACancelInTheMiddleOfATrackStopsTheDrive) {
+    recorder->setDelay(std::chrono::milliseconds(5));
+    const auto burning = makeBurn();
+    const auto log = observe(burning);
+    burning->writeLayout(layout());
+    loops->runUntil([&] { return countOf(operation::write) > 3; });
+    burning->abort();
+    ASSERT_TRUE(loops->runUntil([&] { return log->isOver(); }));
+    recorder->setDelay({});
+    EXPECT_EQ(log->code(), codeOf(DRError::UserCanceled)) << log->info();
+    EXPECT_LT(countOf(operation::write), 20U) << "no silence is written instead";
+    expectAsGoodAsNew();
+}
+
+INSTANTIATE_TEST_SUITE_P(, DriveFault, testing::Values(true, false),
+                         [](const auto& tested) { return tested.param ? "Audio" : "Data"; });
+
+} // namespace
+} // namespace quarner
