@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <utility>
 
@@ -28,38 +29,39 @@ std::optional<std::uint32_t> blocksOf(unsigned minutes) {
     }
 }
 
-/// The blocks of the BIN that a CUE sheet names, when it consists of whole sectors.
-std::optional<std::uint64_t> blocksOfImage(FileSystem& files, const ImageNames& names) {
+/// Whether a file is in an image's place, as far as that can be told.
+bool isFileThere(const std::string& path) {
+    struct stat found = {};
+    return stat(path.c_str(), &found) == 0 ? S_ISREG(found.st_mode) : errno != ENOENT;
+}
+
+/// The blocks of the BIN that a CUE sheet names, when it consists of whole sectors of sound; 0 when
+/// they cannot be told.
+std::uint64_t blocksOfImage(FileSystem& files, const ImageNames& names) {
     const std::optional<std::string> sheet = files.content(names.cue);
     const std::optional<std::string> bin = sheet ? binNamedBy(*sheet) : std::nullopt;
     struct stat found = {};
     if (!bin || stat((names.folder + '/' + *bin).c_str(), &found) != 0 || found.st_size == 0 ||
         found.st_size % audioSectorSize != 0)
-        return std::nullopt;
+        return 0;
     return static_cast<std::uint64_t>(found.st_size) / audioSectorSize;
 }
 
-std::optional<std::uint64_t> blocksOfImage(const IsoNames& names) {
+std::uint64_t blocksOfImage(const IsoNames& names) {
     const std::optional<FileStamp> found = stampOfFile(names.iso);
-    if (!found || found->size == 0 || found->size % dataBlockSize != 0)
-        return std::nullopt;
-    return found->size / dataBlockSize;
+    return found ? (found->size + dataBlockSize - 1) / dataBlockSize : 0;
 }
 
-std::optional<std::uint64_t> blocksOfImage(FileSystem& files, const std::string& path) {
-    if (const std::optional<ImageNames> names = imageNames(path))
-        return blocksOfImage(files, *names);
-    if (const std::optional<IsoNames> names = isoNames(path))
-        return blocksOfImage(*names);
-    return std::nullopt;
-}
-
+/// What is in the place of an image is a written disc, whoever wrote it and whatever it holds.
 ImageDrive::Disc existingDisc(FileSystem& files, const std::string& path) {
     try {
-        if (const std::optional<std::uint64_t> blocks = blocksOfImage(files, path))
-            return {.isBlank = false, .usedBlocks = *blocks};
+        if (const std::optional<ImageNames> names = imageNames(path);
+            names && isFileThere(names->cue))
+            return {.isBlank = false, .usedBlocks = blocksOfImage(files, *names)};
+        if (const std::optional<IsoNames> names = isoNames(path); names && isFileThere(names->iso))
+            return {.isBlank = false, .usedBlocks = blocksOfImage(*names)};
     } catch (const BurnFailure&) {
-        // What cannot be read is not whole.
+        return {.isBlank = false}; // a sheet that cannot be read
     }
     return {};
 }

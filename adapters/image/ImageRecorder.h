@@ -20,8 +20,9 @@ struct ImageDriveSettings {
     std::string path;
     /// 74 or 80: a blank disc of 333,000 or 359,847 blocks.
     unsigned minutes = 80;
-    /// An image that is there, and whole, is in the drive as a written disc. Otherwise, and without
-    /// an image, the disc is blank; burning it replaces the image that is there.
+    /// An image that is there, whoever made it, is in the drive as a written disc; where it cannot
+    /// be told how many blocks it takes, they count as none. Otherwise, and without an image, the
+    /// disc is blank; burning it replaces the image that is there.
     bool loadExisting = false;
 };
 

@@ -9,6 +9,7 @@
 #include "adapters/engine/DiscPlan.h"
 #include "tests/image/ForwardingFiles.h"
 #include "tests/image/ImageTest.h"
+#include "tests/support/OrdinaryUser.h"
 
 namespace quarner {
 namespace {
@@ -103,14 +104,29 @@ TEST_F(ImageContent, AnExistingImageIsLoadedAsAWrittenDisc) {
     EXPECT_FALSE(loaded->mediaIsBlank());
     EXPECT_EQ(loaded->mediaSpaceUsed(), DRMSF::msfWithFrames(400 + 150 + 300));
     EXPECT_EQ(loaded->mediaSpaceFree(), DRMSF::msf());
-    std::filesystem::resize_file(bin(), 2352 * 10 + 1);
-    EXPECT_TRUE(stage->recorder()->add({.path = cue(), .loadExisting = true})->mediaIsBlank())
-        << "no whole sectors";
-    std::filesystem::remove(bin());
-    EXPECT_TRUE(stage->recorder()->add({.path = cue(), .loadExisting = true})->mediaIsBlank());
     EXPECT_TRUE(stage->recorder()
                     ->add({.path = stage->folder.file("none.cue"), .loadExisting = true})
                     ->mediaIsBlank());
+}
+
+TEST_F(ImageContent, AnImageOfAnotherProgramIsAWrittenDiscToo) {
+    const auto usedBlocks = [&] {
+        const auto loaded = stage->recorder()->add({.path = cue(), .loadExisting = true});
+        EXPECT_FALSE(loaded->mediaIsBlank());
+        EXPECT_EQ(loaded->mediaSpaceFree(), DRMSF::msf());
+        return loaded->mediaSpaceUsed()->totalFrames();
+    };
+    std::ofstream(cue()) << "FILE \"mix.bin\" BINARY\n  TRACK 01 MODE1/2048\n";
+    EXPECT_EQ(usedBlocks(), 0U) << "the BIN is missing";
+    std::ofstream(bin()) << std::string(2048 * 300, 'x');
+    EXPECT_EQ(usedBlocks(), 0U) << "no sectors of sound";
+    std::ofstream(cue()) << "FILE mix.bin BINARY\n";
+    EXPECT_EQ(usedBlocks(), 0U) << "the BIN is not found";
+    std::filesystem::permissions(stage->folder.path(), std::filesystem::perms(0755));
+    std::filesystem::permissions(cue(), std::filesystem::perms(0));
+    const OrdinaryUser user;
+    ASSERT_TRUE(user.isSet());
+    EXPECT_EQ(usedBlocks(), 0U) << "the sheet may not be read";
 }
 
 TEST_F(ImageContent, APipeInTheImagesPlaceIsNoDiscAndKeepsNobodyWaiting) {

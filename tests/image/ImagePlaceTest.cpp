@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <gmock/gmock.h>
 
+#include <fstream>
+
 #include "adapters/image/ImagePlace.h"
 #include "tests/image/ImageTest.h"
 #include "tests/support/OrdinaryUser.h"
@@ -75,6 +77,21 @@ TEST_P(ImagePlace, ALinkToItselfIsToldBeforeTheBurn) {
 TEST_P(ImagePlace, ALinkIntoAFolderThatIsNotThereIsToldBeforeTheBurn) {
     std::filesystem::create_symlink(pathOf("no/mix"), pathOf("mix"));
     EXPECT_THAT(problemAt(pathOf("mix")).info(), HasSubstr("/no: No such file"));
+}
+
+TEST_P(ImagePlace, AnyFileThereIsAWrittenDiscAndWhatCannotBeLookedAtIsNotBlankEither) {
+    const auto load = [&] {
+        return stage->recorder()->add({.path = pathOf("mix"), .loadExisting = true});
+    };
+    EXPECT_TRUE(load()->mediaIsBlank());
+    std::ofstream(pathOf("mix")) << "neither a sheet nor whole blocks";
+    const auto drive = load();
+    EXPECT_FALSE(drive->mediaIsBlank());
+    EXPECT_EQ(drive->mediaSpaceUsed()->totalFrames(), pathOf("mix").ends_with(".iso") ? 1U : 0U);
+    std::filesystem::permissions(stage->folder.path(), std::filesystem::perms(0));
+    const OrdinaryUser user;
+    ASSERT_TRUE(user.isSet());
+    EXPECT_FALSE(load()->mediaIsBlank());
 }
 
 INSTANTIATE_IMAGE_SUITE(ImagePlace);

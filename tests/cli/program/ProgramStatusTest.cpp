@@ -49,6 +49,14 @@ TEST_F(ProgramStatus, Is2ForAFolderInThePlaceOfTheBinBeforeAnythingIsAdded) {
     EXPECT_EQ(run({"disc", "--image", "mix.cue"}).status, 0) << "nothing is to be burnt";
 }
 
+TEST_F(ProgramStatus, Is0ForADiscThatAnotherProgramMadeWhichIsNotBlank) {
+    folder.write("other.cue", "FILE \"other.bin\" BINARY\n  TRACK 01 MODE1/2048\n");
+    folder.write("other.bin", std::string(2048 * 300, 'x'));
+    const HostEnd end = run({"disc", "--image", "other.cue"});
+    EXPECT_EQ(end.status, 0);
+    EXPECT_THAT(end.out, HasSubstr("Disc:    CD-R, written\n"));
+}
+
 TEST_F(ProgramStatus, Is3WithTheReasonForEachRefusedFile) {
     song("a.mp3");
     folder.write("damaged.mp3", "no sound");
