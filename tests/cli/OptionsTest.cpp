@@ -61,6 +61,19 @@ TEST(Options, FileNamesComeThroughByteForByte) {
                 ElementsAre("[x]", "", "\"q\"", "a,b", "\xff.mp3", "{}", "--title", "-"));
 }
 
+TEST(Options, ADoublePlusIsAWordLikeAnyOther) {
+    EXPECT_THAT(audio({"one.mp3", "++", "two.mp3", "++", "--", "++"}).files,
+                ElementsAre("one.mp3", "++", "two.mp3", "++", "++"));
+    EXPECT_THAT(audio({"++"}).files, ElementsAre("++"));
+    EXPECT_EQ(audio({"--title", "++", "a.mp3"}).title, "++");
+    EXPECT_EQ(audio({"--image", "++", "a.mp3"}).target.image, "++");
+    EXPECT_EQ(audio({"--drive", "++", "a.mp3"}).target.drive, "++");
+    EXPECT_THAT(usageError({"++"}), HasSubstr("'++' is not a command"));
+    EXPECT_THAT(usageError({"disc", "++"}), HasSubstr("takes no '++'"));
+    EXPECT_THAT(usageError({"audio", "--image", "a.cue", "--capacity", "++", "f"}),
+                HasSubstr("'++' is neither 74 nor 80"));
+}
+
 TEST(Options, AnEmptyTitleIsATitle) {
     EXPECT_EQ(audio({"--title", "", "a.mp3"}).title, "");
     EXPECT_EQ(data({"--title", "", "a.mp3"}).title, "");
@@ -117,7 +130,11 @@ TEST(Options, WhatDoesNotGoTogetherIsRefused) {
                 HasSubstr("excludes"));
     EXPECT_THAT(usageError({"audio", "--capacity", "74", "f"}), HasSubstr("requires --image"));
     EXPECT_THAT(usageError({"audio", "--image", "a.cue", "--capacity", "75", "f"}),
-                HasSubstr("75 not in {74,80}"));
+                HasSubstr("--capacity: '75' is neither 74 nor 80"));
+    EXPECT_THAT(usageError({"audio", "--capacity", "--image", "a.cue", "f"}),
+                HasSubstr("--capacity: '--image' is neither 74 nor 80"));
+    EXPECT_THAT(usageError({"audio", "--image", "a.cue", "f", "--capacity"}),
+                HasSubstr("--capacity: 1 required"));
     EXPECT_THAT(usageError({"audio"}), HasSubstr("no file is given"));
     EXPECT_THAT(usageError({"disc", "a.mp3"}), HasSubstr("takes no 'a.mp3'"));
     EXPECT_THAT(usageError({}), HasSubstr("no command is given"));

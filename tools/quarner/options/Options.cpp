@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <sstream>
+#include <string_view>
 
 #include "tools/quarner/options/NearestName.h"
 #include "tools/quarner/text/SafeText.h"
@@ -72,6 +73,16 @@ public:
         : CLI::ParseError("UsageError", text, CLI::ExitCodes::InvalidError) {}
 };
 
+/// A word that has a meaning of its own to the parser, and what stands for it there: no argument of
+/// a program holds a NUL.
+constexpr std::string_view doublePlus = "++";
+constexpr std::string_view maskedPlus("++\0", 3);
+
+std::string problemOfCapacity(const std::string& text) {
+    const std::string shown(text == maskedPlus ? doublePlus : text);
+    return shown == "74" || shown == "80" ? "" : "'" + shown + "' is neither 74 nor 80";
+}
+
 Grammar::Grammar() {
     _app.set_version_flag("--version", "quarner " QUARNER_VERSION);
     _app.require_subcommand(0, 1);
@@ -103,7 +114,8 @@ void Grammar::addBurn(DiscKind kind, const char* description, const char* image,
 void Grammar::addBurnOptions(CLI::App& command) {
     command.add_option("--title", _burnOptions.title, "Name of the disc")->type_name("NAME");
     command.add_option("--capacity", _target.capacity, "Minutes of the image's disc (default 80)")
-        ->check(CLI::IsMember({74, 80}))
+        ->type_name("74|80")
+        ->check(problemOfCapacity)
         ->needs("--image");
     command.add_flag("--dry-run", _burnOptions.dryRun,
                      "Do everything up to the burn, write nothing");
@@ -139,7 +151,12 @@ void Grammar::parse(const std::vector<std::string>& arguments) {
     if (mark != arguments.end())
         _filesAfterMark.assign(mark + 1, arguments.end());
     // The parser takes its arguments from the back.
-    _app.parse(std::vector<std::string>(std::make_reverse_iterator(mark), arguments.rend()));
+    std::vector<std::string> words(std::make_reverse_iterator(mark), arguments.rend());
+    std::replace(words.begin(), words.end(), doublePlus, maskedPlus);
+    _app.parse(std::move(words));
+    for (auto* value : {&_target.image, &_target.drive, &_burnOptions.title, &_firstFile})
+        if (*value == maskedPlus)
+            *value = doublePlus;
     checkWordsBeforeCommand();
     if (chosen() == nullptr)
         throw UsageError("no command is given");
@@ -184,9 +201,16 @@ void Grammar::refuseCommand(const std::string& word) const {
                      nearestName(word, commands) + "'?");
 }
 
+/// What the parser did not take for itself.
+std::vector<std::string> wordsLeftBy(const CLI::App& app) {
+    std::vector<std::string> words = app.remaining();
+    std::replace(words.begin(), words.end(), maskedPlus, doublePlus);
+    return words;
+}
+
 /// What stands before the command, or in its place.
 void Grammar::checkWordsBeforeCommand() const {
-    const std::vector<std::string> words = _app.remaining();
+    const std::vector<std::string> words = wordsLeftBy(_app);
     const auto command = std::find_if_not(words.begin(), words.end(), isOption);
     if (command != words.end())
         refuseCommand(*command);
@@ -203,7 +227,7 @@ void Grammar::takeFiles() {
     std::vector<std::string>& files = _burnOptions.files;
     if (_firstFile)
         files.push_back(*_firstFile);
-    for (const std::string& word : chosen()->remaining()) {
+    for (const std::string& word : wordsLeftBy(*chosen())) {
         if (isOption(word))
             refuseOption(*chosen(), word);
         files.push_back(word);
