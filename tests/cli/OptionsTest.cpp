@@ -161,6 +161,12 @@ INSTANTIATE_TEST_SUITE_P(OfEveryCommand, Help,
                          testing::Values("audio", "data", "drives", "disc", "eject", "watch"),
                          [](const auto& suite) { return suite.param; });
 
+TEST(Options, HelpSaysWhichFilesAnImageReplaces) {
+    EXPECT_THAT(message({"audio", "--help"}).text,
+                HasSubstr("FILE.cue and FILE.bin; files of these names are replaced\n"));
+    EXPECT_THAT(message({"data", "--help"}).text, HasSubstr("a file of this name is replaced\n"));
+}
+
 TEST(Options, TheVersionIsTold) {
     EXPECT_EQ(message({"--version"}).status, ExitStatus::Success);
     EXPECT_THAT(message({"--version"}).text, testing::MatchesRegex("quarner [0-9.]+"));

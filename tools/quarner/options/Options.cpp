@@ -91,9 +91,9 @@ Grammar::Grammar() {
                             "quarner COMMAND --help tells more.\n") +
                 statusHelp);
     addBurn(DiscKind::Audio, "Burn audio files (mp3, m4a) to an audio CD",
-            "The image of a disc, two files: FILE.cue and a .bin", audioExample);
+            "FILE.cue and FILE.bin; files of these names are replaced", audioExample);
     addBurn(DiscKind::Data, "Burn audio files (mp3, m4a) as they are to a data CD",
-            "The image of a disc", dataExample);
+            "The image of a disc; a file of this name is replaced", dataExample);
     addQuery("drives", "List the drives and what they can do", drivesExample, Query::Drives);
     addQuery("disc", "Show the disc in a drive", discExample, Query::Disc);
     addQuery("eject", "Put the disc out of a drive", ejectExample, Query::Eject);

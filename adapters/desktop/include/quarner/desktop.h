@@ -36,8 +36,8 @@ QUARNER_EXPORT void uninstallDesktopPlatform();
 /// A drive whose disc is an image, to be added.
 struct ImageDriveOptions {
     /// The image: for audio discs a path that ends in .cue, beside which a BIN of the same name
-    /// stands; for data discs one that ends in .iso. A relative path counts from the working
-    /// directory of now.
+    /// stands (a file of that name is replaced, whoever made it); for data discs one that ends in
+    /// .iso. A relative path counts from the working directory of now.
     std::string path;
     /// The length of a blank disc: 74 (333,000 blocks) or 80 (359,847 blocks).
     int minutes = 80;
