@@ -87,6 +87,13 @@ TEST(UsageLine, ShowsUsedAgainstFreeTime) {
               "[##############################] 01:20:10 of 01:20:00, 00:00:10 too long");
 }
 
+TEST(UsageLine, MakesSenseAlsoOfADiscThatCameOrWentMeanwhile) {
+    EXPECT_EQ(usageLine({{}, 2400, 4800, true, true}, 80, false),
+              "[##############--------------] 00:40:00 of 01:20:00, less than a second too long");
+    EXPECT_EQ(usageLine({{}, 2400, 0, true, false}, 80, false),
+              "[##############################] 00:40:00 of 00:00:00, 00:40:00 too long");
+}
+
 TEST(UsageLine, OfADataDiscCountsBytes) {
     const ScriptedPlatform platform;
     EXPECT_EQ(usageLine({{}, 1048576, 4194304, true, false, DiscKind::Data}, 80, false),

@@ -28,6 +28,22 @@ TEST(DrivesCommand, ListsTheDrivesAndWhatTheyCanDo) {
                             R"({"event":"exit","status":0})"));
 }
 
+TEST(DrivesCommand, OfDrivesThatShareANameEachIsToldAsItIs) {
+    TestHost host;
+    host.platform.addDrive({.name = "Twin"});
+    host.platform.addDrive({.name = "Twin", .canWriteCD = false, .disc = DiscScript{}});
+    EXPECT_EQ(host.run({"drives"}), 0);
+    EXPECT_THAT(
+        host.outLines(),
+        ElementsAre("Twin: writes CDs; cannot be chosen, as a later drive has the same name",
+                    "Twin: cannot write CDs; CD-R, blank, 01:19:57 free"));
+    EXPECT_EQ(host.run({"drives", "--json"}), 0);
+    EXPECT_THAT(host.outLines(),
+                ElementsAre(R"({"event":"drive","name":"Twin","canWriteCD":true,"disc":false})",
+                            R"({"event":"drive","name":"Twin","canWriteCD":false,"disc":true})",
+                            R"({"event":"exit","status":0})"));
+}
+
 TEST(DrivesCommand, AMachineWithoutDrivesIsNoFailure) {
     TestHost host;
     EXPECT_EQ(host.run({"drives"}), 0);

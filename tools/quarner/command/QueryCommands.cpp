@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "tools/quarner/command/QueryCommands.h"
 
+#include <algorithm>
+#include <memory>
 #include <vector>
 
 #include "quarner/device/QuarnerDevice.h"
+#include "quarner/platform/DRKeys.h"
+#include "quarner/platform/Platform.h"
 #include "tools/quarner/command/DiscText.h"
 #include "tools/quarner/command/DriveChoice.h"
 #include "tools/quarner/text/JsonLine.h"
@@ -12,32 +16,44 @@
 namespace quarner::cli {
 namespace {
 
-std::vector<std::string> drivesToList(const Host& host, const Target& target) {
-    if (target.image || target.drive)
-        return {chooseDrive(host, target)};
-    return QuarnerDevice::devices();
+using Drives = std::vector<std::shared_ptr<DRDevice>>;
+
+/// The drives themselves: of several that share a name, the name stands for the last.
+Drives drivesToList(const Host& host, const Target& target) {
+    if (!target.image && !target.drive)
+        return currentPlatform()->recording->devices();
+    const auto drive = QuarnerDevice(chooseDrive(host, target)).device();
+    return drive ? Drives{drive} : Drives();
 }
 
-std::string driveLine(const std::string& name) {
-    const QuarnerDevice device(name);
-    return safeText(name) + ": " + (device.cdBurnEnabled() ? "writes CDs" : "cannot write CDs") +
-           "; " + discSummary(device);
+bool writesCDs(const DRDevice& drive) {
+    return valueFor(drive.info(), DRDeviceCanWriteCDKey).asBool();
 }
 
-std::string driveJson(const std::string& name) {
-    const QuarnerDevice device(name);
-    return jsonLine("drive", {{"name", name},
-                              {"canWriteCD", device.cdBurnEnabled()},
-                              {"disc", device.isDiscInDevice()}});
+std::string driveLine(const DRDevice& drive, bool isHidden) {
+    const std::string name = drive.displayName();
+    return safeText(name) + ": " + (writesCDs(drive) ? "writes CDs" : "cannot write CDs") + "; " +
+           (isHidden ? "cannot be chosen, as a later drive has the same name"
+                     : discSummary(QuarnerDevice(name)));
+}
+
+std::string driveJson(const DRDevice& drive) {
+    return jsonLine("drive", {{"name", drive.displayName()},
+                              {"canWriteCD", writesCDs(drive)},
+                              {"disc", drive.mediaIsPresent()}});
 }
 
 } // namespace
 
 ExitStatus listDrives(Host& host, const Target& target, bool json) {
-    const std::vector<std::string> names = drivesToList(host, target);
-    for (const std::string& name : names)
-        host.console.line(json ? driveJson(name) : driveLine(name));
-    if (names.empty())
+    const Drives drives = drivesToList(host, target);
+    for (auto drive = drives.begin(); drive != drives.end(); ++drive) {
+        const bool isHidden = std::any_of(drive + 1, drives.end(), [&](const auto& later) {
+            return later->displayName() == (*drive)->displayName();
+        });
+        host.console.line(json ? driveJson(**drive) : driveLine(**drive, isHidden));
+    }
+    if (drives.empty())
         host.console.error("quarner: there is no drive; quarner audio --image FILE.cue makes an "
                            "image without one");
     return ExitStatus::Success;

@@ -49,6 +49,17 @@ std::string sumRow(const Compilation& compilation, std::size_t columns) {
                MultiMedia::stringWithFilesize(bytes), columns);
 }
 
+/// By the figures that are shown: a disc that came or went while they were asked for may have
+/// given the answer whether all fits.
+std::string verdictOn(const Compilation& compilation) {
+    const DiscTraits& disc = traitsOf(compilation.kind);
+    if (compilation.used > compilation.free)
+        return disc.capacityText(compilation.used - compilation.free) + " " + disc.excess;
+    if (compilation.overflow)
+        return disc.overhead;
+    return disc.capacityText(compilation.free - compilation.used) + " left";
+}
+
 std::string percentText(double fraction) {
     return std::to_string(static_cast<int>(std::floor(keptWithinOne(fraction) * 100))) + "%";
 }
@@ -105,10 +116,7 @@ std::string usageLine(const Compilation& compilation, std::size_t columns, bool 
     const DiscTraits& disc = traitsOf(compilation.kind);
     const std::string figures =
         disc.capacityText(compilation.used) + " of " + disc.capacityText(compilation.free);
-    const std::string verdict =
-        compilation.overflow
-            ? ", " + disc.capacityText(compilation.used - compilation.free) + " " + disc.excess
-            : ", " + disc.capacityText(compilation.free - compilation.used) + " left";
+    const std::string verdict = ", " + verdictOn(compilation);
     const std::size_t text = figures.size() + verdict.size() + 1;
     if (text + narrowestBar > columns)
         return shortened(figures + verdict, columns);
