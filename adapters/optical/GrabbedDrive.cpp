@@ -9,6 +9,7 @@
 #include <mutex>
 #include <stop_token>
 #include <system_error>
+#include <utility>
 
 // The library's header wants these two before it.
 #include <stdint.h>
@@ -19,16 +20,18 @@
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/optical/AccessProblem.h"
 #include "adapters/optical/BurnLibrary.h"
+#include "adapters/optical/LeftDescriptors.h"
 
 namespace quarner {
 namespace {
 
 constexpr std::chrono::milliseconds retryInterval{100};
 
-/// The error of opening a drive as libburn does, which does not tell its reasons; 0 when it opens.
-int openingError(const std::string& node) {
+/// The error of opening a drive as libburn does, which does not tell its reasons; 0 when it opens,
+/// and what it is then.
+int openingError(const std::string& node, struct stat& file) {
     const int descriptor = open(node.c_str(), O_RDWR | O_NONBLOCK | O_EXCL | O_CLOEXEC);
-    if (descriptor < 0)
+    if (descriptor < 0 || fstat(descriptor, &file) != 0)
         return errno;
     close(descriptor);
     return 0;
@@ -63,8 +66,9 @@ GrabbedDrive::GrabbedDrive(const DriveRecord& record, std::chrono::milliseconds 
                            const StopSignal* stop) {
     const auto end = std::chrono::steady_clock::now() + patience;
     while (true) {
-        const int error = openingError(record.node);
-        if (error == 0 && grab(record.node))
+        struct stat file = {};
+        const int error = openingError(record.node, file);
+        if (error == 0 && grab(record.node, file))
             return;
         const BurnFailure failure = failureOf(record.node, error == 0 ? EBUSY : error);
         if (failure.error() != DRError::DeviceBusy || std::chrono::steady_clock::now() >= end)
@@ -73,13 +77,18 @@ GrabbedDrive::GrabbedDrive(const DriveRecord& record, std::chrono::milliseconds 
     }
 }
 
-bool GrabbedDrive::grab(const std::string& node) {
+bool GrabbedDrive::grab(const std::string& node, const struct stat& file) {
     BurnLibrary& library = BurnLibrary::shared();
     {
         const std::lock_guard lock(library.drives());
+        const LeftDescriptors left(file);
         std::string address = node;
-        if (burn::burn_drive_scan_and_grab(&_found, address.data(), 0) == 1)
+        if (burn::burn_drive_scan_and_grab(&_found, address.data(), 0) == 1) {
             _handle = _found->drive;
+        } else {
+            burn::burn_drive_info_free(std::exchange(_found, nullptr));
+            left.closeAll();
+        }
     }
     library.logMessages();
     return _handle != nullptr;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <sys/stat.h>
+
 #include <chrono>
 #include <memory>
 #include <string>
@@ -34,7 +36,7 @@ public:
     void ejectAtEnd() { _ejects = true; }
 
 private:
-    bool grab(const std::string& node);
+    bool grab(const std::string& node, const struct stat& file);
 
     burn::burn_drive_info* _found = nullptr;
     burn::burn_drive* _handle = nullptr;
