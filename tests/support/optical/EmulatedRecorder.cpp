@@ -63,7 +63,7 @@ void EmulatedRecorder::unplug() {
             return;
         _isPlugged = false;
     }
-    _udev.detach(_name);
+    changeNode(node(), false, [&] { _udev.detach(_name); });
 }
 
 void EmulatedRecorder::replug() {
@@ -76,7 +76,7 @@ void EmulatedRecorder::replug() {
         _unit.start();
         all = properties();
     }
-    _udev.attach(_name, _number, all, shared_from_this());
+    changeNode(node(), true, [&] { _udev.attach(_name, _number, all, shared_from_this()); });
 }
 
 void EmulatedRecorder::insert(Medium medium) {

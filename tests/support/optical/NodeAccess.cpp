@@ -20,6 +20,7 @@ namespace quarner {
 namespace {
 
 struct Node {
+    bool isThere = false;
     int error = 0;
     unsigned refusals = 0;
     std::map<int, bool> open; ///< the descriptors, and which of them are exclusive
@@ -44,8 +45,11 @@ Node* nodeOf(const char* path) {
     return found == nodes().end() ? nullptr : &found->second;
 }
 
-/// The error that an attempt to open a node ends with; 0 when it may go on.
+/// The error that an attempt to open a node ends with; 0 when it may go on. The test bed itself
+/// must not be asked for a node that is not there: it would count it among the open ones for good.
 int refusalOf(Node& node, int flags) {
+    if (!node.isThere)
+        return ENOENT;
     if (node.refusals > 0) {
         --node.refusals;
         return node.error;
@@ -84,13 +88,18 @@ int openWatched(const char* path, int flags, Function function) {
     return descriptor;
 }
 
-void forgetDescriptor(int descriptor) {
+/// Closes by a function. Under the mutex, as opening is, for the test bed keeps the open nodes in a
+/// table without a lock.
+template <class Function>
+int closeWatched(int descriptor, Function function) {
     if (descriptor < 0 || descriptor >= mostDescriptors ||
-        !isOfNode[static_cast<std::size_t>(descriptor)].exchange(false))
-        return;
+        !isOfNode[static_cast<std::size_t>(descriptor)])
+        return function();
     const std::lock_guard lock(mutex);
+    isOfNode[static_cast<std::size_t>(descriptor)] = false;
     for (auto& [path, node] : nodes())
         node.open.erase(descriptor);
+    return function();
 }
 
 using Open = int (*)(const char*, int, ...);
@@ -105,6 +114,15 @@ Function following(const char* name) {
 void watchNode(const std::string& path) {
     const std::lock_guard lock(mutex);
     nodes()[path] = {};
+}
+
+void changeNode(const std::string& path, bool isThere, const std::function<void()>& change) {
+    const std::lock_guard lock(mutex);
+    Node& node = nodes().at(path);
+    for (auto& [descriptor, isExclusive] : node.open)
+        isExclusive = false;
+    change();
+    node.isThere = isThere;
 }
 
 int openCountOf(const std::string& path) {
@@ -154,8 +172,8 @@ QUARNER_EXPORT int __open64_2(const char* path, int flags) {
 }
 
 QUARNER_EXPORT int close(int descriptor) {
-    quarner::forgetDescriptor(descriptor);
-    return following<int (*)(int)>("close")(descriptor);
+    return quarner::closeWatched(descriptor,
+                                 [=] { return following<int (*)(int)>("close")(descriptor); });
 }
 
 /// The test bed knows only the older `access`.

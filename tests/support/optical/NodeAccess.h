@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <functional>
 #include <string>
 
 namespace quarner {
@@ -12,6 +13,11 @@ namespace quarner {
 /// open with O_EXCL, opening it so again fails with EBUSY. Nothing is open and nothing refused at
 /// first.
 void watchNode(const std::string& path);
+
+/// Calls a function that makes a watched path appear or vanish, while nobody opens or closes one.
+/// Where it has appeared it is that of another device than before: nobody has it for himself, but
+/// what is open of the old one still counts as open.
+void changeNode(const std::string& path, bool isThere, const std::function<void()>& change);
 
 /// How many times this process has a watched path open.
 int openCountOf(const std::string& path);

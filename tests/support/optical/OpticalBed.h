@@ -12,8 +12,9 @@ namespace quarner {
 
 /// A machine of its own for this process: /sys, /dev and the events of udev show the recorders that
 /// a test plugs in, and no other device. One at a time, and before whatever listens to udev. A
-/// program that is started meanwhile sees the same when it runs under umockdev-wrapper. Every
-/// operation may be called on any thread.
+/// program that is started meanwhile sees the same when it runs under umockdev-wrapper. Who listens
+/// to udev may be ten events behind; one more ends the program. Every operation may be called on
+/// any thread.
 class OpticalBed {
 public:
     OpticalBed() = default;
@@ -26,6 +27,9 @@ public:
     /// Makes a recorder and plugs it in. The first one is /dev/sr0, the next one /dev/sr1; a name
     /// is not used again.
     std::shared_ptr<EmulatedRecorder> plug(const RecorderDescription& description = {});
+
+    /// Returns when every event was sent of what has happened to the recorders so far.
+    void finishEvents() { _udev.finish(); }
 
 private:
     UdevBed _udev;

@@ -39,6 +39,11 @@ const OpticalUnit::Operation* OpticalUnit::operationFor(std::uint8_t code) {
 }
 
 ScsiReply OpticalUnit::execute(const ScsiCommand& command) {
+    if (faults.unplugAfter && (*faults.unplugAfter)-- == 0) {
+        _isUnplugged = true;
+        faults.unplugAfter.reset();
+        return sense::noMediumTrayClosed;
+    }
     const Operation* operation = operationFor(command.operation());
     if (operation == nullptr)
         return sense::invalidOperation;

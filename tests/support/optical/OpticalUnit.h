@@ -17,6 +17,7 @@ struct UnitFaults {
     std::optional<std::int32_t> readErrorAt = {};    ///< this sector cannot be read
     std::optional<std::int32_t> removeMediumAt = {}; ///< the disc is gone when this sector comes
     std::optional<std::int32_t> unplugAt = {};       ///< the drive is gone when this sector comes
+    std::optional<unsigned> unplugAfter = {};        ///< the drive is gone after so many commands
     unsigned notReady = 0; ///< so many commands that need the disc find the drive not ready yet
 };
 

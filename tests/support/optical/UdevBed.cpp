@@ -7,7 +7,9 @@
 #include <deque>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <mutex>
+#include <set>
 #include <stdexcept>
 #include <thread>
 
@@ -62,6 +64,17 @@ public:
             file << key << '=' << (key == "DEVNAME" ? name : value) << '\n';
     }
 
+    /// Once for each name and for good: an open node whose calls nobody answers any more ends the
+    /// program.
+    void answerCalls(const std::string& name, const std::shared_ptr<SystemCallTarget>& target) {
+        if (!_answered.insert(name).second)
+            return;
+        const std::unique_ptr<UMockdevIoctlBase, Unref> calls(umockdev_ioctl_base_new());
+        answerSystemCalls(calls.get(), target);
+        umockdev_testbed_attach_ioctl(testbed.get(), ("/dev/" + name).c_str(), calls.get(),
+                                      nullptr);
+    }
+
     void tell(const std::string& name, const char* action) {
         umockdev_testbed_uevent(testbed.get(), sysPathOf(name).c_str(), action);
     }
@@ -90,6 +103,7 @@ private:
         }
     }
 
+    std::set<std::string> _answered;
     std::mutex _waitingMutex;
     std::condition_variable _changed;
     std::deque<std::function<void()>> _waiting;
@@ -110,11 +124,8 @@ void UdevBed::attach(const std::string& name, unsigned minor, const Properties& 
     for (const auto& [key, value] : withNumbers(name, minor, properties))
         device += "E: " + key + '=' + value + '\n';
     device += "A: removable=1\n\n";
-    const std::unique_ptr<UMockdevIoctlBase, Unref> calls(umockdev_ioctl_base_new());
-    answerSystemCalls(calls.get(), target);
     const std::lock_guard lock(_bed->mutex);
-    umockdev_testbed_attach_ioctl(_bed->testbed.get(), ("/dev/" + name).c_str(), calls.get(),
-                                  nullptr);
+    _bed->answerCalls(name, target);
     if (!umockdev_testbed_add_from_string(_bed->testbed.get(), device.c_str(), nullptr))
         throw std::logic_error("no such device: " + device);
     // An "add" event is part of it.
@@ -127,7 +138,6 @@ void UdevBed::detach(const std::string& name) {
         std::filesystem::remove(_bed->root() / (place + name));
     _bed->tell(name, "remove");
     umockdev_testbed_remove_device(_bed->testbed.get(), sysPathOf(name).c_str());
-    umockdev_testbed_detach_ioctl(_bed->testbed.get(), ("/dev/" + name).c_str(), nullptr);
 }
 
 void UdevBed::change(const std::string& name, unsigned minor, const Properties& properties,
@@ -139,6 +149,12 @@ void UdevBed::change(const std::string& name, unsigned minor, const Properties& 
     _bed->writeProperties(name, told);
     _bed->tell(name, "change");
     _bed->writeProperties(name, all);
+}
+
+void UdevBed::finish() {
+    std::promise<void> done;
+    _bed->later([&] { done.set_value(); });
+    done.get_future().wait();
 }
 
 void UdevBed::later(std::function<void()> function) { _bed->later(std::move(function)); }

@@ -27,7 +27,7 @@ public:
     static std::string sysPathOf(const std::string& name);
 
     /// Adds a device, its node and its properties, and tells of it. System calls on the node go to
-    /// the target.
+    /// the target that was given with its name first.
     void attach(const std::string& name, unsigned minor, const Properties& properties,
                 const std::shared_ptr<SystemCallTarget>& target);
     /// Takes a device away and tells of it. What is open stays open.
@@ -38,6 +38,8 @@ public:
 
     /// Calls a function on a thread of the bed's own, one after the other.
     void later(std::function<void()> function);
+    /// Returns when every function that was given to `later` has returned. Not on that thread.
+    void finish();
 
 private:
     class Bed;
