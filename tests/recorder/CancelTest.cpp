@@ -13,9 +13,18 @@ constexpr std::array statesBeforeTheEnd = {DRStatusStatePreparing,  DRStatusStat
                                            DRStatusStateTrackClose, DRStatusStateSessionClose,
                                            DRStatusStateFinishing,  DRStatusStateVerifying};
 
-class RecorderCancel : public Recorder {};
+class RecorderCancel : public Recorder {
+protected:
+    /// What a burn that was cancelled did to the disc. There is a blank one afterwards.
+    void renewDisc() {
+        if (stage->sparesDiscs())
+            EXPECT_TRUE(stage->drive()->mediaIsBlank());
+        else
+            stage->insertBlank();
+    }
+};
 
-TEST_P(RecorderCancel, ACancelInAnyStateEndsTheBurnAndLeavesTheDiscBlank) {
+TEST_P(RecorderCancel, ACancelInAnyStateEndsTheBurn) {
     stage->loops().setInStep(true);
     for (const char* const state : statesBeforeTheEnd) {
         SCOPED_TRACE(state);
@@ -30,7 +39,7 @@ TEST_P(RecorderCancel, ACancelInAnyStateEndsTheBurnAndLeavesTheDiscBlank) {
         EXPECT_EQ(log->code(), codeOf(DRError::UserCanceled)) << log->info();
         EXPECT_EQ(BurnLog::stateOf(log->records()[log->records().size() - 2]), state)
             << "nothing more is told before the end";
-        EXPECT_TRUE(stage->drive()->mediaIsBlank());
+        renewDisc();
     }
     stage->loops().setInStep(false);
     const auto burn = makeBurn();
@@ -52,7 +61,7 @@ TEST_P(RecorderCancel, ACancelAtTheEndOfTheVerificationStillCounts) {
     burn->writeLayout(makeLayout({1000}));
     ASSERT_TRUE(runToEnd(*log));
     EXPECT_EQ(log->code(), codeOf(DRError::UserCanceled)) << log->info();
-    EXPECT_TRUE(stage->drive()->mediaIsBlank());
+    renewDisc();
 }
 
 TEST_P(RecorderCancel, ACancelAfterTheEndDoesNothing) {

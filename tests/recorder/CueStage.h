@@ -1,45 +1,18 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include <algorithm>
 #include <utility>
 
+#include "tests/recorder/AudioStage.h"
 #include "tests/recorder/ImageStage.h"
 
 namespace quarner {
 
 /// Audio discs of raw sound. The image is mix.cue.
-class CueStage : public ImageStage {
+class CueStage : public AudioStage<ImageStage> {
 public:
-    explicit CueStage(ImageRecorderParts parts = {}) : ImageStage(".cue", std::move(parts)) {}
+    explicit CueStage(ImageRecorderParts parts = {}) : AudioStage(".cue", std::move(parts)) {}
 
-    /// Tracks with pre-gaps of two seconds.
-    DRLayout layoutThrough(RecordingService& recorder, const Paths& paths) override {
-        DRLayout layout;
-        for (const std::string& path : paths)
-            layout.push_back(makeTrack(recorder, path));
-        return layout;
-    }
-    DRLayout layoutOfBlocks(std::uint32_t blocks) override {
-        return {makeTrack(*recorder(), makeSource(1000)), trackOfBlocks(blocks - shortest - gap)};
-    }
-    DRLayout hugeLayout() override {
-        return {trackOfBlocks(0x80000000U), trackOfBlocks(0x80000000U)};
-    }
-    /// A track of a new short file that takes so many sectors.
-    std::shared_ptr<DRTrack> trackOfBlocks(std::uint32_t blocks) {
-        auto track = makeTrack(*recorder(), makeSource(1000));
-        track->setLength(DRMSF::msfWithFrames(blocks));
-        return track;
-    }
-
-    /// The sound, filled up with silence to whole sectors, and to four seconds.
-    std::string expectedContentOf(const std::string& path) override {
-        std::string content = contentOf(path);
-        const std::size_t sectors = (content.size() + blockSize() - 1) / blockSize();
-        content.resize(std::max<std::size_t>(sectors, shortest) * blockSize(), '\0');
-        return content;
-    }
     std::uint64_t blocksOnDisc() override {
         return std::filesystem::file_size(bin()) / blockSize();
     }
@@ -60,16 +33,6 @@ public:
 
     std::string cue() const { return image(); }
     std::string bin() const { return folder.file("mix.bin"); }
-
-private:
-    static std::shared_ptr<DRTrack> makeTrack(RecordingService& recorder, const std::string& path) {
-        auto track = recorder.trackForAudioFile(path);
-        track->setPreGap(DRMSF::msfWithFrames(gap));
-        return track;
-    }
-
-    static constexpr std::uint32_t gap = 150;
-    static constexpr std::uint32_t shortest = 300;
 };
 
 /// Read from the sheet.

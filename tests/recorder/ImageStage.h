@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include <array>
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <memory>
 #include <string>
@@ -12,34 +8,20 @@
 #include <vector>
 
 #include "adapters/image/ImageRecorder.h"
-#include "tests/recorder/RawSound.h"
-#include "tests/recorder/RecorderStage.h"
+#include "tests/recorder/SourceStage.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quarner {
 
-inline std::string contentOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary | std::ios::ate);
-    std::string content(file ? static_cast<std::size_t>(file.tellg()) : 0, '\0');
-    file.seekg(0);
-    file.read(content.data(), static_cast<std::streamsize>(content.size()));
-    return content;
-}
-
 /// The image recorder in a folder of its own, with one drive for images of one kind.
-class ImageStage : public RecorderStage {
+class ImageStage : public SourceStage {
 public:
     std::shared_ptr<RecordingService> service() override { return _recorder; }
-    StepLoops& loops() override { return *_loops; }
     std::shared_ptr<DRDevice> drive() override { return _drive; }
-    std::string makeSource(std::uint64_t pairs) override {
-        std::array<char, 32> name = {};
-        std::snprintf(name.data(), name.size(), "source%04u", ++_sources);
-        return sources.write(name.data(), rawNoise(pairs, _sources));
-    }
     void insertBlank() override { imageDrive()->insertBlank(); }
     void unplug() override { _recorder->remove(_drive); }
     void plugAnother() override { _recorder->add({.path = imageNamed("another")}); }
+    bool sparesDiscs() const override { return true; }
     void shutDown() override { _recorder.reset(); }
     std::vector<std::string> contentsOnDisc() override { return contentsOf(image()); }
 
@@ -52,9 +34,6 @@ public:
         parts.dataDiscs = _dataDiscs;
         return std::make_shared<ImageRecorder>(std::move(loops), sound, std::move(parts));
     }
-    /// The same disc through another recorder of the same kind.
-    virtual DRLayout layoutThrough(RecordingService& recorder, const Paths& paths) = 0;
-    DRLayout layoutOf(const Paths& paths) override { return layoutThrough(*_recorder, paths); }
 
     /// The image of the stage's drive.
     std::string image() const { return imageNamed("mix"); }
@@ -74,22 +53,18 @@ public:
     virtual void beforeReading(std::function<void()> function) = 0;
 
     TemporaryFolder folder;
-    TemporaryFolder sources;
-    std::shared_ptr<RawSound> sound = std::make_shared<RawSound>();
 
 protected:
     ImageStage(std::string extension, ImageRecorderParts parts)
         : _extension(std::move(extension)), _dataDiscs(parts.dataDiscs),
-          _recorder(std::make_shared<ImageRecorder>(_loops, sound, std::move(parts))),
+          _recorder(std::make_shared<ImageRecorder>(sharedLoops(), sound, std::move(parts))),
           _drive(_recorder->add({.path = image()})) {}
 
 private:
     const std::string _extension;
     const std::shared_ptr<DataDiscService> _dataDiscs;
-    std::shared_ptr<StepLoops> _loops = std::make_shared<StepLoops>();
     std::shared_ptr<ImageRecorder> _recorder;
     std::shared_ptr<ImageDrive> _drive;
-    std::uint32_t _sources = 0;
 };
 
 } // namespace quarner

@@ -5,8 +5,8 @@
 #include <span>
 #include <utility>
 
-#include "adapters/isofs/JolietDirectory.h"
 #include "adapters/isofs/JolietDiscs.h"
+#include "tests/recorder/DataStage.h"
 #include "tests/recorder/ImageStage.h"
 
 namespace quarner {
@@ -54,41 +54,16 @@ private:
 };
 
 /// Data discs. The image is mix.iso.
-class IsoStage : public ImageStage {
+class IsoStage : public DataStage<ImageStage> {
 public:
     explicit IsoStage(ImageRecorderParts parts = {})
         : IsoStage(std::move(parts), std::make_shared<WatchedDiscs>()) {}
 
-    DRLayout layoutThrough(RecordingService& recorder, const Paths& paths) override {
-        const auto root = std::make_shared<DRFolder>("Disc");
-        root->setExplicitFilesystemMask(DRFilesystemMaskJoliet);
-        for (const std::string& path : paths)
-            root->addChild(recorder.fileWithPath(path));
-        return {recorder.trackForRootFolder(root)};
-    }
-    DRLayout layoutOfBlocks(std::uint32_t blocks) override {
-        const std::string path = makeSource(1);
-        const std::uint64_t others = layoutOf({path})[0]->estimateLength() - 1;
-        std::filesystem::resize_file(path, (blocks - others) * blockSize());
-        return layoutOf({path});
-    }
-    DRLayout hugeLayout() override {
-        const Paths paths = {makeSource(1), makeSource(1), makeSource(1)};
-        for (const std::string& path : paths)
-            std::filesystem::resize_file(path, std::uintmax_t(3) << 30);
-        return layoutOf(paths);
-    }
-
-    std::string expectedContentOf(const std::string& path) override { return contentOf(path); }
     std::uint64_t blocksOnDisc() override {
         return std::filesystem::file_size(image()) / blockSize();
     }
     std::vector<std::string> contentsOf(const std::string& isoPath) const override {
-        const std::string disc = quarner::contentOf(isoPath);
-        std::vector<std::string> contents;
-        for (const auto& [name, file] : jolietRootDirectory(std::as_bytes(std::span(disc))))
-            contents.push_back(disc.substr(file.firstBlock * blockSize(), file.size));
-        return contents;
+        return filesOf(contentOf(isoPath));
     }
     std::vector<std::string> filesOfImage() const override { return {"mix.iso"}; }
     std::string partEnding() const override { return ".iso.part"; }
@@ -106,9 +81,9 @@ public:
 
 private:
     IsoStage(ImageRecorderParts parts, std::shared_ptr<WatchedDiscs> discs)
-        : ImageStage(".iso", {.files = std::move(parts.files),
-                              .clock = std::move(parts.clock),
-                              .dataDiscs = discs}),
+        : DataStage(".iso", {.files = std::move(parts.files),
+                             .clock = std::move(parts.clock),
+                             .dataDiscs = discs}),
           _discs(std::move(discs)) {}
 
     const std::shared_ptr<WatchedDiscs> _discs;

@@ -45,6 +45,10 @@ public:
     virtual void insertBlank() = 0;
     virtual void unplug() = 0;
     virtual void plugAnother() = 0;
+    /// Returns when whatever has happened so far, also outside this process, was told of.
+    virtual void settle() { loops().runPending(); }
+    /// Whether a burn that ends early leaves the disc as it was. Otherwise it may be spoilt.
+    virtual bool sparesDiscs() const = 0;
     /// Drops the recorder, as the end of the process does.
     virtual void shutDown() = 0;
 

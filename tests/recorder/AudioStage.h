@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <algorithm>
+#include <memory>
+#include <string>
+
+#include "tests/recorder/SourceStage.h"
+
+namespace quarner {
+
+/// Makes a stage one for audio discs of raw sound, whose tracks have pre-gaps of two seconds.
+template <class Stage>
+class AudioStage : public Stage {
+public:
+    using Stage::Stage;
+
+    DRLayout layoutThrough(RecordingService& recorder, const Paths& paths) override {
+        DRLayout layout;
+        for (const std::string& path : paths)
+            layout.push_back(makeTrack(recorder, path));
+        return layout;
+    }
+    DRLayout layoutOfBlocks(std::uint32_t blocks) override {
+        return {makeTrack(*this->service(), this->makeSource(1000)),
+                trackOfBlocks(blocks - shortest - gap)};
+    }
+    DRLayout hugeLayout() override {
+        return {trackOfBlocks(0x80000000U), trackOfBlocks(0x80000000U)};
+    }
+    /// A track of a new short file that takes so many sectors.
+    std::shared_ptr<DRTrack> trackOfBlocks(std::uint32_t blocks) {
+        auto track = makeTrack(*this->service(), this->makeSource(1000));
+        track->setLength(DRMSF::msfWithFrames(blocks));
+        return track;
+    }
+    /// The sound, filled up with silence to whole sectors, and to four seconds.
+    std::string expectedContentOf(const std::string& path) override {
+        std::string content = contentOf(path);
+        const std::size_t sectors = (content.size() + sectorSize - 1) / sectorSize;
+        content.resize(std::max<std::size_t>(sectors, shortest) * sectorSize, '\0');
+        return content;
+    }
+
+private:
+    static std::shared_ptr<DRTrack> makeTrack(RecordingService& recorder, const std::string& path) {
+        auto track = recorder.trackForAudioFile(path);
+        track->setPreGap(DRMSF::msfWithFrames(gap));
+        return track;
+    }
+
+    static constexpr std::size_t sectorSize = 2352;
+    static constexpr std::uint32_t gap = 150;
+    static constexpr std::uint32_t shortest = 300;
+};
+
+} // namespace quarner
