@@ -13,13 +13,15 @@
 #include <libburn/libburn.h>
 
 #include "adapters/engine/BurnFailure.h"
-#include "adapters/optical/DiscFacts.h"
 #include "adapters/optical/DiscTable.h"
 
 namespace quarner {
 namespace {
 
 constexpr std::chrono::milliseconds pollInterval{10};
+
+/// A drive that does not answer any more is given this time to disappear from the system.
+constexpr std::chrono::milliseconds goingPatience{1000};
 
 /// So many sectors are read by one call of the library, which cannot be interrupted.
 constexpr std::size_t sectorsPerReading = 64;
@@ -149,19 +151,26 @@ bool OpticalWriter::readSome(std::int64_t firstSector, std::span<std::byte> buff
     return result == 1 && count == size;
 }
 
-/// What is behind a failure, as far as the drive can still be asked: a stop, an unplugged drive, a
-/// missing disc.
 void OpticalWriter::fail(DRError error, const std::string& attempt) {
     _stop->throwIfRequested();
     const std::string reason = BurnLibrary::shared().worstSince(_jobStart);
     const std::string text = _record.node + ": " + attempt + (reason.empty() ? "" : ": " + reason);
     _job.reset();
-    if (!isAttached(_record))
-        throw BurnFailure(DRError::DeviceVanished, text);
-    burn::burn_drive_re_assess(_drive->handle(), 0);
-    if (readDiscFacts(*_drive).state == DiscFacts::State::None)
-        throw BurnFailure(DRError::MediaNotPresent, text);
-    throw BurnFailure(error, text);
+    throw BurnFailure(causeOr(error), text);
+}
+
+/// What is behind a failure, as far as the drive can still be asked.
+DRError OpticalWriter::causeOr(DRError error) const {
+    if (burn::burn_drive_re_assess(_drive->handle(), 0) == 1)
+        return burn::burn_disc_get_status(_drive->handle()) == burn::BURN_DISC_EMPTY
+                   ? DRError::MediaNotPresent
+                   : error;
+    const auto end = std::chrono::steady_clock::now() + goingPatience;
+    while (isAttached(_record) && std::chrono::steady_clock::now() < end) {
+        _stop->throwIfRequested();
+        std::this_thread::sleep_for(pollInterval);
+    }
+    return isAttached(_record) ? error : DRError::DeviceVanished;
 }
 
 } // namespace quarner

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/optical/AccessProblem.h"
+
+#include <grp.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <functional>
+
+#include "tests/support/TemporaryFolder.h"
+
+namespace quarner {
+namespace {
+
+constexpr gid_t groupOfOthers = 24; // not the one that the tests' user gets
+constexpr uid_t nobody = 65534;
+
+/// What a function answers in a process of its own, that of a user without any rights who is a
+/// member of one group.
+std::string asNobody(gid_t group, const std::function<std::string()>& function) {
+    std::array<int, 2> ends = {};
+    if (pipe(ends.data()) != 0)
+        return "no pipe";
+    const pid_t child = fork();
+    if (child == 0) {
+        const bool isNobody = setgroups(1, &group) == 0 && setresgid(nobody, nobody, nobody) == 0 &&
+                              setresuid(nobody, nobody, nobody) == 0;
+        const std::string answer = isNobody ? function() : "still somebody";
+        const bool isWritten = write(ends[1], answer.data(), answer.size()) >= 0;
+        _exit(isWritten ? 0 : 1);
+    }
+    close(ends[1]);
+    std::array<char, 1000> answer = {};
+    const ssize_t size = read(ends[0], answer.data(), answer.size());
+    close(ends[0]);
+    waitpid(child, nullptr, 0);
+    return {answer.data(), std::size_t(std::max<ssize_t>(0, size))};
+}
+
+class AccessProblem : public testing::Test {
+protected:
+    void SetUp() override {
+        if (geteuid() != 0)
+            GTEST_SKIP() << "only root can become another user";
+        chmod(folder.path().c_str(), 0755);
+        if (chown(node.c_str(), 0, groupOfOthers) != 0)
+            GTEST_SKIP() << "no file of another group here";
+    }
+    /// The problem that a user has with a node of a mode; "none" without one.
+    std::string problem(mode_t mode, gid_t group) {
+        chmod(node.c_str(), mode);
+        return asNobody(group, [&] { return accessProblem(node).value_or("none"); });
+    }
+
+    TemporaryFolder folder;
+    const std::string node = folder.write("node");
+};
+
+TEST_F(AccessProblem, IsNoneWhereTheNodeMayBeReadAndWritten) {
+    EXPECT_EQ(problem(0666, nobody), "none");
+    EXPECT_EQ(problem(0660, groupOfOthers), "none");
+}
+
+TEST_F(AccessProblem, NamesTheGroupThatIsMissing) {
+    const group* const entry = getgrgid(groupOfOthers);
+    const std::string name = entry ? entry->gr_name : std::to_string(groupOfOthers);
+    EXPECT_EQ(problem(0660, nobody), node + " may be opened only by members of the group " + name);
+}
+
+TEST_F(AccessProblem, NamesThePermissionThatIsMissing) {
+    const std::string text = node + " may not be opened for reading and writing: Permission denied";
+    EXPECT_EQ(problem(0640, groupOfOthers), text);
+    EXPECT_EQ(problem(0644, nobody), text);
+    EXPECT_EQ(problem(0600, groupOfOthers), text);
+}
+
+TEST_F(AccessProblem, IsNoneWhereThereIsNoNode) {
+    EXPECT_EQ(accessProblem(folder.file("missing")), std::nullopt);
+}
+
+} // namespace
+} // namespace quarner
