@@ -78,10 +78,10 @@ std::optional<std::int64_t> SampleOffset::find(const Read& read) const {
     return std::nullopt;
 }
 
-/// With as much of the silence before the sound as the search can reach: in a steady tone nothing
-/// but its beginning tells one period from the next.
+/// With silence before the sound: in a steady tone nothing but its beginning tells one period from
+/// the next.
 std::optional<SampleOffset::Stretch> SampleOffset::readAroundSound(const Read& read) const {
-    const std::int64_t begin = _sound.first - 2 * mostSamples;
+    const std::int64_t begin = _sound.first - mostSamples;
     const std::int64_t end = std::min(_total, _sound.end() + mostSamples);
     std::optional<Stretch> stretch = readStretch(begin, end, read);
     if (!stretch && begin < 0) // not every drive reads before sector 0

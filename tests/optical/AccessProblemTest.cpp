@@ -75,6 +75,8 @@ TEST_F(AccessProblem, NamesThePermissionThatIsMissing) {
     EXPECT_EQ(problem(0640, groupOfOthers), text);
     EXPECT_EQ(problem(0644, nobody), text);
     EXPECT_EQ(problem(0600, groupOfOthers), text);
+    ASSERT_EQ(chown(node.c_str(), nobody, groupOfOthers), 0);
+    EXPECT_EQ(problem(0060, groupOfOthers), text) << "a member, but the owner has no rights";
 }
 
 TEST_F(AccessProblem, IsNoneWhereThereIsNoNode) {

@@ -70,6 +70,19 @@ TEST_F(DriveBurn, OfAudioWritesEveryTrackAfterTwoSecondsOfSilence) {
     expectReleased();
 }
 
+TEST_F(DriveBurn, OfAudioWritesALongerSilenceBeforeTheFirstTrackToo) {
+    const DRLayout layout = audio({300, 300});
+    for (const auto& track : layout)
+        std::const_pointer_cast<DRTrack>(track)->setPreGap(DRMSF::msfWithFrames(200));
+    const auto log = burn(layout);
+    ASSERT_TRUE(log->isDone()) << log->info();
+    const Medium disc = recorder->writtenDisc().value();
+    EXPECT_EQ(disc.tracks.at(0).start, 50);
+    EXPECT_EQ(disc.tracks.at(0).preGap, 200U);
+    EXPECT_EQ(disc.tracks.at(1).start, 50 + 300 + 200);
+    EXPECT_EQ(disc.end(), 50 + 300 + 200 + 300);
+}
+
 TEST_F(DriveBurn, OfAudioHasNoTexts) {
     ASSERT_TRUE(burn(audio({300}))->isDone());
     const std::vector<std::uint8_t> sheet = recorder->writtenDisc()->cueSheet;
@@ -171,7 +184,7 @@ TEST_F(DriveBurn, WaitsForADriveThatIsNotReadyYet) {
 TEST_F(DriveBurn, OnTwoDrivesAtOnceWritesBothDiscs) {
     const auto other = bed.plug({});
     const auto otherDrive = makeDrive(*other);
-    const DRLayout layout = audio({600, 700});
+    const DRLayout layout = audio({400, 450});
     const auto second = std::make_shared<EngineBurn>(services, otherDrive);
     const auto secondLog = observe(second);
     second->writeLayout(layout);
@@ -187,13 +200,13 @@ class OffsetBurn : public DriveBurn, public testing::WithParamInterface<int> {};
 
 TEST_P(OffsetBurn, IsVerifiedWhateverTheSampleOffsetOfTheDriveIs) {
     recorder->setReadOffset(GetParam());
-    const DRLayout layout = audio({1100, 310});
+    const DRLayout layout = audio({1030, 310});
     const auto log = burn(layout);
     EXPECT_TRUE(log->isDone()) << log->info();
     expectAudio(layout);
 }
 
-INSTANTIATE_TEST_SUITE_P(, OffsetBurn, testing::Values(1, 667, -472, 1500, -1500),
+INSTANTIATE_TEST_SUITE_P(, OffsetBurn, testing::Values(667, -472, 1500, -1500),
                          [](const auto& tested) {
                              return (tested.param < 0 ? "minus" : "plus") +
                                     std::to_string(std::abs(tested.param));

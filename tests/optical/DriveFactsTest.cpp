@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <gmock/gmock.h>
 
+#include <atomic>
+
 #include "quarner/platform/DRKeys.h"
 #include "tests/optical/DriveStage.h"
 
@@ -109,6 +111,20 @@ TEST_F(DriveFacts, AreAskedOnceForADisc) {
     drive->mediaChanged();
     drive->mediaIsPresent();
     EXPECT_GT(recorder->commands().size(), asked);
+}
+
+TEST_F(DriveFacts, ThatWereAskedWhileTheDiscWasChangedAreAskedAgain) {
+    std::atomic<bool> isChanged = false;
+    recorder->setCommandHook([&](std::uint8_t) {
+        if (!isChanged.exchange(true))
+            drive->mediaChanged();
+    });
+    drive->mediaIsPresent();
+    EXPECT_TRUE(isChanged);
+    const std::size_t asked = recorder->commands().size();
+    drive->mediaIsPresent();
+    EXPECT_GT(recorder->commands().size(), asked);
+    recorder->setCommandHook({});
 }
 
 TEST_F(DriveFacts, AreKeptForAMomentWhereNoChangesAreHeard) {

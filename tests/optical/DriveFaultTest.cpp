@@ -14,7 +14,7 @@ using testing::HasSubstr;
 /// What goes wrong with a burn, and that the drive is as good as new afterwards.
 class DriveFault : public testing::TestWithParam<bool>, public DriveStage {
 protected:
-    DRLayout layout() { return GetParam() ? audio({700, 700}) : data(2'000'000); }
+    DRLayout layout() { return GetParam() ? audio({320, 320}) : data(1'100'000); }
 
     /// Burns, and acts when a state is told.
     std::unique_ptr<BurnLog> burnAndDo(const char* state, std::function<void()> act) {
@@ -54,7 +54,7 @@ protected:
 };
 
 TEST_P(DriveFault, AWriteErrorFailsTheBurn) {
-    const auto log = burnWith([](UnitFaults& faults) { faults.writeErrorAt = 500; });
+    const auto log = burnWith([](UnitFaults& faults) { faults.writeErrorAt = 400; });
     EXPECT_EQ(log->code(), codeOf(DRError::WriteFailed)) << log->info();
     EXPECT_THAT(log->info(), HasSubstr("SCSI error"));
     EXPECT_EQ(log->count(DRStatusStateFinishing), 0U);
@@ -79,14 +79,14 @@ TEST_P(DriveFault, AWriteErrorAtTheLastSectorFailsTheBurn) {
 }
 
 TEST_P(DriveFault, ADiscThatIsTakenOutFailsTheBurn) {
-    const auto log = burnWith([](UnitFaults& faults) { faults.removeMediumAt = 500; });
+    const auto log = burnWith([](UnitFaults& faults) { faults.removeMediumAt = 400; });
     EXPECT_EQ(log->code(), codeOf(DRError::MediaNotPresent)) << log->info();
     EXPECT_FALSE(drive->mediaIsPresent());
     expectAsGoodAsNew();
 }
 
 TEST_P(DriveFault, ADriveThatIsUnpluggedFailsTheBurnAlsoBeforeAnybodyHearsOfIt) {
-    const auto log = burnWith([](UnitFaults& faults) { faults.unplugAt = 500; });
+    const auto log = burnWith([](UnitFaults& faults) { faults.unplugAt = 400; });
     EXPECT_EQ(log->code(), codeOf(DRError::DeviceVanished)) << log->info();
     EXPECT_EQ(recorder->openCount(), 0);
     EXPECT_FALSE(drive->mediaIsPresent());
@@ -95,29 +95,25 @@ TEST_P(DriveFault, ADriveThatIsUnpluggedFailsTheBurnAlsoBeforeAnybodyHearsOfIt) 
     expectAsGoodAsNew();
 }
 
-TEST_P(DriveFault, ADriveThatIsHeardOfAsUnpluggedFailsTheBurn) {
-    const auto log = burnAndDo(DRStatusStateTrackWrite, [&] {
-        recorder->unplug();
-        drive->unplug();
-    });
+TEST_P(DriveFault, ADriveThatIsHeardOfAsUnpluggedFailsTheBurnAlsoWhileItStillAnswers) {
+    const auto log = burnAndDo(DRStatusStateTrackWrite, [&] { drive->unplug(); });
     EXPECT_EQ(log->code(), codeOf(DRError::DeviceVanished)) << log->info();
-    EXPECT_EQ(recorder->openCount(), 0);
+    expectReleased();
     EXPECT_FALSE(drive->mediaIsPresent());
     EXPECT_FALSE(drive->ejectMedia());
     EXPECT_EQ(burn(layout())->code(), codeOf(DRError::DeviceVanished));
-    recorder->replug();
     drive = makeDrive(*recorder);
     expectAsGoodAsNew();
 }
 
 TEST_P(DriveFault, ADiscThatCannotBeReadBackFailsTheBurn) {
-    const auto log = burnWith([](UnitFaults& faults) { faults.readErrorAt = 900; });
+    const auto log = burnWith([](UnitFaults& faults) { faults.readErrorAt = 500; });
     EXPECT_EQ(log->code(), codeOf(DRError::ReadBackFailed)) << log->info();
     expectAsGoodAsNew();
 }
 
 TEST_P(DriveFault, OneWrongByteOnTheDiscFailsTheBurn) {
-    for (const std::int32_t sector : {400, 899}) {
+    for (const std::int32_t sector : {100, 550}) {
         const auto log = burnAndDo(DRStatusStateVerifying, [&] {
             Medium disc = recorder->writtenDisc().value();
             disc.sectors.at(sector).at(2047) ^= std::byte(1);
@@ -193,6 +189,20 @@ TEST_P(DriveFault, ACancelInTheMiddleOfATrackStopsTheDrive) {
     EXPECT_EQ(log->code(), codeOf(DRError::UserCanceled)) << log->info();
     EXPECT_LT(countOf(operation::write), 20U) << "no silence is written instead";
     expectAsGoodAsNew();
+}
+
+TEST_P(DriveFault, ACancelInTheMiddleOfTheVerificationIsNotKeptWaiting) {
+    recorder->setDelay(std::chrono::milliseconds(5));
+    const std::uint8_t reading = GetParam() ? operation::readCD : operation::read;
+    const auto burning = makeBurn();
+    const auto log = observe(burning);
+    burning->writeLayout(layout());
+    loops->runUntil([&] { return countOf(reading) > 2; });
+    burning->abort();
+    ASSERT_TRUE(loops->runUntil([&] { return log->isOver(); }));
+    EXPECT_EQ(log->code(), codeOf(DRError::UserCanceled)) << log->info();
+    EXPECT_LT(countOf(reading), 20U);
+    expectReleased();
 }
 
 INSTANTIATE_TEST_SUITE_P(, DriveFault, testing::Values(true, false),

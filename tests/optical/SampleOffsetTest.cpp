@@ -84,9 +84,9 @@ private:
 class SampleOffsets : public testing::TestWithParam<int> {};
 
 TEST_P(SampleOffsets, AreFoundAtTheFirstSoundAndUndoneOverTheWholeDisc) {
-    for (const std::int64_t quiet : {0, 1, 700, 5000, 100'000}) {
+    for (const std::int64_t quiet : {0, 1, 700, 5000}) {
         SCOPED_TRACE(quiet);
-        const std::int64_t total = 400 * perSector;
+        const std::int64_t total = 300 * perSector;
         ShiftingDrive drive(silence(quiet) + noise(total - quiet), GetParam());
         const SampleOffset sound = drive.offsetOfWritten();
         ASSERT_EQ(sound.find(drive.reader()), GetParam());
@@ -100,13 +100,13 @@ TEST_P(SampleOffsets, AreFoundAtTheFirstSoundAndUndoneOverTheWholeDisc) {
 
 TEST_P(SampleOffsets, OfASteadyToneAreNotTakenForThoseOfAnotherPeriod) {
     for (const std::int64_t quiet : {3000, 60'000}) {
-        ShiftingDrive drive(silence(quiet) + tone(400 * perSector - quiet), GetParam());
+        ShiftingDrive drive(silence(quiet) + tone(300 * perSector - quiet), GetParam());
         EXPECT_EQ(drive.offsetOfWritten().find(drive.reader()), GetParam()) << quiet;
     }
 }
 
 TEST_P(SampleOffsets, OfAToneFromTheStartAreFoundWhereTheDriveReadsBeforeTheDisc) {
-    ShiftingDrive drive(tone(400 * perSector), GetParam());
+    ShiftingDrive drive(tone(300 * perSector), GetParam());
     drive.readsBeforeTheDisc = true;
     EXPECT_EQ(drive.offsetOfWritten().find(drive.reader()), GetParam());
 }

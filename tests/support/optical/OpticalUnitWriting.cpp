@@ -99,7 +99,7 @@ ScsiReply OpticalUnit::sendCueSheet(const ScsiCommand& command) {
     const MediumTrack& first = planned.tracks.front();
     planned.next = first.start - static_cast<std::int32_t>(first.preGap);
     planned.end = entries.back().address;
-    if (first.start != _medium->nextStart() ||
+    if (planned.next != _medium->nextStart() - static_cast<std::int32_t>(sectorsOfPreGap) ||
         planned.end > static_cast<std::int32_t>(_medium->capacity))
         return sense::invalidParameter;
     _medium->cueSheet.clear();
