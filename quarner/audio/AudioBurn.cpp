@@ -8,7 +8,7 @@
 namespace quarner {
 namespace {
 
-DRLayout layoutOf(const BurnItemList& items) {
+DRLayout layoutOf(const ContentList::Snapshot& items) {
     DRLayout layout;
     for (const BurnItemRef& item : items)
         if (auto track = std::dynamic_pointer_cast<const DRTrack>(item))
@@ -32,11 +32,11 @@ void AudioCDBurner::burnWithDevice(const QuarnerDevice& device,
     _burner = currentPlatform()->recording->burnForDevice(device.device());
     const Dictionary settings = burnSettings(device);
     const ContentList::Snapshot items = _content.snapshot();
-    fillTextBlock(discNamed, *items);
+    fillTextBlock(discNamed, items);
     _burner->setProperties(settings);
-    DRLayout layout = layoutOf(*items);
+    DRLayout layout = layoutOf(items);
     _estimateTotalLength = estimatedBlocks(layout);
-    if (items->empty())
+    if (items.empty())
         refuseBurn();
     else
         writeOrRefuse(std::move(layout), _estimateTotalLength, device);
@@ -67,7 +67,7 @@ void AudioCDBurner::refuseBurn() {
 }
 
 void AudioCDBurner::fillTextBlock(const std::optional<std::string>& discName,
-                                  const BurnItemList& items) {
+                                  const ContentList::Snapshot& items) {
     if (discName)
         _textBlock->setObject(*discName, DRCDTextTitleKey, 0);
     std::int64_t track = 0;

@@ -62,8 +62,9 @@ public:
 protected:
     // --- The steps of adding files in which the two burners differ ---
 
-    /// Whether the list already holds the file at a resolved path.
-    virtual bool isInContent(const std::string& resolvedPath) const;
+    /// The resolved path of an item's file, by which the list is known to hold it already. None
+    /// for an item that has no file.
+    virtual std::optional<std::string> identifyingPath(const BurnItem& item) const;
     /// Whether a file is to be set aside as protected.
     virtual bool isProtected(const std::string& resolvedPath) const;
     /// Makes the item of a file and gives it its properties: the record, merged with what the item
@@ -94,13 +95,15 @@ protected:
 
 private:
     struct AddFilesRun;
-    void filterPath(const std::string& path, AddFilesRun& run);
+    class KnownPaths;
+    void filterPath(const std::string& path, KnownPaths& known, AddFilesRun& run);
     bool isSupported(const std::string& resolvedPath);
     void performRun(AddFilesRun& run);
     void examineFile(const std::string& path, AddFilesRun& run);
 
     void refuseBurn();
-    void fillTextBlock(const std::optional<std::string>& discName, const BurnItemList& items);
+    void fillTextBlock(const std::optional<std::string>& discName,
+                       const ContentList::Snapshot& items);
     void observeBurn();
     void reportProgress(const Dictionary& status, const std::string& state);
     void reportState(const Dictionary& status, const std::string& state);

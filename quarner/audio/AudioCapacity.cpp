@@ -8,7 +8,7 @@ namespace quarner {
 std::uint64_t AudioCDBurner::usedCapacity() const {
     DRMSF total = DRMSF::msf();
     const ContentList::Snapshot items = _content.snapshot();
-    for (const BurnItemRef& item : *items)
+    for (const BurnItemRef& item : items)
         if (const auto track = std::dynamic_pointer_cast<const DRTrack>(item))
             total = total.msfByAdding(track->length()).msfByAdding(track->preGap());
     return total.wholeSeconds();
@@ -18,6 +18,6 @@ bool AudioCDBurner::isContentOverflowForDevice(const QuarnerDevice& device) cons
     return device.isDiscInDevice() && device.freeTimeOfDisc() < usedCapacity();
 }
 
-bool AudioCDBurner::isContentBlank() const { return _content.snapshot()->empty(); }
+bool AudioCDBurner::isContentBlank() const { return _content.snapshot().empty(); }
 
 } // namespace quarner

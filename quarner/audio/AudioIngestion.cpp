@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <algorithm>
+#include <unordered_set>
 
 #include "quarner/audio/AudioCDBurner.h"
 #include "quarner/front/BurnItemRecord.h"
@@ -33,22 +34,50 @@ bool contains(const std::vector<std::string>& list, const std::string& text) {
 
 } // namespace
 
+/// The paths of the files in the content list, as it is whenever it is asked.
+class AudioCDBurner::KnownPaths {
+public:
+    explicit KnownPaths(const AudioCDBurner& burner) : _burner(burner) { index(); }
+
+    bool contain(const std::string& resolvedPath) {
+        // A run that is still under way may have added to the list.
+        if (ContentList::Snapshot now = _burner._content.snapshot(); now != _items) {
+            _items = std::move(now);
+            index();
+        }
+        return _paths.contains(resolvedPath);
+    }
+
+private:
+    void index() {
+        _paths.clear();
+        for (const BurnItemRef& item : _items)
+            if (std::optional<std::string> path = _burner.identifyingPath(*item))
+                _paths.insert(*std::move(path));
+    }
+
+    const AudioCDBurner& _burner;
+    ContentList::Snapshot _items = _burner._content.snapshot();
+    std::unordered_set<std::string> _paths;
+};
+
 bool AudioCDBurner::addFiles(const std::vector<std::string>& paths) {
     if (paths.empty())
         return false;
     _continue2AddFiles = true;
     const auto run = std::make_shared<AddFilesRun>();
+    KnownPaths known(*this);
     for (const std::string& path : sortedForUser(paths))
-        filterPath(path, *run);
+        filterPath(path, known, *run);
     const bool anyAccepted = !run->accepted.empty();
     auto self = std::static_pointer_cast<AudioCDBurner>(shared_from_this());
     currentPlatform()->dispatch->asyncGlobal([self, run] { self->performRun(*run); });
     return anyAccepted;
 }
 
-void AudioCDBurner::filterPath(const std::string& path, AddFilesRun& run) {
+void AudioCDBurner::filterPath(const std::string& path, KnownPaths& known, AddFilesRun& run) {
     const std::string resolved = Paths::realPath(path);
-    if (isInContent(resolved))
+    if (known.contain(resolved))
         return;
     // What is refused here is reported as the caller wrote it, what is accepted goes on resolved.
     if (isProtected(resolved))
@@ -59,13 +88,10 @@ void AudioCDBurner::filterPath(const std::string& path, AddFilesRun& run) {
         run.incompatible.push_back(path);
 }
 
-bool AudioCDBurner::isInContent(const std::string& resolvedPath) const {
-    const ContentList::Snapshot items = _content.snapshot();
-    return std::any_of(items->begin(), items->end(), [&](const BurnItemRef& item) {
-        const auto properties = item->properties();
-        const std::string* path = valueFor(*properties, kQuarnItemFilePathKey).asString();
-        return path != nullptr && *path == resolvedPath;
-    });
+std::optional<std::string> AudioCDBurner::identifyingPath(const BurnItem& item) const {
+    const auto properties = item.properties();
+    const std::string* path = valueFor(*properties, kQuarnItemFilePathKey).asString();
+    return path == nullptr ? std::nullopt : std::optional(*path);
 }
 
 bool AudioCDBurner::isProtected(const std::string& resolvedPath) const {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <algorithm>
+#include <unordered_set>
 
 #include "quarner/audio/AudioCDBurner.h"
 #include "quarner/platform/DRTrack.h"
@@ -7,7 +8,7 @@
 namespace quarner {
 namespace {
 
-bool contains(const BurnItemList& items, const BurnItemRef& item) {
+bool contains(const ContentList::Snapshot& items, const BurnItemRef& item) {
     return std::find(items.begin(), items.end(), item) != items.end();
 }
 
@@ -40,12 +41,12 @@ void moveItems(BurnItemList& items, const std::set<std::uint64_t>& indexes,
 } // namespace
 
 std::uint64_t AudioCDBurner::numberOfChildrenOfBurnItem(const BurnItemRef& item) const {
-    return item ? 0 : _content.snapshot()->size();
+    return item ? 0 : _content.snapshot().size();
 }
 
 BurnItemRef AudioCDBurner::child(std::uint64_t index, const BurnItemRef& ofBurnItem) const {
     const ContentList::Snapshot items = _content.snapshot();
-    return !ofBurnItem && index < items->size() ? (*items)[index] : nullptr;
+    return !ofBurnItem && index < items.size() ? items[index] : nullptr;
 }
 
 std::shared_ptr<const Dictionary> AudioCDBurner::propertyOfBurnItem(const BurnItemRef& item) const {
@@ -57,15 +58,16 @@ void AudioCDBurner::removeItem(const BurnItemRef& item) {
 }
 
 void AudioCDBurner::removeItemOfClass(const BurnItemRef& item, std::string_view className) {
-    if (!item || !contains(*_content.snapshot(), item) || !item->isKindOfClass(className))
+    if (!item || !contains(_content.snapshot(), item) || !item->isKindOfClass(className))
         return;
     _content.change([&](BurnItemList& items) { std::erase(items, item); });
     tell(&QuarnDelegate::burnItemDidDelete, item);
 }
 
 void AudioCDBurner::removeItems(const BurnItemList& items) {
+    const std::unordered_set<BurnItemRef> removed(items.begin(), items.end());
     _content.change([&](BurnItemList& content) {
-        std::erase_if(content, [&](const BurnItemRef& item) { return contains(items, item); });
+        std::erase_if(content, [&](const BurnItemRef& item) { return removed.contains(item); });
     });
     tell(&QuarnDelegate::burnItemsDidDelete, items);
 }

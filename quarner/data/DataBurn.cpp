@@ -24,7 +24,7 @@ void DataCDBurner::burnWithDevice(const QuarnerDevice& device,
 std::shared_ptr<const DRFolder> DataCDBurner::rootFolder(const std::string& name) const {
     const auto folder = std::make_shared<DRFolder>(name);
     const ContentList::Snapshot items = _content.snapshot();
-    for (const BurnItemRef& item : *items)
+    for (const BurnItemRef& item : items)
         if (auto node = std::dynamic_pointer_cast<const DRFile>(item))
             folder->addChild(std::move(node));
     folder->setExplicitFilesystemMask(DRFilesystemMaskJoliet);

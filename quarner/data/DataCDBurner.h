@@ -39,7 +39,7 @@ public:
                         const std::optional<std::string>& discNamed) override;
 
 protected:
-    bool isInContent(const std::string& resolvedPath) const override;
+    std::optional<std::string> identifyingPath(const BurnItem& item) const override;
     bool isProtected(const std::string& resolvedPath) const override;
     std::shared_ptr<BurnItem> makeItem(const std::string& path, Dictionary& record) const override;
     EndReport endReport(const std::vector<std::string>& protectedFiles,

@@ -7,7 +7,7 @@ namespace quarner {
 std::uint64_t DataCDBurner::usedCapacity() const {
     std::uint64_t bytes = 0;
     const ContentList::Snapshot items = _content.snapshot();
-    for (const BurnItemRef& item : *items)
+    for (const BurnItemRef& item : items)
         if (const auto properties = propertyOfBurnItem(item))
             bytes += valueFor(*properties, kQuarnItemRealFileSizeKey).asUInt64();
     return bytes;

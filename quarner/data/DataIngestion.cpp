@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include <algorithm>
-
 #include "quarner/data/DataCDBurner.h"
 #include "quarner/platform/Platform.h"
 
@@ -17,12 +15,9 @@ std::shared_ptr<DRFile> nodeOrNull(const std::string& path) {
 
 } // namespace
 
-bool DataCDBurner::isInContent(const std::string& resolvedPath) const {
-    const ContentList::Snapshot items = _content.snapshot();
-    return std::any_of(items->begin(), items->end(), [&](const BurnItemRef& item) {
-        const auto node = std::dynamic_pointer_cast<const DRFile>(item);
-        return node && node->sourcePath() == resolvedPath;
-    });
+std::optional<std::string> DataCDBurner::identifyingPath(const BurnItem& item) const {
+    const auto* const node = dynamic_cast<const DRFile*>(&item);
+    return node == nullptr ? std::nullopt : std::optional(node->sourcePath());
 }
 
 bool DataCDBurner::isProtected(const std::string& /*resolvedPath*/) const { return false; }

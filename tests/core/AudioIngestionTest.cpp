@@ -129,7 +129,7 @@ TEST_F(AudioIngestionTest, EveryTrackHasAPreGapOf150Frames) {
     finishRuns();
     ASSERT_EQ(count(), 2U);
     const ContentList::Snapshot items = burner->_content.snapshot();
-    for (const BurnItemRef& item : *items)
+    for (const BurnItemRef& item : items)
         EXPECT_EQ(std::dynamic_pointer_cast<const DRTrack>(item)->preGap().totalFrames(), 150U);
 }
 

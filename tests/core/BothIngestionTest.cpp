@@ -67,6 +67,19 @@ TYPED_TEST(BothIngestion, ADuplicateIsInNoListOfTheReport) {
     EXPECT_THAT(this->delegate.reports().back(), this->reportOf({}));
 }
 
+TYPED_TEST(BothIngestion, AFileThatAnotherRunAddsWhileThePathsAreSortedOutIsADuplicateToo) {
+    this->putSongs({"/a.mp3", "/b.mp3"});
+    const std::shared_ptr<BurnItem> item = this->makeItem("b");
+    item->setProperties({{kQuarnItemFilePathKey, "/b.mp3"}});
+    this->platform.onCall(ServiceCall::ResolveAlias, [&](const std::string& path) {
+        if (path == "/b.mp3" && this->count() == 0)
+            this->burner->_content.append(item);
+    });
+    this->burner->addFiles({"/a.mp3", "/b.mp3"});
+    this->finishRuns();
+    EXPECT_THAT(this->paths(), ElementsAre("/b.mp3", "/a.mp3"));
+}
+
 TYPED_TEST(BothIngestion, ADuplicateIsRecognisedByItsResolvedPath) {
     this->putSongs({"/a.mp3"});
     this->platform.putFile("/alias.mp3", {.aliasOf = "/a.mp3"});

@@ -37,7 +37,7 @@ TEST(BurnerFront, TheFactoryMakesANewAudioBurnerEachTime) {
 
 TEST(BurnerFront, ANewBurnerIsEmptyAndWithoutADelegateAndABurn) {
     const OpenAudioCDBurner burner;
-    EXPECT_TRUE(burner._content.snapshot()->empty());
+    EXPECT_TRUE(burner._content.snapshot().empty());
     EXPECT_EQ(burner.delegate(), nullptr);
     EXPECT_EQ(burner._burner, nullptr);
 }
