@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include <algorithm>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <utility>
@@ -18,68 +18,71 @@ class GlibCenter : public RunLoopCenter {
 public:
     GlibCenter() : RunLoopCenter([this] { _source->wake(); }) {}
 
-    static std::shared_ptr<GlibCenter> ofThisThread() {
-        const ContextPtr context(g_main_context_ref_thread_default(), g_main_context_unref);
+    static std::shared_ptr<GlibCenter> of(GMainContext* context,
+                                          WakeSource::ContextEnded contextEnded) {
         auto center = std::make_shared<GlibCenter>();
         // The loop may run on another thread while the last owner lets go of the centre.
-        const auto turn = [weak = std::weak_ptr(center)] {
+        const auto turn = [weak = std::weak_ptr(center), context] {
             const auto alive = weak.lock();
-            return alive && alive->takeTurn();
+            return alive && alive->takeTurn(context);
         };
-        center->_source.emplace(context.get(), WakeSource::Nesting::No, turn);
+        center->_source.emplace(context, WakeSource::Nesting::No, turn, std::move(contextEnded));
         return center;
     }
 
 private:
-    bool takeTurn() {
+    bool takeTurn(GMainContext* context) {
+        // A host may run a loop without having made it its thread's default: a handler finds the
+        // centre that called it in any case.
+        g_main_context_push_thread_default(context);
         deliverOne();
+        g_main_context_pop_thread_default(context);
         return hasPending();
     }
 
     std::optional<WakeSource> _source;
 };
 
-/// The centres that are alive.
-class Centers {
+/// The centres of the contexts that were asked for one, each for as long as its context lives.
+class Centers : public std::enable_shared_from_this<Centers> {
 public:
-    void add(const std::shared_ptr<RunLoopCenter>& center) {
+    std::shared_ptr<GlibCenter> of(GMainContext* context) {
         const std::lock_guard lock(_mutex);
-        std::erase_if(_all, [](const auto& weak) { return weak.expired(); });
-        _all.push_back(center);
+        std::shared_ptr<GlibCenter>& center = _all[context];
+        if (!center)
+            center = GlibCenter::of(context, [weak = weak_from_this(), context] {
+                if (const auto centers = weak.lock())
+                    centers->forget(context);
+            });
+        return center;
     }
 
     std::vector<std::shared_ptr<RunLoopCenter>> all() const {
         const std::lock_guard lock(_mutex);
-        std::vector<std::shared_ptr<RunLoopCenter>> alive;
-        for (const auto& weak : _all)
-            if (auto center = weak.lock())
-                alive.push_back(std::move(center));
-        return alive;
+        std::vector<std::shared_ptr<RunLoopCenter>> centers;
+        for (const auto& [context, center] : _all)
+            centers.push_back(center);
+        return centers;
     }
 
 private:
-    mutable std::mutex _mutex;
-    std::vector<std::weak_ptr<RunLoopCenter>> _all;
-};
+    void forget(GMainContext* context) {
+        std::shared_ptr<GlibCenter> forgotten; // destroyed after the lock, with its observers
+        const std::lock_guard lock(_mutex);
+        const auto found = _all.find(context);
+        forgotten = std::move(found->second);
+        _all.erase(found);
+    }
 
-/// The centre of this thread in one set of run loops. The thread owns it.
-struct OwnCenter {
-    std::weak_ptr<const Centers> runLoops;
-    std::shared_ptr<RunLoopCenter> center;
+    mutable std::mutex _mutex;
+    std::map<GMainContext*, std::shared_ptr<GlibCenter>> _all;
 };
 
 class GlibRunLoops : public RunLoops {
 public:
     std::shared_ptr<RunLoopCenter> currentCenter() override {
-        thread_local std::vector<OwnCenter> own;
-        for (const OwnCenter& candidate : own)
-            if (candidate.runLoops.lock() == _centers)
-                return candidate.center;
-        std::erase_if(own, [](const OwnCenter& old) { return old.runLoops.expired(); });
-        const auto center = GlibCenter::ofThisThread();
-        own.push_back({_centers, center});
-        _centers->add(center);
-        return center;
+        const ContextPtr context(g_main_context_ref_thread_default(), g_main_context_unref);
+        return _centers->of(context.get());
     }
 
     void postToAll(const DRNotification& notification) override {

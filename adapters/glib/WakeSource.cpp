@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/glib/WakeSource.h"
 
+#include <mutex>
 #include <utility>
 
 namespace quarner {
 namespace {
-
-using Turn = WakeSource::Turn;
 
 gboolean dispatch(GSource* source, GSourceFunc callback, gpointer data) {
     g_source_set_ready_time(source, -1); // before the turn: a wake during it counts
@@ -15,10 +14,6 @@ gboolean dispatch(GSource* source, GSourceFunc callback, gpointer data) {
     return G_SOURCE_CONTINUE;
 }
 
-gboolean callTurn(gpointer turn) noexcept { return (*static_cast<const Turn*>(turn))(); }
-
-void deleteTurn(gpointer turn) { delete static_cast<Turn*>(turn); }
-
 GSource* newSource() {
     static GSourceFuncs functions = {nullptr, nullptr, dispatch, nullptr, nullptr, nullptr};
     return g_source_new(&functions, sizeof(GSource));
@@ -26,19 +21,56 @@ GSource* newSource() {
 
 } // namespace
 
-WakeSource::WakeSource(GMainContext* context, Nesting nesting, Turn turn)
-    : _context(g_main_context_ref(context)), _source(newSource()) {
-    g_source_set_callback(_source, callTurn, new Turn(std::move(turn)), deleteTurn);
+/// Whether the source may still reach its context. A context that comes to its end destroys the
+/// callbacks of its sources first, and must wait there for whoever holds the mutex.
+struct WakeSource::Attachment {
+    std::recursive_mutex mutex; // destroying the source destroys the callback within
+    bool isAttached = true;
+
+    bool end() {
+        const std::lock_guard lock(mutex);
+        return std::exchange(isAttached, false);
+    }
+};
+
+struct WakeSource::Callback {
+    Turn turn;
+    ContextEnded contextEnded;
+    std::shared_ptr<Attachment> attachment;
+};
+
+WakeSource::WakeSource(GMainContext* context, Nesting nesting, Turn turn, ContextEnded contextEnded)
+    : _attachment(std::make_shared<Attachment>()), _source(newSource()) {
+    auto* const callback = new Callback{std::move(turn), std::move(contextEnded), _attachment};
+    g_source_set_callback(_source, callTurn, callback, deleteCallback);
     g_source_set_can_recurse(_source, nesting == Nesting::Yes);
-    g_source_attach(_source, _context);
+    g_source_attach(_source, context);
 }
 
 WakeSource::~WakeSource() {
-    g_source_destroy(_source);
+    {
+        const std::lock_guard lock(_attachment->mutex);
+        if (_attachment->end())
+            g_source_destroy(_source);
+    }
     g_source_unref(_source);
-    g_main_context_unref(_context);
 }
 
-void WakeSource::wake() { g_source_set_ready_time(_source, 0); }
+void WakeSource::wake() {
+    const std::lock_guard lock(_attachment->mutex);
+    if (_attachment->isAttached)
+        g_source_set_ready_time(_source, 0);
+}
+
+gboolean WakeSource::callTurn(gpointer callback) noexcept {
+    return static_cast<const Callback*>(callback)->turn();
+}
+
+void WakeSource::deleteCallback(gpointer callback) noexcept {
+    const std::unique_ptr<const Callback> own(static_cast<const Callback*>(callback));
+    const bool isContextEnded = own->attachment->end();
+    if (isContextEnded && own->contextEnded)
+        own->contextEnded();
+}
 
 } // namespace quarner

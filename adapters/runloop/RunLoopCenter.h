@@ -66,7 +66,8 @@ public:
     RunLoops(const RunLoops&) = delete;
     RunLoops& operator=(const RunLoops&) = delete;
 
-    /// The centre of the calling thread's run loop; made at the first call, the same afterwards.
+    /// The centre of the run loop that is the calling thread's at this moment: one object for each
+    /// run loop, made at the first call and kept alive until the loop comes to its end.
     virtual std::shared_ptr<RunLoopCenter> currentCenter() = 0;
 
     /// Posts a notification to every centre there is. Any thread.

@@ -41,8 +41,10 @@ public:
     /// takes as its estimate. Null when there is none to be made. Answered here: null.
     virtual std::shared_ptr<DRTrack> trackForRootFolder(std::shared_ptr<const DRFolder> folder);
 
-    /// `currentRunLoopCenter`: the notification centre of the calling thread's run loop; the
-    /// same object for every call on that thread. Never null.
+    /// `currentRunLoopCenter`: the notification centre of the run loop that is the calling
+    /// thread's at this moment; within a handler, of the loop that called it. Every call with that
+    /// loop gives the same object, which the service keeps for as long as the loop exists. Never
+    /// null.
     virtual std::shared_ptr<DRNotificationCenter> currentRunLoopCenter() = 0;
 };
 

@@ -182,25 +182,34 @@ TEST_F(DesktopBurning, AFileThatIsGoneSinceItWasAddedFailsTheBurn) {
     EXPECT_THAT(filesInFolder(), IsEmpty());
 }
 
-TEST_F(DesktopBurning, AThreadWithItsOwnLoopHearsOfItsBurnThere) {
+TEST_F(DesktopBurning, AThreadHearsOfEachBurnThroughTheLoopThatItThenHas) {
     const std::string name = addDrive();
     compile({put("five.mp3", "one.mp3")});
     delegate.forget();
-    std::thread::id burning;
-    std::thread([&] {
-        burning = std::this_thread::get_id();
+    const auto burnWithALoopOfItsOwn = [&](std::size_t number) {
         GMainContext* const context = g_main_context_new();
         g_main_context_push_thread_default(context);
         {
-            const QuarnerDevice drive(name);
+            QuarnerDevice drive(name);
             burner->burnWithDevice(drive, std::nullopt);
-            while (delegate.count("burnProgressDidDone") == 0 && delegate.errors().empty())
-                g_main_context_iteration(context, TRUE);
+            const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+            while (delegate.count("burnProgressDidDone") < number &&
+                   std::chrono::steady_clock::now() < end)
+                if (!g_main_context_iteration(context, FALSE))
+                    g_usleep(500);
+            drive.eject();
         }
         g_main_context_pop_thread_default(context);
         g_main_context_unref(context);
+    };
+    std::thread::id burning;
+    std::thread([&] {
+        burning = std::this_thread::get_id();
+        burnWithALoopOfItsOwn(1);
+        EXPECT_TRUE(insertBlankDisc(name));
+        burnWithALoopOfItsOwn(2);
     }).join();
-    EXPECT_EQ(delegate.count("burnProgressDidDone"), 1U);
+    EXPECT_EQ(delegate.count("burnProgressDidDone"), 2U);
     for (const RecordingDelegate::Call& call : delegate.callsWithThreads())
         EXPECT_EQ(call.thread, burning) << call.text;
 }

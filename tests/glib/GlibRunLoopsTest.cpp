@@ -56,12 +56,111 @@ private:
     std::thread _thread;
 };
 
-TEST(GlibRunLoops, AThreadHasOneCentreOfItsOwn) {
+/// A context of this thread's, its default for as long as this lives.
+class DefaultContext {
+public:
+    DefaultContext() { g_main_context_push_thread_default(_context); }
+    ~DefaultContext() {
+        g_main_context_pop_thread_default(_context);
+        g_main_context_unref(_context);
+    }
+    DefaultContext(const DefaultContext&) = delete;
+    DefaultContext& operator=(const DefaultContext&) = delete;
+
+    operator GMainContext*() const { return _context; }
+
+private:
+    GMainContext* const _context = g_main_context_new();
+};
+
+TEST(GlibRunLoops, AContextHasOneCentre) {
     const auto loops = makeGlibRunLoops();
-    const auto mine = loops->currentCenter();
-    EXPECT_EQ(loops->currentCenter(), mine);
-    std::thread([&] { EXPECT_NE(loops->currentCenter(), mine); }).join();
-    EXPECT_NE(makeGlibRunLoops()->currentCenter(), mine);
+    const auto center = loops->currentCenter();
+    EXPECT_EQ(loops->currentCenter(), center);
+    std::thread([&] {
+        EXPECT_EQ(loops->currentCenter(), center) << "without a context of its own";
+        const DefaultContext context;
+        EXPECT_NE(loops->currentCenter(), center);
+    }).join();
+    EXPECT_NE(makeGlibRunLoops()->currentCenter(), center);
+}
+
+TEST(GlibRunLoops, EachContextOfOneThreadDeliversToItsOwnCentre) {
+    const auto loops = makeGlibRunLoops();
+    const auto outer = loops->currentCenter();
+    const DefaultContext context;
+    const auto inner = loops->currentCenter();
+    int received = 0;
+    inner->addObserver(
+        &received, [&](const DRNotification& one) { received = numberIn(one); }, name, nullptr);
+    inner->post(numbered(3));
+    outer->post(numbered(4));
+    EXPECT_EQ(runPendingTurns(), 1);
+    EXPECT_EQ(received, 0);
+    EXPECT_EQ(runPendingTurns(context), 1);
+    EXPECT_EQ(received, 3);
+}
+
+TEST(GlibRunLoops, WithinAHandlerTheCurrentCentreIsTheOneThatDelivers) {
+    const auto loops = makeGlibRunLoops();
+    GMainContext* const context = g_main_context_new();
+    g_main_context_push_thread_default(context);
+    const auto center = loops->currentCenter();
+    g_main_context_pop_thread_default(context);
+    std::shared_ptr<RunLoopCenter> found;
+    center->addObserver(
+        &found, [&](const DRNotification&) { found = loops->currentCenter(); }, name, nullptr);
+    center->post(numbered(1));
+    runPendingTurns(context);
+    EXPECT_EQ(found, center);
+    EXPECT_NE(loops->currentCenter(), center);
+    g_main_context_unref(context);
+}
+
+TEST(GlibRunLoops, ACentreWithObserversIsKeptByItsContext) {
+    const auto loops = makeGlibRunLoops();
+    int received = 0;
+    {
+        const DefaultContext context;
+        const auto handler = [&, alive = std::make_shared<int>(0)](const DRNotification&) {
+            ++received;
+        };
+        loops->currentCenter()->addObserver(&received, handler, name, nullptr);
+        loops->postToAll(numbered(1));
+        runPendingTurns(context);
+    }
+    EXPECT_EQ(received, 1);
+}
+
+TEST(GlibRunLoops, AContextThatEndsTakesItsCentreAndItsObserversAlong) {
+    const auto loops = makeGlibRunLoops();
+    const auto owned = std::make_shared<int>(0);
+    std::weak_ptr<RunLoopCenter> center;
+    {
+        const DefaultContext context;
+        center = loops->currentCenter();
+        loops->currentCenter()->addObserver(
+            &loops, [owned](const DRNotification&) {}, name, nullptr);
+        EXPECT_EQ(owned.use_count(), 2);
+    }
+    EXPECT_TRUE(center.expired());
+    EXPECT_EQ(owned.use_count(), 1);
+}
+
+TEST(GlibRunLoops, AContextMayEndWhileOthersPostToIt) {
+    const auto loops = makeGlibRunLoops();
+    std::atomic<bool> isToEnd = false;
+    std::thread poster([&] {
+        while (!isToEnd)
+            loops->postToAll(numbered(1));
+    });
+    for (int i = 0; i < 200; ++i) {
+        const DefaultContext context;
+        loops->currentCenter();
+        g_main_context_iteration(context, FALSE);
+    }
+    isToEnd = true;
+    poster.join();
 }
 
 TEST(GlibRunLoops, ANotificationIsDeliveredByTheLoopAndNotInline) {
@@ -167,7 +266,7 @@ TEST(GlibRunLoops, PostingToAllReachesEveryCentreOnItsOwnThread) {
     EXPECT_TRUE(runLoopUntil([&] { return received == 3; }));
 }
 
-TEST(GlibRunLoops, AThreadThatEndsLetsGoOfItsCentre) {
+TEST(GlibRunLoops, ACentreMayOutliveItsContext) {
     const auto loops = makeGlibRunLoops();
     std::weak_ptr<RunLoopCenter> center;
     std::shared_ptr<RunLoopCenter> held;
@@ -190,6 +289,7 @@ TEST(GlibRunLoops, ACentreMayBeLetGoOfWhileItDelivers) {
         [&](const DRNotification&) {
             ++received;
             center.reset();
+            loops.reset();
         },
         name, nullptr);
     center->post(numbered(1));
