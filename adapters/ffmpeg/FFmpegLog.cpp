@@ -32,7 +32,9 @@ void receive(void* context, int level, const char* format, std::va_list argument
 
 } // namespace
 
-FFmpegLogScope::FFmpegLogScope(const std::string& path) : _path(path), _outer(currentScope) {
+FFmpegLogScope::FFmpegLogScope(const std::string& path, Reports reports)
+    : _path(path), _outer(currentScope),
+      _isSilent(reports == Reports::Nowhere || (_outer != nullptr && _outer->_isSilent)) {
     static std::once_flag isInstalled;
     std::call_once(isInstalled, [] { av_log_set_callback(receive); });
     currentScope = this;
@@ -41,6 +43,8 @@ FFmpegLogScope::FFmpegLogScope(const std::string& path) : _path(path), _outer(cu
 FFmpegLogScope::~FFmpegLogScope() { currentScope = _outer; }
 
 void FFmpegLogScope::report(const std::string& message) try {
+    if (_isSilent)
+        return;
     const std::string line = message.substr(0, message.find_last_not_of("\r\n") + 1);
     if (line.empty() || line == _last)
         return;

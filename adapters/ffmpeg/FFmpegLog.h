@@ -10,8 +10,13 @@ namespace quarner {
 /// message is not repeated within one scope.
 class FFmpegLogScope {
 public:
+    enum class Reports {
+        ToLog,
+        Nowhere ///< nor from the scopes within this one
+    };
+
     /// The path must outlive the scope.
-    explicit FFmpegLogScope(const std::string& path);
+    explicit FFmpegLogScope(const std::string& path, Reports reports = Reports::ToLog);
     ~FFmpegLogScope();
     FFmpegLogScope(const FFmpegLogScope&) = delete;
     FFmpegLogScope& operator=(const FFmpegLogScope&) = delete;
@@ -22,6 +27,7 @@ public:
 private:
     const std::string& _path;
     FFmpegLogScope* const _outer;
+    const bool _isSilent;
     std::string _last;
 };
 

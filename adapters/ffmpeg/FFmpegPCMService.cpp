@@ -67,7 +67,7 @@ std::optional<PCMLength> FFmpegPCMService::measure(const std::string& path) try 
         return std::nullopt;
     if (const auto known = _lengths.find(path, *stamp))
         return known;
-    const FFmpegLogScope scope(path);
+    const FFmpegLogScope scope(path, FFmpegLogScope::Reports::Nowhere);
     const auto length = measureByPackets(path);
     if (length)
         _lengths.keep(path, *stamp, *length);

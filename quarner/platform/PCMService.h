@@ -44,10 +44,11 @@ public:
     PCMService& operator=(const PCMService&) = delete;
 
     /// The exact length of a file, without decoding it; nothing when it holds no sound that can
-    /// be decoded.
+    /// be decoded. Logs nothing: what a file that is looked at is like is the asker's to tell.
     virtual std::optional<PCMLength> measure(const std::string& path) = 0;
 
-    /// Opens a file for decoding; null when that is not possible.
+    /// Opens a file for decoding; null when that is not possible. What is wrong with the file may
+    /// be logged.
     virtual std::unique_ptr<PCMStream> open(const std::string& path) = 0;
 };
 

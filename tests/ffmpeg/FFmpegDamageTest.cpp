@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <functional>
 
 #include "adapters/ffmpeg/FFmpegServices.h"
 #include "quarner/platform/Platform.h"
@@ -176,19 +179,37 @@ public:
     std::vector<std::string> lines;
 };
 
-TEST_F(FFmpegDamage, WhatIsWrongWithAFileGoesToTheLogUnderItsName) {
+/// What a service's work writes to the platform's log; nothing goes to the standard error stream.
+std::vector<std::string> loggedBy(const std::function<void()>& work) {
     const auto log = std::make_shared<CollectingLog>();
     Platform platform;
     platform.log = log;
     installPlatform(platform);
-    const std::string whole = audioFixture(untaggedMP3Recipe());
-    const std::string path = write(overwritten(contentOf(whole), 0.45, 0.5), "damaged.mp3");
     ::testing::internal::CaptureStderr();
-    EXPECT_TRUE(decoded(*service, path));
+    work();
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
     installPlatform({});
-    ASSERT_FALSE(log->lines.empty());
-    for (const std::string& line : log->lines) {
+    return log->lines;
+}
+
+TEST_F(FFmpegDamage, MeasuringLogsNothing) {
+    const std::string mp3 = contentOf(audioFixture(untaggedMP3Recipe()));
+    const std::string alac = contentOf(audioFixture(alacRecipe()));
+    AudioRecipe bare = aacRecipe();
+    bare.name = "bare.aac"; // which has to be decoded to be measured
+    const std::string aac = contentOf(audioFixture(bare));
+    for (const std::string& path : {write(overwritten(mp3, 0.45, 0.5), "damaged.mp3"),
+                                    write(overwritten(aac, 0.45, 0.5), "damaged.aac"),
+                                    write(alac.substr(0, alac.size() / 2), "cut.m4a")})
+        EXPECT_THAT(loggedBy([&] { service->measure(path); }), ::testing::IsEmpty()) << path;
+}
+
+TEST_F(FFmpegDamage, WhatIsWrongWithAFileThatIsDecodedGoesToTheLogUnderItsName) {
+    const std::string whole = audioFixture(untaggedMP3Recipe());
+    const std::string path = write(overwritten(contentOf(whole), 0.45, 0.5), "damaged.mp3");
+    const std::vector<std::string> lines = loggedBy([&] { EXPECT_TRUE(decoded(*service, path)); });
+    ASSERT_FALSE(lines.empty());
+    for (const std::string& line : lines) {
         EXPECT_EQ(line.find(path), 0U) << line;
         EXPECT_EQ(line.find('\n'), std::string::npos) << line;
     }
