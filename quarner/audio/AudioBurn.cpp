@@ -30,7 +30,7 @@ void AudioCDBurner::burnWithDevice(const QuarnerDevice& device,
     tell(&QuarnDelegate::burnProgressDidStarted);
     // A burn object of an earlier burn is only let go: that burn runs on and still reports.
     _burner = currentPlatform()->recording->burnForDevice(device.device());
-    const Dictionary settings = burnSettings(device);
+    const Dictionary settings = burnSettings(device.availableBurnSpeeds());
     const ContentList::Snapshot items = _content.snapshot();
     fillTextBlock(discNamed, items);
     _burner->setProperties(settings);
@@ -42,10 +42,9 @@ void AudioCDBurner::burnWithDevice(const QuarnerDevice& device,
         writeOrRefuse(std::move(layout), _estimateTotalLength, device);
 }
 
-Dictionary AudioCDBurner::burnSettings(const QuarnerDevice& device) {
+Dictionary AudioCDBurner::burnSettings(const std::optional<Array>& speeds) {
     Dictionary settings = {
         {DRBurnAppendableKey, false}, {DRBurnOverwriteDiscKey, true}, {DRBurnVerifyDiscKey, true}};
-    const std::optional<Array> speeds = device.availableBurnSpeeds();
     if (speeds && !speeds->empty())
         settings[DRBurnRequestedSpeedKey] = speeds->back();
     return settings;

@@ -76,8 +76,9 @@ protected:
 
     // --- The steps of burning that they share ---
 
-    /// The settings of every burn: closed, overwriting, verified, at the drive's last speed.
-    static Dictionary burnSettings(const QuarnerDevice& device);
+    /// The settings of every burn: closed, overwriting, verified, at the last of the drive's
+    /// speeds where there are any.
+    static Dictionary burnSettings(const std::optional<Array>& speeds);
     /// Starts the burn object in `_burner` and observes it, or refuses the burn, with error code
     /// 0, when the estimate in blocks is not below the disc's free bytes.
     void writeOrRefuse(DRLayout layout, std::uint64_t estimatedBlocks, const QuarnerDevice& device);

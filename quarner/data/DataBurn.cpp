@@ -12,7 +12,9 @@ void DataCDBurner::burnWithDevice(const QuarnerDevice& device,
     tell(&QuarnDelegate::burnProgressDidStarted);
     const auto recording = currentPlatform()->recording;
     _burner = recording->burnForDevice(device.device());
-    _burner->setProperties(burnSettings(device));
+    // Asked whether it knows its speeds, and asked again for them: the second answer counts.
+    const bool knowsSpeeds = device.availableBurnSpeeds().has_value();
+    _burner->setProperties(burnSettings(knowsSpeeds ? device.availableBurnSpeeds() : std::nullopt));
     const std::shared_ptr<const DRTrack> track =
         recording->trackForRootFolder(rootFolder(discNamed.value_or("")));
     DRLayout layout;
