@@ -38,7 +38,7 @@ void BurnRun::perform(const ContentMaker& makeContent) {
     if (const std::optional<BurnFailure> failure = attempt(makeContent))
         _report.failed(*failure);
     else
-        _report.state(DRStatusStateDone, BurnProgress{1.0, _speed});
+        _report.state(DRStatusStateDone); // the last phase has told that it is complete
 }
 
 std::optional<BurnFailure> BurnRun::attempt(const ContentMaker& makeContent) {
@@ -154,9 +154,9 @@ std::optional<BurnProgress> BurnRun::progressToReport() {
     const std::optional<double> fraction = _meter->fractionToReport();
     if (!fraction)
         return std::nullopt;
-    _speed = _meter->speed();
-    _target->speedChanged(_speed);
-    return BurnProgress{*fraction, _speed};
+    const double speed = _meter->speed();
+    _target->speedChanged(speed);
+    return BurnProgress{*fraction, speed};
 }
 
 } // namespace quarner

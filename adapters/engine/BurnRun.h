@@ -56,7 +56,6 @@ private:
     std::unique_ptr<SectorWriter> _writer;
     std::optional<Checksums> _checksums;
     std::optional<ProgressMeter> _meter;
-    double _speed = 0.0;
     std::uint32_t _sectorSize = 0;
     std::size_t _track = 0;
     std::size_t _tracks = 0;

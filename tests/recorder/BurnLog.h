@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -43,12 +44,12 @@ public:
                           [&](const Dictionary& record) { return stateOf(record) == state; }));
     }
 
-    /// The fractions of the records of a state, in order.
-    std::vector<double> fractions(const std::string& state) const {
+    /// The fractions of the records of a state, or of all, in order.
+    std::vector<double> fractions(const std::optional<std::string>& state = std::nullopt) const {
         std::vector<double> found;
         for (const Dictionary& record : _records)
             if (const Value& fraction = valueFor(record, DRStatusPercentCompleteKey);
-                stateOf(record) == state && !fraction.isNull())
+                (!state || stateOf(record) == *state) && !fraction.isNull())
                 found.push_back(fraction.asDouble());
         return found;
     }

@@ -26,7 +26,6 @@ TEST_P(RecorderBurn, ABurnTellsOfEveryStepInOrderAndEndsDone) {
     for (const char* step : {"SessionClose", "Finishing", "Verifying", "Done"})
         steps.emplace_back(step);
     EXPECT_EQ(log->states(), steps) << log->info();
-    EXPECT_EQ(valueFor(log->records().back(), DRStatusPercentCompleteKey).asDouble(), 1.0);
 }
 
 TEST_P(RecorderBurn, TheDiscHoldsEverySourceWhole) {
@@ -72,9 +71,10 @@ TEST_P(RecorderBurn, TheFractionRisesToOneInEachPhase) {
         const std::vector<double> fractions = log->fractions(state);
         ASSERT_FALSE(fractions.empty()) << state;
         EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end())) << state;
-        EXPECT_EQ(std::count(fractions.begin(), fractions.end(), 1.0), 1) << state;
         EXPECT_EQ(fractions.back(), 1.0) << state;
     }
+    const std::vector<double> all = log->fractions();
+    EXPECT_EQ(std::count(all.begin(), all.end(), 1.0), 2) << "no other state tells it again";
 }
 
 TEST_P(RecorderBurn, TheSpeedIsTheBlocksOfASecond) {
@@ -84,8 +84,10 @@ TEST_P(RecorderBurn, TheSpeedIsTheBlocksOfASecond) {
     burn->writeLayout(makeLayout({588 * 3000}));
     ASSERT_TRUE(runToEnd(*log));
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
-    const double speed = valueFor(log->records().back(), DRStatusCurrentSpeedKey).asDouble();
-    EXPECT_GE(speed, static_cast<double>(stage->blocksOnDisc()) / took.count())
+    const Dictionary& last = log->records().at(log->records().size() - 2);
+    ASSERT_EQ(BurnLog::stateOf(last), DRStatusStateVerifying);
+    EXPECT_GE(valueFor(last, DRStatusCurrentSpeedKey).asDouble(),
+              static_cast<double>(stage->blocksOnDisc()) / took.count())
         << "a part of the burn is not slower than the whole";
 }
 
