@@ -13,7 +13,8 @@ namespace quarner {
 /// turns it into the Failed record; it never leaves the engine.
 class BurnFailure : public std::exception {
 public:
-    /// `info` is a text for the diagnostic log, naming the file that is to blame.
+    /// `info` is a text for the status record and the diagnostic log, naming the file that is to
+    /// blame.
     BurnFailure(DRError error, std::string info) : _error(error), _info(std::move(info)) {}
 
     DRError error() const { return _error; }

@@ -30,8 +30,8 @@ public:
 private:
     struct Entry {
         std::shared_ptr<StopSignal> stop;
-        std::jthread thread;
         bool isOver = false;
+        std::jthread thread; // the last member: it still writes the flag while it is joined
     };
     using Entries = std::list<Entry>;
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "quarner/platform/DRKeys.h"
+#include "quarner/platform/Platform.h"
 
 namespace quarner {
 namespace {
@@ -40,6 +41,8 @@ void StatusReporter::trackState(const char* state, std::size_t track, std::size_
 }
 
 void StatusReporter::failed(const BurnFailure& failure) const {
+    if (failure.error() != DRError::UserCanceled)
+        currentPlatform()->log->log("burn failed: " + failure.info());
     Dictionary record = recordWith(DRStatusStateFailed, std::nullopt);
     record.emplace(DRErrorStatusKey,
                    Dictionary{{DRErrorStatusErrorKey, static_cast<std::uint32_t>(failure.error())},

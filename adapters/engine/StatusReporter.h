@@ -28,6 +28,7 @@ public:
     /// `track` counts from 1.
     void trackState(const char* state, std::size_t track, std::size_t tracks,
                     std::optional<BurnProgress> progress = std::nullopt) const;
+    /// Also writes what failed to the platform's log, but for a cancellation.
     void failed(const BurnFailure& failure) const;
 
 private:

@@ -57,7 +57,7 @@ inline constexpr char DRStatusTotalTracksKey[] = "DRStatusTotalTracksKey";   ///
 /// Dictionary, in a failed burn's last record; its entry is an error code (see DRErrors.h).
 inline constexpr char DRErrorStatusKey[] = "DRErrorStatusKey";
 inline constexpr char DRErrorStatusErrorKey[] = "DRErrorStatusErrorKey";
-/// Text for the diagnostic log: what failed, and which file is to blame.
+/// Text: what failed, and which file is to blame. The service writes it to the diagnostic log too.
 inline constexpr char DRErrorStatusErrorInfoKey[] = "DRErrorStatusErrorInfoKey";
 
 // The states of a burn, in the order in which they come.

@@ -3,7 +3,9 @@
 
 #include <filesystem>
 #include <fstream>
+#include <mutex>
 
+#include "quarner/platform/Platform.h"
 #include "tests/recorder/RecorderTest.h"
 
 namespace quarner {
@@ -93,7 +95,50 @@ TEST_P(RecorderRefusal, OfASourceThatWasWrittenAnew) {
     EXPECT_THAT(info, HasSubstr(paths[0]));
 }
 
+class CollectingLog : public LogSink {
+public:
+    void log(const std::string& line) override {
+        const std::lock_guard lock(_mutex);
+        _lines.push_back(line);
+    }
+    std::vector<std::string> lines() const {
+        const std::lock_guard lock(_mutex);
+        return _lines;
+    }
+
+private:
+    mutable std::mutex _mutex;
+    std::vector<std::string> _lines;
+};
+
+/// With a platform that keeps its log.
+class RecorderFailureLog : public RecorderRefusal {
+protected:
+    RecorderFailureLog() { installPlatform({.log = kept}); }
+    ~RecorderFailureLog() override { installPlatform({}); }
+
+    const std::shared_ptr<CollectingLog> kept = std::make_shared<CollectingLog>();
+};
+
+TEST_P(RecorderFailureLog, NamesTheFileToBlameOnce) {
+    const DRLayout layout = makeLayout({1000});
+    std::filesystem::remove(paths[0]);
+    codeFor(layout);
+    EXPECT_THAT(info, HasSubstr(paths[0]));
+    EXPECT_THAT(kept->lines(), testing::ElementsAre("burn failed: " + info));
+}
+
+TEST_P(RecorderFailureLog, HasNothingOfACancellation) {
+    const auto burn = makeBurn();
+    const auto log = observe(burn);
+    burn->writeLayout(makeLayout({588 * 4000}));
+    burn->abort();
+    ASSERT_TRUE(runToEnd(*log));
+    EXPECT_THAT(kept->lines(), testing::IsEmpty());
+}
+
 INSTANTIATE_RECORDER_SUITE(RecorderRefusal);
+INSTANTIATE_RECORDER_SUITE(RecorderFailureLog);
 
 class AudioRecorderRefusal : public RecorderRefusal {};
 
