@@ -9,22 +9,28 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class BurnerDelegateTest : public AudioBurnerTest {
+void addDrives(ScriptedPlatform& platform) {
+    platform.addDrive({.name = "Writer", .disc = DiscScript{}});
+    platform.addDrive({.name = "Full", .disc = DiscScript{.blocksFree = 0}});
+}
+
+template <typename Burner>
+class BothDelegate : public BurnerTest<Burner> {
 protected:
     /// One of everything that a burner reports, under whatever delegate it has.
     void tellAWholeStory() {
-        putSongs({"/a.mp3", "/b.mp3", "/c.mp3"});
-        platform.addDrive({.name = "Writer", .disc = DiscScript{}});
-        EXPECT_TRUE(burner->addFiles({"/a.mp3", "/b.mp3", "/c.mp3"}));
-        finishRuns();
-        burner->removeItem(burner->child(0, nullptr));
-        burner->removeItems({burner->child(0, nullptr)});
-        burner->moveBurnItem({0}, 0);
-        burner->burnWithDevice(QuarnerDevice("Writer"), "Disc");
-        platform.lastBurn()->play();
-        finishRuns();
-        burner->burnWithDevice(QuarnerDevice("none"), "Disc");
-        burner->clearAll();
+        this->putSongs({"/a.mp3", "/b.mp3", "/c.mp3"});
+        addDrives(this->platform);
+        EXPECT_TRUE(this->burner->addFiles({"/a.mp3", "/b.mp3", "/c.mp3"}));
+        this->finishRuns();
+        this->burner->removeItem(this->burner->child(0, nullptr));
+        this->burner->removeItems({this->burner->child(0, nullptr)});
+        this->burner->moveBurnItem({0}, 0);
+        this->burner->burnWithDevice(QuarnerDevice("Writer"), "Disc");
+        this->platform.lastBurn()->play();
+        this->finishRuns();
+        this->burner->burnWithDevice(QuarnerDevice("Full"), "Disc");
+        this->burner->clearAll();
     }
 };
 
@@ -36,84 +42,85 @@ public:
     std::atomic<int> ends = 0;
 };
 
-TEST_F(BurnerDelegateTest, ADelegateThatProvidesNothingHindersNothing) {
+TYPED_TEST_SUITE(BothDelegate, Burners, BurnerNames);
+
+TYPED_TEST(BothDelegate, ADelegateThatProvidesNothingHindersNothing) {
     IdleDelegate idle;
-    burner->setDelegate(&idle);
-    tellAWholeStory();
-    EXPECT_TRUE(burner->isContentBlank());
-    EXPECT_TRUE(platform.burns().front()->isOver());
+    this->burner->setDelegate(&idle);
+    this->tellAWholeStory();
+    EXPECT_TRUE(this->burner->isContentBlank());
+    EXPECT_TRUE(this->platform.burns().front()->isOver());
 }
 
-TEST_F(BurnerDelegateTest, WithoutADelegateEverythingStillHappens) {
-    burner->setDelegate(nullptr);
-    tellAWholeStory();
-    EXPECT_TRUE(burner->isContentBlank());
-    EXPECT_TRUE(platform.burns().front()->isOver());
+TYPED_TEST(BothDelegate, WithoutADelegateEverythingStillHappens) {
+    this->burner->setDelegate(nullptr);
+    this->tellAWholeStory();
+    EXPECT_TRUE(this->burner->isContentBlank());
+    EXPECT_TRUE(this->platform.burns().front()->isOver());
 }
 
-TEST_F(BurnerDelegateTest, AfterTheDelegateIsSetToNullNoCallIsMade) {
-    burner->setDelegate(nullptr);
-    EXPECT_EQ(burner->delegate(), nullptr);
-    tellAWholeStory();
-    EXPECT_THAT(delegate.calls(), IsEmpty());
+TYPED_TEST(BothDelegate, AfterTheDelegateIsSetToNullNoCallIsMade) {
+    this->burner->setDelegate(nullptr);
+    EXPECT_EQ(this->burner->delegate(), nullptr);
+    this->tellAWholeStory();
+    EXPECT_THAT(this->delegate.calls(), IsEmpty());
 }
 
-TEST_F(BurnerDelegateTest, ADelegateThatWantsOnlyTheEndHearsItOncePerRunWithAnAcceptedFile) {
+TYPED_TEST(BothDelegate, ADelegateThatWantsOnlyTheEndHearsItOncePerRunWithAnAcceptedFile) {
     EndDelegate end;
-    burner->setDelegate(&end);
-    putSongs({"/a.mp3", "/b.mp3"});
-    burner->addFiles({"/a.mp3"});
-    burner->addFiles({"/b.mp3"});
-    burner->addFiles({"/text.txt"});
-    finishRuns();
+    this->burner->setDelegate(&end);
+    this->putSongs({"/a.mp3", "/b.mp3"});
+    this->burner->addFiles({"/a.mp3"});
+    this->burner->addFiles({"/b.mp3"});
+    this->burner->addFiles({"/text.txt"});
+    this->finishRuns();
     EXPECT_EQ(end.ends, 2);
 }
 
-TEST_F(BurnerDelegateTest, TheEndComesAlsoAfterACancellation) {
+TYPED_TEST(BothDelegate, TheEndComesAlsoAfterACancellation) {
     EndDelegate end;
-    burner->setDelegate(&end);
-    putSongs({"/a.mp3"});
-    platform.backgroundQueue().hold();
-    burner->addFiles({"/a.mp3"});
-    burner->cancelToAddFiles();
-    platform.backgroundQueue().release();
-    finishRuns();
+    this->burner->setDelegate(&end);
+    this->putSongs({"/a.mp3"});
+    this->platform.backgroundQueue().hold();
+    this->burner->addFiles({"/a.mp3"});
+    this->burner->cancelToAddFiles();
+    this->platform.backgroundQueue().release();
+    this->finishRuns();
     EXPECT_EQ(end.ends, 1);
-    EXPECT_EQ(count(), 0U);
+    EXPECT_EQ(this->count(), 0U);
 }
 
-TEST_F(BurnerDelegateTest, ThreeAcceptedFilesAreCountedFromOneToThree) {
-    putSongs({"/a.mp3", "/b.mp3", "/c.mp3"});
-    burner->addFiles({"/a.mp3", "/b.mp3", "/c.mp3"});
-    finishRuns();
-    EXPECT_THAT(delegate.calls(),
+TYPED_TEST(BothDelegate, ThreeAcceptedFilesAreCountedFromOneToThree) {
+    this->putSongs({"/a.mp3", "/b.mp3", "/c.mp3"});
+    this->burner->addFiles({"/a.mp3", "/b.mp3", "/c.mp3"});
+    this->finishRuns();
+    EXPECT_THAT(this->delegate.calls(),
                 ElementsAre("addFilesProgressDidStarted", "addFilesProgressDidChanged(a.mp3, 1, 3)",
                             "fileDidAdded(/a.mp3)", "addFilesProgressDidChanged(b.mp3, 2, 3)",
                             "fileDidAdded(/b.mp3)", "addFilesProgressDidChanged(c.mp3, 3, 3)",
                             "fileDidAdded(/c.mp3)", "addFilesProgressDidEnd"));
 }
 
-TEST_F(BurnerDelegateTest, TheAudioReportHasBothKeys) {
-    putSongs({"/a.mp3"});
-    burner->addFiles({"/a.mp3"});
-    finishRuns();
-    ASSERT_EQ(delegate.reports().size(), 1U);
-    EXPECT_EQ(delegate.reports().front(),
-              (EndReport{{"protected-files", {}}, {"incompatible-files", {}}}));
+TYPED_TEST(BothDelegate, TheReportHasTheKeysOfItsBurner) {
+    this->putSongs({"/a.mp3"});
+    this->burner->addFiles({"/a.mp3"});
+    this->finishRuns();
+    ASSERT_EQ(this->delegate.reports().size(), 1U);
+    EXPECT_EQ(this->delegate.reports().front(), this->reportOf({}));
 }
 
-TEST_F(BurnerDelegateTest, AddingIsReportedInTheBackgroundAndEverythingElseOnTheCallersThread) {
-    tellAWholeStory();
-    for (const auto& call : delegate.callsWithThreads()) {
+TYPED_TEST(BothDelegate, AddingIsReportedInTheBackgroundAndEverythingElseOnTheCallersThread) {
+    this->tellAWholeStory();
+    for (const auto& call : this->delegate.callsWithThreads()) {
         const bool isOfAdding =
             call.text.rfind("addFiles", 0) == 0 || call.text.rfind("file", 0) == 0;
         EXPECT_EQ(call.thread == std::this_thread::get_id(), !isOfAdding) << call.text;
     }
 }
 
-TEST_F(BurnerDelegateTest, TheWholeStoryComesInOrder) {
-    tellAWholeStory();
-    const std::vector<std::string> calls = delegate.calls();
+TYPED_TEST(BothDelegate, TheWholeStoryComesInOrder) {
+    this->tellAWholeStory();
+    const std::vector<std::string> calls = this->delegate.calls();
     EXPECT_EQ(calls.front(), "addFilesProgressDidStarted");
     const auto place = [&](const char* text) {
         EXPECT_EQ(std::count(calls.begin(), calls.end(), text), 1) << text;

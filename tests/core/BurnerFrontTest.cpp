@@ -10,17 +10,18 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class BurnerFrontTest : public AudioBurnerTest {
+template <typename Burner>
+class BothFront : public BurnerTest<Burner> {
 protected:
     /// The play time as a background thread reads it while this one turns the main loop.
     std::int64_t durationOf(const std::string& path) {
         std::atomic<bool> isRead = false;
         std::int64_t seconds = -1;
         std::thread reader([&] {
-            seconds = burner->getMovieDuration(path);
+            seconds = this->burner->getMovieDuration(path);
             isRead = true;
         });
-        const bool hasCome = platform.runUntil([&] { return isRead.load(); });
+        const bool hasCome = this->platform.runUntil([&] { return isRead.load(); });
         reader.join();
         EXPECT_TRUE(hasCome);
         return seconds;
@@ -29,17 +30,23 @@ protected:
 
 class IdleDelegate : public QuarnDelegate {};
 
-TEST(BurnerFront, TheFactoryMakesANewAudioBurnerEachTime) {
-    const std::shared_ptr<Quarner> burner = Quarner::audioCDBurner();
-    EXPECT_NE(std::dynamic_pointer_cast<AudioCDBurner>(burner), nullptr);
-    EXPECT_NE(burner, Quarner::audioCDBurner());
+TYPED_TEST_SUITE(BothFront, Burners, BurnerNames);
+
+TEST(BurnerFront, TheFactoriesMakeANewBurnerEachTime) {
+    const std::shared_ptr<Quarner> audio = Quarner::audioCDBurner();
+    EXPECT_NE(std::dynamic_pointer_cast<AudioCDBurner>(audio), nullptr);
+    EXPECT_EQ(std::dynamic_pointer_cast<DataCDBurner>(audio), nullptr);
+    EXPECT_NE(audio, Quarner::audioCDBurner());
+    const std::shared_ptr<Quarner> data = Quarner::dataCDBurner();
+    EXPECT_NE(std::dynamic_pointer_cast<DataCDBurner>(data), nullptr);
+    EXPECT_NE(data, Quarner::dataCDBurner());
 }
 
-TEST(BurnerFront, ANewBurnerIsEmptyAndWithoutADelegateAndABurn) {
-    const OpenAudioCDBurner burner;
-    EXPECT_TRUE(burner._content.snapshot().empty());
-    EXPECT_EQ(burner.delegate(), nullptr);
-    EXPECT_EQ(burner._burner, nullptr);
+TYPED_TEST(BothFront, ANewBurnerIsEmptyAndWithoutADelegateAndABurn) {
+    const TypeParam fresh;
+    EXPECT_TRUE(fresh._content.snapshot().empty());
+    EXPECT_EQ(fresh.delegate(), nullptr);
+    EXPECT_EQ(fresh._burner, nullptr);
 }
 
 TEST(BurnerFront, TheBaseIgnoresWhatItCannotDo) {
@@ -58,127 +65,128 @@ TEST(BurnerFront, TheBaseIgnoresWhatItCannotDo) {
     EXPECT_THAT(delegate.calls(), IsEmpty());
 }
 
-TEST_F(BurnerFrontTest, AddFileGivesTheSameCallbacksAndResultAsAddFilesWithThatPath) {
-    putSongs({"/one.mp3"});
-    EXPECT_TRUE(burner->addFiles({"/one.mp3"}));
-    finishRuns();
-    const std::vector<std::string> calls = delegate.calls();
-    burner->clearAll();
-    delegate.forget();
-    Quarner& front = *burner;
+TYPED_TEST(BothFront, AddFileGivesTheSameCallbacksAndResultAsAddFilesWithThatPath) {
+    this->putSongs({"/one.mp3"});
+    EXPECT_TRUE(this->burner->addFiles({"/one.mp3"}));
+    this->finishRuns();
+    const std::vector<std::string> calls = this->delegate.calls();
+    this->burner->clearAll();
+    this->delegate.forget();
+    Quarner& front = *this->burner;
     EXPECT_TRUE(front.addFile("/one.mp3"));
-    finishRuns();
-    EXPECT_EQ(delegate.calls(), calls);
-    EXPECT_EQ(count(), 1U);
-    EXPECT_FALSE(front.addFile("/gone.mp3"));
+    this->finishRuns();
+    EXPECT_EQ(this->delegate.calls(), calls);
+    EXPECT_EQ(this->count(), 1U);
+    EXPECT_FALSE(front.addFile("/gone.txt"));
 }
 
-TEST_F(BurnerFrontTest, ClearAllEmptiesTheListAndReportsItAtOnce) {
-    putSongs({"/one.mp3"});
-    compile({"/one.mp3"});
-    ASSERT_EQ(count(), 1U);
-    burner->clearAll();
-    EXPECT_EQ(count(), 0U);
-    EXPECT_THAT(delegate.calls(), ElementsAre("allFilesDidCleared"));
+TYPED_TEST(BothFront, ClearAllEmptiesTheListAndReportsItAtOnce) {
+    this->putSongs({"/one.mp3"});
+    this->compile({"/one.mp3"});
+    ASSERT_EQ(this->count(), 1U);
+    this->burner->clearAll();
+    EXPECT_EQ(this->count(), 0U);
+    EXPECT_THAT(this->delegate.calls(), ElementsAre("allFilesDidCleared"));
 }
 
-TEST_F(BurnerFrontTest, ClearAllOnAnEmptyBurnerStillReports) {
-    burner->clearAll();
-    EXPECT_THAT(delegate.calls(), ElementsAre("allFilesDidCleared"));
+TYPED_TEST(BothFront, ClearAllOnAnEmptyBurnerStillReports) {
+    this->burner->clearAll();
+    EXPECT_THAT(this->delegate.calls(), ElementsAre("allFilesDidCleared"));
 }
 
-TEST_F(BurnerFrontTest, ClearAllEmptiesTheListForADelegateThatDoesNotListen) {
-    putSongs({"/one.mp3"});
-    compile({"/one.mp3"});
+TYPED_TEST(BothFront, ClearAllEmptiesTheListForADelegateThatDoesNotListen) {
+    this->putSongs({"/one.mp3"});
+    this->compile({"/one.mp3"});
     IdleDelegate idle;
-    burner->setDelegate(&idle);
-    burner->clearAll();
-    EXPECT_EQ(count(), 0U);
-    EXPECT_THAT(delegate.calls(), IsEmpty());
+    this->burner->setDelegate(&idle);
+    this->burner->clearAll();
+    EXPECT_EQ(this->count(), 0U);
+    EXPECT_THAT(this->delegate.calls(), IsEmpty());
 }
 
-TEST_F(BurnerFrontTest, ClearAllLeavesTheEstimateAndTheCachesAlone) {
-    burner->supportedFileTypes();
-    burner->_estimateTotalLength = 7;
-    burner->clearAll();
-    EXPECT_EQ(burner->_estimateTotalLength, 7U);
-    EXPECT_NE(burner->_supportedFiles, nullptr);
+TYPED_TEST(BothFront, ClearAllLeavesTheEstimateAndTheCachesAlone) {
+    this->burner->supportedFileTypes();
+    this->burner->_estimateTotalLength = 7;
+    this->burner->clearAll();
+    EXPECT_EQ(this->burner->_estimateTotalLength, 7U);
+    const bool keepsTypes = this->burner->_supportedFiles != nullptr;
+    EXPECT_EQ(keepsTypes, this->isAudio);
 }
 
-TEST_F(BurnerFrontTest, AnItemThatIsStillHeldOutlivesClearAll) {
-    putSongs({"/one.mp3"});
-    compile({"/one.mp3"});
-    const BurnItemRef item = burner->child(0, nullptr);
-    burner->clearAll();
+TYPED_TEST(BothFront, AnItemThatIsStillHeldOutlivesClearAll) {
+    this->putSongs({"/one.mp3"});
+    this->compile({"/one.mp3"});
+    const BurnItemRef item = this->burner->child(0, nullptr);
+    this->burner->clearAll();
     EXPECT_EQ(valueFor(*item->properties(), kQuarnItemFilePathKey), Value("/one.mp3"));
 }
 
-TEST_F(BurnerFrontTest, ThePlayTimeOfAFileThatIsMissingOrNoMediaIsZero) {
-    platform.putFile("/notes.mp3");
-    EXPECT_EQ(durationOf("/notes.mp3"), 0);
-    EXPECT_EQ(durationOf("/missing.mp3"), 0);
-    platform.putMedia("/closed.mp3", {.seconds = 9, .isPlayable = false});
-    EXPECT_EQ(durationOf("/closed.mp3"), 0);
+TYPED_TEST(BothFront, ThePlayTimeOfAFileThatIsMissingOrNoMediaIsZero) {
+    this->platform.putFile("/notes.mp3");
+    EXPECT_EQ(this->durationOf("/notes.mp3"), 0);
+    EXPECT_EQ(this->durationOf("/missing.mp3"), 0);
+    this->platform.putMedia("/closed.mp3", {.seconds = 9, .isPlayable = false});
+    EXPECT_EQ(this->durationOf("/closed.mp3"), 0);
 }
 
-TEST_F(BurnerFrontTest, ThePlayTimeIsTruncatedToWholeSeconds) {
-    platform.putMedia("/59.99.mp3", {.seconds = 59.99});
-    platform.putMedia("/60.mp3", {.seconds = 60.0});
-    platform.putMedia("/3.9.mp3", {.time = QTTime{.value = 39, .scale = 10}});
-    EXPECT_EQ(durationOf("/59.99.mp3"), 59);
-    EXPECT_EQ(durationOf("/60.mp3"), 60);
-    EXPECT_EQ(durationOf("/3.9.mp3"), 3);
+TYPED_TEST(BothFront, ThePlayTimeIsTruncatedToWholeSeconds) {
+    this->platform.putMedia("/59.99.mp3", {.seconds = 59.99});
+    this->platform.putMedia("/60.mp3", {.seconds = 60.0});
+    this->platform.putMedia("/3.9.mp3", {.time = QTTime{.value = 39, .scale = 10}});
+    EXPECT_EQ(this->durationOf("/59.99.mp3"), 59);
+    EXPECT_EQ(this->durationOf("/60.mp3"), 60);
+    EXPECT_EQ(this->durationOf("/3.9.mp3"), 3);
 }
 
-TEST_F(BurnerFrontTest, ANegativePlayTimeIsTruncatedTowardZero) {
-    platform.putMedia("/odd.mp3", {.time = QTTime{.value = -39, .scale = 10}});
-    EXPECT_EQ(durationOf("/odd.mp3"), -3);
+TYPED_TEST(BothFront, ANegativePlayTimeIsTruncatedTowardZero) {
+    this->platform.putMedia("/odd.mp3", {.time = QTTime{.value = -39, .scale = 10}});
+    EXPECT_EQ(this->durationOf("/odd.mp3"), -3);
 }
 
-TEST_F(BurnerFrontTest, APlayTimeWithoutAScaleIsZero) {
-    platform.putMedia("/odd.mp3", {.time = QTTime{.value = 1000, .scale = 0}});
-    EXPECT_EQ(durationOf("/odd.mp3"), 0);
+TYPED_TEST(BothFront, APlayTimeWithoutAScaleIsZero) {
+    this->platform.putMedia("/odd.mp3", {.time = QTTime{.value = 1000, .scale = 0}});
+    EXPECT_EQ(this->durationOf("/odd.mp3"), 0);
 }
 
-TEST_F(BurnerFrontTest, ThePlayTimeSurvivesTheOneDivisionThatOverflows) {
+TYPED_TEST(BothFront, ThePlayTimeSurvivesTheOneDivisionThatOverflows) {
     constexpr std::int64_t least = std::numeric_limits<std::int64_t>::min();
-    platform.putMedia("/odd.mp3", {.time = QTTime{.value = least, .scale = -1}});
-    EXPECT_EQ(durationOf("/odd.mp3"), least);
-    platform.putMedia("/odder.mp3", {.time = QTTime{.value = 5, .scale = -1}});
-    EXPECT_EQ(durationOf("/odder.mp3"), -5);
+    this->platform.putMedia("/odd.mp3", {.time = QTTime{.value = least, .scale = -1}});
+    EXPECT_EQ(this->durationOf("/odd.mp3"), least);
+    this->platform.putMedia("/odder.mp3", {.time = QTTime{.value = 5, .scale = -1}});
+    EXPECT_EQ(this->durationOf("/odder.mp3"), -5);
 }
 
-TEST_F(BurnerFrontTest, TheFileIsOpenedOnTheMainThread) {
-    platform.putMedia("/one.mp3", {.seconds = 5});
+TYPED_TEST(BothFront, TheFileIsOpenedOnTheMainThread) {
+    this->platform.putMedia("/one.mp3", {.seconds = 5});
     std::thread::id opener;
-    platform.onCall(ServiceCall::MovieWithFile,
-                    [&](const std::string&) { opener = std::this_thread::get_id(); });
-    EXPECT_EQ(durationOf("/one.mp3"), 5);
+    this->platform.onCall(ServiceCall::MovieWithFile,
+                          [&](const std::string&) { opener = std::this_thread::get_id(); });
+    EXPECT_EQ(this->durationOf("/one.mp3"), 5);
     EXPECT_EQ(opener, std::this_thread::get_id());
 }
 
-TEST_F(BurnerFrontTest, ReadingAPlayTimeReportsAndLogsNothing) {
-    durationOf("/missing.mp3");
-    EXPECT_THAT(delegate.calls(), IsEmpty());
-    EXPECT_THAT(platform.log(), IsEmpty());
+TYPED_TEST(BothFront, ReadingAPlayTimeReportsAndLogsNothing) {
+    this->durationOf("/missing.mp3");
+    EXPECT_THAT(this->delegate.calls(), IsEmpty());
+    EXPECT_THAT(this->platform.log(), IsEmpty());
 }
 
-TEST_F(BurnerFrontTest, StopBurnBeforeAnyBurnDoesNothing) {
-    burner->stopBurn();
-    EXPECT_THAT(delegate.calls(), IsEmpty());
-    EXPECT_THAT(platform.burns(), IsEmpty());
+TYPED_TEST(BothFront, StopBurnBeforeAnyBurnDoesNothing) {
+    this->burner->stopBurn();
+    EXPECT_THAT(this->delegate.calls(), IsEmpty());
+    EXPECT_THAT(this->platform.burns(), IsEmpty());
 }
 
-TEST_F(BurnerFrontTest, CancelWhileNothingIsAddedHasNoEffectOnTheNextRun) {
-    putSongs({"/one.mp3"});
-    burner->cancelToAddFiles();
-    EXPECT_TRUE(burner->addFiles({"/one.mp3"}));
-    finishRuns();
-    EXPECT_EQ(count(), 1U);
-    EXPECT_EQ(delegate.count("addFilesProgressDidCanceled"), 0U);
+TYPED_TEST(BothFront, CancelWhileNothingIsAddedHasNoEffectOnTheNextRun) {
+    this->putSongs({"/one.mp3"});
+    this->burner->cancelToAddFiles();
+    EXPECT_TRUE(this->burner->addFiles({"/one.mp3"}));
+    this->finishRuns();
+    EXPECT_EQ(this->count(), 1U);
+    EXPECT_EQ(this->delegate.count("addFilesProgressDidCanceled"), 0U);
 }
 
-TEST_F(BurnerFrontTest, TheKeysHaveTheirNames) {
+TEST(BurnerFront, TheKeysHaveTheirNames) {
     EXPECT_STREQ(kQuarnItemFileSizeKey, "itemFileSize");
     EXPECT_STREQ(kQuarnItemRealFileSizeKey, "itemRealFileSize");
     EXPECT_STREQ(kQuarnItemDisplayNameKey, "itemName");

@@ -66,6 +66,16 @@ TEST_F(DataBurn, TheSettingsHaveTheDrivesLastSpeed) {
                                                              {DRBurnRequestedSpeedKey, 3900}}));
 }
 
+TEST_F(DataBurn, TheSpeedIsTheLastOfASecondAnswer) {
+    int answers = 0;
+    platform.onCall(ServiceCall::DriveStatus, [&](const std::string&) {
+        if (++answers == 2)
+            drive->change([](DriveScript& script) { script.disc->speeds = Array{75, 150}; });
+    });
+    burn();
+    EXPECT_EQ(valueFor(platform.lastBurn()->properties(), DRBurnRequestedSpeedKey), Value(150));
+}
+
 TEST_F(DataBurn, WithoutAListOfSpeedsTheSettingsHaveNone) {
     drive->change([](DriveScript& script) { script.disc->speeds.reset(); });
     burn();
@@ -88,6 +98,13 @@ TEST_F(DataBurn, TheRootFolderHoldsTheItemsInTheirOrderAndIsJolietOnly) {
 TEST_F(DataBurn, TheLayoutIsOneDataTrack) {
     burn();
     EXPECT_EQ(platform.lastBurn()->layout().size(), 1U);
+}
+
+TEST_F(DataBurn, NoTitleIsPutIntoTheTextBlock) {
+    burn("Mix");
+    ASSERT_TRUE(platform.lastBurn()->isStarted());
+    for (const std::int64_t track : {0, 1, 2, 3})
+        EXPECT_TRUE(burner->_textBlock->object(DRCDTextTitleKey, track).isNull()) << track;
 }
 
 TEST_F(DataBurn, AnEmptyCompilationIsBurntLikeAnyOther) {

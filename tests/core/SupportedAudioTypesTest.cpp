@@ -52,7 +52,12 @@ TEST_F(SupportedAudioTypesTest, WithoutAListOfThePlatformTheCacheIsEmpty) {
 }
 
 TEST_F(SupportedAudioTypesTest, ABurnerThatWasNeverAskedHasNoCacheToRelease) {
+    burner->clearAll();
+    burner->usedCapacity();
+    EXPECT_EQ(burner->_supportedFiles, nullptr);
+    const std::weak_ptr<Quarner> watch = burner;
     burner.reset();
+    EXPECT_TRUE(watch.expired());
     EXPECT_EQ(platform.calls(ServiceCall::MovieFileTypes), 0U);
 }
 

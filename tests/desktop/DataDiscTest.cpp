@@ -2,6 +2,9 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <optional>
+#include <string_view>
+#include <utility>
 
 #include "tests/desktop/DesktopFixture.h"
 #include "tests/support/Program.h"
@@ -34,6 +37,16 @@ protected:
         });
         states.erase(std::unique(states.begin(), states.end()), states.end());
         return states;
+    }
+    /// The name of the volume in the Joliet descriptor, without its padding; of ASCII characters.
+    std::string volumeName() const {
+        constexpr std::size_t descriptor = 17 * 2048;
+        constexpr std::size_t place = 40;
+        const std::string field = contentOf(image()).substr(descriptor + place, 32);
+        std::string name;
+        for (std::size_t i = 1; i < field.size(); i += 2)
+            name += field[i];
+        return name.substr(0, name.find_last_not_of(std::string_view(" \0", 2)) + 1);
     }
     std::string extracted(const std::string& name) const {
         return run({"isoinfo", "-J", "-i", image(), "-x", '/' + name}).output;
@@ -73,6 +86,33 @@ TEST_F(DesktopDataDisc, AHostAddsFilesAndBurnsThemByteForByte) {
     EXPECT_EQ(run({"bsdtar", "-xf", image(), "-C", out.path().string()}).status, 0);
     EXPECT_TRUE(contentOf(out.file("one.mp3")) == contentOf(one));
     EXPECT_TRUE(contentOf(out.file("Größe 二.m4a")) == contentOf(two));
+}
+
+TEST_F(DesktopDataDisc, AFolderNamedLikeASongIsRefusedAndReported) {
+    const std::string album = folder.file("album.mp3");
+    std::filesystem::create_directory(album);
+    compile({album, put("five.mp3", "one.mp3")});
+    EXPECT_THAT(paths(), ElementsAre(folder.file("one.mp3")));
+    EXPECT_EQ(delegate.reports().back(), (EndReport{{"incompatible-files", {album}}}));
+}
+
+TEST_F(DesktopDataDisc, AnyTitleIsBurntAlsoOnADiscOfNoFiles) {
+    const std::vector<std::pair<std::optional<std::string>, std::string>> titles = {
+        {std::nullopt, ""},
+        {"", ""},
+        {"Mix", "Mix"},
+        {std::string(300, 'x'), std::string(16, 'x')}};
+    const std::string name = addDrive();
+    for (const auto& [title, onDisc] : titles) {
+        QuarnerDevice drive(name);
+        delegate.forget();
+        burner->burnWithDevice(drive, title);
+        ASSERT_TRUE(runUntilCalled("burnProgressDidDone")) << onDisc;
+        EXPECT_EQ(run({"isoinfo", "-J", "-f", "-i", image()}).output, "");
+        EXPECT_EQ(volumeName(), onDisc);
+        drive.eject();
+        EXPECT_TRUE(insertBlankDisc(name));
+    }
 }
 
 TEST_F(DesktopDataDisc, TheBurnFollowsAnEditedList) {

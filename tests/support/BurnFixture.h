@@ -5,40 +5,47 @@
 
 namespace quarner::testing {
 
-/// An audio burner and a drive with a blank disc. Burns stay silent until the test lets them speak.
-class BurnTest : public AudioBurnerTest {
+inline std::shared_ptr<ScriptedDrive> addWriter(ScriptedPlatform& platform) {
+    return platform.addDrive({.name = "Writer", .disc = DiscScript{}});
+}
+
+/// A burner and a drive with a blank disc. Burns stay silent until the test lets them speak.
+template <typename Burner>
+class BothBurnTest : public BurnerTest<Burner> {
 protected:
-    /// Appends a track of so many blocks, named "Track 1" and so on.
+    /// Appends an item, named "Track 1" and so on; a track has so many blocks.
     void append(std::uint64_t blocks) {
-        auto track = trackOf(300, 150);
-        track->setEstimateLength(blocks);
-        const std::string name = "Track " + std::to_string(count() + 1);
-        track->setProperties({{kQuarnItemDisplayNameKey, name}});
-        burner->_content.append(track);
+        const auto item = this->makeItem("Track " + std::to_string(this->count() + 1));
+        if (const auto track = std::dynamic_pointer_cast<DRTrack>(item)) {
+            track->setLength(DRMSF::msfWithFrames(300));
+            track->setEstimateLength(blocks);
+        }
+        this->burner->_content.append(item);
     }
 
     /// Starts a burn and gives its burn object; the delegate has forgotten the start.
     std::shared_ptr<ScriptedBurn> start(std::uint64_t blocks = 1000) {
         append(blocks);
-        burner->burnWithDevice(QuarnerDevice("Writer"), "Disc");
-        delegate.forget();
-        return platform.lastBurn();
+        this->burner->burnWithDevice(QuarnerDevice("Writer"), "Disc");
+        this->delegate.forget();
+        return this->platform.lastBurn();
     }
 
     /// Lets a burn speak and delivers what it says.
     void say(const std::shared_ptr<ScriptedBurn>& burn, const BurnRecord& record) {
         burn->post(record);
-        finishRuns();
+        this->finishRuns();
     }
 
     /// Starts a burn and gives what the delegate hears of one record.
     std::vector<std::string> heardOf(const BurnRecord& record, std::uint64_t blocks = 1000) {
         say(start(blocks), record);
-        return delegate.calls();
+        return this->delegate.calls();
     }
 
-    std::shared_ptr<ScriptedDrive> drive =
-        platform.addDrive({.name = "Writer", .disc = DiscScript{}});
+    std::shared_ptr<ScriptedDrive> drive = addWriter(this->platform);
 };
+
+using BurnTest = BothBurnTest<OpenAudioCDBurner>;
 
 } // namespace quarner::testing

@@ -34,6 +34,8 @@ public:
     using DataCDBurner::_burner;
     using DataCDBurner::_content;
     using DataCDBurner::_estimateTotalLength;
+    using DataCDBurner::_supportedFiles;
+    using DataCDBurner::_textBlock;
 };
 
 /// A burner with a recording delegate on a scripted platform. This thread is the main one.
