@@ -49,6 +49,7 @@ using Options = std::unique_ptr<burn::burn_write_opts, OptionsRelease>;
 /// The part of the pipe that is one track.
 struct Feed {
     SectorPipe& pipe;
+    WritingThread& thread;
     const off_t size;
     off_t left;
 };
@@ -61,6 +62,7 @@ Feed& feedOf(burn::burn_source* source) { return *static_cast<Feed*>(source->dat
 
 int readFeed(burn::burn_source* source, unsigned char* buffer, int size) {
     Feed& feed = feedOf(source);
+    feed.thread.touch();
     const std::size_t wanted = std::size_t(std::min<off_t>(size, feed.left));
     feed.left -= off_t(wanted);
     const std::size_t count = feed.pipe.take({reinterpret_cast<std::byte*>(buffer), wanted});
@@ -69,6 +71,7 @@ int readFeed(burn::burn_source* source, unsigned char* buffer, int size) {
 
 off_t sizeOfFeed(burn::burn_source* source) {
     const off_t size = feedOf(source).size;
+    feedOf(source).thread.touch();
     feedOf(source).pipe.take({});
     return size;
 }
@@ -84,8 +87,8 @@ Pointer made(Pointer pointer) {
     return pointer;
 }
 
-Source makeSource(SectorPipe& pipe, off_t size) {
-    auto feed = std::make_unique<Feed>(Feed{pipe, size, size});
+Source makeSource(SectorPipe& pipe, WritingThread& thread, off_t size) {
+    auto feed = std::make_unique<Feed>(Feed{pipe, thread, size, size});
     // The library frees it with the C library's function.
     auto* const source =
         made(static_cast<burn::burn_source*>(std::calloc(1, sizeof(burn::burn_source))));
@@ -100,14 +103,14 @@ Source makeSource(SectorPipe& pipe, off_t size) {
     return Source(source);
 }
 
-Track makeTrack(const DiscPlan& plan, std::size_t index, SectorPipe& pipe) {
+Track makeTrack(const DiscPlan& plan, std::size_t index, SectorPipe& pipe, WritingThread& thread) {
     const TrackPlan& planned = plan.tracks[index];
     Track track = made(Track(burn::burn_track_create()));
     const int mode = plan.sectorSize == audioSectorSize ? BURN_AUDIO : BURN_MODE1;
     // The library announces the shortest track that a CD can have, and does not fill it by itself.
     const std::uint32_t tail = std::max(planned.length, DRTrack::minimumSectors) - planned.length;
     burn::burn_track_define_data(track.get(), 0, int(tail * plan.sectorSize), 1, mode);
-    const Source source = makeSource(pipe, off_t(planned.length) * plan.sectorSize);
+    const Source source = makeSource(pipe, thread, off_t(planned.length) * plan.sectorSize);
     if (burn::burn_track_set_source(track.get(), source.get()) != burn::BURN_SOURCE_OK)
         throw BurnFailure(DRError::Internal, "libburn takes no track from here");
     const std::uint32_t gap = planned.preGap + (index == 0 ? leadingGapSectors : 0);
@@ -115,13 +118,13 @@ Track makeTrack(const DiscPlan& plan, std::size_t index, SectorPipe& pipe) {
     return track;
 }
 
-Disc makeDisc(const DiscPlan& plan, SectorPipe& pipe) {
+Disc makeDisc(const DiscPlan& plan, SectorPipe& pipe, WritingThread& thread) {
     Disc disc = made(Disc(burn::burn_disc_create()));
     const SessionPart session = made(SessionPart(burn::burn_session_create()));
     if (burn::burn_disc_add_session(disc.get(), session.get(), BURN_POS_END) == 0)
         throw std::bad_alloc();
     for (std::size_t i = 0; i < plan.tracks.size(); ++i) {
-        const Track track = makeTrack(plan, i, pipe);
+        const Track track = makeTrack(plan, i, pipe, thread);
         if (burn::burn_session_add_track(session.get(), track.get(), BURN_POS_END) == 0)
             throw std::bad_alloc();
     }
@@ -145,8 +148,8 @@ bool isIdle(burn::burn_drive* drive) {
 class BurnJob::Session {
 public:
     Session(burn::burn_drive* drive, const DiscPlan& plan, const BurnSettings& settings,
-            SectorPipe& pipe)
-        : _disc(makeDisc(plan, pipe)), _options(makeOptions(drive, settings)) {
+            SectorPipe& pipe, WritingThread& thread)
+        : _disc(makeDisc(plan, pipe, thread)), _options(makeOptions(drive, settings)) {
         std::array<char, BURN_REASONS_LEN> reasons = {};
         if (burn::burn_precheck_write(_options.get(), _disc.get(), reasons.data(), 0) != 1)
             throw BurnFailure(DRError::MediaNotWritable,
@@ -163,7 +166,7 @@ private:
 BurnJob::BurnJob(const GrabbedDrive& drive, const DiscPlan& plan, const BurnSettings& settings,
                  SectorPipe& pipe)
     : _drive(drive.handle()), _pipe(pipe),
-      _session(std::make_unique<Session>(_drive, plan, settings, pipe)) {}
+      _session(std::make_unique<Session>(_drive, plan, settings, pipe, _thread)) {}
 
 BurnJob::~BurnJob() {
     // Again and again, because a job that is just being started forgets it. Before the pipe ends,
@@ -179,7 +182,7 @@ BurnJob::~BurnJob() {
 
 void BurnJob::start() { _session->start(); }
 
-bool BurnJob::isRunning() const { return !isIdle(_drive); }
+bool BurnJob::isRunning() const { return !isIdle(_drive) || _thread.isRunning(); }
 
 bool BurnJob::wroteWell() const { return burn::burn_drive_wrote_well(_drive) == 1; }
 

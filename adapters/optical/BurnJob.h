@@ -7,6 +7,7 @@
 #include "adapters/engine/DiscPlan.h"
 #include "adapters/optical/GrabbedDrive.h"
 #include "adapters/optical/SectorPipe.h"
+#include "adapters/optical/WritingThread.h"
 
 namespace quarner {
 
@@ -34,6 +35,7 @@ private:
 
     burn::burn_drive* const _drive;
     SectorPipe& _pipe;
+    WritingThread _thread;
     std::unique_ptr<Session> _session;
 };
 

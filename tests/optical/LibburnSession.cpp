@@ -10,12 +10,12 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <condition_variable>
 #include <cstdlib>
 #include <cstring>
-#include <mutex>
 #include <span>
 #include <thread>
+
+#include "adapters/optical/WritingThread.h"
 
 namespace quarner {
 namespace {
@@ -38,40 +38,6 @@ struct FreeOptions {
     void operator()(burn_write_opts* options) const { burn_write_opts_free(options); }
 };
 
-/// The thread on which libburn writes. That a drive is idle is no sign of its end: a drive that is
-/// lost counts as idle at once, while the thread still works on it.
-class WritingThread {
-public:
-    /// Called on that thread.
-    void enter() {
-        thread_local std::unique_ptr<Exit> exit;
-        if (exit)
-            return;
-        exit = std::make_unique<Exit>(*this);
-        const std::lock_guard lock(_mutex);
-        _isRunning = true;
-    }
-    void waitForEnd() {
-        std::unique_lock lock(_mutex);
-        _ended.wait(lock, [&] { return !_isRunning; });
-    }
-
-private:
-    struct Exit {
-        explicit Exit(WritingThread& of) : thread(of) {}
-        ~Exit() {
-            const std::lock_guard lock(thread._mutex);
-            thread._isRunning = false;
-            thread._ended.notify_all();
-        }
-        WritingThread& thread;
-    };
-
-    std::mutex _mutex;
-    std::condition_variable _ended;
-    bool _isRunning = false;
-};
-
 /// What is still to be read of a track.
 struct Rest {
     std::span<const std::byte> bytes;
@@ -81,13 +47,16 @@ Rest& restOf(burn_source* source) { return *static_cast<Rest*>(source->data); }
 
 int readRest(burn_source* source, unsigned char* buffer, int size) {
     Rest& rest = restOf(source);
-    rest.reader.enter();
+    rest.reader.touch();
     const std::size_t count = std::min(rest.bytes.size(), static_cast<std::size_t>(size));
     std::memcpy(buffer, rest.bytes.data(), count);
     rest.bytes = rest.bytes.subspan(count);
     return static_cast<int>(count);
 }
-off_t sizeOfRest(burn_source* source) { return static_cast<off_t>(restOf(source).bytes.size()); }
+off_t sizeOfRest(burn_source* source) {
+    restOf(source).reader.touch();
+    return static_cast<off_t>(restOf(source).bytes.size());
+}
 int refuseSize(burn_source*, off_t) { return 0; }
 void freeRest(burn_source* source) { delete &restOf(source); }
 
@@ -234,7 +203,8 @@ bool LibburnSession::burn(const std::vector<Track>& tracks, bool isAtOnce, bool 
     burn_write_opts_set_multi(options.get(), isMultiSession ? 1 : 0);
     burn_disc_write(options.get(), disc.get());
     _library->waitUntilIdle();
-    thread.waitForEnd();
+    while (thread.isRunning())
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     return burn_drive_wrote_well(_library->drive) == 1;
 }
 
