@@ -8,7 +8,7 @@
 #include <array>
 
 #include "quarner/platform/DRErrors.h"
-#include "tests/desktop/DesktopFixture.h"
+#include "tests/desktop/OpticalDriveFixture.h"
 #include "tests/support/RecordingDeviceDelegate.h"
 
 namespace quarner::testing {
@@ -18,32 +18,8 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-constexpr char name[] = "QUARNER DISC RECORDER";
-
-class DesktopOpticalDrives : public DesktopTest {
+class DesktopOpticalDrives : public OpticalDriveTest {
 protected:
-    /// Plugs a recorder in, and waits until the platform knows it.
-    std::shared_ptr<EmulatedRecorder> plug(const RecorderDescription& description = {}) {
-        auto recorder = machine.plug(description);
-        runUntil([] { return QuarnerDevice::devices() == std::vector<std::string>{name}; });
-        return recorder;
-    }
-
-    /// Burns what was added, and answers how that ended.
-    std::string burn() {
-        burner->burnWithDevice(QuarnerDevice(name), "Mix");
-        return end();
-    }
-
-    std::string end() {
-        const auto isEnd = [](const std::string& call) {
-            return call == "burnProgressDidDone" || call == "burnProgressDidCanceled" ||
-                   call.starts_with("burnProgressDidError");
-        };
-        runUntil([&] { return isEnd(delegate.calls().back()); });
-        return delegate.calls().back();
-    }
-
     /// Begins to burn a minute of sound, slowly.
     std::shared_ptr<EmulatedRecorder> burnSlowly() {
         const auto recorder = plug({.delay = std::chrono::milliseconds(2)});
