@@ -39,6 +39,7 @@ void OpticalRecorder::driveIsThere(const DriveRecord& record) {
     const std::lock_guard lock(_updating);
     if (!driveAt(record.sysPath))
         attach(record);
+    _hearsOfChanges = true;
 }
 
 void OpticalRecorder::driveIsGone(const std::string& sysPath) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <mutex>
@@ -24,8 +25,9 @@ struct OpticalRecorderParts {
 
 /// The recorder of the machine's optical drives. Every operation may be called on any thread.
 ///
-/// Drives are told of as udev tells of them. Where udev does not run, `devices` looks afresh every
-/// time, and tells then what has come and gone since the last look.
+/// Drives are told of as udev tells of them. Where udev does not run, and nothing was heard of it
+/// so far, `devices` looks afresh every time, and tells then what has come and gone since the last
+/// look.
 class OpticalRecorder final : public EngineRecorder, private DriveListener {
 public:
     OpticalRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<PCMService> pcm,
@@ -58,8 +60,8 @@ private:
     std::mutex _updating;
     std::mutex _mutex;
     std::vector<Drive> _drives;
+    std::atomic<bool> _hearsOfChanges = false;
     DriveMonitor _monitor; // the last member: its thread ends before the others do
-    bool _hearsOfChanges = false;
 };
 
 } // namespace quarner

@@ -65,6 +65,12 @@ TEST_F(AudioCommandTest, ContentThatDoesNotFitIsNotBurntAndToldByHowMuch) {
     EXPECT_EQ(host.platform.burns().size(), 0U);
 }
 
+TEST_F(AudioCommandTest, OneTrackThatDoesNotFitHasOnePause) {
+    host.platform.putSong("/m/long.mp3", {.seconds = 4900.0});
+    EXPECT_EQ(host.run({"audio", "/m/long.mp3"}), 4);
+    EXPECT_THAT(host.err(), HasSubstr("the track and its pause take 01:21:42, "));
+}
+
 TEST_F(AudioCommandTest, ABurnThatFindsTheDiscTooSmallIsAMatterOfRoomToo) {
     host.platform.playBurns({.failsAt = 0.0, .code = DRError::MediaTooSmall});
     EXPECT_EQ(host.run({"audio", "/m/a.mp3"}), 4);

@@ -34,7 +34,7 @@ protected:
 TEST_P(BurnCommandTest, BurnsTheFilesOnTheOnlyDrive) {
     EXPECT_EQ(burn({"/m/a.mp3", "/m/b.m4a"}), 0);
     EXPECT_THAT(host.outLines().back(),
-                HasSubstr(std::string("Burnt and verified: 2 ") + disc().item + "s, "));
+                HasSubstr("Burnt and verified: " + disc().counted(2) + ", "));
     EXPECT_THAT(host.outLines().back(), HasSubstr(", on Writer"));
     EXPECT_EQ(host.err(), "");
     EXPECT_EQ(host.platform.burns().size(), 1U);
@@ -195,7 +195,7 @@ TEST_P(BurnCommandTest, KeepGoingBurnsTheRest) {
     EXPECT_EQ(burn({"--keep-going", "/m/a.mp3", "/m/none.mp3"}), 0);
     EXPECT_THAT(host.err(), HasSubstr("/m/none.mp3: no such file"));
     EXPECT_THAT(host.outLines().back(),
-                HasSubstr(std::string("Burnt and verified: 1 ") + disc().item + ", "));
+                HasSubstr("Burnt and verified: " + disc().counted(1) + ", "));
 }
 
 TEST_P(BurnCommandTest, ABurnThatFindsTheDiscTooSmallIsAMatterOfRoomToo) {

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <sstream>
 
+#include "tools/quarner/command/Run.h"
 #include "tools/quarner/host/Console.h"
 
 namespace quarner::cli {
@@ -52,6 +54,54 @@ TEST(Console, KnowsWhenNobodyReadsAnyMore) {
     out.setstate(std::ios::badbit);
     console.line("lost");
     EXPECT_TRUE(console.isBroken());
+}
+
+/// What takes nothing, as a full disk.
+struct FullDisk : std::streambuf {
+    explicit FullDisk(int errorNumber) : error(errorNumber) {}
+    int_type overflow(int_type) override {
+        errno = error;
+        return traits_type::eof();
+    }
+    const int error;
+};
+
+TEST(Console, KeepsTheReasonForWhichTheOutputCannotBeWritten) {
+    FullDisk disk(ENOSPC);
+    std::ostream out(&disk);
+    std::ostringstream err;
+    Console console(out, err, {});
+    EXPECT_EQ(console.outputError(), 0);
+    console.line("lost");
+    console.error("not lost");
+    errno = 0;
+    console.line("lost too");
+    EXPECT_EQ(console.outputError(), ENOSPC);
+}
+
+ExitStatus endWith(int error, ExitStatus status, std::string& told) {
+    FullDisk disk(error);
+    std::ostream out(&disk);
+    std::ostringstream err;
+    Console console(out, err, {});
+    console.line("lost");
+    const ExitStatus end = statusAfterOutput(console, status);
+    told = err.str();
+    return end;
+}
+
+TEST(StatusAfterOutput, LostOutputMakesAFailureOfASuccess) {
+    std::string told;
+    EXPECT_EQ(endWith(ENOSPC, ExitStatus::Success, told), ExitStatus::Failed);
+    EXPECT_EQ(told, "quarner: the output could not be written: No space left on device\n");
+    EXPECT_EQ(endWith(EIO, ExitStatus::Refused, told), ExitStatus::Refused);
+    EXPECT_NE(told, "");
+}
+
+TEST(StatusAfterOutput, AReaderWhoGoesAwayChangesNothing) {
+    std::string told;
+    EXPECT_EQ(endWith(EPIPE, ExitStatus::Success, told), ExitStatus::Success);
+    EXPECT_EQ(told, "");
 }
 
 } // namespace

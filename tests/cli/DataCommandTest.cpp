@@ -81,7 +81,7 @@ TEST_F(DataCommandTest, ContentThatDoesNotFitIsNotBurntAndToldByHowMuch) {
     putFile("/m/large.mp3", 3 * 1024 * 1024);
     EXPECT_EQ(host.run({"data", "--title", "T", "/m/large.mp3"}), 4);
     EXPECT_THAT(host.err(),
-                HasSubstr("the files take 3 MB, and the disc has room for 2 MB: 1 MB too much"));
+                HasSubstr("the file takes 3 MB, and the disc has room for 2 MB: 1 MB too much"));
     EXPECT_THAT(host.out(), HasSubstr("3 MB of 2 MB, 1 MB too much"));
     EXPECT_EQ(host.platform.burns().size(), 0U);
 }

@@ -103,6 +103,14 @@ TEST(Interruptions, WithoutAHandlerTheFirstSignalEndsTheLoopAtOnce) {
     EXPECT_THROW(loop.run(), EndedAtOnce);
 }
 
+TEST(Interruptions, ASignalThatCameBeforeIsServedLater) {
+    Interruptions::blockSignals();
+    kill(getpid(), SIGINT);
+    EventLoop loop;
+    Interruptions interruptions(loop, failTest);
+    EXPECT_THROW(loop.run(), EndedAtOnce);
+}
+
 TEST(Interruptions, AProcessThatIsStuckIsEndedAfterAWhile) {
     EventLoop loop;
     std::promise<void> ended;

@@ -167,6 +167,19 @@ TEST(Options, HelpSaysWhichFilesAnImageReplaces) {
     EXPECT_THAT(message({"data", "--help"}).text, HasSubstr("a file of this name is replaced\n"));
 }
 
+TEST(Options, TheHelpSaysThatAnAudioDiscDoesNotShowItsTitle) {
+    EXPECT_THAT(message({"audio", "--help"}).text,
+                HasSubstr("neither an image nor a player shows it"));
+    EXPECT_THAT(message({"data", "--help"}).text,
+                testing::Not(HasSubstr("neither an image nor a player shows it")));
+}
+
+TEST(Options, YesIsForTheCommandsThatBurn) {
+    EXPECT_THAT(message({"audio", "--help"}).text, HasSubstr("--yes"));
+    EXPECT_THAT(usageError({"eject", "--yes"}),
+                HasSubstr("--yes is not an option of quarner eject"));
+}
+
 TEST(Options, TheVersionIsTold) {
     EXPECT_EQ(message({"--version"}).status, ExitStatus::Success);
     EXPECT_THAT(message({"--version"}).text, testing::MatchesRegex("quarner [0-9.]+"));

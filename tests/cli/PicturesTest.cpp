@@ -51,6 +51,12 @@ TEST(TimeLeft, IsToldInMinutesAndInHoursWhereThereAreSome) {
     EXPECT_EQ(timeLeftText(std::numeric_limits<std::uint64_t>::max()), "--:--");
 }
 
+TEST(TrackList, OneTrackHasOnePause) {
+    const ScriptedPlatform platform;
+    const Compilation compilation{{item("Alpha", "00:03:25", 1000)}, 207, 4798, true, false};
+    EXPECT_THAT(trackList(compilation, 60).back(), HasSubstr(" 1 track and its pause "));
+}
+
 TEST(TrackList, AlignsNamesDurationsAndSizesAndEndsWithTheSum) {
     const ScriptedPlatform platform;
     const Compilation compilation{

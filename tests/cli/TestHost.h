@@ -4,6 +4,8 @@
 #include <glib.h>
 
 #include <functional>
+#include <map>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -47,10 +49,14 @@ public:
         const auto parsed = parseCommandLine(arguments);
         if (const auto* const message = std::get_if<Message>(&parsed))
             return static_cast<int>(showMessage(console, *message));
-        Host host{console, loop,
+        Host host{console,
+                  loop,
                   [this](const ImageRequest& request) { return addImageDrive(request); },
                   [this](std::function<void()> handler) { _interruption = std::move(handler); },
-                  [this] { ++platformEndings; }};
+                  [this] { ++platformEndings; },
+                  [this](const std::string& name) { return accessProblems[name]; },
+                  [this] { return hearsOfDrives; },
+                  keyboard};
         return static_cast<int>(runCommand(host, std::get<Command>(parsed)));
     }
 
@@ -70,6 +76,10 @@ public:
     /// What the commands asked for.
     std::vector<ImageRequest> images;
     int platformEndings = 0;
+    /// What the commands are told of the machine, and where they read answers.
+    std::map<std::string, std::string> accessProblems;
+    bool hearsOfDrives = true;
+    std::optional<int> keyboard;
 
 private:
     std::ostringstream _out;

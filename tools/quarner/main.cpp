@@ -7,6 +7,7 @@
 #include <csignal>
 #include <exception>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -65,14 +66,25 @@ bool isVerbose(const Command& command) {
 
 [[noreturn]] void exitNow() { _exit(static_cast<int>(ExitStatus::Canceled)); }
 
+/// The descriptor on which somebody who can also see a question answers it.
+std::optional<int> keyboard(const Command& command) {
+    const bool isSeen = isatty(STDIN_FILENO) == 1 && isatty(STDERR_FILENO) == 1;
+    return isSeen && !command.json ? std::optional(STDIN_FILENO) : std::nullopt;
+}
+
 ExitStatus runOnDesktop(Console& console, const Command& command) {
     EventLoop loop;
     Interruptions interruptions(loop, exitNow); // before the platform makes its threads
     routeDiagnostics(console, isVerbose(command));
     const InstalledPlatform platform;
-    Host host{console, loop, addDesktopImageDrive,
+    Host host{console,
+              loop,
+              addDesktopImageDrive,
               [&](std::function<void()> handler) { interruptions.setHandler(std::move(handler)); },
-              uninstallDesktopPlatform};
+              uninstallDesktopPlatform,
+              driveAccessProblem,
+              hearsOfDrives,
+              keyboard(command)};
     return runCommand(host, command);
 }
 
@@ -84,15 +96,18 @@ ExitStatus runProgram(const std::vector<std::string>& arguments) {
     std::signal(SIGXFSZ, SIG_IGN);
     Console console(std::cout, std::cerr, screenOfStandardOutput());
     const auto parsed = parseCommandLine(arguments);
-    if (const auto* const message = std::get_if<Message>(&parsed))
-        return showMessage(console, *message);
-    return runOnDesktop(console, std::get<Command>(parsed));
+    const auto* const message = std::get_if<Message>(&parsed);
+    return statusAfterOutput(console, message != nullptr
+                                          ? showMessage(console, *message)
+                                          : runOnDesktop(console, std::get<Command>(parsed)));
 }
 
 } // namespace
 } // namespace quarner::cli
 
 int main(int count, char** arguments) {
+    // Already now: until the signals are served, one would end the program by itself.
+    quarner::cli::Interruptions::blockSignals();
     try {
         const std::vector<std::string> words(arguments + (count > 0 ? 1 : 0), arguments + count);
         return static_cast<int>(quarner::cli::runProgram(words));

@@ -53,14 +53,15 @@ std::vector<std::string> commandLine(const std::vector<std::string>& arguments,
 }
 
 /// Becomes the program; called in the child process.
-[[noreturn]] void become(std::vector<std::string> words, const std::string& folder, int out,
+[[noreturn]] void become(std::vector<std::string> words, const HostSettings& settings, int out,
                          int err) {
     std::vector<char*> pointers;
     for (std::string& word : words)
         pointers.push_back(word.data());
     pointers.push_back(nullptr);
-    const int in = open("/dev/null", O_RDONLY);
-    if (dup2(in, 0) == 0 && dup2(out, 1) == 1 && dup2(err, 2) == 2 && chdir(folder.c_str()) == 0)
+    const int in = settings.isTypedTo ? out : open("/dev/null", O_RDONLY);
+    if (dup2(in, 0) == 0 && dup2(out, 1) == 1 && dup2(err, 2) == 2 &&
+        chdir(settings.folder.c_str()) == 0)
         execvp(pointers[0], pointers.data());
     _exit(127);
 }
@@ -74,7 +75,7 @@ HostProgram::HostProgram(const std::vector<std::string>& arguments, const HostSe
     const auto words = commandLine(arguments, settings);
     _process = fork();
     if (_process == 0)
-        become(words, settings.folder, out.its, err.its);
+        become(words, settings, out.its, err.its);
     close(out.its);
     if (!onTerminal)
         close(err.its);
@@ -96,6 +97,11 @@ bool HostProgram::waitForOutput(const std::string& text) {
     const auto hasCome = [&] { return _end.out.find(text) != std::string::npos; };
     readUntil(hasCome, 30'000);
     return hasCome();
+}
+
+void HostProgram::type(const std::string& text) const {
+    if (write(_out, text.data(), text.size()) != static_cast<ssize_t>(text.size()))
+        throw std::runtime_error("nobody reads what is typed");
 }
 
 void HostProgram::signal(int number) const { kill(_process, number); }

@@ -21,6 +21,7 @@ struct HostSettings {
     std::string folder = ".";         ///< the working directory
     std::vector<std::string> wrapper; ///< a program that runs it, with arguments: setpriv, prlimit
     unsigned terminalColumns = 0;     ///< above 0: on a terminal as wide as this
+    bool isTypedTo = false;           ///< its input is that terminal: see `type`
     std::vector<std::string> environment = {"LC_ALL=C.UTF-8", "TERM=xterm"};
 };
 
@@ -37,6 +38,8 @@ public:
     /// minute, or the program has closed its output.
     bool waitForOutput(const std::string& text);
 
+    /// Types on its terminal.
+    void type(const std::string& text) const;
     void signal(int number) const;
     /// Closes the reading end of its output.
     void stopReading();

@@ -94,6 +94,22 @@ TEST_F(ProgramStatus, Is4WhenTheContentDoesNotFitTheCapacity) {
     EXPECT_THAT(names("."), ElementsAre("minute.mp3"));
 }
 
+TEST_F(ProgramStatus, Is1WhenTheOutputCannotBeWritten) {
+    song("a.mp3");
+    HostSettings full;
+    full.wrapper = {"sh", "-c", "exec \"$@\" >/dev/full", "sh"};
+    for (const std::string command : {"--help", "--version", "drives"}) {
+        const HostEnd end = run({command}, full);
+        EXPECT_EQ(end.status, command == "drives" ? 0 : 1) << command; // which has nothing to print
+    }
+    const HostEnd end = run({"disc", "--image", "mix.cue"}, full);
+    EXPECT_EQ(end.status, 1);
+    EXPECT_EQ(end.err, "quarner: the output could not be written: No space left on device\n");
+    EXPECT_EQ(run({"audio", "--image", "mix.cue", "a.mp3"}, full).status, 1);
+    EXPECT_TRUE(std::filesystem::exists(folder.file("mix.cue")));
+    EXPECT_EQ(run({"audio", "--image", "mix.cue", "none.mp3"}, full).status, 3);
+}
+
 TEST_F(ProgramStatus, Is0WhenADataImageIsWrittenAndOtherProgramsReadIt) {
     song("a.mp3");
     song("b Größe.m4a");
@@ -133,7 +149,7 @@ TEST_F(ProgramStatus, Is4WhenTheFilesDoNotFitADataDisc) {
     shorter.insert(shorter.end(), {"--capacity", "74"});
     const HostEnd end = run(shorter);
     EXPECT_EQ(end.status, 4);
-    EXPECT_THAT(end.err, HasSubstr("the files take 658 MB, and the disc has room for 650.4 MB: "
+    EXPECT_THAT(end.err, HasSubstr("the file takes 658 MB, and the disc has room for 650.4 MB: "
                                    "7.6 MB too much"));
     shorter.push_back("--dry-run");
     EXPECT_EQ(run(shorter).status, 4);
@@ -143,7 +159,7 @@ TEST_F(ProgramStatus, Is4WhenTheFilesDoNotFitADataDisc) {
     shorter.pop_back();
     const HostEnd brim = run(shorter);
     EXPECT_EQ(brim.status, 4);
-    EXPECT_THAT(brim.err, HasSubstr("too little for them and the file system"));
+    EXPECT_THAT(brim.err, HasSubstr("too little for it and the file system"));
     EXPECT_THAT(names("."), ElementsAre("a.m4a", "brim.m4a"));
 }
 

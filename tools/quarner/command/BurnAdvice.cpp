@@ -13,8 +13,11 @@ namespace quarner::cli {
 namespace {
 
 constexpr std::array advice = {
-    std::pair{DRError::DeviceBusy, std::string_view("Wait until the other burn has ended.")},
+    std::pair{DRError::DeviceBusy,
+              std::string_view("Wait until the other burn or program has ended.")},
     std::pair{DRError::DeviceVanished, std::string_view("Plug it in, and take a new disc.")},
+    std::pair{DRError::DeviceNotPermitted,
+              std::string_view("An administrator can change that; then log in anew.")},
     std::pair{DRError::MediaNotPresent, std::string_view("Put a blank CD-R or CD-RW in.")},
     std::pair{DRError::MediaNotWritable, std::string_view("Put a blank CD-R or a CD-RW in.")},
     std::pair{DRError::WrongMedia, std::string_view("Put a blank CD-R or CD-RW in.")},

@@ -6,9 +6,11 @@
 
 #include "quarner/platform/DRErrors.h"
 #include "tools/quarner/command/BurnAdvice.h"
+#include "tools/quarner/command/BurnQuestion.h"
 #include "tools/quarner/command/DriveChoice.h"
 #include "tools/quarner/command/Refusals.h"
 #include "tools/quarner/host/FailureDetail.h"
+#include "tools/quarner/host/LineReader.h"
 #include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
@@ -24,8 +26,8 @@ std::string counted(std::size_t count, const std::string& noun) {
 
 BurnCommand::BurnCommand(Host& host, BurnOptions options, View& view)
     : _host(host), _options(std::move(options)), _disc(traitsOf(_options.kind)), _view(view),
-      _device(chooseDrive(host, _options.target, _options.kind)), _relay(host.loop, {&view, this}),
-      _burner(_disc.makeBurner()) {
+      _device(chooseUsableDrive(host, _options.target, _options.kind)),
+      _relay(host.loop, {&view, this}), _burner(_disc.makeBurner()) {
     _burner->setDelegate(&_relay);
 }
 
@@ -58,6 +60,9 @@ BurnCommand::Outcome BurnCommand::perform() {
         return cancellation();
     if (compiled.items.empty() || (_refusedCount > 0 && !_options.keepGoing))
         return refusal();
+    if (const std::optional<DRError> error = obstacle(compiled))
+        return {ExitStatus::Failed,
+                "nothing was burnt: " + explainedFailure(signedCode(*error), "", 0)};
     if (compiled.overflow)
         return overflow(compiled);
     if (_options.kind == DiscKind::Audio && compiled.items.size() > mostTracks)
@@ -66,7 +71,37 @@ BurnCommand::Outcome BurnCommand::perform() {
                                          std::to_string(compiled.items.size())};
     if (_options.dryRun)
         return {ExitStatus::Success, "Dry run: nothing was written."};
-    return burn(compiled);
+    return isAllowed() ? burn(compiled) : cancellation();
+}
+
+/// What keeps the disc in a real drive from being burnt, whatever is to be on it.
+std::optional<DRError> BurnCommand::obstacle(const Compilation& compiled) const {
+    if (_options.target.image)
+        return std::nullopt;
+    if (!compiled.hasDisc)
+        return DRError::MediaNotPresent;
+    if (!_device.isCDDisc())
+        return DRError::WrongMedia;
+    const bool isWritable =
+        _device.isDiscBlank() || _device.isDiscErasable() || _device.isDiscOverwritable();
+    return isWritable ? std::nullopt : std::optional(DRError::MediaNotWritable);
+}
+
+/// Asks, where a disc would be used up and somebody is there to be asked.
+bool BurnCommand::isAllowed() {
+    if (_options.yes || _options.target.image || !_host.keyboard)
+        return true;
+    for (const std::string& line : burnQuestion(_device, _options.title))
+        _host.console.error(line);
+    std::optional<std::string> answer;
+    const LineReader reader(*_host.keyboard, [&](std::optional<std::string> line) {
+        answer = std::move(line);
+        _host.loop.quit();
+    });
+    _isAsking = true;
+    _host.loop.run();
+    _isAsking = false;
+    return answer && isYes(*answer);
 }
 
 // Neither call does anything unless there is something to stop.
@@ -74,6 +109,8 @@ void BurnCommand::interrupt() {
     _isInterrupted = true;
     _burner->cancelToAddFiles();
     _burner->stopBurn();
+    if (_isAsking)
+        _host.loop.quit();
 }
 
 void BurnCommand::addFiles() {
@@ -153,14 +190,16 @@ BurnCommand::Outcome BurnCommand::refusal() const {
 }
 
 BurnCommand::Outcome BurnCommand::overflow(const Compilation& compiled) const {
+    const std::size_t count = compiled.items.size();
+    const std::string items = "the " + _disc.item(count) + _disc.pauses(count);
     const std::string excess =
         compiled.used > compiled.free
             ? _disc.capacityText(compiled.used - compiled.free) + " " + _disc.excess
             : _disc.overhead;
-    return {ExitStatus::TooLong, std::string("the ") + _disc.item + "s" + _disc.pauses + " take " +
-                                     _disc.capacityText(compiled.used) +
-                                     ", and the disc has room for " +
-                                     _disc.capacityText(compiled.free) + ": " + excess};
+    return {ExitStatus::TooLong,
+            items + (count == 1 && _disc.pauses(count).empty() ? " takes " : " take ") +
+                _disc.capacityText(compiled.used) + ", and the disc has room for " +
+                _disc.capacityText(compiled.free) + ": " + excess};
 }
 
 BurnCommand::Outcome BurnCommand::cancellation() const {
@@ -176,9 +215,8 @@ BurnCommand::Outcome BurnCommand::cancellation() const {
 
 BurnCommand::Outcome BurnCommand::success(const Compilation& compiled) const {
     const std::string place = safeText(_options.target.image.value_or(*_device.deviceName()));
-    return {ExitStatus::Success,
-            "Burnt and verified: " + counted(compiled.items.size(), _disc.item) + ", " +
-                _disc.capacityText(compiled.used) + ", on " + place};
+    return {ExitStatus::Success, "Burnt and verified: " + _disc.counted(compiled.items.size()) +
+                                     ", " + _disc.capacityText(compiled.used) + ", on " + place};
 }
 
 BurnCommand::Outcome BurnCommand::failure(const Compilation& compiled,

@@ -2,11 +2,13 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "quarner/device/QuarnerDevice.h"
 #include "quarner/front/Quarner.h"
+#include "quarner/platform/DRErrors.h"
 #include "tools/quarner/disc/DiscKind.h"
 #include "tools/quarner/host/DelegateRelay.h"
 #include "tools/quarner/host/Host.h"
@@ -43,6 +45,8 @@ private:
     void interrupt();
     Outcome performOrEndAtOnce();
     Outcome perform();
+    std::optional<DRError> obstacle(const Compilation& compiled) const;
+    bool isAllowed();
     void addFiles();
     void refuse(const std::vector<std::string>& paths);
     Compilation compilation() const;
@@ -62,6 +66,7 @@ private:
     const std::shared_ptr<Quarner> _burner;
 
     bool _isInterrupted = false;
+    bool _isAsking = false;
     bool _isStarted = false; ///< whether the burn was asked for
     std::size_t _refusedCount = 0;
     enum class BurnEnd { None, Done, Canceled, Error } _burnEnd = BurnEnd::None;

@@ -114,4 +114,15 @@ std::string chooseDrive(const Host& host, const Target& target, std::optional<Di
     return target.drive ? namedDrive(*target.drive, toBurn) : onlyDrive(toBurn);
 }
 
+std::string chooseUsableDrive(const Host& host, const Target& target,
+                              std::optional<DiscKind> toBurn) {
+    std::string name = chooseDrive(host, target, toBurn);
+    const std::string problem = host.accessProblem(name);
+    if (!problem.empty())
+        throw UsageProblem("the drive '" + safeText(name) +
+                           "' cannot be used: " + safeText(problem) +
+                           ".\nAn administrator can change that; then log in anew.");
+    return name;
+}
+
 } // namespace quarner::cli

@@ -17,6 +17,10 @@ namespace quarner::cli {
 std::string chooseDrive(const Host& host, const Target& target,
                         std::optional<DiscKind> toBurn = std::nullopt);
 
+/// The same for a command that opens the drive: throws `UsageProblem` also when this user may not.
+std::string chooseUsableDrive(const Host& host, const Target& target,
+                              std::optional<DiscKind> toBurn = std::nullopt);
+
 /// The absolute path of an image. Throws `UsageProblem` for a name that does not end like one of
 /// this kind of disc, or of any kind; for a folder; and for a place that does not exist or cannot
 /// be reached.

@@ -30,17 +30,27 @@ bool writesCDs(const DRDevice& drive) {
     return valueFor(drive.info(), DRDeviceCanWriteCDKey).asBool();
 }
 
-std::string driveLine(const DRDevice& drive, bool isHidden) {
-    const std::string name = drive.displayName();
-    return safeText(name) + ": " + (writesCDs(drive) ? "writes CDs" : "cannot write CDs") + "; " +
-           (isHidden ? "cannot be chosen, as a later drive has the same name"
-                     : discSummary(QuarnerDevice(name)));
+std::string stateOf(const Host& host, const std::string& name, bool isHidden) {
+    if (isHidden)
+        return "cannot be chosen, as a later drive has the same name";
+    const std::string problem = host.accessProblem(name);
+    return problem.empty() ? discSummary(QuarnerDevice(name)) : safeText(problem);
 }
 
-std::string driveJson(const DRDevice& drive) {
-    return jsonLine("drive", {{"name", drive.displayName()},
-                              {"canWriteCD", writesCDs(drive)},
-                              {"disc", drive.mediaIsPresent()}});
+std::string driveLine(const Host& host, const DRDevice& drive, bool isHidden) {
+    const std::string name = drive.displayName();
+    return safeText(name) + ": " + (writesCDs(drive) ? "writes CDs" : "cannot write CDs") + "; " +
+           stateOf(host, name, isHidden);
+}
+
+std::string driveJson(const Host& host, const DRDevice& drive) {
+    JsonArguments arguments = {{"name", drive.displayName()},
+                               {"canWriteCD", writesCDs(drive)},
+                               {"disc", drive.mediaIsPresent()}};
+    const std::string problem = host.accessProblem(drive.displayName());
+    if (!problem.empty())
+        arguments.emplace_back("accessProblem", Value(problem));
+    return jsonLine("drive", arguments);
 }
 
 } // namespace
@@ -51,7 +61,7 @@ ExitStatus listDrives(Host& host, const Target& target, bool json) {
         const bool isHidden = std::any_of(drive + 1, drives.end(), [&](const auto& later) {
             return later->displayName() == (*drive)->displayName();
         });
-        host.console.line(json ? driveJson(**drive) : driveLine(**drive, isHidden));
+        host.console.line(json ? driveJson(host, **drive) : driveLine(host, **drive, isHidden));
     }
     if (drives.empty())
         host.console.error("quarner: there is no drive; quarner audio --image FILE.cue makes an "
@@ -60,7 +70,7 @@ ExitStatus listDrives(Host& host, const Target& target, bool json) {
 }
 
 ExitStatus showDisc(Host& host, const Target& target, bool json) {
-    const QuarnerDevice device(chooseDrive(host, target));
+    const QuarnerDevice device(chooseUsableDrive(host, target));
     if (json)
         host.console.line(jsonLine("disc", discArguments(device)));
     else
@@ -70,7 +80,7 @@ ExitStatus showDisc(Host& host, const Target& target, bool json) {
 }
 
 ExitStatus ejectDisc(Host& host, const Target& target, bool json) {
-    QuarnerDevice device(chooseDrive(host, target));
+    QuarnerDevice device(chooseUsableDrive(host, target));
     const std::string name = device.deviceName().value_or("");
     device.eject();
     const bool isOut = !device.isDiscInDevice();

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "tools/quarner/command/Run.h"
 
+#include <cerrno>
 #include <memory>
+#include <system_error>
 
 #include "tools/quarner/command/BurnCommand.h"
 #include "tools/quarner/command/QueryCommands.h"
@@ -58,6 +60,15 @@ ExitStatus runCommand(Host& host, const Command& command) {
         host.console.error(std::string("quarner: ") + problem.what());
         return endJson(host.console, command.json, ExitStatus::Usage);
     }
+}
+
+ExitStatus statusAfterOutput(Console& console, ExitStatus status) {
+    const int error = console.outputError();
+    if (error == 0 || error == EPIPE)
+        return status;
+    console.error("quarner: the output could not be written: " +
+                  std::generic_category().message(error));
+    return status == ExitStatus::Success ? ExitStatus::Failed : status;
 }
 
 ExitStatus showMessage(Console& console, const Message& message) {

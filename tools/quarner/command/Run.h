@@ -9,6 +9,11 @@ namespace quarner::cli {
 /// Runs a command on the platform that is installed, the exit line of JSON included.
 ExitStatus runCommand(Host& host, const Command& command);
 
+/// With what the program ends that would end with this status: a success of which not everything
+/// could be printed is a failure, and told so on the error stream. A reader who does not read to
+/// the end has a reason for that, and changes nothing.
+ExitStatus statusAfterOutput(Console& console, ExitStatus status);
+
 /// Prints help, the version or what is wrong with a command line.
 ExitStatus showMessage(Console& console, const Message& message);
 

@@ -41,6 +41,9 @@ ExitStatus WatchCommand::run() {
             _host.console.line(safeText(name) + ": " + discSummary(drive->device));
     if (!_json && _drives.empty())
         _host.console.line("There is no drive yet.");
+    if (!_host.hearsOfDrives())
+        _host.console.error("quarner: the device manager (udev) does not run here: nothing will be "
+                            "heard of optical drives and their discs");
     _host.loop.run();
     return ExitStatus::Canceled;
 }

@@ -21,8 +21,10 @@ struct DiscTraits {
     const char* extension; ///< of an image, in lower case, with its dot: ".cue"
     const char* example;   ///< the name of such an image
     const char* command;   ///< the command that burns it
-    const char* item;      ///< what an added file is on it: "track"
-    const char* pauses;    ///< said after the number of items where they have pauses, or empty
+    const char* oneItem;   ///< what an added file is on it: "track"
+    const char* onePause;  ///< said after one item where it has a pause, or empty
+    const char* allPauses; ///< the same after several
+    const char* titleHelp; ///< what a title does
     const char* excess;    ///< how content is that does not fit: "too long"
     const char* overhead;  ///< said where content does not fit that is not more than the room
     bool refusesProtected; ///< whether its burner tells protected files from others
@@ -32,6 +34,17 @@ struct DiscTraits {
     std::uint64_t (*freeCapacity)(const QuarnerDevice& device);
     std::string (*capacityText)(std::uint64_t capacity);
     std::uint64_t (*imageBytes)(std::uint64_t used); ///< how large the image about is
+
+    /// "track" or "tracks", as the count has it.
+    std::string item(std::size_t count) const {
+        return std::string(oneItem) + (count == 1 ? "" : "s");
+    }
+    /// "3 tracks"
+    std::string counted(std::size_t count) const {
+        return std::to_string(count) + " " + item(count);
+    }
+    /// " and its pause", " and their pauses", or nothing where there are none.
+    std::string pauses(std::size_t count) const { return count == 1 ? onePause : allPauses; }
 };
 
 const DiscTraits& traitsOf(DiscKind kind);

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <utility>
 
@@ -62,21 +63,28 @@ void Console::status(std::string_view text) {
     draw();
 }
 
-bool Console::isBroken() const {
+int Console::outputError() const {
     const std::lock_guard lock(_mutex);
-    return !_out.good();
+    return _outputError;
 }
 
 void Console::print(std::ostream& stream, std::string_view text) {
     const std::lock_guard lock(_mutex);
     erase();
-    stream << text << '\n' << std::flush;
+    write(stream, std::string(text) + '\n');
     draw();
+}
+
+void Console::write(std::ostream& stream, std::string_view text) {
+    errno = 0;
+    stream << text << std::flush;
+    if (!_out.good() && _outputError == 0)
+        _outputError = errno == 0 ? EIO : errno;
 }
 
 void Console::erase() {
     if (!_status.empty())
-        _out << "\r\x1b[K" << std::flush;
+        write(_out, "\r\x1b[K");
 }
 
 void Console::draw() {
@@ -84,7 +92,7 @@ void Console::draw() {
         return;
     // The last column stays free: a terminal may break the line after it.
     const std::size_t columns = std::max<std::size_t>(_screen.columns(), 2) - 1;
-    _out << '\r' << shortened(_status, columns) << "\x1b[K" << std::flush;
+    write(_out, '\r' + shortened(_status, columns) + "\x1b[K");
 }
 
 } // namespace quarner::cli

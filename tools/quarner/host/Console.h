@@ -24,7 +24,7 @@ Screen screenOfStandardOutput();
 
 /// The output of the program: whole lines to the output and to the error stream, and on a terminal
 /// one line at the bottom that is drawn over and over. Any thread; lines never mix. What cannot
-/// be written is lost silently; see `isBroken`.
+/// be written is lost silently; see `outputError`.
 class Console {
 public:
     /// The streams must outlive the console.
@@ -38,13 +38,17 @@ public:
     /// away. Nothing is shown unless the output is a terminal.
     void status(std::string_view text);
 
-    /// Whether the reader of the output is gone.
-    bool isBroken() const;
+    /// Whether the output can be written no more, its reader gone for one.
+    bool isBroken() const { return outputError() != 0; }
+
+    /// The number of the error (`errno`) for which the output could not be written; 0 if it could.
+    int outputError() const;
 
     const Screen& screen() const { return _screen; }
 
 private:
     void print(std::ostream& stream, std::string_view text);
+    void write(std::ostream& stream, std::string_view text);
     void erase();
     void draw();
 
@@ -53,6 +57,7 @@ private:
     const Screen _screen;
     mutable std::mutex _mutex;
     std::string _status;
+    int _outputError = 0;
 };
 
 } // namespace quarner::cli

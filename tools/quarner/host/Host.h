@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -35,6 +36,13 @@ struct Host {
     /// Ends the platform without waiting for the main loop: cancels what is under way, and returns
     /// when no thread of the framework is at work any more.
     std::function<void()> endPlatform;
+    /// Why this user may not open the drive of a name: a sentence without its full stop. Empty
+    /// where nothing is in the way.
+    std::function<std::string(const std::string&)> accessProblem;
+    /// Whether the platform hears of drives that come and go, and of discs.
+    std::function<bool()> hearsOfDrives;
+    /// From where the answer to a question is read; nothing where nobody can be asked.
+    std::optional<int> keyboard = std::nullopt;
 };
 
 /// A command line that names what cannot be used; `what` is one or more lines for people.

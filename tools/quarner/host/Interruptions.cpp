@@ -26,10 +26,14 @@ sigset_t endingSignals() {
 
 } // namespace
 
-Interruptions::Interruptions(EventLoop& loop, std::function<void()> exitNow)
-    : _loop(loop), _exitNow(std::move(exitNow)) {
+void Interruptions::blockSignals() {
     const sigset_t signals = endingSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+}
+
+Interruptions::Interruptions(EventLoop& loop, std::function<void()> exitNow)
+    : _loop(loop), _exitNow(std::move(exitNow)) {
+    blockSignals();
     _thread = std::thread([this] { serve(); });
 }
 

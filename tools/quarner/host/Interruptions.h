@@ -20,6 +20,10 @@ public:
     /// How long ending at once may take.
     static constexpr std::chrono::milliseconds patience{1500};
 
+    /// Blocks the signals in the calling thread: one that comes is kept until an object of this
+    /// class is there to serve it.
+    static void blockSignals();
+
     /// From now on the signals are blocked in the calling thread and in all that it starts: make
     /// this object before any other thread. `exitNow` ends the process; it is called on the signal
     /// thread when this object is still there `patience` after the loop was told to end at once.

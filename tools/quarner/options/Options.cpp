@@ -46,7 +46,7 @@ public:
 
 private:
     void addBurn(DiscKind kind, const char* description, const char* image, const char* example);
-    void addBurnOptions(CLI::App& command);
+    void addBurnOptions(CLI::App& command, const char* title);
     void addQuery(const char* name, const char* description, const char* example, Query query);
     void addTarget(CLI::App& command, const std::string& name, const char* image);
     void takeFiles();
@@ -106,13 +106,13 @@ void Grammar::addBurn(DiscKind kind, const char* description, const char* image,
     CLI::App* const command = _app.add_subcommand(disc.command, description);
     command->allow_extras();
     addTarget(*command, std::string("FILE") + disc.extension, image);
-    addBurnOptions(*command);
+    addBurnOptions(*command, disc.titleHelp);
     command->footer(std::string(example) + statusHelp);
     command->callback([this, kind] { _toBurn = kind; });
 }
 
-void Grammar::addBurnOptions(CLI::App& command) {
-    command.add_option("--title", _burnOptions.title, "Name of the disc")->type_name("NAME");
+void Grammar::addBurnOptions(CLI::App& command, const char* title) {
+    command.add_option("--title", _burnOptions.title, title)->type_name("NAME");
     command.add_option("--capacity", _target.capacity, "Minutes of the image's disc (default 80)")
         ->type_name("74|80")
         ->check(problemOfCapacity)
@@ -121,6 +121,9 @@ void Grammar::addBurnOptions(CLI::App& command) {
                      "Do everything up to the burn, write nothing");
     command.add_flag("--keep-going", _burnOptions.keepGoing,
                      "Burn the rest when a file is refused");
+    command.add_flag("--yes", _burnOptions.yes,
+                     "Burn to a drive without asking first (only a terminal asks, and not with "
+                     "--json)");
     command.add_flag("--verbose", _burnOptions.verbose, "Show diagnostics");
     command.add_flag("--json", _json, "One JSON object a line, for programs");
     // Only the first: a list would have its brackets taken off. The others are what remains.

@@ -24,6 +24,7 @@ struct BurnOptions {
     std::optional<std::string> title; ///< always there for a data disc
     bool dryRun = false;
     bool keepGoing = false;
+    bool yes = false; ///< burn without asking
     bool verbose = false;
     std::vector<std::string> files;
 };

@@ -42,8 +42,7 @@ std::string sumRow(const Compilation& compilation, std::size_t columns) {
         bytes += valueFor(item, kQuarnItemRealFileSizeKey).asInt64();
     const std::size_t count = compilation.items.size();
     const DiscTraits& disc = traitsOf(compilation.kind);
-    const std::string name =
-        std::to_string(count) + " " + disc.item + (count == 1 ? "" : "s") + disc.pauses;
+    const std::string name = disc.counted(count) + disc.pauses(count);
     const bool countsTime = compilation.kind == DiscKind::Audio;
     return row("", name, countsTime ? disc.capacityText(compilation.used) : "",
                MultiMedia::stringWithFilesize(bytes), columns);
