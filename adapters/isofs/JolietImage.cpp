@@ -100,6 +100,8 @@ void checkFiles(const DRFolder& folder) {
 }
 
 std::unique_ptr<const JolietImage> JolietImage::ofFolder(const DRFolder& folder) {
+    if (folder.explicitFilesystemMask() != DRFilesystemMaskJoliet)
+        throw BurnFailure(DRError::WrongMedia, "only discs of a Joliet file system are written");
     checkFiles(folder);
     const std::vector<IsofsTree::Entry> entries = entriesOf(folder);
     IsofsTree tree;

@@ -32,7 +32,8 @@ public:
     };
 
     /// Lays out a folder. Opens no file, but looks at each, as `checkFiles`. Throws `BurnFailure`
-    /// when that finds fault or the library does. Any thread; calls on several threads follow one
+    /// when that finds fault or the library does, and for a folder that is to be visible in another
+    /// file system than Joliet alone. Any thread; calls on several threads follow one
     /// another.
     static std::unique_ptr<const JolietImage> ofFolder(const DRFolder& folder);
 

@@ -32,7 +32,8 @@ public:
     const std::vector<std::shared_ptr<const DRFile>>& children() const { return _children; }
     void addChild(std::shared_ptr<const DRFile> child) { _children.push_back(std::move(child)); }
 
-    /// The file systems in which the folder and its children are visible.
+    /// The file systems in which the folder and its children are visible. A service fails the burn
+    /// of a folder that asks for what it does not write.
     std::uint32_t explicitFilesystemMask() const { return _explicitFilesystemMask; }
     void setExplicitFilesystemMask(std::uint32_t mask) { _explicitFilesystemMask = mask; }
 

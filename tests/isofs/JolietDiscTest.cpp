@@ -38,6 +38,12 @@ std::vector<std::string> contentsIn(const std::filesystem::path& folder) {
     return contents;
 }
 
+std::shared_ptr<DRFolder> rootNamed(const std::string& name) {
+    auto root = std::make_shared<DRFolder>(name);
+    root->setExplicitFilesystemMask(DRFilesystemMaskJoliet);
+    return root;
+}
+
 class JolietDisc : public ::testing::Test {
 protected:
     std::string add(const std::string& name, const std::string& content) {
@@ -77,7 +83,7 @@ protected:
     TemporaryFolder target;
     TemporaryFolder out;
     std::shared_ptr<DataDiscService> discs = makeJolietDiscs();
-    std::shared_ptr<DRFolder> root = std::make_shared<DRFolder>("My Mix");
+    std::shared_ptr<DRFolder> root = rootNamed("My Mix");
     std::shared_ptr<DRTrack> track;
 };
 
@@ -158,7 +164,7 @@ TEST_F(JolietDisc, TheEstimateIsTheExactSizeOfTheImage) {
 }
 
 TEST_F(JolietDisc, BearsTheNameOfTheRootFolder) {
-    root = std::make_shared<DRFolder>("Größte Hits");
+    root = rootNamed("Größte Hits");
     add("one.mp3", "x");
     const std::string image = contentOf(burn());
     EXPECT_EQ(image.substr(16 * 2048 + 40, 12), "GR__TE_HITS ") << "the primary descriptor";
@@ -168,7 +174,7 @@ TEST_F(JolietDisc, BearsTheNameOfTheRootFolder) {
 TEST_F(JolietDisc, AnyTitleGivesADiscThatReadersList) {
     for (const std::string& title : {std::string(), std::string(300, 'x'), std::string("*/:;?\\"),
                                      std::string("\xFF\x01\n")}) {
-        root = std::make_shared<DRFolder>(title);
+        root = rootNamed(title);
         add("one.mp3", "x");
         EXPECT_EQ(runProgram({"isoinfo", "-J", "-f", "-i", burn()}).output, "/one.mp3\n") << title;
     }
@@ -228,6 +234,16 @@ TEST_F(JolietDisc, AFileThatIsGoneOrChangedFailsTheDisc) {
     EXPECT_EQ(errorOf([&] { discs->contentOf(*track); }), DRError::SourceMissing);
     EXPECT_EQ(errorOf([&] { content.sources.front()->check(); }), DRError::SourceMissing);
     EXPECT_EQ(discs->trackForRootFolder(root)->estimateLength(), 0U);
+}
+
+TEST_F(JolietDisc, AFolderForAnotherFileSystemIsNotWritten) {
+    constexpr std::uint32_t other = 4;
+    add("one.mp3", noise(5000, 1));
+    for (const std::uint32_t mask : {0U, other, DRFilesystemMaskJoliet | other}) {
+        root->setExplicitFilesystemMask(mask);
+        track = discs->trackForRootFolder(root);
+        EXPECT_EQ(errorOf([&] { discs->contentOf(*track); }), DRError::WrongMedia) << mask;
+    }
 }
 
 TEST_F(JolietDisc, AFileThatShrinksWhileItIsReadFailsTheRead) {
