@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
+#include <map>
 #include <mutex>
 #include <span>
 #include <utility>
@@ -115,26 +116,47 @@ CallResult answer(UMockdevIoctlClient* client, SystemCallTarget& target) {
     }
 }
 
-using Target = std::weak_ptr<SystemCallTarget>;
-gboolean onCall(UMockdevIoctlBase*, UMockdevIoctlClient* client, gpointer data) {
-    const std::shared_ptr<SystemCallTarget> target = static_cast<Target*>(data)->lock();
+/// Who answers the calls of which node. Not handed to the signal as its data, for the locks of GLib
+/// that would guard it on its way to the other thread are not seen by a thread checker.
+class Targets {
+public:
+    void set(const UMockdevIoctlBase* calls, const std::shared_ptr<SystemCallTarget>& target) {
+        const std::lock_guard lock(_mutex);
+        _targets[calls] = target;
+    }
+    std::shared_ptr<SystemCallTarget> of(const UMockdevIoctlBase* calls) {
+        const std::lock_guard lock(_mutex);
+        return _targets[calls].lock();
+    }
+    void forget(gpointer calls) {
+        const std::lock_guard lock(_mutex);
+        _targets.erase(static_cast<UMockdevIoctlBase*>(calls));
+    }
+
+private:
+    std::mutex _mutex;
+    std::map<const UMockdevIoctlBase*, std::weak_ptr<SystemCallTarget>> _targets;
+};
+Targets& targets() {
+    static auto* const all = new Targets; // the other thread may outlive this one's objects
+    return *all;
+}
+
+gboolean onCall(UMockdevIoctlBase* calls, UMockdevIoctlClient* client, gpointer) {
+    const std::shared_ptr<SystemCallTarget> target = targets().of(calls);
     const CallResult result = target ? answer(client, *target) : CallResult{-1, ENODEV};
     umockdev_ioctl_client_complete(client, result.value, result.error);
     return TRUE;
 }
+
 } // namespace
 
 SystemCallTarget::~SystemCallTarget() = default;
 
 void answerSystemCalls(UMockdevIoctlBase* calls, const std::shared_ptr<SystemCallTarget>& target) {
-    // Made here, dropped wherever GLib's last reference goes, which only GLib itself can follow.
-    static std::mutex mutex;
-    const std::lock_guard lock(mutex);
-    const auto forget = [](gpointer data, GClosure*) {
-        const std::lock_guard dropping(mutex);
-        delete static_cast<Target*>(data);
-    };
-    g_signal_connect_data(calls, "handle-ioctl", G_CALLBACK(onCall), new Target(target), forget,
+    targets().set(calls, target);
+    const auto forget = [](gpointer of, GClosure*) { targets().forget(of); };
+    g_signal_connect_data(calls, "handle-ioctl", G_CALLBACK(onCall), calls, forget,
                           GConnectFlags(0));
 }
 
