@@ -26,13 +26,40 @@ BurnLibrary& BurnLibrary::shared() {
     return *library;
 }
 
-BurnLibrary::BurnLibrary() {
+BurnLibrary::BurnLibrary() { start(); }
+
+void BurnLibrary::start() {
     if (burn::burn_initialize() == 0)
         throw BurnFailure(DRError::Internal, "libburn cannot be started");
     char queued[] = "WARNING";
     char printed[] = "NEVER";
     char prefix[] = "";
     burn::burn_msgs_set_severities(queued, printed, prefix);
+}
+
+void BurnLibrary::driveWasReleased() {
+    --_takenDrives;
+    clearAway();
+}
+
+void BurnLibrary::driveWasNotTaken(LeftDescriptors left) {
+    _left.push_back(std::move(left));
+    clearAway();
+}
+
+/// The library forgets its list when it is started anew. The descriptors come after that, since it
+/// closes those that it still knows of.
+void BurnLibrary::clearAway() {
+    if (_takenDrives > 0 || _left.empty())
+        return;
+    logMessages();
+    {
+        const std::lock_guard lock(_mutex); // nobody asks for messages meanwhile
+        burn::burn_finish();
+        start();
+    }
+    for (const LeftDescriptors& left : std::exchange(_left, {}))
+        left.closeAll();
 }
 
 BurnLibrary::Moment BurnLibrary::now() {

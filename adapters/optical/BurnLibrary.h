@@ -5,6 +5,9 @@
 #include <deque>
 #include <mutex>
 #include <string>
+#include <vector>
+
+#include "adapters/optical/LeftDescriptors.h"
 
 namespace quarner {
 
@@ -20,6 +23,15 @@ public:
 
     /// Held by whoever adds a drive to the library's list or takes one off.
     std::mutex& drives() { return _drives; }
+
+    // With `drives` held: what the library keeps of a drive that it failed to take. It lists the
+    // drive for ever and does not take it again, and may leave its file open. That is cleared away
+    // as soon as it has no drive that was taken.
+
+    void driveWasTaken() { ++_takenDrives; }
+    void driveWasReleased();
+    /// `left`: what was open before the attempt.
+    void driveWasNotTaken(LeftDescriptors left);
 
     /// A moment in the sequence of the library's messages.
     using Moment = std::uint64_t;
@@ -43,9 +55,13 @@ private:
 
     BurnLibrary();
     ~BurnLibrary() = default;
+    static void start();
+    void clearAway();
     void keep(Message message);
 
     std::mutex _drives;
+    int _takenDrives = 0;
+    std::vector<LeftDescriptors> _left;
     std::mutex _mutex;
     Moment _moment = 0;
     std::deque<Message> _kept;

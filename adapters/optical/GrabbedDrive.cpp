@@ -20,7 +20,6 @@
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/optical/AccessProblem.h"
 #include "adapters/optical/BurnLibrary.h"
-#include "adapters/optical/LeftDescriptors.h"
 
 namespace quarner {
 namespace {
@@ -85,9 +84,10 @@ bool GrabbedDrive::grab(const std::string& node, const struct stat& file) {
         std::string address = node;
         if (burn::burn_drive_scan_and_grab(&_found, address.data(), 0) == 1) {
             _handle = _found->drive;
+            library.driveWasTaken();
         } else {
             burn::burn_drive_info_free(std::exchange(_found, nullptr));
-            left.closeAll();
+            library.driveWasNotTaken(left);
         }
     }
     library.logMessages();
@@ -100,6 +100,7 @@ GrabbedDrive::~GrabbedDrive() {
         const std::lock_guard lock(library.drives());
         burn::burn_drive_release(_handle, _ejects ? 1 : 0);
         burn::burn_drive_info_free(_found);
+        library.driveWasReleased();
     }
     library.logMessages();
 }

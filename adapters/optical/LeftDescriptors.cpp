@@ -6,20 +6,22 @@
 
 #include <cstdlib>
 #include <memory>
+#include <string>
 
 namespace quarner {
 
 LeftDescriptors::LeftDescriptors(const struct stat& file) : _file(file), _before(open()) {}
 
+/// By the names of the descriptors: those of other threads may be closed at any moment.
 std::set<int> LeftDescriptors::open() const {
     std::set<int> found;
-    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir("/proc/self/fd"), closedir);
+    const std::string place = "/proc/self/fd";
+    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(place.c_str()), closedir);
     while (const dirent* entry = folder ? readdir(folder.get()) : nullptr) {
         struct stat file = {};
-        const int descriptor = std::atoi(entry->d_name);
-        if (entry->d_name[0] != '.' && fstat(descriptor, &file) == 0 &&
+        if (stat((place + '/' + entry->d_name).c_str(), &file) == 0 &&
             file.st_dev == _file.st_dev && file.st_ino == _file.st_ino)
-            found.insert(descriptor);
+            found.insert(std::atoi(entry->d_name));
     }
     return found;
 }

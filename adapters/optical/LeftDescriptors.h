@@ -19,8 +19,8 @@ public:
 private:
     std::set<int> open() const;
 
-    const struct stat _file;
-    const std::set<int> _before;
+    struct stat _file;
+    std::set<int> _before;
 };
 
 } // namespace quarner
