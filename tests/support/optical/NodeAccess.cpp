@@ -176,15 +176,19 @@ QUARNER_EXPORT int close(int descriptor) {
                                  [=] { return following<int (*)(int)>("close")(descriptor); });
 }
 
+QUARNER_EXPORT int access(const char* path, int mode) {
+    if (mode != F_OK && quarner::isDenied(path)) {
+        errno = EACCES;
+        return -1;
+    }
+    return following<int (*)(const char*, int)>("access")(path, mode);
+}
+
 /// The test bed knows only the older `access`.
 QUARNER_EXPORT int faccessat(int folder, const char* path, int mode, int flags) {
     using Check = int (*)(int, const char*, int, int);
     if (folder != AT_FDCWD)
         return following<Check>("faccessat")(folder, path, mode, flags);
-    if (mode != F_OK && quarner::isDenied(path)) {
-        errno = EACCES;
-        return -1;
-    }
     return access(path, mode);
 }
 }
