@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <gmock/gmock.h>
 
-#include <array>
+#include <atomic>
 
 #include "quarner/platform/DRKeys.h"
 #include "tests/optical/DriveStage.h"
@@ -39,6 +39,25 @@ protected:
         recorder->setFaults(faults);
         auto log = burn(layout());
         recorder->setFaults({});
+        return log;
+    }
+
+    /// Cancels the burn while the fourth of these commands is carried out; from then on each
+    /// command takes its time.
+    std::unique_ptr<BurnLog> burnAndCancelAtFourth(std::uint8_t operation) {
+        const auto burning = makeBurn();
+        auto log = observe(burning);
+        std::atomic<int> seen = 0;
+        recorder->setCommandHook([&](std::uint8_t sent) {
+            if (sent != operation || ++seen != 4)
+                return;
+            burning->abort();
+            recorder->setDelay(std::chrono::milliseconds(20));
+        });
+        burning->writeLayout(layout());
+        EXPECT_TRUE(loops->runUntil([&] { return log->isOver(); }));
+        recorder->setDelay({});
+        recorder->setCommandHook({});
         return log;
     }
 
@@ -178,28 +197,15 @@ TEST_P(DriveFault, ACancelBeforeTheFirstSectorLeavesTheDiscBlank) {
 }
 
 TEST_P(DriveFault, ACancelInTheMiddleOfATrackStopsTheDrive) {
-    recorder->setDelay(std::chrono::milliseconds(5));
-    const auto burning = makeBurn();
-    const auto log = observe(burning);
-    burning->writeLayout(layout());
-    loops->runUntil([&] { return countOf(operation::write) > 3; });
-    burning->abort();
-    ASSERT_TRUE(loops->runUntil([&] { return log->isOver(); }));
-    recorder->setDelay({});
+    const auto log = burnAndCancelAtFourth(operation::write);
     EXPECT_EQ(log->code(), codeOf(DRError::UserCanceled)) << log->info();
     EXPECT_LT(countOf(operation::write), 20U) << "no silence is written instead";
     expectAsGoodAsNew();
 }
 
 TEST_P(DriveFault, ACancelInTheMiddleOfTheVerificationIsNotKeptWaiting) {
-    recorder->setDelay(std::chrono::milliseconds(5));
     const std::uint8_t reading = GetParam() ? operation::readCD : operation::read;
-    const auto burning = makeBurn();
-    const auto log = observe(burning);
-    burning->writeLayout(layout());
-    loops->runUntil([&] { return countOf(reading) > 2; });
-    burning->abort();
-    ASSERT_TRUE(loops->runUntil([&] { return log->isOver(); }));
+    const auto log = burnAndCancelAtFourth(reading);
     EXPECT_EQ(log->code(), codeOf(DRError::UserCanceled)) << log->info();
     EXPECT_LT(countOf(reading), 20U);
     expectReleased();
