@@ -37,10 +37,11 @@ int openingError(const std::string& node, struct stat& file) {
 }
 
 BurnFailure failureOf(const std::string& node, int error) {
-    if (const std::optional<std::string> problem = accessProblem(node))
-        return {DRError::DeviceNotPermitted, *problem};
     const std::string text = node + ": " + std::generic_category().message(error);
     switch (error) {
+    case EACCES:
+    case EPERM:
+        return {DRError::DeviceNotPermitted, accessProblem(node).value_or(text)};
     case ENOENT:
     case ENXIO:
     case ENODEV:
