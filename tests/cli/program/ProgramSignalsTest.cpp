@@ -135,6 +135,15 @@ INSTANTIATE_TEST_SUITE_P(OfEveryKind, ProgramSignals,
 
 using ProgramWatching = HostFixture;
 
+TEST_F(ProgramWatching, EndsInOrderWithACtrlCThatComesBeforeItHasBegun) {
+    HostSettings early;
+    early.environment.insert(early.environment.end(), {"LD_PRELOAD=" INTERRUPT_AT_START,
+                                                       "ASAN_OPTIONS=verify_asan_link_order=0"});
+    const HostEnd end = run({"watch", "--json"}, early);
+    EXPECT_EQ(end.status, 130);
+    EXPECT_EQ(end.out, "{\"event\":\"exit\",\"status\":130}\n"); // not what a signal leaves
+}
+
 TEST_F(ProgramWatching, EndsWithCtrlC) {
     HostProgram program({"watch"}, here());
     ASSERT_TRUE(program.waitForOutput("There is no drive yet."));
