@@ -26,7 +26,8 @@ function(quarner_sanitizer_options VARIABLE OPTIONS FILE)
   endif()
   set(QUARNER_TEST_ENVIRONMENT ${QUARNER_TEST_ENVIRONMENT} ${VARIABLE}=${OPTIONS} PARENT_SCOPE)
 endfunction()
-quarner_sanitizer_options(TSAN_OPTIONS halt_on_error=1:second_deadlock_stack=1 tsan.supp)
+quarner_sanitizer_options(TSAN_OPTIONS halt_on_error=1:second_deadlock_stack=1:atexit_sleep_ms=100
+                         tsan.supp)
 quarner_sanitizer_options(LSAN_OPTIONS print_suppressions=0 lsan.supp)
 
 # quarner_objects(NAME [DEPENDS target...] [FOLDERS folder...])
