@@ -98,10 +98,10 @@ public:
             drive = _infos[0].drive;
     }
     ~Library() {
-        if (drive != nullptr) {
+        if (drive != nullptr)
             burn_drive_release(drive, 0);
+        if (_infos != nullptr)
             burn_drive_info_free(_infos);
-        }
         burn_finish();
     }
     Library(const Library&) = delete;
