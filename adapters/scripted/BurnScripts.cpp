@@ -39,17 +39,20 @@ private:
         BurnRecord record = {.speed = _story.speed,
                              .track = static_cast<std::int64_t>(index) + 1,
                              .of = static_cast<std::int64_t>(_layout.size())};
-        const auto say = [&](const char* state, double blocks) {
+        const auto say = [&](const char* state, std::optional<double> fraction = std::nullopt) {
             record.state = state;
-            record.fraction = partOf(blocks, static_cast<double>(_blocks));
+            record.fraction = fraction;
             add(record);
         };
+        const auto part = [&](double blocks) {
+            return partOf(blocks, static_cast<double>(_blocks));
+        };
         const auto length = static_cast<double>(_layout[index]->estimateLength());
-        say(DRStatusStateTrackOpen, _written);
+        say(DRStatusStateTrackOpen);
         for (int i = 1; i <= _story.progressReports; ++i)
-            say(DRStatusStateTrackWrite, _written + length * i / _story.progressReports);
+            say(DRStatusStateTrackWrite, part(_written + length * i / _story.progressReports));
         _written += length;
-        say(DRStatusStateTrackClose, _written);
+        say(DRStatusStateTrackClose);
     }
 
     const BurnStory& _story;

@@ -82,6 +82,8 @@ void ScriptedBurn::begin(DRLayout layout) {
 }
 
 void ScriptedBurn::writeLayout(DRLayout layout) {
+    if (isStarted())
+        return;
     begin(std::move(layout));
     if (const auto drive = std::dynamic_pointer_cast<ScriptedDrive>(_device))
         drive->setBurn(weak_from_this());

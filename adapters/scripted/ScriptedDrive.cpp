@@ -104,7 +104,7 @@ std::optional<DRMSF> ScriptedDrive::mediaSpaceFree() const {
 }
 
 bool ScriptedDrive::ejectMedia() {
-    if (_stage->fails(ServiceCall::EjectMedia, displayName()) || isBurning())
+    if (_stage->fails(ServiceCall::EjectMedia, displayName()) || !mediaIsPresent() || isBurning())
         return false;
     change([](DriveScript& script) { script.disc.reset(); });
     return true;

@@ -47,12 +47,11 @@ TEST_P(BurnCommandTest, JsonTellsEveryCallbackInOrderAndEndsWithTheStatus) {
                                       "burnProgressDidStarted", "burnProgressIsPreparing",
                                       "burnProgressIsOpeningTrack", "burnProgressDidChanaged",
                                       "burnProgressIsWriteingTrack", "burnProgressDidChanaged",
-                                      "burnProgressIsWriteingTrack", "burnProgressDidChanaged",
-                                      "burnProgressDidCloseTrack", "burnProgressDidCloseSession",
-                                      "burnProgressIsFinishing", "burnProgressIsVerifying",
-                                      "burnProgressDidChanaged", "burnProgressIsVerifying",
-                                      "burnProgressDidChanaged", "burnProgressIsVerifying",
-                                      "burnProgressDidDone", "exit"));
+                                      "burnProgressIsWriteingTrack", "burnProgressDidCloseTrack",
+                                      "burnProgressDidCloseSession", "burnProgressIsFinishing",
+                                      "burnProgressIsVerifying", "burnProgressDidChanaged",
+                                      "burnProgressIsVerifying", "burnProgressDidChanaged",
+                                      "burnProgressIsVerifying", "burnProgressDidDone", "exit"));
 }
 
 TEST_P(BurnCommandTest, ARefusedFileKeepsTheBurnFromStarting) {

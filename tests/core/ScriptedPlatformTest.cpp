@@ -59,18 +59,18 @@ TEST_F(ScriptedPlatformTest, AddsAFileAndBurnsIt) {
     platform.lastBurn()->play();
     EXPECT_FALSE(drive->ejectMedia());
     finishRuns();
-    EXPECT_THAT(
-        delegate.calls(),
-        ElementsAre(
-            "addFilesProgressDidStarted", "addFilesProgressDidChanged(one.mp3, 1, 1)",
-            "fileDidAdded(/music/one.mp3)", "addFilesProgressDidEnd", "burnProgressDidStarted",
-            "burnProgressIsPreparing", "burnProgressIsOpeningTrack(1, 1)",
-            "burnProgressDidChanaged(0.5, 0)", "burnProgressIsWriteingTrack(1, 1)",
-            "burnProgressDidChanaged(1, 0)", "burnProgressIsWriteingTrack(1, 1)",
-            "burnProgressDidChanaged(1, 0)", "burnProgressDidCloseTrack(1, 1)",
-            "burnProgressDidCloseSession", "burnProgressIsFinishing", "burnProgressIsVerifying",
-            "burnProgressDidChanaged(0.5, 0)", "burnProgressIsVerifying",
-            "burnProgressDidChanaged(1, 0)", "burnProgressIsVerifying", "burnProgressDidDone"));
+    EXPECT_THAT(delegate.calls(),
+                ElementsAre("addFilesProgressDidStarted",
+                            "addFilesProgressDidChanged(one.mp3, 1, 1)",
+                            "fileDidAdded(/music/one.mp3)", "addFilesProgressDidEnd",
+                            "burnProgressDidStarted", "burnProgressIsPreparing",
+                            "burnProgressIsOpeningTrack(1, 1)", "burnProgressDidChanaged(0.5, 0)",
+                            "burnProgressIsWriteingTrack(1, 1)", "burnProgressDidChanaged(1, 0)",
+                            "burnProgressIsWriteingTrack(1, 1)", "burnProgressDidCloseTrack(1, 1)",
+                            "burnProgressDidCloseSession", "burnProgressIsFinishing",
+                            "burnProgressIsVerifying", "burnProgressDidChanaged(0.5, 0)",
+                            "burnProgressIsVerifying", "burnProgressDidChanaged(1, 0)",
+                            "burnProgressIsVerifying", "burnProgressDidDone"));
     EXPECT_TRUE(drive->ejectMedia());
 }
 

@@ -28,25 +28,6 @@ TEST_P(RecorderBurn, ABurnTellsOfEveryStepInOrderAndEndsDone) {
     EXPECT_EQ(log->states(), steps) << log->info();
 }
 
-TEST_P(RecorderBurn, TheDiscHoldsEverySourceWhole) {
-    const auto burn = makeBurn();
-    const auto log = observe(burn);
-    burn->writeLayout(makeLayout({588 * 310 + 1, 1, 588 * 300}));
-    ASSERT_TRUE(runToEnd(*log));
-    ASSERT_TRUE(log->isDone()) << log->info();
-    EXPECT_TRUE(stage->contentsOnDisc() == stage->expectedContentsOf(paths));
-}
-
-TEST_P(RecorderBurn, NoRecordComesBeforeTheCallerIsBackInItsRunLoop) {
-    const auto burn = makeBurn();
-    const auto log = observe(burn);
-    burn->writeLayout({});
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    EXPECT_TRUE(log->records().empty());
-    ASSERT_TRUE(runToEnd(*log));
-    EXPECT_EQ(log->code(), codeOf(DRError::EmptyLayout));
-}
-
 TEST_P(RecorderBurn, RecordsComeOnTheThreadThatStartedTheBurn) {
     std::thread([this] {
         const auto burn = makeBurn();
@@ -77,41 +58,6 @@ TEST_P(RecorderBurn, TheFractionRisesToOneInEachPhase) {
     EXPECT_EQ(std::count(all.begin(), all.end(), 1.0), 2) << "no other state tells it again";
 }
 
-TEST_P(RecorderBurn, TheSpeedIsTheBlocksOfASecond) {
-    const auto burn = makeBurn();
-    const auto log = observe(burn);
-    const auto start = std::chrono::steady_clock::now();
-    burn->writeLayout(makeLayout({588 * 3000}));
-    ASSERT_TRUE(runToEnd(*log));
-    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
-    const Dictionary& last = log->records().at(log->records().size() - 2);
-    ASSERT_EQ(BurnLog::stateOf(last), DRStatusStateVerifying);
-    EXPECT_GE(valueFor(last, DRStatusCurrentSpeedKey).asDouble(),
-              static_cast<double>(stage->blocksOnDisc()) / took.count())
-        << "a part of the burn is not slower than the whole";
-}
-
-TEST_P(RecorderBurn, WithoutVerificationTheDiscIsNotReadBack) {
-    const auto burn = makeBurn();
-    const auto log = observe(burn);
-    burn->setProperties({{DRBurnVerifyDiscKey, false}});
-    burn->writeLayout(makeLayout({1000}));
-    ASSERT_TRUE(runToEnd(*log));
-    EXPECT_TRUE(log->isDone()) << log->info();
-    EXPECT_EQ(log->count(DRStatusStateVerifying), 0U);
-}
-
-TEST_P(RecorderBurn, ABurnGoesOnWhenNobodyHoldsItAnyMore) {
-    auto burn = makeBurn();
-    const auto log = observe(burn);
-    burn->writeLayout(makeLayout({588 * 1000}));
-    const std::weak_ptr<DRBurn> held = burn;
-    burn.reset();
-    ASSERT_TRUE(runToEnd(*log));
-    EXPECT_TRUE(log->isDone()) << log->info();
-    EXPECT_TRUE(stage->loops().runUntil([&] { return held.expired(); }));
-}
-
 TEST_P(RecorderBurn, ASecondLayoutForTheSameBurnIsIgnored) {
     const auto burn = makeBurn();
     const auto log = observe(burn);
@@ -124,7 +70,63 @@ TEST_P(RecorderBurn, ASecondLayoutForTheSameBurnIsIgnored) {
     EXPECT_THAT(log->states(), Not(testing::Contains("TrackOpen 1/2")));
 }
 
-TEST_P(RecorderBurn, ShuttingDownEndsABurnThatIsUnderWay) {
+class RecorderWriting : public WritingRecorder {};
+
+TEST_P(RecorderWriting, TheDiscHoldsEverySourceWhole) {
+    const auto burn = makeBurn();
+    const auto log = observe(burn);
+    burn->writeLayout(makeLayout({588 * 310 + 1, 1, 588 * 300}));
+    ASSERT_TRUE(runToEnd(*log));
+    ASSERT_TRUE(log->isDone()) << log->info();
+    EXPECT_TRUE(writing.contentsOnDisc() == writing.expectedContentsOf(paths));
+}
+
+TEST_P(RecorderWriting, NoRecordComesBeforeTheCallerIsBackInItsRunLoop) {
+    const auto burn = makeBurn();
+    const auto log = observe(burn);
+    burn->writeLayout({});
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_TRUE(log->records().empty());
+    ASSERT_TRUE(runToEnd(*log));
+    EXPECT_EQ(log->code(), codeOf(DRError::EmptyLayout));
+}
+
+TEST_P(RecorderWriting, TheSpeedIsTheBlocksOfASecond) {
+    const auto burn = makeBurn();
+    const auto log = observe(burn);
+    const auto start = std::chrono::steady_clock::now();
+    burn->writeLayout(makeLayout({588 * 3000}));
+    ASSERT_TRUE(runToEnd(*log));
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+    const Dictionary& last = log->records().at(log->records().size() - 2);
+    ASSERT_EQ(BurnLog::stateOf(last), DRStatusStateVerifying);
+    EXPECT_GE(valueFor(last, DRStatusCurrentSpeedKey).asDouble(),
+              static_cast<double>(writing.blocksOnDisc()) / took.count())
+        << "a part of the burn is not slower than the whole";
+}
+
+TEST_P(RecorderWriting, WithoutVerificationTheDiscIsNotReadBack) {
+    const auto burn = makeBurn();
+    const auto log = observe(burn);
+    burn->setProperties({{DRBurnVerifyDiscKey, false}});
+    burn->writeLayout(makeLayout({1000}));
+    ASSERT_TRUE(runToEnd(*log));
+    EXPECT_TRUE(log->isDone()) << log->info();
+    EXPECT_EQ(log->count(DRStatusStateVerifying), 0U);
+}
+
+TEST_P(RecorderWriting, ABurnGoesOnWhenNobodyHoldsItAnyMore) {
+    auto burn = makeBurn();
+    const auto log = observe(burn);
+    burn->writeLayout(makeLayout({588 * 1000}));
+    const std::weak_ptr<DRBurn> held = burn;
+    burn.reset();
+    ASSERT_TRUE(runToEnd(*log));
+    EXPECT_TRUE(log->isDone()) << log->info();
+    EXPECT_TRUE(stage->loops().runUntil([&] { return held.expired(); }));
+}
+
+TEST_P(RecorderWriting, ShuttingDownEndsABurnThatIsUnderWay) {
     const auto burn = makeBurn();
     const auto log = observe(burn);
     burn->writeLayout(makeLayout({588 * 4000}));
@@ -135,6 +137,7 @@ TEST_P(RecorderBurn, ShuttingDownEndsABurnThatIsUnderWay) {
 }
 
 INSTANTIATE_RECORDER_SUITE(RecorderBurn);
+INSTANTIATE_WRITING_SUITE(RecorderWriting);
 
 } // namespace
 } // namespace quarner

@@ -37,13 +37,6 @@ private:
 
 class RecorderDrive : public Recorder {
 protected:
-    void burnOneSource() {
-        const auto burn = makeBurn();
-        const auto log = observe(burn);
-        burn->writeLayout(makeLayout({588 * 400}));
-        ASSERT_TRUE(runToEnd(*log));
-        ASSERT_TRUE(log->isDone()) << log->info();
-    }
     DRDevice& drive() { return *stage->drive(); }
 };
 
@@ -73,25 +66,6 @@ TEST_P(RecorderDrive, ListsItsSpeedsInAscendingOrder) {
     }));
 }
 
-TEST_P(RecorderDrive, WithAWrittenDiscTellsWhatIsOnItAndTakesNoMore) {
-    burnOneSource();
-    EXPECT_TRUE(drive().mediaIsPresent());
-    EXPECT_FALSE(drive().mediaIsBlank());
-    EXPECT_FALSE(drive().mediaIsAppendable());
-    EXPECT_FALSE(drive().mediaIsOverwritable());
-    EXPECT_EQ(drive().mediaSpaceUsed(),
-              DRMSF::msfWithFrames(static_cast<std::uint32_t>(stage->blocksOnDisc())));
-    EXPECT_EQ(drive().mediaSpaceFree(), DRMSF::msf());
-    EXPECT_EQ(valueFor(mediaOf(drive()), DRDeviceMediaBlocksUsedKey).asUInt64(),
-              stage->blocksOnDisc());
-    EXPECT_EQ(valueFor(mediaOf(drive()), DRDeviceMediaBlocksFreeKey).asUInt64(), 0U);
-    const auto burn = makeBurn();
-    const auto log = observe(burn);
-    burn->writeLayout(makeLayout({1000}));
-    ASSERT_TRUE(runToEnd(*log));
-    EXPECT_EQ(log->code(), codeOf(DRError::MediaNotWritable));
-}
-
 TEST_P(RecorderDrive, WithoutADiscKnowsNothingOfIt) {
     ASSERT_TRUE(drive().ejectMedia());
     EXPECT_FALSE(drive().ejectMedia());
@@ -103,7 +77,49 @@ TEST_P(RecorderDrive, WithoutADiscKnowsNothingOfIt) {
     EXPECT_TRUE(mediaOf(drive()).empty());
 }
 
-TEST_P(RecorderDrive, TakesANewBlankAfterTheWrittenDiscIsOut) {
+TEST_P(RecorderDrive, ThatIsPluggedInIsAnnouncedAndListedLast) {
+    const DriveLog appeared(service()->currentRunLoopCenter(), DRDeviceAppearedNotification);
+    stage->loops().runPending();
+    stage->plugAnother();
+    stage->loops().runPending();
+    ASSERT_EQ(service()->devices().size(), 2U);
+    EXPECT_EQ(service()->devices()[0], stage->drive());
+    ASSERT_FALSE(appeared.objects.empty());
+    EXPECT_EQ(appeared.objects.back(), service()->devices()[1]);
+}
+
+class RecorderWritingDrive : public WritingRecorder {
+protected:
+    void burnOneSource() {
+        const auto burn = makeBurn();
+        const auto log = observe(burn);
+        burn->writeLayout(makeLayout({588 * 400}));
+        ASSERT_TRUE(runToEnd(*log));
+        ASSERT_TRUE(log->isDone()) << log->info();
+    }
+    DRDevice& drive() { return *stage->drive(); }
+};
+
+TEST_P(RecorderWritingDrive, WithAWrittenDiscTellsWhatIsOnItAndTakesNoMore) {
+    burnOneSource();
+    EXPECT_TRUE(drive().mediaIsPresent());
+    EXPECT_FALSE(drive().mediaIsBlank());
+    EXPECT_FALSE(drive().mediaIsAppendable());
+    EXPECT_FALSE(drive().mediaIsOverwritable());
+    EXPECT_EQ(drive().mediaSpaceUsed(),
+              DRMSF::msfWithFrames(static_cast<std::uint32_t>(writing.blocksOnDisc())));
+    EXPECT_EQ(drive().mediaSpaceFree(), DRMSF::msf());
+    EXPECT_EQ(valueFor(mediaOf(drive()), DRDeviceMediaBlocksUsedKey).asUInt64(),
+              writing.blocksOnDisc());
+    EXPECT_EQ(valueFor(mediaOf(drive()), DRDeviceMediaBlocksFreeKey).asUInt64(), 0U);
+    const auto burn = makeBurn();
+    const auto log = observe(burn);
+    burn->writeLayout(makeLayout({1000}));
+    ASSERT_TRUE(runToEnd(*log));
+    EXPECT_EQ(log->code(), codeOf(DRError::MediaNotWritable));
+}
+
+TEST_P(RecorderWritingDrive, TakesANewBlankAfterTheWrittenDiscIsOut) {
     burnOneSource();
     ASSERT_TRUE(drive().ejectMedia());
     stage->insertBlank();
@@ -112,7 +128,7 @@ TEST_P(RecorderDrive, TakesANewBlankAfterTheWrittenDiscIsOut) {
     EXPECT_FALSE(drive().mediaIsBlank());
 }
 
-TEST_P(RecorderDrive, TellsOfEveryChangeOfItsDisc) {
+TEST_P(RecorderWritingDrive, TellsOfEveryChangeOfItsDisc) {
     const DriveLog changes(service()->currentRunLoopCenter(), DRDeviceStatusChangedNotification);
     const auto countAfter = [&](const std::function<void()>& change) {
         const std::size_t before = changes.objects.size();
@@ -128,7 +144,7 @@ TEST_P(RecorderDrive, TellsOfEveryChangeOfItsDisc) {
         EXPECT_EQ(object, stage->drive());
 }
 
-TEST_P(RecorderDrive, IsWrittenWhenTheBurnSaysDone) {
+TEST_P(RecorderWritingDrive, IsWrittenWhenTheBurnSaysDone) {
     const auto burn = makeBurn();
     const auto log = observe(burn);
     bool wasBlank = true;
@@ -141,7 +157,7 @@ TEST_P(RecorderDrive, IsWrittenWhenTheBurnSaysDone) {
     EXPECT_FALSE(wasBlank);
 }
 
-TEST_P(RecorderDrive, RefusesToEjectAndASecondBurnWhileItBurns) {
+TEST_P(RecorderWritingDrive, RefusesToEjectAndASecondBurnWhileItBurns) {
     stage->loops().setInStep(true);
     const auto burn = makeBurn();
     const auto log = observe(burn);
@@ -165,7 +181,7 @@ TEST_P(RecorderDrive, RefusesToEjectAndASecondBurnWhileItBurns) {
     EXPECT_TRUE(log->isDone()) << log->info();
 }
 
-TEST_P(RecorderDrive, ThatIsUnpluggedInMidBurnFailsTheBurnAndHasNoDisc) {
+TEST_P(RecorderWritingDrive, ThatIsUnpluggedInMidBurnFailsTheBurnAndHasNoDisc) {
     stage->loops().setInStep(true);
     const auto burn = makeBurn();
     const auto log = observe(burn);
@@ -185,18 +201,8 @@ TEST_P(RecorderDrive, ThatIsUnpluggedInMidBurnFailsTheBurnAndHasNoDisc) {
     EXPECT_TRUE(service()->devices().empty());
 }
 
-TEST_P(RecorderDrive, ThatIsPluggedInIsAnnouncedAndListedLast) {
-    const DriveLog appeared(service()->currentRunLoopCenter(), DRDeviceAppearedNotification);
-    stage->loops().runPending();
-    stage->plugAnother();
-    stage->loops().runPending();
-    ASSERT_EQ(service()->devices().size(), 2U);
-    EXPECT_EQ(service()->devices()[0], stage->drive());
-    ASSERT_FALSE(appeared.objects.empty());
-    EXPECT_EQ(appeared.objects.back(), service()->devices()[1]);
-}
-
 INSTANTIATE_RECORDER_SUITE(RecorderDrive);
+INSTANTIATE_WRITING_SUITE(RecorderWritingDrive);
 
 } // namespace
 } // namespace quarner

@@ -6,9 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "adapters/runloop/RunLoopCenter.h"
 #include "quarner/platform/RecordingService.h"
-#include "tests/recorder/StepLoops.h"
+#include "tests/recorder/TurnedLoops.h"
 
 namespace quarner {
 
@@ -24,23 +23,13 @@ public:
     RecorderStage& operator=(const RecorderStage&) = delete;
 
     virtual std::shared_ptr<RecordingService> service() = 0;
-    virtual StepLoops& loops() = 0;
+    virtual TurnedLoops& loops() = 0;
     virtual std::shared_ptr<DRDevice> drive() = 0;
 
     /// A new file of so many stereo samples, four bytes each.
     virtual std::string makeSource(std::uint64_t pairs) = 0;
     /// A disc of these files, in this order.
     virtual DRLayout layoutOf(const Paths& paths) = 0;
-    /// The layout of a disc that takes so many blocks.
-    virtual DRLayout layoutOfBlocks(std::uint32_t blocks) = 0;
-    /// The layout of a disc whose size no 32 bits hold.
-    virtual DRLayout hugeLayout() = 0;
-
-    /// What the disc in the drive holds of each source, in the order in which they were made.
-    virtual std::vector<std::string> contentsOnDisc() = 0;
-    /// What it must hold of a source.
-    virtual std::string expectedContentOf(const std::string& path) = 0;
-    virtual std::uint64_t blocksOnDisc() = 0;
 
     virtual void insertBlank() = 0;
     virtual void unplug() = 0;
@@ -51,6 +40,21 @@ public:
     virtual bool sparesDiscs() const = 0;
     /// Drops the recorder, as the end of the process does.
     virtual void shutDown() = 0;
+};
+
+/// A recorder that reads files from disk and writes sectors.
+class WritingStage : public RecorderStage {
+public:
+    /// The layout of a disc that takes so many blocks.
+    virtual DRLayout layoutOfBlocks(std::uint32_t blocks) = 0;
+    /// The layout of a disc whose size no 32 bits hold.
+    virtual DRLayout hugeLayout() = 0;
+
+    /// What the disc in the drive holds of each source, in the order in which they were made.
+    virtual std::vector<std::string> contentsOnDisc() = 0;
+    /// What it must hold of a source.
+    virtual std::string expectedContentOf(const std::string& path) = 0;
+    virtual std::uint64_t blocksOnDisc() = 0;
 
     std::vector<std::string> expectedContentsOf(const Paths& paths) {
         std::vector<std::string> contents;

@@ -46,16 +46,23 @@ protected:
     Paths paths;
 };
 
+/// What every recorder must do that reads files from disk and writes sectors.
+class WritingRecorder : public Recorder {
+protected:
+    WritingStage& writing = dynamic_cast<WritingStage&>(*stage);
+};
+
 /// The recorders that the suite is for: one line for each.
 std::vector<RecorderChoice> recorders();
-/// Those of them for audio discs, and for data discs.
-std::vector<RecorderChoice> audioRecorders();
-std::vector<RecorderChoice> dataRecorders();
+/// Those of them that read files from disk and write sectors, and of these those for audio discs.
+std::vector<RecorderChoice> writingRecorders();
+std::vector<RecorderChoice> audioWritingRecorders();
 
 /// Instantiates a part of the suite for a choice of recorders, named after them.
 #define INSTANTIATE_RECORDER_SUITE_FOR(choice, Suite)                                              \
     INSTANTIATE_TEST_SUITE_P(, Suite, testing::ValuesIn(choice),                                   \
                              [](const auto& tested) { return tested.param.name; })
 #define INSTANTIATE_RECORDER_SUITE(Suite) INSTANTIATE_RECORDER_SUITE_FOR(recorders(), Suite)
+#define INSTANTIATE_WRITING_SUITE(Suite) INSTANTIATE_RECORDER_SUITE_FOR(writingRecorders(), Suite)
 
 } // namespace quarner

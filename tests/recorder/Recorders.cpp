@@ -3,23 +3,26 @@
 #include "tests/recorder/IsoStage.h"
 #include "tests/recorder/OpticalStage.h"
 #include "tests/recorder/RecorderTest.h"
+#include "tests/recorder/ScriptedRecorderStage.h"
 
 namespace quarner {
 
-std::vector<RecorderChoice> audioRecorders() {
+std::vector<RecorderChoice> audioWritingRecorders() {
     return {{"Image", [] { return std::make_unique<CueStage>(); }},
             {"Optical", [] { return std::make_unique<AudioOpticalStage>(); }}};
 }
 
-std::vector<RecorderChoice> dataRecorders() {
-    return {{"DataImage", [] { return std::make_unique<IsoStage>(); }},
-            {"DataOptical", [] { return std::make_unique<DataOpticalStage>(); }}};
+std::vector<RecorderChoice> writingRecorders() {
+    std::vector<RecorderChoice> all = audioWritingRecorders();
+    all.push_back({"DataImage", [] { return std::make_unique<IsoStage>(); }});
+    all.push_back({"DataOptical", [] { return std::make_unique<DataOpticalStage>(); }});
+    return all;
 }
 
 std::vector<RecorderChoice> recorders() {
-    std::vector<RecorderChoice> all = audioRecorders();
-    for (const RecorderChoice& choice : dataRecorders())
-        all.push_back(choice);
+    std::vector<RecorderChoice> all = writingRecorders();
+    all.push_back({"Scripted", [] { return std::make_unique<AudioScriptedStage>(); }});
+    all.push_back({"DataScripted", [] { return std::make_unique<DataScriptedStage>(); }});
     return all;
 }
 

@@ -15,7 +15,17 @@ using testing::HasSubstr;
 
 constexpr std::uint32_t blocksOf80Minutes = 359'847;
 
-class RecorderRefusal : public Recorder {
+class RecorderRefusal : public Recorder {};
+
+TEST_P(RecorderRefusal, WithoutADrive) {
+    const auto burn = service()->burnForDevice(nullptr);
+    const auto log = observe(burn);
+    burn->writeLayout(makeLayout({1000}));
+    ASSERT_TRUE(runToEnd(*log));
+    EXPECT_EQ(log->code(), codeOf(DRError::DeviceVanished));
+}
+
+class RecorderWritingRefusal : public WritingRecorder {
 protected:
     /// Burns a layout and answers the code of its failure.
     std::uint32_t codeFor(const DRLayout& layout) {
@@ -31,63 +41,57 @@ protected:
     std::string info;
 };
 
-TEST_P(RecorderRefusal, OfAnEmptyLayout) { EXPECT_EQ(codeFor({}), codeOf(DRError::EmptyLayout)); }
+TEST_P(RecorderWritingRefusal, OfAnEmptyLayout) {
+    EXPECT_EQ(codeFor({}), codeOf(DRError::EmptyLayout));
+}
 
-TEST_P(RecorderRefusal, OfOneBlockTooMany) {
-    EXPECT_EQ(codeFor(stage->layoutOfBlocks(blocksOf80Minutes + 1)),
+TEST_P(RecorderWritingRefusal, OfOneBlockTooMany) {
+    EXPECT_EQ(codeFor(writing.layoutOfBlocks(blocksOf80Minutes + 1)),
               codeOf(DRError::MediaTooSmall));
 }
 
-TEST_P(RecorderRefusal, NotOfALayoutThatFillsTheDisc) {
+TEST_P(RecorderWritingRefusal, NotOfALayoutThatFillsTheDisc) {
     const auto burn = makeBurn();
     const auto log = observe(burn);
     log->onRecord = [&](const Dictionary& record) {
         if (BurnLog::stateOf(record) == DRStatusStateSessionOpen)
             burn->abort();
     };
-    burn->writeLayout(stage->layoutOfBlocks(blocksOf80Minutes));
+    burn->writeLayout(writing.layoutOfBlocks(blocksOf80Minutes));
     ASSERT_TRUE(runToEnd(*log));
     EXPECT_EQ(log->code(), codeOf(DRError::UserCanceled)) << log->info();
 }
 
-TEST_P(RecorderRefusal, OfASizeBeyond32Bits) {
-    EXPECT_EQ(codeFor(stage->hugeLayout()), codeOf(DRError::MediaTooSmall));
+TEST_P(RecorderWritingRefusal, OfASizeBeyond32Bits) {
+    EXPECT_EQ(codeFor(writing.hugeLayout()), codeOf(DRError::MediaTooSmall));
 }
 
-TEST_P(RecorderRefusal, WithoutADisc) {
+TEST_P(RecorderWritingRefusal, WithoutADisc) {
     ASSERT_TRUE(stage->drive()->ejectMedia());
     EXPECT_EQ(codeFor(makeLayout({1000})), codeOf(DRError::MediaNotPresent));
 }
 
-TEST_P(RecorderRefusal, WithoutADrive) {
-    const auto burn = service()->burnForDevice(nullptr);
-    const auto log = observe(burn);
-    burn->writeLayout(makeLayout({1000}));
-    ASSERT_TRUE(runToEnd(*log));
-    EXPECT_EQ(log->code(), codeOf(DRError::DeviceVanished));
-}
-
-TEST_P(RecorderRefusal, OnADriveThatIsUnplugged) {
+TEST_P(RecorderWritingRefusal, OnADriveThatIsUnplugged) {
     const DRLayout layout = makeLayout({1000});
     stage->unplug();
     EXPECT_EQ(codeFor(layout), codeOf(DRError::DeviceVanished));
 }
 
-TEST_P(RecorderRefusal, OfASourceThatIsGone) {
+TEST_P(RecorderWritingRefusal, OfASourceThatIsGone) {
     const DRLayout layout = makeLayout({1000, 1000});
     std::filesystem::remove(paths[1]);
     EXPECT_EQ(codeFor(layout), codeOf(DRError::SourceMissing));
     EXPECT_THAT(info, HasSubstr(paths[1]));
 }
 
-TEST_P(RecorderRefusal, OfASourceThatShrank) {
+TEST_P(RecorderWritingRefusal, OfASourceThatShrank) {
     const DRLayout layout = makeLayout({1000, 1000});
     std::filesystem::resize_file(paths[1], 400);
     EXPECT_EQ(codeFor(layout), codeOf(DRError::SourceChanged));
     EXPECT_THAT(info, HasSubstr(paths[1]));
 }
 
-TEST_P(RecorderRefusal, OfASourceThatWasWrittenAnew) {
+TEST_P(RecorderWritingRefusal, OfASourceThatWasWrittenAnew) {
     const DRLayout layout = makeLayout({1000, 1000});
     const auto time = std::filesystem::last_write_time(paths[0]);
     std::filesystem::last_write_time(paths[0], time + std::chrono::nanoseconds(1));
@@ -112,7 +116,7 @@ private:
 };
 
 /// With a platform that keeps its log.
-class RecorderFailureLog : public RecorderRefusal {
+class RecorderFailureLog : public RecorderWritingRefusal {
 protected:
     RecorderFailureLog() { installPlatform({.log = kept}); }
     ~RecorderFailureLog() override { installPlatform({}); }
@@ -138,9 +142,10 @@ TEST_P(RecorderFailureLog, HasNothingOfACancellation) {
 }
 
 INSTANTIATE_RECORDER_SUITE(RecorderRefusal);
-INSTANTIATE_RECORDER_SUITE(RecorderFailureLog);
+INSTANTIATE_WRITING_SUITE(RecorderWritingRefusal);
+INSTANTIATE_WRITING_SUITE(RecorderFailureLog);
 
-class AudioRecorderRefusal : public RecorderRefusal {};
+class AudioRecorderRefusal : public RecorderWritingRefusal {};
 
 TEST_P(AudioRecorderRefusal, OfAHundredTracks) {
     EXPECT_EQ(codeFor(DRLayout(100, makeLayout({1000})[0])), codeOf(DRError::TooManyTracks));
@@ -152,7 +157,7 @@ TEST_P(AudioRecorderRefusal, OfATrackShorterThanItsSound) {
     EXPECT_EQ(codeFor({track}), codeOf(DRError::Internal));
 }
 
-INSTANTIATE_RECORDER_SUITE_FOR(audioRecorders(), AudioRecorderRefusal);
+INSTANTIATE_RECORDER_SUITE_FOR(audioWritingRecorders(), AudioRecorderRefusal);
 
 } // namespace
 } // namespace quarner

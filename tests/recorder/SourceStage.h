@@ -9,6 +9,7 @@
 
 #include "tests/recorder/RawSound.h"
 #include "tests/recorder/RecorderStage.h"
+#include "tests/recorder/StepLoops.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quarner {
@@ -22,7 +23,7 @@ inline std::string contentOf(const std::string& path) {
 }
 
 /// What the stages have in common: run loops turned by hand, and files of noise to burn.
-class SourceStage : public RecorderStage {
+class SourceStage : public WritingStage {
 public:
     StepLoops& loops() override { return *_loops; }
     DRLayout layoutOf(const Paths& paths) override { return layoutThrough(*service(), paths); }

@@ -10,13 +10,14 @@
 #include <thread>
 
 #include "adapters/runloop/RunLoopCenter.h"
+#include "tests/recorder/TurnedLoops.h"
 
 namespace quarner {
 
 /// Run loops that a test turns by hand. In step, whoever posts to one from another thread goes on
 /// only when the notification was delivered, so that a handler acts at exactly the moment that a
 /// record tells of.
-class StepLoops : public RunLoops {
+class StepLoops : public RunLoops, public TurnedLoops {
 public:
     std::shared_ptr<RunLoopCenter> currentCenter() override {
         const std::lock_guard lock(_mutex);
@@ -35,15 +36,17 @@ public:
             center->post(notification);
     }
 
-    void setInStep(bool isInStep) {
+    void setInStep(bool isInStep) override {
         const std::lock_guard lock(_mutex);
         _isInStep = isInStep;
         _changed.notify_all();
     }
 
-    /// Turns the loop of this thread until the condition holds; answers whether it came to hold.
-    bool runUntil(const std::function<bool()>& condition,
-                  std::chrono::seconds limit = std::chrono::seconds(60)) {
+    bool runUntil(const std::function<bool()>& condition) override {
+        return runUntil(condition, std::chrono::minutes(1));
+    }
+    /// The same with another limit.
+    bool runUntil(const std::function<bool()>& condition, std::chrono::seconds limit) {
         const auto center = currentCenter();
         const auto end = std::chrono::steady_clock::now() + limit;
         while (!condition() && std::chrono::steady_clock::now() < end)
@@ -51,8 +54,7 @@ public:
         return condition();
     }
 
-    /// Delivers what is waiting on this thread.
-    void runPending() {
+    void runPending() override {
         while (currentCenter()->deliverOne()) {
         }
     }

@@ -47,7 +47,7 @@ public:
     // --- DRBurn ---
 
     void setProperties(Dictionary properties) override;
-    /// Fails with `DRError::DeviceVanished` where there is no drive.
+    /// Fails with `DRError::DeviceVanished` where there is no drive. Ignored from the second on.
     void writeLayout(DRLayout layout) override;
     /// Sends a record of failure with `DRError::UserCanceled` if the burn is under way.
     void abort() override;

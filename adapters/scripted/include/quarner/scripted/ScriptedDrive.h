@@ -46,7 +46,7 @@ public:
     bool mediaIsOverwritable() const override;
     std::optional<DRMSF> mediaSpaceUsed() const override;
     std::optional<DRMSF> mediaSpaceFree() const override;
-    /// Refuses while a burn on this drive is under way.
+    /// Refuses without a disc, and while a burn on this drive is under way.
     bool ejectMedia() override;
 
 private:
