@@ -116,12 +116,15 @@ private:
         return text.str();
     }
     void keep(const std::string& text) {
+        std::function<void(const std::string&)> reaction;
         {
+            // Whoever has seen the call may set another reaction.
             const std::lock_guard lock(_mutex);
             _calls.push_back({text, std::this_thread::get_id()});
+            reaction = whenCalled;
         }
-        if (whenCalled)
-            whenCalled(text);
+        if (reaction)
+            reaction(text);
     }
     template <typename Kept>
     void keepIn(std::vector<Kept>& list, const Kept& kept) {

@@ -58,10 +58,14 @@ public:
     }
 
     /// The properties are the lines of a file of the device, from which events take them too.
+    /// Whoever reads it meanwhile sees all of the old ones, or of the new ones.
     void writeProperties(const std::string& name, const Properties& properties) {
-        std::ofstream file(root().string() + sysPathOf(name) + "/uevent");
+        const std::string path = root().string() + sysPathOf(name) + "/uevent";
+        std::ofstream file(path + ".new");
         for (const auto& [key, value] : properties)
             file << key << '=' << (key == "DEVNAME" ? name : value) << '\n';
+        file.close();
+        std::filesystem::rename(path + ".new", path);
     }
 
     /// Once for each name and for good: an open node whose calls nobody answers any more ends the
