@@ -15,6 +15,9 @@ namespace quarner {
 /// operation may be called on any thread.
 class EngineRecorder : public RecordingService {
 public:
+    /// Cancels the burns that are under way and waits for their end. Not on a burn's thread.
+    ~EngineRecorder() override;
+
     /// A burn on any drive that is a `BurnTarget`, whoever it belongs to.
     std::shared_ptr<DRBurn> burnForDevice(std::shared_ptr<DRDevice> device) override;
     std::shared_ptr<DRTrack> trackForAudioFile(const std::string& path) override;
@@ -26,8 +29,6 @@ protected:
     /// `dataDiscs` is null where no data discs are written.
     EngineRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<PCMService> pcm,
                    std::shared_ptr<DataDiscService> dataDiscs, Clock clock);
-    /// Cancels the burns that are under way and waits for their end. Not on a burn's thread.
-    ~EngineRecorder() override;
 
     const std::shared_ptr<RunLoops>& runLoops() const { return _runLoops; }
     /// Sends a notification of a drive to everybody who listens.

@@ -41,7 +41,7 @@ private:
 
 /// Blanks an erasable disc in the quick way; returns when the drive is idle. The drive cannot be
 /// stopped meanwhile. Throws `BurnFailure` when the disc is not blank afterwards.
-void blankDisc(const GrabbedDrive& drive);
+void blankDisc(const GrabbedDrive& grabbed);
 
 /// Writes at so many blocks per second, or as fast as drive and disc allow; reads as fast as it
 /// can.

@@ -32,9 +32,9 @@ void BurnLibrary::start() {
     if (burn::burn_initialize() == 0)
         throw BurnFailure(DRError::Internal, "libburn cannot be started");
     char queued[] = "WARNING";
-    char printed[] = "NEVER";
-    char prefix[] = "";
-    burn::burn_msgs_set_severities(queued, printed, prefix);
+    char onStderr[] = "NEVER";
+    char label[] = "";
+    burn::burn_msgs_set_severities(queued, onStderr, label);
 }
 
 void BurnLibrary::driveWasReleased() {

@@ -33,6 +33,6 @@ struct DiscFacts {
 class GrabbedDrive;
 
 /// Asks an open drive. What it does not tell stays 0 or empty.
-DiscFacts readDiscFacts(const GrabbedDrive& drive);
+DiscFacts readDiscFacts(const GrabbedDrive& grabbed);
 
 } // namespace quarner

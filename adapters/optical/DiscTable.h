@@ -10,6 +10,6 @@ namespace quarner {
 
 /// Asks the drive anew what is on its disc, and compares the table of contents with the plan of the
 /// one session that was written: empty when both agree, otherwise a text for the diagnostic log.
-std::string differenceFromPlan(const GrabbedDrive& drive, const DiscPlan& plan);
+std::string differenceFromPlan(const GrabbedDrive& grabbed, const DiscPlan& plan);
 
 } // namespace quarner

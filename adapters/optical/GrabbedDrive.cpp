@@ -72,7 +72,7 @@ GrabbedDrive::GrabbedDrive(const DriveRecord& record, std::chrono::milliseconds 
             return;
         const BurnFailure failure = failureOf(record.node, error == 0 ? EBUSY : error);
         if (failure.error() != DRError::DeviceBusy || std::chrono::steady_clock::now() >= end)
-            throw failure;
+            throw BurnFailure(failure);
         wait(retryInterval, stop);
     }
 }

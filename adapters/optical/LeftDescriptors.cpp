@@ -17,6 +17,7 @@ std::set<int> LeftDescriptors::open() const {
     std::set<int> found;
     const std::string place = "/proc/self/fd";
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(place.c_str()), closedir);
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread reads this folder object
     while (const dirent* entry = folder ? readdir(folder.get()) : nullptr) {
         struct stat file = {};
         if (stat((place + '/' + entry->d_name).c_str(), &file) == 0 &&

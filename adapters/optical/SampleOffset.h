@@ -25,7 +25,7 @@ public:
     /// The search goes from -mostSamples to +mostSamples; drives stay well within.
     static constexpr std::int64_t mostSamples = 1500;
     /// So much of the first sound is compared at each offset.
-    static constexpr std::int64_t soundSamples = 588 * 8;
+    static constexpr std::int64_t soundSamples = std::int64_t(588) * 8;
 
     /// Reads so many sectors as fit the buffer, from a sector on, which may lie a little before the
     /// disc's sector 0. Answers whether that worked.
