@@ -10,14 +10,9 @@
 #include <string>
 #include <thread>
 
-// The library's header wants these two before it.
-#include <stdint.h>
-#include <stdio.h>
-
-#include <libburn/libburn.h>
-
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/optical/BurnLibrary.h"
+#include "adapters/optical/Libburn.h"
 #include "quarner/platform/DRTrack.h"
 
 namespace quarner {
@@ -25,9 +20,6 @@ namespace {
 
 constexpr std::chrono::milliseconds pollInterval{10};
 
-struct DiscRelease {
-    void operator()(burn::burn_disc* disc) const { burn::burn_disc_free(disc); }
-};
 struct SessionRelease {
     void operator()(burn::burn_session* session) const { burn::burn_session_free(session); }
 };
@@ -40,7 +32,6 @@ struct SourceRelease {
 struct OptionsRelease {
     void operator()(burn::burn_write_opts* options) const { burn::burn_write_opts_free(options); }
 };
-using Disc = std::unique_ptr<burn::burn_disc, DiscRelease>;
 using SessionPart = std::unique_ptr<burn::burn_session, SessionRelease>;
 using Track = std::unique_ptr<burn::burn_track, TrackRelease>;
 using Source = std::unique_ptr<burn::burn_source, SourceRelease>;
@@ -57,23 +48,21 @@ struct Feed {
 Feed& feedOf(burn::burn_source* source) { return *static_cast<Feed*>(source->data); }
 
 // The library calls these on its own thread and tells by nothing but an unlocked flag that it has
-// come to its end. So each touches the feed first, and the lock of the pipe last: closing the pipe
-// is then what lets the feed be freed on another thread.
+// come to its end: that the thread has ended, which is what lets the feed be freed, is heard of by
+// touching `WritingThread`.
 
 int readFeed(burn::burn_source* source, unsigned char* buffer, int size) {
     Feed& feed = feedOf(source);
     feed.thread.touch();
     const std::size_t wanted = std::size_t(std::min<off_t>(size, feed.left));
-    feed.left -= off_t(wanted);
     const std::size_t count = feed.pipe.take({reinterpret_cast<std::byte*>(buffer), wanted});
+    feed.left -= off_t(count);
     return count < wanted ? -1 : int(count);
 }
 
 off_t sizeOfFeed(burn::burn_source* source) {
-    const off_t size = feedOf(source).size;
     feedOf(source).thread.touch();
-    feedOf(source).pipe.take({});
-    return size;
+    return feedOf(source).size;
 }
 
 int setSizeOfFeed(burn::burn_source*, off_t) { return 1; }
@@ -118,8 +107,8 @@ Track makeTrack(const DiscPlan& plan, std::size_t index, SectorPipe& pipe, Writi
     return track;
 }
 
-Disc makeDisc(const DiscPlan& plan, SectorPipe& pipe, WritingThread& thread) {
-    Disc disc = made(Disc(burn::burn_disc_create()));
+BurnDisc makeDisc(const DiscPlan& plan, SectorPipe& pipe, WritingThread& thread) {
+    BurnDisc disc = made(BurnDisc(burn::burn_disc_create()));
     const SessionPart session = made(SessionPart(burn::burn_session_create()));
     if (burn::burn_disc_add_session(disc.get(), session.get(), BURN_POS_END) == 0)
         throw std::bad_alloc();
@@ -159,7 +148,7 @@ public:
     void start() { burn::burn_disc_write(_options.get(), _disc.get()); }
 
 private:
-    const Disc _disc;
+    const BurnDisc _disc;
     const Options _options;
 };
 

@@ -5,13 +5,8 @@
 #include <utility>
 #include <vector>
 
-// The library's header wants these two before it.
-#include <stdint.h>
-#include <stdio.h>
-
-#include <libburn/libburn.h>
-
 #include "adapters/engine/BurnFailure.h"
+#include "adapters/optical/Libburn.h"
 #include "quarner/platform/Platform.h"
 
 namespace quarner {

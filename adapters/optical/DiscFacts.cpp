@@ -6,22 +6,14 @@
 #include <cmath>
 #include <memory>
 
-// The library's header wants these two before it.
-#include <stdint.h>
-#include <stdio.h>
-
-#include <libburn/libburn.h>
-
 #include "adapters/engine/DiscPlan.h"
 #include "adapters/optical/GrabbedDrive.h"
+#include "adapters/optical/Libburn.h"
 #include "quarner/platform/DRKeys.h"
 
 namespace quarner {
 namespace {
 
-struct DiscRelease {
-    void operator()(burn::burn_disc* disc) const { burn::burn_disc_free(disc); }
-};
 struct SpeedsRelease {
     void operator()(burn::burn_speed_descriptor* list) const {
         burn::burn_drive_free_speedlist(&list);
@@ -97,7 +89,7 @@ std::uint64_t blocks(std::int64_t count) { return std::uint64_t(std::max<std::in
 
 /// Where the lead-out of the last session begins.
 std::uint64_t endOfLastSession(burn::burn_drive* drive) {
-    const std::unique_ptr<burn::burn_disc, DiscRelease> disc(burn::burn_drive_get_disc(drive));
+    const BurnDisc disc(burn::burn_drive_get_disc(drive));
     int sessions = 0;
     burn::burn_session** const list =
         disc ? burn::burn_disc_get_sessions(disc.get(), &sessions) : nullptr;
@@ -105,9 +97,7 @@ std::uint64_t endOfLastSession(burn::burn_drive* drive) {
         return 0;
     burn::burn_toc_entry entry = {};
     burn::burn_session_get_leadout_entry(list[sessions - 1], &entry);
-    if ((entry.extensions_valid & 1) != 0)
-        return blocks(entry.start_lba);
-    return blocks(burn::burn_msf_to_lba(entry.pmin, entry.psec, entry.pframe));
+    return blocks(startOf(entry));
 }
 
 std::uint64_t readableBlocks(burn::burn_drive* drive) {

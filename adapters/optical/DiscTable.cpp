@@ -2,23 +2,13 @@
 #include "adapters/optical/DiscTable.h"
 
 #include <algorithm>
-#include <memory>
 #include <vector>
 
-// The library's header wants these two before it.
-#include <stdint.h>
-#include <stdio.h>
-
-#include <libburn/libburn.h>
-
+#include "adapters/optical/Libburn.h"
 #include "quarner/platform/DRTrack.h"
 
 namespace quarner {
 namespace {
-
-struct DiscRelease {
-    void operator()(burn::burn_disc* disc) const { burn::burn_disc_free(disc); }
-};
 
 /// A line of the table: where something begins, in sectors, and whether it is data.
 struct Line {
@@ -31,10 +21,7 @@ struct Line {
 
 Line lineOf(const burn::burn_toc_entry& entry) {
     constexpr unsigned dataBit = 4; // of the control field of sub-channel Q (Red Book)
-    const int start = (entry.extensions_valid & 1) != 0
-                          ? entry.start_lba
-                          : burn::burn_msf_to_lba(entry.pmin, entry.psec, entry.pframe);
-    return {start, (entry.control & dataBit) != 0};
+    return {startOf(entry), (entry.control & dataBit) != 0};
 }
 
 std::vector<Line> plannedLines(const DiscPlan& plan) {
@@ -82,7 +69,7 @@ std::string difference(const std::vector<Line>& written, const std::vector<Line>
 std::string differenceFromPlan(const GrabbedDrive& grabbed, const DiscPlan& plan) {
     burn::burn_drive* const drive = grabbed.handle();
     burn::burn_drive_re_assess(drive, 0);
-    const std::unique_ptr<burn::burn_disc, DiscRelease> disc(burn::burn_drive_get_disc(drive));
+    const BurnDisc disc(burn::burn_drive_get_disc(drive));
     int sessions = 0;
     burn::burn_session** const list =
         disc ? burn::burn_disc_get_sessions(disc.get(), &sessions) : nullptr;

@@ -6,14 +6,9 @@
 #include <thread>
 #include <utility>
 
-// The library's header wants these two before it.
-#include <stdint.h>
-#include <stdio.h>
-
-#include <libburn/libburn.h>
-
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/optical/DiscTable.h"
+#include "adapters/optical/Libburn.h"
 
 namespace quarner {
 namespace {
