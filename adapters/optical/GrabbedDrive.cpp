@@ -11,15 +11,10 @@
 #include <system_error>
 #include <utility>
 
-// The library's header wants these two before it.
-#include <stdint.h>
-#include <stdio.h>
-
-#include <libburn/libburn.h>
-
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/optical/AccessProblem.h"
 #include "adapters/optical/BurnLibrary.h"
+#include "adapters/optical/Libburn.h"
 
 namespace quarner {
 namespace {
@@ -27,11 +22,12 @@ namespace {
 constexpr std::chrono::milliseconds retryInterval{100};
 
 /// The error of opening a drive as libburn does, which does not tell its reasons; 0 when it opens,
-/// and what it is then.
-int openingError(const std::string& node, struct stat& file) {
+/// and the place of its file then.
+int openingError(const std::string& node, std::string& place) {
     const int descriptor = open(node.c_str(), O_RDWR | O_NONBLOCK | O_EXCL | O_CLOEXEC);
-    if (descriptor < 0 || fstat(descriptor, &file) != 0)
+    if (descriptor < 0)
         return errno;
+    place = LeftDescriptors::placeOf(descriptor);
     close(descriptor);
     return 0;
 }
@@ -66,9 +62,9 @@ GrabbedDrive::GrabbedDrive(const DriveRecord& record, std::chrono::milliseconds 
                            const StopSignal* stop) {
     const auto end = std::chrono::steady_clock::now() + patience;
     while (true) {
-        struct stat file = {};
-        const int error = openingError(record.node, file);
-        if (error == 0 && grab(record.node, file))
+        std::string place;
+        const int error = openingError(record.node, place);
+        if (error == 0 && grab(record.node, place))
             return;
         const BurnFailure failure = failureOf(record.node, error == 0 ? EBUSY : error);
         if (failure.error() != DRError::DeviceBusy || std::chrono::steady_clock::now() >= end)
@@ -77,11 +73,11 @@ GrabbedDrive::GrabbedDrive(const DriveRecord& record, std::chrono::milliseconds 
     }
 }
 
-bool GrabbedDrive::grab(const std::string& node, const struct stat& file) {
+bool GrabbedDrive::grab(const std::string& node, const std::string& place) {
     BurnLibrary& library = BurnLibrary::shared();
     {
         const std::lock_guard lock(library.drives());
-        const LeftDescriptors left(file);
+        const LeftDescriptors left(place);
         std::string address = node;
         if (burn::burn_drive_scan_and_grab(&_found, address.data(), 0) == 1) {
             _handle = _found->drive;

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include <sys/stat.h>
-
 #include <chrono>
 #include <memory>
 #include <string>
@@ -36,7 +34,7 @@ public:
     void ejectAtEnd() { _ejects = true; }
 
 private:
-    bool grab(const std::string& node, const struct stat& file);
+    bool grab(const std::string& node, const std::string& place);
 
     burn::burn_drive_info* _found = nullptr;
     burn::burn_drive* _handle = nullptr;

@@ -1,28 +1,43 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/optical/LeftDescriptors.h"
 
-#include <dirent.h>
 #include <unistd.h>
 
 #include <cstdlib>
-#include <memory>
-#include <string>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+#include <utility>
 
 namespace quarner {
+namespace {
 
-LeftDescriptors::LeftDescriptors(const struct stat& file) : _file(file), _before(open()) {}
+// As proc(5) has them.
+const std::string descriptors = "/proc/self/fd";
+constexpr std::string_view removed = " (deleted)";
+
+} // namespace
+
+LeftDescriptors::LeftDescriptors(std::string place) : _place(std::move(place)), _before(open()) {}
+
+std::string LeftDescriptors::placeOf(int descriptor) {
+    std::error_code error;
+    const std::string link = descriptors + '/' + std::to_string(descriptor);
+    std::string place = std::filesystem::read_symlink(link, error).string();
+    if (place.ends_with(removed))
+        place.resize(place.size() - removed.size());
+    return place;
+}
 
 /// By the names of the descriptors: those of other threads may be closed at any moment.
 std::set<int> LeftDescriptors::open() const {
     std::set<int> found;
-    const std::string place = "/proc/self/fd";
-    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(place.c_str()), closedir);
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread reads this folder object
-    while (const dirent* entry = folder ? readdir(folder.get()) : nullptr) {
-        struct stat file = {};
-        if (stat((place + '/' + entry->d_name).c_str(), &file) == 0 &&
-            file.st_dev == _file.st_dev && file.st_ino == _file.st_ino)
-            found.insert(std::atoi(entry->d_name));
+    std::error_code error;
+    std::filesystem::directory_iterator entry(descriptors, error);
+    for (; entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        const int descriptor = std::atoi(entry->path().filename().c_str());
+        if (!_place.empty() && placeOf(descriptor) == _place)
+            found.insert(descriptor);
     }
     return found;
 }

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include <sys/stat.h>
-
 #include <set>
+#include <string>
 
 namespace quarner {
 
@@ -11,15 +10,19 @@ namespace quarner {
 /// keeps everybody else from opening the drive for as long as this process lives.
 class LeftDescriptors {
 public:
-    /// Remembers what is open now of a file.
-    explicit LeftDescriptors(const struct stat& file);
-    /// Closes what has been opened of it since.
+    /// Remembers what is open now at a place, which is put as `placeOf` puts it. The file itself
+    /// tells too little: a drive that was plugged in again has another one at the same place.
+    explicit LeftDescriptors(std::string place);
+    /// Closes what has been opened there since.
     void closeAll() const;
+
+    /// Where the file of a descriptor is, or was; empty when the system does not tell.
+    static std::string placeOf(int descriptor);
 
 private:
     std::set<int> open() const;
 
-    struct stat _file;
+    std::string _place;
     std::set<int> _before;
 };
 
