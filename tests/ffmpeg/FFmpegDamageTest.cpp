@@ -8,6 +8,7 @@
 #include "quarner/platform/Platform.h"
 #include "tests/ffmpeg/Decoding.h"
 #include "tests/support/AudioFixtures.h"
+#include "tests/support/KeptLog.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quarner::testing {
@@ -173,15 +174,9 @@ TEST_F(FFmpegDamage, AFileThatShrinksWhileItIsReadEndsEarlyOrFails) {
     EXPECT_TRUE(!rest || *rest < wholeFile - 20000);
 }
 
-class CollectingLog : public LogSink {
-public:
-    void log(const std::string& line) override { lines.push_back(line); }
-    std::vector<std::string> lines;
-};
-
 /// What a service's work writes to the platform's log; nothing goes to the standard error stream.
 std::vector<std::string> loggedBy(const std::function<void()>& work) {
-    const auto log = std::make_shared<CollectingLog>();
+    const auto log = std::make_shared<KeptLog>();
     Platform platform;
     platform.log = log;
     installPlatform(platform);
@@ -189,7 +184,7 @@ std::vector<std::string> loggedBy(const std::function<void()>& work) {
     work();
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
     installPlatform({});
-    return log->lines;
+    return log->lines();
 }
 
 TEST_F(FFmpegDamage, MeasuringLogsNothing) {

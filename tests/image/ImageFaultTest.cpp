@@ -30,6 +30,20 @@ protected:
         EXPECT_TRUE(imageHolds(old)) << "the old image is kept";
         EXPECT_EQ(filesInFolder(), stage->filesOfImage());
     }
+    /// Burns to a symbolic link that leads to the stage's image.
+    void expectBurntThroughALink() {
+        const TemporaryFolder elsewhere;
+        const std::string link =
+            elsewhere.file(std::filesystem::path(stage->image()).filename().string());
+        std::filesystem::create_symlink(stage->image(), link);
+        const Paths fresh = makeSources({3000});
+        const Outcome outcome =
+            burn(stage->layoutOf(fresh), stage->recorder()->add({.path = link}));
+        EXPECT_TRUE(outcome.isDone) << outcome.info;
+        EXPECT_TRUE(std::filesystem::is_symlink(link));
+        EXPECT_TRUE(imageHolds(fresh));
+        EXPECT_EQ(filesInFolder(), stage->filesOfImage());
+    }
     /// Burns to the stage's image through another recorder.
     std::uint32_t codeOfBurnWith(const std::shared_ptr<FileSystem>& files, const Paths& paths) {
         const auto loops = std::make_shared<StepLoops>();
@@ -149,29 +163,11 @@ TEST_P(ImageFault, AnImageIsReplacedInOneStepWhenTheBurnIsDone) {
 
 TEST_P(ImageFault, AnImageAtASymbolicLinkIsReplacedWhereTheLinkLeads) {
     burnOldImage();
-    const TemporaryFolder elsewhere;
-    const std::string link =
-        elsewhere.file(std::filesystem::path(stage->image()).filename().string());
-    std::filesystem::create_symlink(stage->image(), link);
-    const Paths fresh = makeSources({3000});
-    const Outcome outcome = burn(stage->layoutOf(fresh), stage->recorder()->add({.path = link}));
-    EXPECT_TRUE(outcome.isDone) << outcome.info;
-    EXPECT_TRUE(std::filesystem::is_symlink(link));
-    EXPECT_TRUE(imageHolds(fresh));
-    EXPECT_EQ(filesInFolder(), stage->filesOfImage());
+    expectBurntThroughALink();
 }
 
 TEST_P(ImageFault, AnImageIsMadeWhereASymbolicLinkLeadsThatHasNoTargetYet) {
-    const TemporaryFolder elsewhere;
-    const std::string link =
-        elsewhere.file(std::filesystem::path(stage->image()).filename().string());
-    std::filesystem::create_symlink(stage->image(), link);
-    const Paths fresh = makeSources({3000});
-    const Outcome outcome = burn(stage->layoutOf(fresh), stage->recorder()->add({.path = link}));
-    EXPECT_TRUE(outcome.isDone) << outcome.info;
-    EXPECT_TRUE(std::filesystem::is_symlink(link));
-    EXPECT_TRUE(imageHolds(fresh));
-    EXPECT_EQ(filesInFolder(), stage->filesOfImage());
+    expectBurntThroughALink();
 }
 
 TEST_P(ImageFault, TheLongestNameThatAFileMayHaveIsGoodForAnImage) {

@@ -10,6 +10,7 @@
 #include "quarner/platform/DRKeys.h"
 #include "quarner/platform/Platform.h"
 #include "tests/optical/DriveStage.h"
+#include "tests/support/KeptLog.h"
 #include "tests/support/optical/NodeAccess.h"
 
 namespace quarner {
@@ -133,23 +134,6 @@ TEST_F(BusyDrive, ThatThisUserMayNotOpenSaysSo) {
     EXPECT_THAT(log->info(), HasSubstr(recorder->node() + " may not be opened"));
     refuseOpening(recorder->node(), 0, 0);
 }
-
-/// Keeps the lines of the diagnostic log.
-class KeptLog : public LogSink {
-public:
-    void log(const std::string& line) override {
-        const std::lock_guard lock(_mutex);
-        _lines.push_back(line);
-    }
-    std::vector<std::string> lines() const {
-        const std::lock_guard lock(_mutex);
-        return _lines;
-    }
-
-private:
-    mutable std::mutex _mutex;
-    std::vector<std::string> _lines;
-};
 
 TEST_F(BusyDrive, HasWhatLibburnReportsInTheLog) {
     const auto kept = std::make_shared<KeptLog>();

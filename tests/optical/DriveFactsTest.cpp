@@ -5,17 +5,13 @@
 
 #include "quarner/platform/DRKeys.h"
 #include "tests/optical/DriveStage.h"
+#include "tests/support/MediaOf.h"
 
 namespace quarner {
 namespace {
 
 using testing::ElementsAre;
 
-Dictionary mediaOf(const OpticalDrive& drive) {
-    const Dictionary status = drive.status();
-    const Dictionary* media = valueFor(status, DRDeviceMediaInfoKey).asDictionary();
-    return media ? *media : Dictionary();
-}
 std::string typeOf(const OpticalDrive& drive) {
     const Dictionary media = mediaOf(drive);
     const std::string* type = valueFor(media, DRDeviceMediaTypeKey).asString();
@@ -41,11 +37,6 @@ Medium appendable() {
     Medium medium = Medium::audioCD({300, 400});
     medium.kind = Medium::Kind::CDR;
     medium.state = Medium::State::Appendable;
-    return medium;
-}
-Medium rewritable() {
-    Medium medium = Medium::dataCD(1000);
-    medium.kind = Medium::Kind::CDRW;
     return medium;
 }
 

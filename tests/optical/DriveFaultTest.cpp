@@ -33,6 +33,21 @@ protected:
         log->onRecord = nullptr;
         return log;
     }
+    /// Cancels the burn whenever a state is told, while the burn waits for that.
+    std::unique_ptr<BurnLog> burnAndCancelIn(const char* state) {
+        loops->setInStep(true);
+        const auto burning = makeBurn();
+        auto log = observe(burning);
+        log->onRecord = [&](const Dictionary& record) {
+            if (BurnLog::stateOf(record) == state)
+                burning->abort();
+        };
+        burning->writeLayout(layout());
+        EXPECT_TRUE(loops->runUntil([&] { return log->isOver(); }));
+        loops->setInStep(false);
+        log->onRecord = nullptr;
+        return log;
+    }
     std::unique_ptr<BurnLog> burnWith(const std::function<void(UnitFaults&)>& set) {
         UnitFaults faults;
         set(faults);
@@ -163,16 +178,7 @@ TEST_P(DriveFault, ACancelInAnyStateEndsTheBurnAndFreesTheDrive) {
           DRStatusStateFinishing, DRStatusStateVerifying}) {
         SCOPED_TRACE(state);
         insert(Medium::blankCDR());
-        std::shared_ptr<EngineBurn> burning = makeBurn();
-        loops->setInStep(true);
-        const auto log = observe(burning);
-        log->onRecord = [&](const Dictionary& record) {
-            if (BurnLog::stateOf(record) == state)
-                burning->abort();
-        };
-        burning->writeLayout(layout());
-        ASSERT_TRUE(loops->runUntil([&] { return log->isOver(); }));
-        loops->setInStep(false);
+        const auto log = burnAndCancelIn(state);
         EXPECT_EQ(log->code(), codeOf(DRError::UserCanceled)) << log->info();
         expectReleased();
     }
@@ -181,16 +187,8 @@ TEST_P(DriveFault, ACancelInAnyStateEndsTheBurnAndFreesTheDrive) {
 
 TEST_P(DriveFault, ACancelBeforeTheFirstSectorLeavesTheDiscBlank) {
     for (const char* const state : {DRStatusStatePreparing, DRStatusStateSessionOpen}) {
-        std::shared_ptr<EngineBurn> burning = makeBurn();
-        loops->setInStep(true);
-        const auto log = observe(burning);
-        log->onRecord = [&](const Dictionary& record) {
-            if (BurnLog::stateOf(record) == state)
-                burning->abort();
-        };
-        burning->writeLayout(layout());
-        ASSERT_TRUE(loops->runUntil([&] { return log->isOver(); }));
-        loops->setInStep(false);
+        const auto log = burnAndCancelIn(state);
+        EXPECT_EQ(log->code(), codeOf(DRError::UserCanceled)) << log->info();
         EXPECT_EQ(countOf(operation::write), 0U);
         EXPECT_TRUE(drive->mediaIsBlank());
     }

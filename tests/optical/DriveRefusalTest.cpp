@@ -13,11 +13,6 @@ Medium appendable(Medium::Kind kind) {
     medium.state = Medium::State::Appendable;
     return medium;
 }
-Medium rewritable() {
-    Medium medium = Medium::dataCD(1000);
-    medium.kind = Medium::Kind::CDRW;
-    return medium;
-}
 Medium pressed() {
     Medium medium = Medium::audioCD({300});
     medium.kind = Medium::Kind::CDROM;

@@ -32,6 +32,13 @@ constexpr std::uint8_t blank = 0xA1;
 constexpr std::uint8_t readCD = 0xBE;
 } // namespace operation
 
+/// A rewritable disc with a data track on it.
+inline Medium rewritable() {
+    Medium medium = Medium::dataCD(1000);
+    medium.kind = Medium::Kind::CDRW;
+    return medium;
+}
+
 /// An emulated recorder, the drive that stands for it, and burns of noise on it.
 class DriveStage {
 public:

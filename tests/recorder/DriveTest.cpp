@@ -2,17 +2,12 @@
 #include <gmock/gmock.h>
 
 #include "tests/recorder/RecorderTest.h"
+#include "tests/support/MediaOf.h"
 
 namespace quarner {
 namespace {
 
 using testing::ElementsAre;
-
-const Dictionary mediaOf(const DRDevice& drive) {
-    const Dictionary status = drive.status();
-    const Dictionary* media = valueFor(status, DRDeviceMediaInfoKey).asDictionary();
-    return media == nullptr ? Dictionary() : *media;
-}
 
 /// The drives that a notification told of, in order.
 class DriveLog {

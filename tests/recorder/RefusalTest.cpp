@@ -3,10 +3,10 @@
 
 #include <filesystem>
 #include <fstream>
-#include <mutex>
 
 #include "quarner/platform/Platform.h"
 #include "tests/recorder/RecorderTest.h"
+#include "tests/support/KeptLog.h"
 
 namespace quarner {
 namespace {
@@ -99,29 +99,13 @@ TEST_P(RecorderWritingRefusal, OfASourceThatWasWrittenAnew) {
     EXPECT_THAT(info, HasSubstr(paths[0]));
 }
 
-class CollectingLog : public LogSink {
-public:
-    void log(const std::string& line) override {
-        const std::lock_guard lock(_mutex);
-        _lines.push_back(line);
-    }
-    std::vector<std::string> lines() const {
-        const std::lock_guard lock(_mutex);
-        return _lines;
-    }
-
-private:
-    mutable std::mutex _mutex;
-    std::vector<std::string> _lines;
-};
-
 /// With a platform that keeps its log.
 class RecorderFailureLog : public RecorderWritingRefusal {
 protected:
     RecorderFailureLog() { installPlatform({.log = kept}); }
     ~RecorderFailureLog() override { installPlatform({}); }
 
-    const std::shared_ptr<CollectingLog> kept = std::make_shared<CollectingLog>();
+    const std::shared_ptr<KeptLog> kept = std::make_shared<KeptLog>();
 };
 
 TEST_P(RecorderFailureLog, NamesTheFileToBlameOnce) {

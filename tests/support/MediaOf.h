@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "quarner/platform/DRDevice.h"
+#include "quarner/platform/DRKeys.h"
+
+namespace quarner {
+
+/// What a drive's status tells of its disc; empty where it tells nothing.
+inline Dictionary mediaOf(const DRDevice& drive) {
+    const Dictionary status = drive.status();
+    const Dictionary* media = valueFor(status, DRDeviceMediaInfoKey).asDictionary();
+    return media == nullptr ? Dictionary() : *media;
+}
+
+} // namespace quarner
