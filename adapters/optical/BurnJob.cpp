@@ -138,11 +138,13 @@ class BurnJob::Session {
 public:
     Session(burn::burn_drive* drive, const DiscPlan& plan, const BurnSettings& settings,
             SectorPipe& pipe, WritingThread& thread)
-        : _disc(makeDisc(plan, pipe, thread)), _options(makeOptions(drive, settings)) {
+        : _disc(makeDisc(plan, pipe, thread)), _options(makeOptions(drive, settings)) {}
+
+    std::optional<std::string> objection() const {
         std::array<char, BURN_REASONS_LEN> reasons = {};
-        if (burn::burn_precheck_write(_options.get(), _disc.get(), reasons.data(), 0) != 1)
-            throw BurnFailure(DRError::MediaNotWritable,
-                              std::string("libburn refuses to write: ") + reasons.data());
+        const int result =
+            burn::burn_precheck_write(_options.get(), _disc.get(), reasons.data(), 0);
+        return result == 1 ? std::nullopt : std::optional<std::string>(reasons.data());
     }
 
     void start() { burn::burn_disc_write(_options.get(), _disc.get()); }
@@ -169,26 +171,24 @@ BurnJob::~BurnJob() {
     BurnLibrary::shared().logMessages();
 }
 
+std::optional<std::string> BurnJob::objection() const { return _session->objection(); }
+
 void BurnJob::start() { _session->start(); }
 
 bool BurnJob::isRunning() const { return !isIdle(_drive) || _thread.isRunning(); }
 
 bool BurnJob::wroteWell() const { return burn::burn_drive_wrote_well(_drive) == 1; }
 
-void blankDisc(const GrabbedDrive& grabbed) {
+bool blankDisc(const GrabbedDrive& grabbed) {
     burn::burn_drive* const drive = grabbed.handle();
-    BurnLibrary& library = BurnLibrary::shared();
-    const BurnLibrary::Moment start = library.now();
     burn::burn_disc_erase(drive, 1);
     while (!isIdle(drive)) {
-        library.logMessages();
+        BurnLibrary::shared().logMessages();
         std::this_thread::sleep_for(pollInterval);
     }
     const bool isWell = burn::burn_drive_wrote_well(drive) == 1;
     burn::burn_drive_re_assess(drive, 0);
-    if (!isWell || burn::burn_disc_get_status(drive) != burn::BURN_DISC_BLANK)
-        throw BurnFailure(DRError::WriteFailed,
-                          "the disc cannot be blanked: " + library.worstSince(start));
+    return isWell && burn::burn_disc_get_status(drive) == burn::BURN_DISC_BLANK;
 }
 
 void setSpeeds(const GrabbedDrive& drive, std::optional<double> blocksPerSecond) {

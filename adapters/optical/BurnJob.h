@@ -2,6 +2,8 @@
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "adapters/engine/BurnSettings.h"
 #include "adapters/engine/DiscPlan.h"
@@ -15,14 +17,17 @@ namespace quarner {
 /// plan, its content taken from a pipe. The pre-gaps are made by the drive and not taken from it.
 class BurnJob {
 public:
-    /// Hands the plan to libburn, which examines it: throws `BurnFailure` when drive and disc
-    /// cannot take it. Nothing is written yet. The drive and the pipe must outlive this object.
+    /// Puts the plan as libburn wants it. Nothing is written yet. The drive and the pipe must
+    /// outlive this object. Throws `BurnFailure`, and `std::bad_alloc`.
     BurnJob(const GrabbedDrive& drive, const DiscPlan& plan, const BurnSettings& settings,
             SectorPipe& pipe);
     /// Stops the writing, closes the pipe, and returns when the drive is idle.
     ~BurnJob();
     BurnJob(const BurnJob&) = delete;
     BurnJob& operator=(const BurnJob&) = delete;
+
+    /// Why libburn will not write this plan to the disc in the drive; nothing when it will.
+    std::optional<std::string> objection() const;
 
     void start();
     /// Whether the drive is still at work: writing, or closing the disc. Any thread.
@@ -40,8 +45,8 @@ private:
 };
 
 /// Blanks an erasable disc in the quick way; returns when the drive is idle. The drive cannot be
-/// stopped meanwhile. Throws `BurnFailure` when the disc is not blank afterwards.
-void blankDisc(const GrabbedDrive& grabbed);
+/// stopped meanwhile. Answers whether the disc is blank then.
+bool blankDisc(const GrabbedDrive& grabbed);
 
 /// Writes at so many blocks per second, or as fast as drive and disc allow; reads as fast as it
 /// can.

@@ -37,12 +37,6 @@ DiscFacts::State stateOf(burn::burn_drive* drive) {
     }
 }
 
-int profileOf(burn::burn_drive* drive) {
-    int profile = 0;
-    std::array<char, 80> name = {};
-    return burn::burn_disc_get_profile(drive, &profile, name.data()) == 1 ? profile : 0;
-}
-
 /// The profiles of MMC-5, table 89.
 const char* typeOf(int profile) {
     switch (profile) {

@@ -7,6 +7,7 @@
 
 #include <libburn/libburn.h>
 
+#include <array>
 #include <memory>
 
 namespace quarner {
@@ -22,6 +23,13 @@ inline int startOf(const burn::burn_toc_entry& entry) {
     const bool hasSector = (entry.extensions_valid & 1) != 0;
     return hasSector ? entry.start_lba
                      : burn::burn_msf_to_lba(entry.pmin, entry.psec, entry.pframe);
+}
+
+/// What kind of disc the drive has, by the number of its profile (MMC); 0 when there is none.
+inline int profileOf(burn::burn_drive* drive) {
+    int profile = 0;
+    std::array<char, 80> name = {}; // as long as the library wants it
+    return burn::burn_disc_get_profile(drive, &profile, name.data()) == 1 ? profile : 0;
 }
 
 } // namespace quarner

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "adapters/engine/BurnFailure.h"
+#include "adapters/optical/FailureCause.h"
 #include "adapters/optical/GrabbedDrive.h"
 #include "adapters/optical/OpticalWriter.h"
 #include "quarner/platform/DRKeys.h"
@@ -226,7 +227,8 @@ std::unique_ptr<SectorWriter> OpticalDrive::open(const DiscPlan& plan, const Bur
     const DiscFacts disc = readDiscFacts(*drive);
     learn(disc, false, changes);
     if (const std::optional<BurnFailure> failure = refusal(disc, plan, settings))
-        throw BurnFailure(failure->error(), _displayName + ": " + failure->info());
+        throw BurnFailure(causeBehind(failure->error(), *drive, _record, *stop),
+                          _displayName + ": " + failure->info());
     return std::make_unique<OpticalWriter>(std::move(drive), _record, settings,
                                            disc.state != DiscFacts::State::Blank, stop);
 }

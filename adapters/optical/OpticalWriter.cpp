@@ -8,15 +8,13 @@
 
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/optical/DiscTable.h"
+#include "adapters/optical/FailureCause.h"
 #include "adapters/optical/Libburn.h"
 
 namespace quarner {
 namespace {
 
 constexpr std::chrono::milliseconds pollInterval{10};
-
-/// A drive that does not answer any more is given this time to disappear from the system.
-constexpr std::chrono::milliseconds goingPatience{1000};
 
 /// So many sectors are read by one call of the library, which cannot be interrupted.
 constexpr std::size_t sectorsPerReading = 64;
@@ -43,11 +41,13 @@ void OpticalWriter::openSession(const DiscPlan& plan) {
     }
     if (isAudio())
         _sound.emplace(plan.sectors());
-    if (_needsBlanking)
-        blankDisc(*_drive);
+    if (_needsBlanking && !blankDisc(*_drive))
+        fail(DRError::WriteFailed, "blanking the disc");
     _stop->throwIfRequested();
     setSpeeds(*_drive, _settings.requestedSpeed);
     _job = std::make_unique<BurnJob>(*_drive, plan, _settings, _pipe);
+    if (const std::optional<std::string> objection = _job->objection())
+        fail(DRError::MediaNotWritable, "libburn refuses to write: " + *objection);
 }
 
 void OpticalWriter::write(std::span<const std::byte> sectors) {
@@ -151,21 +151,7 @@ void OpticalWriter::fail(DRError error, const std::string& attempt) {
     const std::string reason = BurnLibrary::shared().worstSince(_jobStart);
     const std::string text = _record.node + ": " + attempt + (reason.empty() ? "" : ": " + reason);
     _job.reset();
-    throw BurnFailure(causeOr(error), text);
-}
-
-/// What is behind a failure, as far as the drive can still be asked.
-DRError OpticalWriter::causeOr(DRError error) const {
-    if (burn::burn_drive_re_assess(_drive->handle(), 0) == 1)
-        return burn::burn_disc_get_status(_drive->handle()) == burn::BURN_DISC_EMPTY
-                   ? DRError::MediaNotPresent
-                   : error;
-    const auto end = std::chrono::steady_clock::now() + goingPatience;
-    while (isAttached(_record) && std::chrono::steady_clock::now() < end) {
-        _stop->throwIfRequested();
-        std::this_thread::sleep_for(pollInterval);
-    }
-    return isAttached(_record) ? error : DRError::DeviceVanished;
+    throw BurnFailure(causeBehind(error, *_drive, _record, *_stop), text);
 }
 
 } // namespace quarner

@@ -48,7 +48,6 @@ private:
     bool readSome(std::int64_t firstSector, std::span<std::byte> buffer);
     void findOffset();
     [[noreturn]] void fail(DRError error, const std::string& attempt);
-    DRError causeOr(DRError error) const;
 
     const std::unique_ptr<GrabbedDrive> _drive;
     const DriveRecord _record;

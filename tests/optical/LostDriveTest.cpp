@@ -13,11 +13,12 @@ class LostDrive : public testing::Test, public DriveStage {
 protected:
     /// Lets something use the drive, which is pulled out after no command, after `step` commands
     /// and so on, until it comes to its end. Answers how many commands were enough.
-    unsigned pullInTheMidstOf(const std::function<void()>& use, unsigned step) {
+    unsigned pullInTheMidstOf(const std::function<void()>& use, unsigned step,
+                              const Medium& disc = Medium::blankCDR()) {
         for (unsigned commands = 0;; commands += step) {
             SCOPED_TRACE(commands);
             recorder->replug();
-            recorder->insert(Medium::blankCDR());
+            recorder->insert(disc);
             drive = makeDrive(*recorder);
             UnitFaults faults;
             faults.unplugAfter = commands;
@@ -29,6 +30,13 @@ protected:
                 return commands;
         }
     }
+    void burnUnlessLost(const DRLayout& layout, const Dictionary& properties) {
+        const auto log = burn(layout, properties);
+        isDone = log->isDone();
+        EXPECT_EQ(log->code(), isDone ? 0 : codeOf(DRError::DeviceVanished)) << log->info();
+    }
+
+    bool isDone = false;
 };
 
 TEST_F(LostDrive, IsLetGoAtWhateverCommandOfAQuestionItWasPulled) {
@@ -38,11 +46,19 @@ TEST_F(LostDrive, IsLetGoAtWhateverCommandOfAQuestionItWasPulled) {
     expectReleased();
 }
 
-TEST_F(LostDrive, IsLetGoWhereverInABurnItWasPulled) {
+TEST_F(LostDrive, FailsTheBurnAndIsLetGoWhereverInABurnItWasPulled) {
     const DRLayout layout = audio({300});
-    bool isDone = false;
-    EXPECT_GT(pullInTheMidstOf([&] { isDone = burn(layout)->isDone(); }, 3), 50U);
+    EXPECT_GT(pullInTheMidstOf([&] { burnUnlessLost(layout, {}); }, 3), 50U);
     EXPECT_TRUE(isDone);
+    expectReleased();
+}
+
+TEST_F(LostDrive, FailsTheBurnAndIsLetGoAlsoWhereverInTheBlankingItWasPulled) {
+    const DRLayout layout = data(5000);
+    const auto burnOver = [&] { burnUnlessLost(layout, {{DRBurnOverwriteDiscKey, true}}); };
+    EXPECT_GT(pullInTheMidstOf(burnOver, 2, rewritable()), 50U);
+    EXPECT_TRUE(isDone);
+    EXPECT_GT(countOf(operation::blank), 20U) << "most of them were pulled after it had begun";
     expectReleased();
 }
 

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/optical/FailureCause.h"
+
+#include <chrono>
+#include <thread>
+
+#include "adapters/optical/GrabbedDrive.h"
+#include "adapters/optical/Libburn.h"
+
+namespace quarner {
+namespace {
+
+constexpr std::chrono::milliseconds pollInterval{10};
+
+/// A drive that does not answer any more is given this time to disappear from the system.
+constexpr std::chrono::milliseconds goingPatience{1000};
+
+/// Whether the drive can be asked anew. The library does not tell of a drive that it loses by that:
+/// it has an unsuitable disc then, and of no kind (MMC: profile 0).
+bool answers(burn::burn_drive* drive) {
+    return burn::burn_drive_re_assess(drive, 0) == 1 &&
+           (profileOf(drive) != 0 ||
+            burn::burn_disc_get_status(drive) != burn::BURN_DISC_UNSUITABLE);
+}
+
+} // namespace
+
+DRError causeBehind(DRError error, const GrabbedDrive& grabbed, const DriveRecord& record,
+                    const StopSignal& stop) {
+    if (answers(grabbed.handle()))
+        return burn::burn_disc_get_status(grabbed.handle()) == burn::BURN_DISC_EMPTY
+                   ? DRError::MediaNotPresent
+                   : error;
+    const auto end = std::chrono::steady_clock::now() + goingPatience;
+    while (isAttached(record) && std::chrono::steady_clock::now() < end) {
+        stop.throwIfRequested();
+        std::this_thread::sleep_for(pollInterval);
+    }
+    return isAttached(record) ? error : DRError::DeviceVanished;
+}
+
+} // namespace quarner
