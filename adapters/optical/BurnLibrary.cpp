@@ -5,7 +5,6 @@
 #include <utility>
 #include <vector>
 
-#include "adapters/engine/BurnFailure.h"
 #include "adapters/optical/Libburn.h"
 #include "quarner/platform/Platform.h"
 
@@ -21,15 +20,18 @@ BurnLibrary& BurnLibrary::shared() {
     return *library;
 }
 
-BurnLibrary::BurnLibrary() { start(); }
+bool BurnLibrary::start() {
+    const std::lock_guard lock(_mutex);
+    return startUnlocked();
+}
 
-void BurnLibrary::start() {
-    if (burn::burn_initialize() == 0)
-        throw BurnFailure(DRError::Internal, "libburn cannot be started");
+/// Nothing happens to a library that is running. Without it, nobody may ask for messages.
+bool BurnLibrary::startUnlocked() {
     char queued[] = "WARNING";
     char onStderr[] = "NEVER";
     char label[] = "";
-    burn::burn_msgs_set_severities(queued, onStderr, label);
+    return burn::burn_initialize() == 1 &&
+           burn::burn_msgs_set_severities(queued, onStderr, label) == 1;
 }
 
 void BurnLibrary::driveWasReleased() {
@@ -51,7 +53,6 @@ void BurnLibrary::clearAway() {
     {
         const std::lock_guard lock(_mutex); // nobody asks for messages meanwhile
         burn::burn_finish();
-        start();
     }
     for (const LeftDescriptors& left : std::exchange(_left, {}))
         left.closeAll();
@@ -67,6 +68,8 @@ void BurnLibrary::logMessages() {
     std::vector<std::string> lines;
     {
         const std::lock_guard lock(_mutex);
+        if (!startUnlocked())
+            return;
         char any[] = "ALL";
         std::array<char, BURN_MSGS_MESSAGE_LEN> text = {};
         std::array<char, 80> severity = {};

@@ -11,18 +11,21 @@
 
 namespace quarner {
 
-/// What libburn has only once in a process: its list of drives, and its queue of messages. Every
-/// operation may be called on any thread.
+/// What libburn has only once in a process: its list of drives, and its queue of messages. Nobody
+/// else in the process may use libburn while a drive is open here. Every operation may be called on
+/// any thread.
 class BurnLibrary {
 public:
-    /// Starts the library at the first call, without its handler of signals. It stays until the end
-    /// of the process. Throws `BurnFailure` when it cannot be started.
-    static BurnLibrary& shared();
+    static BurnLibrary& shared(); ///< until the end of the process
     BurnLibrary(const BurnLibrary&) = delete;
     BurnLibrary& operator=(const BurnLibrary&) = delete;
 
     /// Held by whoever adds a drive to the library's list or takes one off.
     std::mutex& drives() { return _drives; }
+
+    /// Starts libburn, without its handler of signals, unless it is running: to be called before a
+    /// drive is opened. Answers whether it is running.
+    bool start();
 
     // With `drives` held: what the library keeps of a drive that it failed to take. It lists the
     // drive for ever and does not take it again, and may leave its file open. That is cleared away
@@ -53,10 +56,10 @@ private:
         std::string text;
     };
 
-    BurnLibrary();
+    BurnLibrary() = default;
     ~BurnLibrary() = default;
-    static void start();
     void clearAway();
+    static bool startUnlocked();
     void keep(Message message);
 
     std::mutex _drives;

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "adapters/engine/BurnFailure.h"
 #include "adapters/engine/StopSignal.h"
 #include "adapters/optical/DriveRecord.h"
 
@@ -15,14 +16,26 @@ struct burn_drive_info;
 
 namespace quarner {
 
+/// How long is waited for a drive.
+struct DrivePatience {
+    std::chrono::milliseconds busy;    ///< that another program has open
+    std::chrono::milliseconds loading; ///< that loads or examines a disc
+};
+
+/// A drive that still loads or examines its disc.
+class DiscIsLoading : public BurnFailure {
+public:
+    explicit DiscIsLoading(const std::string& node)
+        : BurnFailure(DRError::MediaNotPresent, node + ": the disc does not get ready") {}
+};
+
 /// A drive that is open here, and closed to everybody else. Destroying it unlocks the tray and lets
 /// go of the drive; no operation of libburn may be under way then.
 class GrabbedDrive {
 public:
-    /// Opens a drive. One that another program has open is tried again until the time is over, or
-    /// the burn is stopped (`stop` may be null). Throws `BurnFailure`.
-    GrabbedDrive(const DriveRecord& record, std::chrono::milliseconds patience,
-                 const StopSignal* stop);
+    /// Opens a drive. What cannot be had at once is tried again until the time is over, or the burn
+    /// is stopped (`stop` may be null). Throws `BurnFailure`, and `DiscIsLoading` of that kind.
+    GrabbedDrive(const DriveRecord& record, const DrivePatience& patience, const StopSignal* stop);
     ~GrabbedDrive();
     GrabbedDrive(const GrabbedDrive&) = delete;
     GrabbedDrive& operator=(const GrabbedDrive&) = delete;
@@ -30,15 +43,11 @@ public:
     /// libburn's own drive; valid as long as this object.
     burn::burn_drive* handle() const { return _handle; }
 
-    /// Opens the tray when this object is destroyed.
-    void ejectAtEnd() { _ejects = true; }
-
 private:
     bool grab(const std::string& node, const std::string& place);
 
     burn::burn_drive_info* _found = nullptr;
     burn::burn_drive* _handle = nullptr;
-    bool _ejects = false;
 };
 
 /// Whether the system still has the drive, whatever state that is in.

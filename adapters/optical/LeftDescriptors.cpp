@@ -42,9 +42,15 @@ std::set<int> LeftDescriptors::open() const {
     return found;
 }
 
+void LeftDescriptors::findOpened() {
+    _opened = open();
+    for (const int descriptor : _before)
+        _opened.erase(descriptor);
+}
+
 void LeftDescriptors::closeAll() const {
-    for (const int descriptor : open())
-        if (!_before.contains(descriptor))
+    for (const int descriptor : _opened)
+        if (placeOf(descriptor) == _place)
             close(descriptor);
 }
 

@@ -13,7 +13,10 @@ public:
     /// Remembers what is open now at a place, which is put as `placeOf` puts it. The file itself
     /// tells too little: a drive that was plugged in again has another one at the same place.
     explicit LeftDescriptors(std::string place);
-    /// Closes what has been opened there since.
+    /// Remembers what has been opened there since, right after the attempt: what is opened later
+    /// is none of libburn's.
+    void findOpened();
+    /// Closes what was found, as far as it still leads there.
     void closeAll() const;
 
     /// Where the file of a descriptor is, or was; empty when the system does not tell.
@@ -24,6 +27,7 @@ private:
 
     std::string _place;
     std::set<int> _before;
+    std::set<int> _opened;
 };
 
 } // namespace quarner

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "adapters/engine/BurnFailure.h"
+#include "adapters/optical/DriveNode.h"
 #include "adapters/optical/FailureCause.h"
 #include "adapters/optical/GrabbedDrive.h"
 #include "adapters/optical/OpticalWriter.h"
@@ -17,6 +18,9 @@ namespace {
 /// for a moment after each of its events.
 constexpr std::chrono::milliseconds questionPatience{500};
 constexpr std::chrono::milliseconds burnPatience{3000};
+
+/// How long a burn waits for a disc that was just put in.
+constexpr std::chrono::seconds loadingPatience{30};
 
 DRMSF msf(std::uint64_t blocks) { return DRMSF::msfWithFrames(static_cast<std::uint32_t>(blocks)); }
 
@@ -98,9 +102,11 @@ DiscFacts OpticalDrive::ask() const {
     DiscFacts disc;
     bool isMomentary = true;
     try {
-        const GrabbedDrive drive(_record, questionPatience, nullptr);
+        const GrabbedDrive drive(_record, {questionPatience, {}}, nullptr);
         disc = readDiscFacts(drive);
         isMomentary = disc.state == DiscFacts::State::NotReady;
+    } catch (const DiscIsLoading&) {
+        disc.state = DiscFacts::State::NotReady;
     } catch (const std::exception& failure) {
         currentPlatform()->log->log(_displayName + ": " + failure.what());
     }
@@ -172,7 +178,7 @@ bool OpticalDrive::ejectMedia() {
         isOut = mayAsk() && putOut();
     }
     if (isOut)
-        tellOfChange();
+        mediaChanged();
     return isOut;
 }
 
@@ -183,15 +189,11 @@ bool OpticalDrive::mayAsk() const {
 
 bool OpticalDrive::putOut() {
     try {
-        GrabbedDrive drive(_record, questionPatience, nullptr);
-        if (!readDiscFacts(drive).isPresent())
-            return false;
-        drive.ejectAtEnd();
+        return DriveNode(_record.node, questionPatience, nullptr).openTray();
     } catch (const std::exception& failure) {
         currentPlatform()->log->log(_displayName + ": " + failure.what());
         return false;
     }
-    return !ask().isPresent();
 }
 
 std::unique_ptr<SectorWriter> OpticalDrive::claim(const DiscPlan& plan,
@@ -205,6 +207,7 @@ std::unique_ptr<SectorWriter> OpticalDrive::claim(const DiscPlan& plan,
     } catch (...) {
         const std::lock_guard lock(_mutex);
         _burning.reset();
+        _known.reset(); // the disc may have been changed meanwhile
         throw;
     }
     tellOfChange();
@@ -223,9 +226,11 @@ void OpticalDrive::reserve(const std::shared_ptr<StopSignal>& stop) {
 std::unique_ptr<SectorWriter> OpticalDrive::open(const DiscPlan& plan, const BurnSettings& settings,
                                                  const std::shared_ptr<StopSignal>& stop) {
     const std::uint64_t changes = changeCount();
-    auto drive = std::make_unique<GrabbedDrive>(_record, burnPatience, stop.get());
+    auto drive = std::make_unique<GrabbedDrive>(
+        _record, DrivePatience{burnPatience, loadingPatience}, stop.get());
     const DiscFacts disc = readDiscFacts(*drive);
     learn(disc, false, changes);
+    stop->throwIfRequested();
     if (const std::optional<BurnFailure> failure = refusal(disc, plan, settings))
         throw BurnFailure(causeBehind(failure->error(), *drive, _record, *stop),
                           _displayName + ": " + failure->info());

@@ -58,7 +58,8 @@ public:
     bool mediaIsOverwritable() const override;
     std::optional<DRMSF> mediaSpaceUsed() const override;
     std::optional<DRMSF> mediaSpaceFree() const override;
-    /// False also when there is no disc, and when the drive does not put it out.
+    /// Opens the tray, whatever there is in it. False also when it is open already, when the drive
+    /// is another program's (a disc that is mounted is), and when it keeps its disc.
     bool ejectMedia() override;
 
     std::unique_ptr<SectorWriter> claim(const DiscPlan& plan, const BurnSettings& settings,

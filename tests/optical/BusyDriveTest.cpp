@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include <fcntl.h>
 #include <gmock/gmock.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <thread>
@@ -10,6 +8,8 @@
 #include "quarner/platform/DRKeys.h"
 #include "quarner/platform/Platform.h"
 #include "tests/optical/DriveStage.h"
+#include "tests/optical/LibburnSession.h"
+#include "tests/optical/OtherProgram.h"
 #include "tests/support/KeptLog.h"
 #include "tests/support/optical/NodeAccess.h"
 
@@ -24,19 +24,6 @@ using testing::StartsWith;
 class BusyDrive : public testing::Test, public DriveStage {
 protected:
     static std::chrono::steady_clock::time_point now() { return std::chrono::steady_clock::now(); }
-};
-
-/// While it lives, another program has the drive for itself.
-class OtherProgram {
-public:
-    explicit OtherProgram(const std::string& node)
-        : _descriptor(open(node.c_str(), O_RDWR | O_NONBLOCK | O_EXCL | O_CLOEXEC)) {}
-    ~OtherProgram() { close(_descriptor); }
-    OtherProgram(const OtherProgram&) = delete;
-    OtherProgram& operator=(const OtherProgram&) = delete;
-
-private:
-    const int _descriptor;
 };
 
 TEST_F(BusyDrive, ThatIsFreeAgainInAMomentIsWaitedFor) {
@@ -79,6 +66,30 @@ TEST_F(BusyDrive, IsNotWaitedForWhenTheBurnIsCancelled) {
     ASSERT_TRUE(loops->runUntil([&] { return log->isOver(); }));
     EXPECT_EQ(log->code(), codeOf(DRError::UserCanceled)) << log->info();
     EXPECT_LT(now() - start, std::chrono::milliseconds(2500));
+}
+
+TEST_F(BusyDrive, IsAskedAfreshAfterABurnThatCouldNotHaveIt) {
+    ASSERT_TRUE(drive->mediaIsBlank());
+    {
+        const OtherProgram other(recorder->node());
+        const auto burning = makeBurn();
+        const auto log = observe(burning);
+        burning->writeLayout(audio({300}));
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        recorder->removeMedium();
+        drive->mediaChanged();
+        EXPECT_TRUE(drive->mediaIsBlank()) << "what is known until the burn is over";
+        burning->abort();
+        ASSERT_TRUE(loops->runUntil([&] { return log->isOver(); }));
+    }
+    EXPECT_FALSE(drive->mediaIsPresent());
+}
+
+TEST_F(BusyDrive, AnswersAlsoAfterAnotherUserOfLibburnHasShutItDown) {
+    EXPECT_TRUE(drive->mediaIsPresent());
+    EXPECT_TRUE(LibburnSession(recorder->node()).isGrabbed());
+    drive->mediaChanged();
+    EXPECT_TRUE(drive->mediaIsPresent());
 }
 
 TEST_F(BusyDrive, IsLeftAloneByQuestionsWhileItBurns) {

@@ -173,14 +173,6 @@ TEST_F(DriveBurn, BlanksNoDiscThatIsBlank) {
     EXPECT_EQ(countOf(operation::blank), 0U);
 }
 
-TEST_F(DriveBurn, WaitsForADriveThatIsNotReadyYet) {
-    UnitFaults faults;
-    faults.notReady = 5;
-    recorder->setFaults(faults);
-    const auto log = burn(audio({310}));
-    EXPECT_TRUE(log->isDone()) << log->info();
-}
-
 TEST_F(DriveBurn, OnTwoDrivesAtOnceWritesBothDiscs) {
     const auto other = bed.plug({});
     const auto otherDrive = makeDrive(*other);

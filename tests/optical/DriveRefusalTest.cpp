@@ -116,23 +116,5 @@ TEST_F(DriveRefusal, OfASourceThatChangedComesBeforeTheDiscIsBlanked) {
     EXPECT_EQ(codeFor(layout), codeOf(DRError::SourceMissing));
 }
 
-class DriveEjection : public testing::Test, public DriveStage {};
-
-TEST_F(DriveEjection, OpensTheTrayAndTellsOfIt) {
-    std::size_t told = 0;
-    loops->currentCenter()->addObserver(
-        this, [&](const DRNotification&) { ++told; }, DRDeviceStatusChangedNotification,
-        drive.get());
-    EXPECT_TRUE(drive->ejectMedia());
-    EXPECT_TRUE(recorder->isTrayOpen());
-    EXPECT_FALSE(drive->mediaIsPresent());
-    loops->runPending();
-    EXPECT_EQ(told, 1U);
-    EXPECT_FALSE(drive->ejectMedia());
-    loops->runPending();
-    EXPECT_EQ(told, 1U) << "nothing changed";
-    expectReleased();
-}
-
 } // namespace
 } // namespace quarner

@@ -32,39 +32,61 @@ protected:
 
 TEST_F(LeftDescriptorsTest, AreThoseThatWereOpenedSince) {
     const int before = openFile(node);
-    const LeftDescriptors left(LeftDescriptors::placeOf(before));
+    LeftDescriptors left(LeftDescriptors::placeOf(before));
     const int since = openFile(node);
+    left.findOpened();
     left.closeAll();
     EXPECT_TRUE(isOpen(before));
     EXPECT_FALSE(isOpen(since));
 }
 
 TEST_F(LeftDescriptorsTest, AreOfThisPlaceAlone) {
-    const LeftDescriptors left(LeftDescriptors::placeOf(openFile(node)));
+    LeftDescriptors left(LeftDescriptors::placeOf(openFile(node)));
     const int other = openFile(folder.file("sr01"));
+    left.findOpened();
     left.closeAll();
     EXPECT_TRUE(isOpen(other));
 }
 
 TEST_F(LeftDescriptorsTest, AreFoundWhenTheirFileIsGone) {
-    const LeftDescriptors left(LeftDescriptors::placeOf(openFile(node)));
+    LeftDescriptors left(LeftDescriptors::placeOf(openFile(node)));
     const int since = openFile(node);
     unlink(node.c_str());
+    left.findOpened();
     left.closeAll();
     EXPECT_FALSE(isOpen(since));
 }
 
 TEST_F(LeftDescriptorsTest, AreFoundWhenTheDriveCameBackAsAnotherFileMeanwhile) {
-    const LeftDescriptors left(LeftDescriptors::placeOf(openFile(node)));
+    LeftDescriptors left(LeftDescriptors::placeOf(openFile(node)));
     unlink(node.c_str());
     const int since = openFile(node);
+    left.findOpened();
     left.closeAll();
     EXPECT_FALSE(isOpen(since));
 }
 
-TEST_F(LeftDescriptorsTest, AreNoneWhereTheSystemTellsNoPlace) {
-    const LeftDescriptors left(LeftDescriptors::placeOf(-1));
+TEST_F(LeftDescriptorsTest, AreNotThoseThatWereOpenedLater) {
+    LeftDescriptors left(LeftDescriptors::placeOf(openFile(node)));
+    left.findOpened();
+    const int later = openFile(node);
+    left.closeAll();
+    EXPECT_TRUE(isOpen(later));
+}
+
+TEST_F(LeftDescriptorsTest, AreNotThoseThatHaveBecomeAnotherFiles) {
+    LeftDescriptors left(LeftDescriptors::placeOf(openFile(node)));
     const int since = openFile(node);
+    left.findOpened();
+    ASSERT_EQ(dup2(openFile(folder.file("other")), since), since);
+    left.closeAll();
+    EXPECT_TRUE(isOpen(since));
+}
+
+TEST_F(LeftDescriptorsTest, AreNoneWhereTheSystemTellsNoPlace) {
+    LeftDescriptors left(LeftDescriptors::placeOf(-1));
+    const int since = openFile(node);
+    left.findOpened();
     left.closeAll();
     EXPECT_TRUE(isOpen(since));
 }

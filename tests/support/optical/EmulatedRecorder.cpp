@@ -4,6 +4,7 @@
 #include <linux/cdrom.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <thread>
 
@@ -166,7 +167,23 @@ int EmulatedRecorder::driveStatus() {
     const std::lock_guard lock(_mutex);
     if (_unit.isTrayOpen())
         return CDS_TRAY_OPEN;
+    if (_unit.hasMedium() && _unit.faults.notReady > 0) {
+        --_unit.faults.notReady;
+        return CDS_DRIVE_NOT_READY;
+    }
     return _unit.hasMedium() ? CDS_DISC_OK : CDS_NO_DISC;
+}
+
+/// As the kernel does: it unlocks the tray first.
+bool EmulatedRecorder::eject() {
+    const std::array<std::uint8_t, 6> unlock = {0x1E};
+    const std::array<std::uint8_t, 6> openTray = {0x1B, 0, 0, 0, 2};
+    for (const auto& block : {unlock, openTray}) {
+        const std::optional<ScsiReply> reply = execute({.block = block, .sent = {}});
+        if (!reply || !reply->sense.isGood())
+            return false;
+    }
+    return true;
 }
 
 void EmulatedRecorder::setFaults(const UnitFaults& faults) {

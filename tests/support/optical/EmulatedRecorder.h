@@ -80,6 +80,7 @@ public:
 
     std::optional<ScsiReply> execute(const ScsiCommand& command) override;
     int driveStatus() override;
+    bool eject() override;
 
 private:
     UdevBed::Properties properties() const;

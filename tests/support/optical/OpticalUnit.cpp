@@ -103,7 +103,8 @@ ScsiReply OpticalUnit::startStop(const ScsiCommand& command) {
         return hasMedium() ? sense::good : readiness();
     if (!starts && _isTrayLocked)
         return sense::removalPrevented;
-    setTrayOpen(!starts);
+    if (!faults.isTrayStuck)
+        setTrayOpen(!starts);
     return {};
 }
 

@@ -18,7 +18,10 @@ struct UnitFaults {
     std::optional<std::int32_t> removeMediumAt = {}; ///< the disc is gone when this sector comes
     std::optional<std::int32_t> unplugAt = {};       ///< the drive is gone when this sector comes
     std::optional<unsigned> unplugAfter = {};        ///< the drive is gone after so many commands
-    unsigned notReady = 0; ///< so many commands that need the disc find the drive not ready yet
+    /// So many commands that need the disc, and questions for the drive's status, find the drive
+    /// not ready yet.
+    unsigned notReady = 0;
+    bool isTrayStuck = false; ///< the tray stays closed, and no command fails for it
 };
 
 /// A CD recorder without its cable: commands in, answers out, as the MMC standard has it. Knows

@@ -16,6 +16,8 @@ public:
     virtual std::optional<ScsiReply> execute(const ScsiCommand& command) = 0;
     /// The answer to CDROM_DRIVE_STATUS.
     virtual int driveStatus() = 0;
+    /// Carries out CDROMEJECT; answers whether the drive did it.
+    virtual bool eject() = 0;
 };
 
 } // namespace quarner

@@ -111,6 +111,8 @@ CallResult answer(UMockdevIoctlClient* client, SystemCallTarget& target) {
         return fillIn(client, std::vector<std::uint8_t>(4));
     case CDROM_DRIVE_STATUS:
         return {target.driveStatus()};
+    case CDROMEJECT:
+        return target.eject() ? CallResult() : CallResult{-1, EIO};
     default:
         return {-1, ENOTTY};
     }

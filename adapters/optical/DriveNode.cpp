@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "adapters/optical/DriveNode.h"
+
+#include <fcntl.h>
+#include <linux/cdrom.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <condition_variable>
+#include <mutex>
+#include <stop_token>
+#include <system_error>
+
+#include "adapters/engine/BurnFailure.h"
+#include "adapters/optical/AccessProblem.h"
+
+namespace quarner {
+namespace {
+
+constexpr std::chrono::milliseconds retryInterval{100};
+
+BurnFailure failureOf(const std::string& path, int error) {
+    const std::string text = path + ": " + std::generic_category().message(error);
+    switch (error) {
+    case EACCES:
+    case EPERM:
+        return {DRError::DeviceNotPermitted, accessProblem(path).value_or(text)};
+    case ENOENT:
+    case ENXIO:
+    case ENODEV:
+        return {DRError::DeviceVanished, text};
+    default:
+        return {DRError::DeviceBusy, text};
+    }
+}
+
+} // namespace
+
+DriveNode::DriveNode(const std::string& path, std::chrono::milliseconds patience,
+                     const StopSignal* stop) {
+    const auto end = std::chrono::steady_clock::now() + patience;
+    while ((_descriptor = open(path.c_str(), O_RDWR | O_NONBLOCK | O_EXCL | O_CLOEXEC)) < 0) {
+        const BurnFailure failure = failureOf(path, errno);
+        if (failure.error() != DRError::DeviceBusy || std::chrono::steady_clock::now() >= end)
+            throw BurnFailure(failure);
+        waitForDrive(stop);
+    }
+}
+
+DriveNode::~DriveNode() { close(_descriptor); }
+
+bool DriveNode::isLoading() const {
+    return ioctl(_descriptor, CDROM_DRIVE_STATUS, CDSL_CURRENT) == CDS_DRIVE_NOT_READY;
+}
+
+bool DriveNode::openTray() const {
+    if (ioctl(_descriptor, CDROM_DRIVE_STATUS, CDSL_CURRENT) == CDS_TRAY_OPEN ||
+        ioctl(_descriptor, CDROMEJECT) != 0)
+        return false;
+    // A drive without a tray tells only that it has no disc.
+    const int status = ioctl(_descriptor, CDROM_DRIVE_STATUS, CDSL_CURRENT);
+    return status != CDS_DISC_OK && status != CDS_DRIVE_NOT_READY;
+}
+
+void waitForDrive(const StopSignal* stop) {
+    std::mutex mutex;
+    std::condition_variable_any never;
+    std::unique_lock lock(mutex);
+    never.wait_for(lock, stop ? stop->token() : std::stop_token(), retryInterval,
+                   [] { return false; });
+    if (stop)
+        stop->throwIfRequested();
+}
+
+} // namespace quarner
