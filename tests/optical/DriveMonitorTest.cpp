@@ -9,6 +9,7 @@
 #include <mutex>
 
 #include "tests/optical/DriveBed.h"
+#include "tests/support/optical/EventLoss.h"
 
 namespace quarner {
 namespace {
@@ -73,6 +74,36 @@ TEST_F(DriveMonitorTest, OtherBlockDevicesAreNotToldOf) {
     bed.plug("sda", {{"ID_VENDOR", "ATA"}});
     bed.plug("sr0", DriveBed::writer("V", "M"));
     EXPECT_THAT(notes.first(1), ElementsAre("there /dev/sr0"));
+}
+
+TEST_F(DriveMonitorTest, ADeviceThatUdevHasLookedAtAndCallsNoDriveIsNone) {
+    ASSERT_TRUE(monitor.start(notes));
+    bed.plug("sr0", {}, bed.addScsi("1:0:0:0", "5", "V", "SCANNER"));
+    bed.plug("sr1", DriveBed::writer("V", "M"));
+    EXPECT_THAT(notes.first(1), ElementsAre("there /dev/sr1"));
+}
+
+TEST_F(DriveMonitorTest, LostEventsAreToldOfAfterThoseThatCameThrough) {
+    bed.plug("sr0", DriveBed::writer("V", "Lost"));
+    bed.plug("sr1", DriveBed::writer("V", "M"));
+    bed.plug("sr2", DriveBed::writer("V", "M"));
+    loseNextEvent();
+    ASSERT_TRUE(monitor.start(notes));
+    EXPECT_THAT(notes.first(3), ElementsAre("there /dev/sr1", "there /dev/sr2", "lost"));
+}
+
+TEST_F(DriveMonitorTest, AfterALossItGoesOn) {
+    bed.plug("sr0", DriveBed::writer("V", "Lost"));
+    loseNextEvent();
+    ASSERT_TRUE(monitor.start(notes));
+    EXPECT_THAT(notes.first(1), ElementsAre("lost"));
+    bed.plug("sr1", DriveBed::writer("V", "M"));
+    EXPECT_THAT(notes.first(2), ElementsAre("lost", "there /dev/sr1"));
+}
+
+TEST_F(DriveMonitorTest, HasRoomForAThousandEventsThatComeAtOnce) {
+    constexpr int roomOfAnEvent = 4096; // about a kilobyte of text, and what the kernel adds
+    EXPECT_GE(wantedReceiveRoom(), 1000 * roomOfAnEvent);
 }
 
 } // namespace
