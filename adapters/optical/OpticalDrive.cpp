@@ -73,6 +73,13 @@ void OpticalDrive::unplug() {
         burning->request(DRError::DeviceVanished);
 }
 
+bool OpticalDrive::unplugUnlessBurning() {
+    const std::lock_guard lock(_mutex);
+    if (!_burning)
+        _isAttached = false;
+    return !_burning;
+}
+
 /// What is to be answered without asking the drive; nothing when it has to be asked.
 std::optional<DiscFacts> OpticalDrive::knownDisc() const {
     const std::lock_guard lock(_mutex);

@@ -46,6 +46,8 @@ public:
     /// The drive is unplugged for good: it has no disc from now on, and a burn under way fails with
     /// `DRError::DeviceVanished`. Tells nobody.
     void unplug();
+    /// The same, but answers false, and does nothing, while a burn is under way.
+    bool unplugUnlessBurning();
 
     std::string displayName() const override { return _displayName; }
     Dictionary info() const override;

@@ -16,6 +16,14 @@ std::string nameOf(const DriveRecord& record) {
     return name.empty() ? record.node.substr(record.node.rfind('/') + 1) : readableName(name);
 }
 
+/// Whether a record tells something of a drive that the known one does not. One that only tells
+/// less proves nothing: udev leaves out what it cannot ask a drive for that is busy, and nearly all
+/// when the button of the tray is pressed.
+bool tellsMore(const DriveRecord& record, const DriveRecord& known) {
+    const bool hasName = !record.vendor.empty() || !record.product.empty();
+    return (record.canWriteCD && !known.canWriteCD) || (hasName && nameOf(record) != nameOf(known));
+}
+
 } // namespace
 
 OpticalRecorder::OpticalRecorder(std::shared_ptr<RunLoops> runLoops,
@@ -30,16 +38,15 @@ OpticalRecorder::OpticalRecorder(std::shared_ptr<RunLoops> runLoops,
 
 std::vector<std::shared_ptr<DRDevice>> OpticalRecorder::devices() {
     if (!_hearsOfChanges)
-        eventsWereLost();
+        lookAfresh();
     const std::lock_guard lock(_mutex);
     return {_drives.begin(), _drives.end()};
 }
 
 void OpticalRecorder::driveIsThere(const DriveRecord& record) {
     const std::lock_guard lock(_updating);
-    if (!driveAt(record.sysPath))
-        attach(record);
-    _hearsOfChanges = true;
+    _hearsOfChanges = true; // first: the drive that is attached now is told of its changes too
+    takeOver(record);
 }
 
 void OpticalRecorder::driveIsGone(const std::string& sysPath) {
@@ -54,6 +61,14 @@ void OpticalRecorder::mediaChanged(const std::string& sysPath) {
 }
 
 void OpticalRecorder::eventsWereLost() {
+    const std::vector<Drive> before = drives();
+    lookAfresh();
+    for (const Drive& drive : drives())
+        if (std::find(before.begin(), before.end(), drive) != before.end())
+            drive->mediaChanged(); // one of the events may have been of its disc
+}
+
+void OpticalRecorder::lookAfresh() {
     const std::lock_guard lock(_updating);
     const std::vector<DriveRecord> found = listDrives();
     for (const Drive& drive : drives())
@@ -62,8 +77,16 @@ void OpticalRecorder::eventsWereLost() {
             }))
             detach(drive);
     for (const DriveRecord& record : found)
-        if (!driveAt(record.sysPath))
-            attach(record);
+        takeOver(record);
+}
+
+void OpticalRecorder::takeOver(const DriveRecord& record) {
+    const Drive known = driveAt(record.sysPath);
+    if (known && (!tellsMore(record, known->record()) || !known->unplugUnlessBurning()))
+        return;
+    if (known)
+        detach(known);
+    attach(record);
 }
 
 void OpticalRecorder::attach(const DriveRecord& record) {

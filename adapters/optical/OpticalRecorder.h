@@ -28,6 +28,10 @@ struct OpticalRecorderParts {
 /// Drives are told of as udev tells of them. Where udev does not run, and nothing was heard of it
 /// so far, `devices` looks afresh every time, and tells then what has come and gone since the last
 /// look.
+///
+/// A drive of which more is found out later, its name or that it writes, disappears, and appears as
+/// another object that tells it; a drive that is burning only once something is heard of it after
+/// the burn.
 class OpticalRecorder final : public EngineRecorder, private DriveListener {
 public:
     OpticalRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<PCMService> pcm,
@@ -48,6 +52,8 @@ private:
     void mediaChanged(const std::string& sysPath) override;
     void eventsWereLost() override;
 
+    void lookAfresh();
+    void takeOver(const DriveRecord& record);
     void attach(const DriveRecord& record);
     void detach(const Drive& drive);
     Drive driveAt(const std::string& sysPath);

@@ -14,7 +14,9 @@ namespace quarner {
 /// opened. Empty where there are none, and where nothing can be found out. Any thread.
 ///
 /// A drive is a block device that udev has given the property ID_CDROM. One that udev has not
-/// looked at, because it does not run or has not come to it, is taken from what the kernel says.
+/// looked at, because it does not run or has not come to it, is taken from what the kernel says,
+/// and does not count as a writer where the kernel has no table of drives. Once udev has come to
+/// it, the list tells what udev says, and a `DriveMonitor` tells of the drive.
 std::vector<DriveRecord> listDrives();
 
 /// The order of their device files: sr2 before sr10.

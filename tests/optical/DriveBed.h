@@ -70,8 +70,12 @@ public:
         umockdev_testbed_remove_device(_bed.get(), sysPath.c_str());
     }
 
+    void setProperty(const std::string& sysPath, const std::string& key, const std::string& value) {
+        umockdev_testbed_set_property(_bed.get(), sysPath.c_str(), key.c_str(), value.c_str());
+    }
+
     void changeMedia(const std::string& sysPath) {
-        umockdev_testbed_set_property(_bed.get(), sysPath.c_str(), "DISK_MEDIA_CHANGE", "1");
+        setProperty(sysPath, "DISK_MEDIA_CHANGE", "1");
         send(sysPath, "change");
     }
 

@@ -8,6 +8,7 @@
 #include "tests/optical/DriveBed.h"
 #include "tests/recorder/RawSound.h"
 #include "tests/recorder/StepLoops.h"
+#include "tests/support/optical/EventLoss.h"
 
 namespace quarner {
 namespace {
@@ -165,6 +166,85 @@ TEST_F(OpticalRecorderTest, WithoutUdevADriveIsListedAsSoonAsItIsThere) {
     EXPECT_THAT(names(), ElementsAre("V M"));
     loops->runPending();
     EXPECT_THAT(notes->all(), ElementsAre("+ V M"));
+}
+
+/// On a machine whose kernel has no table of the drive.
+class LateUdevTest : public OpticalRecorderTest {
+protected:
+    /// Plugs in a drive that udev has not come to.
+    std::string plugUnseen() { return bed.plug("sr97", {}, bed.addScsi("1:0:0:0", "5", "V", "M")); }
+    /// Lets udev tell something else of a drive.
+    void findOut(const std::string& sysPath, const DriveBed::Properties& properties) {
+        for (const auto& [key, value] : properties)
+            bed.setProperty(sysPath, key, value);
+        bed.send(sysPath, "add");
+    }
+    bool writes() {
+        return valueFor(recorder->devices().at(0)->info(), DRDeviceCanWriteCDKey).asBool();
+    }
+};
+
+TEST_F(LateUdevTest, ADriveThatUdevComesToLateIsReplacedByOneThatWrites) {
+    const std::string sysPath = plugUnseen();
+    start();
+    const auto before = recorder->devices().at(0);
+    EXPECT_FALSE(writes());
+    findOut(sysPath, DriveBed::writer("V", "M"));
+    ASSERT_TRUE(hearNotes(2));
+    EXPECT_THAT(notes->all(), ElementsAre("- V M", "+ V M"));
+    EXPECT_TRUE(writes());
+    EXPECT_NE(recorder->devices().at(0), before);
+}
+
+TEST_F(LateUdevTest, ADriveIsReplacedByOneOfAnotherName) {
+    const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
+    start();
+    findOut(sysPath, DriveBed::writer("V", "N"));
+    ASSERT_TRUE(hearNotes(2));
+    EXPECT_THAT(notes->all(), ElementsAre("- V M", "+ V N"));
+}
+
+TEST_F(LateUdevTest, ADriveOfWhichUdevTellsLessStaysTheSame) {
+    const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
+    start();
+    const auto before = recorder->devices();
+    findOut(sysPath, {{"ID_CDROM_CD_R", ""}});
+    findOut(sysPath, {{"ID_VENDOR", ""}, {"ID_MODEL", ""}});
+    bed.plug("sr1", DriveBed::writer("V", "Last"));
+    ASSERT_TRUE(hearNotes(1));
+    EXPECT_THAT(notes->all(), ElementsAre("+ V Last"));
+    EXPECT_EQ(recorder->devices().at(0), before.at(0));
+}
+
+TEST_F(LateUdevTest, WithoutEventsTheListTellsWhatUdevHasFoundOut) {
+    const std::string sysPath = plugUnseen();
+    start(false);
+    EXPECT_FALSE(writes());
+    for (const auto& [key, value] : DriveBed::writer("V", "M"))
+        bed.setProperty(sysPath, key, value);
+    EXPECT_TRUE(writes());
+}
+
+TEST_F(OpticalRecorderTest, WhatWasLostIsMadeUpFor) {
+    const std::string gone = bed.plug("sr0", DriveBed::writer("V", "Gone"));
+    bed.plug("sr1", DriveBed::writer("V", "Stays"));
+    start();
+    bed.unplugSilently(gone);
+    loseNextEvent();
+    bed.plug("sr2", DriveBed::writer("V", "Comes"));
+    ASSERT_TRUE(hearNotes(3));
+    bed.plug("sr3", DriveBed::writer("V", "Last"));
+    ASSERT_TRUE(hearNotes(4));
+    EXPECT_THAT(notes->all(), ElementsAre("- V Gone", "+ V Comes", "~ V Stays", "+ V Last"))
+        << "the disc of the one that stays may have been changed";
+}
+
+TEST_F(OpticalRecorderTest, ToLookAfreshIsNoChangeOfADisc) {
+    bed.plug("sr0", DriveBed::writer("V", "M"));
+    start(false);
+    names();
+    loops->runPending();
+    EXPECT_THAT(notes->all(), IsEmpty());
 }
 
 TEST_F(OpticalRecorderTest, ARecorderEndsWhileDrivesComeAndGo) {

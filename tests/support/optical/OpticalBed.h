@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <mutex>
+#include <string>
 #include <vector>
 
 #include "tests/support/optical/EmulatedRecorder.h"
@@ -27,6 +28,11 @@ public:
     /// Makes a recorder and plugs it in. The first one is /dev/sr0, the next one /dev/sr1; a name
     /// is not used again.
     std::shared_ptr<EmulatedRecorder> plug(const RecorderDescription& description = {});
+
+    /// Lets udev tell something else of a recorder than the recorder would; by its number.
+    void retell(unsigned number, const UdevBed::Properties& properties) {
+        _udev.change("sr" + std::to_string(number), number, properties, {});
+    }
 
     /// Returns when every event was sent of what has happened to the recorders so far.
     void finishEvents() { _udev.finish(); }
