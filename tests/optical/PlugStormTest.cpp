@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <map>
 #include <thread>
 
 #include "adapters/optical/OpticalRecorder.h"
@@ -14,9 +15,14 @@
 namespace quarner {
 namespace {
 
-constexpr int events = 1000;
+constexpr int events = 1000; ///< of plugging in and pulling out
+constexpr int roundsPerDisc = 10;
+constexpr int told = events + events / 2 / roundsPerDisc;
 
-/// One drive burns, another one is plugged in and pulled out, and two threads ask for all of them.
+constexpr std::uint64_t sectorsToBurn = 4000;
+
+/// One drive burns, another one is plugged in and pulled out, now and then with another disc in it,
+/// and two threads ask for all of them. The sound to be burnt comes as the storm goes on.
 class PlugStorm : public testing::Test {
 protected:
     ~PlugStorm() override { end(); }
@@ -30,32 +36,47 @@ protected:
 
     void listen() {
         const auto center = loops->currentCenter();
-        for (const char* name : {DRDeviceAppearedNotification, DRDeviceDisappearedNotification})
+        for (const char* name : {DRDeviceAppearedNotification, DRDeviceStatusChangedNotification,
+                                 DRDeviceDisappearedNotification})
             center->addObserver(
                 this,
                 [this](const DRNotification& notification) {
-                    told.push_back(notification);
-                    ++heard;
+                    if (notification.object == burningDrive)
+                        return;
+                    heard.push_back(notification);
+                    ++heardCount;
                 },
                 name, nullptr);
     }
 
     void plugAndUnplug() {
-        for (int i = 0; i < events / 2; ++i) {
+        waitFor([&] { return isBurning.load(); });
+        for (int i = 0; i < events / 2 && !isOver; ++i) {
             if (other)
                 other->replug();
             else
                 other = bed.plug({.product = "COMES AND GOES"});
+            if (i % roundsPerDisc == 0) {
+                other->insert(Medium::blankCDR());
+                ++happened;
+            }
             other->unplug();
             happened += 2;
-            waitForListeners();
+            waitFor([&] { return happened - heardCount <= 6; }); // the test bed holds ten events
         }
     }
 
-    /// The sockets of the test bed hold no more than ten events.
-    void waitForListeners() {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-        while (happened - heard > 6 && std::chrono::steady_clock::now() < end)
+    /// On the reading thread: a part of the sound is read when that part of the storm is over, and
+    /// the last tenth after all of it.
+    void holdBack(std::uint64_t pairs) {
+        isBurning = true;
+        const double part = static_cast<double>(pairs) / (588.0 * sectorsToBurn * 0.9);
+        waitFor([&] { return happened >= std::min(1.0, part) * told; });
+    }
+
+    void waitFor(const std::function<bool()>& condition) const {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        while (!isOver && !condition() && std::chrono::steady_clock::now() < end)
             std::this_thread::sleep_for(std::chrono::microseconds(100));
     }
 
@@ -68,11 +89,27 @@ protected:
             }
     }
 
-    std::shared_ptr<DRBurn> makeBurn(std::uint32_t sectors) {
-        const std::string path = sources.write("sound", rawNoise(588ULL * sectors, 1));
-        auto burn = recorder->burnForDevice(recorder->devices().at(0));
+    std::shared_ptr<DRBurn> makeBurn() {
+        const std::string path = sources.write("sound", rawNoise(588 * sectorsToBurn, 1));
+        sound->setReadHook([this](const std::string&, std::uint64_t pairs) { holdBack(pairs); });
+        auto burn = recorder->burnForDevice(burningDrive);
         burn->writeLayout({recorder->trackForAudioFile(path)});
         return burn;
+    }
+
+    void expectNothingLostOrDoubled() const {
+        ASSERT_EQ(heard.size(), told);
+        auto next = heard.begin();
+        for (int i = 0; i < events / 2; ++i) {
+            const auto drive = next->object;
+            EXPECT_EQ((next++)->name, DRDeviceAppearedNotification);
+            if (i % roundsPerDisc == 0) {
+                EXPECT_EQ(next->object, drive);
+                EXPECT_EQ((next++)->name, DRDeviceStatusChangedNotification);
+            }
+            EXPECT_EQ(next->object, drive) << "the drive that came is the one that went";
+            EXPECT_EQ((next++)->name, DRDeviceDisappearedNotification);
+        }
     }
 
     OpticalBed bed;
@@ -80,35 +117,38 @@ protected:
     std::shared_ptr<EmulatedRecorder> other;
     TemporaryFolder sources;
     std::shared_ptr<StepLoops> loops = std::make_shared<StepLoops>();
+    std::shared_ptr<RawSound> sound = std::make_shared<RawSound>();
     std::shared_ptr<OpticalRecorder> recorder = std::make_shared<OpticalRecorder>(
-        loops, std::make_shared<RawSound>(), OpticalRecorderParts{.isUdevRunning = true});
-    std::vector<DRNotification> told;
+        loops, sound, OpticalRecorderParts{.isUdevRunning = true});
+    const std::shared_ptr<DRDevice> burningDrive = recorder->devices().at(0);
+    std::vector<DRNotification> heard;
     std::atomic<bool> isOver = false;
+    std::atomic<bool> isBurning = false;
     std::atomic<int> happened = 0;
-    std::atomic<int> heard = 0;
+    std::atomic<int> heardCount = 0;
     std::vector<std::thread> threads;
 };
 
 TEST_F(PlugStorm, LosesAndDoublesNothingAndDisturbsNoBurn) {
     listen();
-    const auto burn = makeBurn(4000);
-    const BurnLog log(loops->currentCenter(), burn.get());
+    const auto burn = makeBurn();
+    BurnLog log(loops->currentCenter(), burn.get());
+    std::map<std::string, int> happenedWhen;
+    log.onRecord = [&](const Dictionary& record) {
+        happenedWhen.emplace(BurnLog::stateOf(record), happened);
+    };
     threads.emplace_back([this] { plugAndUnplug(); });
     threads.emplace_back([this] { ask(); });
     threads.emplace_back([this] { ask(); });
     ASSERT_TRUE(loops->runUntil([&] { return log.isOver(); }));
     EXPECT_TRUE(log.isDone()) << log.info();
-    EXPECT_GT(happened, 0) << "it was a storm";
-    ASSERT_TRUE(loops->runUntil([&] { return told.size() >= events; }));
+    EXPECT_LT(happenedWhen[DRStatusStateTrackWrite], told / 10) << "the burn was there first";
+    EXPECT_EQ(happenedWhen[DRStatusStateTrackClose], told) << "and lasted to the end";
+    loops->runUntil([&] { return heard.size() >= told; }, std::chrono::seconds(10));
     end();
-    loops->runUntil([&] { return told.size() > events; }, std::chrono::seconds(1));
+    loops->runUntil([&] { return heard.size() > told; }, std::chrono::seconds(1));
 
-    ASSERT_EQ(told.size(), events);
-    for (std::size_t i = 0; i < told.size(); i += 2) {
-        EXPECT_EQ(told[i].name, DRDeviceAppearedNotification);
-        EXPECT_EQ(told[i + 1].name, DRDeviceDisappearedNotification);
-        EXPECT_EQ(told[i].object, told[i + 1].object) << "the drive that came is the one that went";
-    }
+    expectNothingLostOrDoubled();
     ASSERT_EQ(recorder->devices().size(), 1U);
     EXPECT_EQ(recorder->devices()[0]->displayName(), "QUARNER WRITER");
     EXPECT_TRUE(writer->isReleased());
