@@ -179,16 +179,26 @@ bool BurnJob::isRunning() const { return !isIdle(_drive) || _thread.isRunning();
 
 bool BurnJob::wroteWell() const { return burn::burn_drive_wrote_well(_drive) == 1; }
 
-bool blankDisc(const GrabbedDrive& grabbed) {
+std::optional<DRError> blankDisc(GrabbedDrive& grabbed) {
     burn::burn_drive* const drive = grabbed.handle();
+    burn::burn_disc_pretend_full(drive); // what was broken off counts as unsuitable otherwise
     burn::burn_disc_erase(drive, 1);
+    // Without a disc the library would wait for the end of the blanking for ever.
+    bool isDiscThere = true;
     while (!isIdle(drive)) {
+        if (isDiscThere && !grabbed.hasDisc()) {
+            isDiscThere = false;
+            grabbed.abandon();
+        }
         BurnLibrary::shared().logMessages();
         std::this_thread::sleep_for(pollInterval);
     }
+    if (!isDiscThere)
+        return DRError::MediaNotPresent;
     const bool isWell = burn::burn_drive_wrote_well(drive) == 1;
     burn::burn_drive_re_assess(drive, 0);
-    return isWell && burn::burn_disc_get_status(drive) == burn::BURN_DISC_BLANK;
+    const bool isBlank = isWell && burn::burn_disc_get_status(drive) == burn::BURN_DISC_BLANK;
+    return isBlank ? std::nullopt : std::optional(DRError::WriteFailed);
 }
 
 void setSpeeds(const GrabbedDrive& drive, std::optional<double> blocksPerSecond) {

@@ -44,9 +44,10 @@ private:
     std::unique_ptr<Session> _session;
 };
 
-/// Blanks an erasable disc in the quick way; returns when the drive is idle. The drive cannot be
-/// stopped meanwhile. Answers whether the disc is blank then.
-bool blankDisc(const GrabbedDrive& grabbed);
+/// Blanks an erasable disc in the quick way, also one whose last burn was broken off; returns when
+/// the drive is idle. Takes a minute or two, in which the drive cannot be stopped. Answers nothing
+/// when the disc is blank then, or why it is not.
+std::optional<DRError> blankDisc(GrabbedDrive& grabbed);
 
 /// Writes at so many blocks per second, or as fast as drive and disc allow; reads as fast as it
 /// can.

@@ -6,12 +6,16 @@
 #include <vector>
 
 #include "adapters/optical/Libburn.h"
+#include "adapters/optical/NodeDescriptors.h"
 #include "quarner/platform/Platform.h"
 
 namespace quarner {
 namespace {
 
 constexpr std::size_t mostKept = 64;
+
+/// The library's list has 255 places, and it does not look whether one is left.
+constexpr std::size_t mostFailures = 200;
 
 } // namespace
 
@@ -39,23 +43,34 @@ void BurnLibrary::driveWasReleased() {
     clearAway();
 }
 
-void BurnLibrary::driveWasNotTaken(LeftDescriptors left) {
-    _left.push_back(std::move(left));
+void BurnLibrary::driveWasNotTaken(const std::set<int>& left) {
+    ++_failures;
+    takeAway(left);
+    _left.insert(left.begin(), left.end());
     clearAway();
 }
 
 /// The library forgets its list when it is started anew. The descriptors come after that, since it
 /// closes those that it still knows of.
 void BurnLibrary::clearAway() {
-    if (_takenDrives > 0 || _left.empty())
+    if (_takenDrives > 0 || _failures == 0)
         return;
     logMessages();
     {
         const std::lock_guard lock(_mutex); // nobody asks for messages meanwhile
         burn::burn_finish();
     }
-    for (const LeftDescriptors& left : std::exchange(_left, {}))
-        left.closeAll();
+    closeTakenAway(std::exchange(_left, {}));
+    _failures = 0;
+}
+
+/// The library takes a path for another drive's that has more slashes in it.
+std::string BurnLibrary::untriedAddress(const std::string& node) const {
+    if (_failures >= mostFailures)
+        return {};
+    std::string address = node;
+    address.insert(address.rfind('/') + 1, _failures, '/');
+    return address;
 }
 
 BurnLibrary::Moment BurnLibrary::now() {

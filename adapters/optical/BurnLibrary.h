@@ -4,10 +4,8 @@
 #include <cstdint>
 #include <deque>
 #include <mutex>
+#include <set>
 #include <string>
-#include <vector>
-
-#include "adapters/optical/LeftDescriptors.h"
 
 namespace quarner {
 
@@ -27,14 +25,16 @@ public:
     /// drive is opened. Answers whether it is running.
     bool start();
 
-    // With `drives` held: what the library keeps of a drive that it failed to take. It lists the
-    // drive for ever and does not take it again, and may leave its file open. That is cleared away
-    // as soon as it has no drive that was taken.
+    // With `drives` held. What the library keeps of a drive that it failed to take: it lists it for
+    // ever, does not take it again under the same address, and may leave its file open. The file
+    // is taken away from it at once, the rest is cleared away as soon as it has no drive.
 
+    /// An address for a drive's node that was not tried in vain; empty when there are none left.
+    std::string untriedAddress(const std::string& node) const;
     void driveWasTaken() { ++_takenDrives; }
     void driveWasReleased();
-    /// `left`: what was open before the attempt.
-    void driveWasNotTaken(LeftDescriptors left);
+    /// `left`: what the attempt left open.
+    void driveWasNotTaken(const std::set<int>& left);
 
     /// A moment in the sequence of the library's messages.
     using Moment = std::uint64_t;
@@ -64,7 +64,8 @@ private:
 
     std::mutex _drives;
     int _takenDrives = 0;
-    std::vector<LeftDescriptors> _left;
+    std::size_t _failures = 0; ///< to take a drive, that are still to be cleared away
+    std::set<int> _left;       ///< the descriptors of them
     std::mutex _mutex;
     Moment _moment = 0;
     std::deque<Message> _kept;

@@ -1,14 +1,18 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/optical/GrabbedDrive.h"
 
+#include <linux/cdrom.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <mutex>
 #include <utility>
 
 #include "adapters/optical/BurnLibrary.h"
 #include "adapters/optical/DriveNode.h"
 #include "adapters/optical/Libburn.h"
+#include "adapters/optical/NodeDescriptors.h"
 
 namespace quarner {
 namespace {
@@ -17,7 +21,7 @@ namespace {
 bool isLoading(const std::string& path, std::chrono::milliseconds patience, const StopSignal* stop,
                std::string& place) {
     const DriveNode node(path, patience, stop);
-    place = LeftDescriptors::placeOf(node.descriptor());
+    place = NodeDescriptors::placeOf(node.descriptor());
     return node.isLoading();
 }
 
@@ -49,15 +53,17 @@ bool GrabbedDrive::grab(const std::string& node, const std::string& place) {
         const std::lock_guard lock(library.drives());
         if (!library.start())
             throw BurnFailure(DRError::Internal, "libburn cannot be started");
-        LeftDescriptors left(place);
-        std::string address = node;
+        const NodeDescriptors descriptors(place);
+        std::string address = library.untriedAddress(node);
+        if (address.empty())
+            return false;
         if (burn::burn_drive_scan_and_grab(&_found, address.data(), 0) == 1) {
             _handle = _found->drive;
+            _descriptors = descriptors.openedSince();
             library.driveWasTaken();
         } else {
             burn::burn_drive_info_free(std::exchange(_found, nullptr));
-            left.findOpened();
-            library.driveWasNotTaken(std::move(left));
+            library.driveWasNotTaken(descriptors.openedSince());
         }
     }
     library.logMessages();
@@ -66,13 +72,27 @@ bool GrabbedDrive::grab(const std::string& node, const std::string& place) {
 
 GrabbedDrive::~GrabbedDrive() {
     BurnLibrary& library = BurnLibrary::shared();
+    burn::burn_drive_release(_handle, 0); // takes its time: other drives do not wait for it
     {
         const std::lock_guard lock(library.drives());
-        burn::burn_drive_release(_handle, 0);
         burn::burn_drive_info_free(_found);
         library.driveWasReleased();
     }
     library.logMessages();
+}
+
+bool GrabbedDrive::hasDisc() const {
+    return std::any_of(_descriptors.begin(), _descriptors.end(), [](int descriptor) {
+        const int status = ioctl(descriptor, CDROM_DRIVE_STATUS, CDSL_CURRENT);
+        return status != CDS_NO_DISC && status != CDS_TRAY_OPEN;
+    });
+}
+
+void GrabbedDrive::abandon() {
+    if (_descriptors.empty() || _isAbandoned)
+        return;
+    ioctl(*_descriptors.begin(), CDROM_LOCKDOOR, 0);
+    _isAbandoned = takeAway(_descriptors);
 }
 
 bool isAttached(const DriveRecord& record) {

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <memory>
+#include <set>
 #include <string>
 
 #include "adapters/engine/BurnFailure.h"
@@ -43,11 +44,20 @@ public:
     /// libburn's own drive; valid as long as this object.
     burn::burn_drive* handle() const { return _handle; }
 
+    /// Whether there is a disc, as the kernel says, also while libburn is at work.
+    bool hasDisc() const;
+
+    /// Unlocks the tray and takes the drive away from libburn, which ends whatever that waits for,
+    /// as if the drive had been unplugged.
+    void abandon();
+
 private:
     bool grab(const std::string& node, const std::string& place);
 
     burn::burn_drive_info* _found = nullptr;
     burn::burn_drive* _handle = nullptr;
+    std::set<int> _descriptors; ///< libburn's, of this drive
+    bool _isAbandoned = false;
 };
 
 /// Whether the system still has the drive, whatever state that is in.

@@ -41,8 +41,9 @@ void OpticalWriter::openSession(const DiscPlan& plan) {
     }
     if (isAudio())
         _sound.emplace(plan.sectors());
-    if (_needsBlanking && !blankDisc(*_drive))
-        fail(DRError::WriteFailed, "blanking the disc");
+    if (_needsBlanking)
+        if (const std::optional<DRError> error = blankDisc(*_drive))
+            fail(*error, "blanking the disc");
     _stop->throwIfRequested();
     setSpeeds(*_drive, _settings.requestedSpeed);
     _job = std::make_unique<BurnJob>(*_drive, plan, _settings, _pipe);

@@ -25,6 +25,7 @@ namespace quarner {
 
 /// The first bytes of commands (MMC-6).
 namespace operation {
+constexpr std::uint8_t testUnitReady = 0x00;
 constexpr std::uint8_t read = 0x28;
 constexpr std::uint8_t write = 0x2A;
 constexpr std::uint8_t sendCueSheet = 0x5D;

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "adapters/optical/GrabbedDrive.h"
+#include "adapters/optical/NodeDescriptors.h"
 #include "tests/optical/DriveStage.h"
 
 namespace quarner {
@@ -44,6 +45,8 @@ TEST_F(LostDrive, IsLetGoAtWhateverCommandOfAQuestionItWasPulled) {
     EXPECT_GT(pullInTheMidstOf([&] { isBlank = drive->mediaIsBlank(); }, 1), 10U);
     EXPECT_TRUE(isBlank);
     expectReleased();
+    for (int descriptor = 0; descriptor < 1024; ++descriptor)
+        EXPECT_EQ(NodeDescriptors::placeOf(descriptor).find("/memfd:quarner"), std::string::npos);
 }
 
 TEST_F(LostDrive, FailsTheBurnAndIsLetGoWhereverInABurnItWasPulled) {
@@ -60,6 +63,24 @@ TEST_F(LostDrive, FailsTheBurnAndIsLetGoAlsoWhereverInTheBlankingItWasPulled) {
     EXPECT_TRUE(isDone);
     EXPECT_GT(countOf(operation::blank), 20U) << "most of them were pulled after it had begun";
     expectReleased();
+}
+
+TEST_F(LostDrive, IsAskedAgainAlsoWhileAnotherDriveBurns) {
+    const auto other = bed.plug({});
+    const auto otherDrive = makeDrive(*other);
+    const auto burning = std::make_shared<EngineBurn>(services, otherDrive);
+    const auto log = observe(burning);
+    loops->setInStep(true);
+    log->onRecord = [&](const Dictionary& record) {
+        if (BurnLog::stateOf(record) != DRStatusStateTrackOpen)
+            return;
+        pullInTheMidstOf([&] { drive->mediaIsBlank(); }, 1);
+        EXPECT_TRUE(drive->mediaIsBlank());
+        loops->setInStep(false);
+    };
+    burning->writeLayout(audio({600}));
+    ASSERT_TRUE(loops->runUntil([&] { return log->isOver(); }));
+    EXPECT_TRUE(log->isDone()) << log->info();
 }
 
 } // namespace

@@ -176,14 +176,18 @@ int EmulatedRecorder::driveStatus() {
 
 /// As the kernel does: it unlocks the tray first.
 bool EmulatedRecorder::eject() {
-    const std::array<std::uint8_t, 6> unlock = {0x1E};
     const std::array<std::uint8_t, 6> openTray = {0x1B, 0, 0, 0, 2};
-    for (const auto& block : {unlock, openTray}) {
-        const std::optional<ScsiReply> reply = execute({.block = block, .sent = {}});
-        if (!reply || !reply->sense.isGood())
-            return false;
-    }
-    return true;
+    return lockTray(false) && succeeds(openTray);
+}
+
+bool EmulatedRecorder::lockTray(bool isLocked) {
+    const std::array<std::uint8_t, 6> lock = {0x1E, 0, 0, 0, std::uint8_t(isLocked)};
+    return succeeds(lock);
+}
+
+bool EmulatedRecorder::succeeds(std::span<const std::uint8_t> command) {
+    const std::optional<ScsiReply> reply = execute({.block = command, .sent = {}});
+    return reply && reply->sense.isGood();
 }
 
 void EmulatedRecorder::setFaults(const UnitFaults& faults) {

@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -81,11 +82,13 @@ public:
     std::optional<ScsiReply> execute(const ScsiCommand& command) override;
     int driveStatus() override;
     bool eject() override;
+    bool lockTray(bool isLocked) override;
 
 private:
     UdevBed::Properties properties() const;
     void tellOfMedium();
     void afterCommand(bool hadMedium);
+    bool succeeds(std::span<const std::uint8_t> command);
 
     UdevBed& _udev;
     const unsigned _number;

@@ -29,20 +29,35 @@ struct Node {
 // The functions of libc are called at any moment, also before `main` and by the runtime library of
 // a sanitizer in the middle of a report. So what does not concern a node gets by without the mutex.
 
-constexpr std::string_view commonPrefix = "/dev/sr";
-bool mayBeNode(const char* path) { return std::string_view(path).starts_with(commonPrefix); }
+bool mayBeNode(const char* path) {
+    constexpr std::string_view folder = "/dev/";
+    std::string_view rest = path;
+    if (!rest.starts_with(folder))
+        return false;
+    rest.remove_prefix(std::min(rest.size(), rest.find_first_not_of('/', folder.size())));
+    return rest.starts_with("sr");
+}
 
 constexpr int mostDescriptors = 4096;
 std::array<std::atomic<bool>, mostDescriptors> isOfNode;
+std::array<std::atomic<bool>, mostDescriptors> isReplaced; ///< was one, and is another file now
 
 std::mutex mutex;
 std::map<std::string, Node>& nodes() {
     static std::map<std::string, Node> all;
     return all;
 }
-Node* nodeOf(const char* path) {
+Node* nodeOf(const std::string& path) {
     const auto found = nodes().find(path);
     return found == nodes().end() ? nullptr : &found->second;
+}
+
+/// More slashes than one mean the same as one.
+std::string plain(const char* path) {
+    std::string name = path;
+    const auto isSecond = [](char a, char b) { return a == '/' && b == '/'; };
+    name.erase(std::unique(name.begin(), name.end(), isSecond), name.end());
+    return name;
 }
 
 /// The error that an attempt to open a node ends with; 0 when it may go on. The test bed itself
@@ -63,7 +78,7 @@ bool isDenied(const char* path) {
     if (!mayBeNode(path))
         return false;
     const std::lock_guard lock(mutex);
-    const Node* node = nodeOf(path);
+    const Node* node = nodeOf(plain(path));
     return node != nullptr && node->refusals > 0 && node->error == EACCES;
 }
 
@@ -71,16 +86,17 @@ bool isDenied(const char* path) {
 template <class Function>
 int openWatched(const char* path, int flags, Function function) {
     if (!mayBeNode(path))
-        return function();
+        return function(path);
+    const std::string name = plain(path);
     const std::lock_guard lock(mutex);
-    Node* node = nodeOf(path);
+    Node* node = nodeOf(name);
     if (node == nullptr)
-        return function();
+        return function(path);
     if (const int error = refusalOf(*node, flags); error != 0) {
         errno = error;
         return -1;
     }
-    const int descriptor = function();
+    const int descriptor = function(name.c_str());
     if (descriptor >= 0 && descriptor < mostDescriptors) {
         node->open[descriptor] = (flags & O_EXCL) != 0;
         isOfNode[static_cast<std::size_t>(descriptor)] = true;
@@ -88,18 +104,36 @@ int openWatched(const char* path, int flags, Function function) {
     return descriptor;
 }
 
+bool isOneOf(const std::array<std::atomic<bool>, mostDescriptors>& some, int descriptor) {
+    return descriptor >= 0 && descriptor < mostDescriptors &&
+           some[static_cast<std::size_t>(descriptor)];
+}
+
+void forget(int descriptor) {
+    isOfNode[static_cast<std::size_t>(descriptor)] = false;
+    for (auto& [path, node] : nodes())
+        node.open.erase(descriptor);
+}
+
 /// Closes by a function. Under the mutex, as opening is, for the test bed keeps the open nodes in a
 /// table without a lock.
 template <class Function>
 int closeWatched(int descriptor, Function function) {
-    if (descriptor < 0 || descriptor >= mostDescriptors ||
-        !isOfNode[static_cast<std::size_t>(descriptor)])
+    if (!isOneOf(isOfNode, descriptor) && !isOneOf(isReplaced, descriptor))
         return function();
     const std::lock_guard lock(mutex);
-    isOfNode[static_cast<std::size_t>(descriptor)] = false;
-    for (auto& [path, node] : nodes())
-        node.open.erase(descriptor);
+    forget(descriptor);
+    isReplaced[static_cast<std::size_t>(descriptor)] = false;
     return function();
+}
+
+/// The test bed is not told of it: it goes on answering for the descriptor, until that is closed.
+void replaceWatched(int descriptor) {
+    if (!isOneOf(isOfNode, descriptor))
+        return;
+    const std::lock_guard lock(mutex);
+    forget(descriptor);
+    isReplaced[static_cast<std::size_t>(descriptor)] = true;
 }
 
 using Open = int (*)(const char*, int, ...);
@@ -127,7 +161,7 @@ void changeNode(const std::string& path, bool isThere, const std::function<void(
 
 int openCountOf(const std::string& path) {
     const std::lock_guard lock(mutex);
-    const Node* node = nodeOf(path.c_str());
+    const Node* node = nodeOf(path);
     return node == nullptr ? 0 : static_cast<int>(node->open.size());
 }
 
@@ -152,7 +186,8 @@ QUARNER_EXPORT int open(const char* path, int flags, ...) {
     va_start(list, flags);
     const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(list, mode_t) : 0;
     va_end(list);
-    return openWatched(path, flags, [&] { return following<Open>("open")(path, flags, mode); });
+    return openWatched(path, flags,
+                       [&](const char* at) { return following<Open>("open")(at, flags, mode); });
 }
 
 QUARNER_EXPORT int open64(const char* path, int flags, ...) {
@@ -160,20 +195,40 @@ QUARNER_EXPORT int open64(const char* path, int flags, ...) {
     va_start(list, flags);
     const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(list, mode_t) : 0;
     va_end(list);
-    return openWatched(path, flags, [&] { return following<Open>("open64")(path, flags, mode); });
+    return openWatched(path, flags,
+                       [&](const char* at) { return following<Open>("open64")(at, flags, mode); });
 }
 
 QUARNER_EXPORT int __open_2(const char* path, int flags) {
-    return openWatched(path, flags, [&] { return following<Open>("open")(path, flags, 0); });
+    return openWatched(path, flags,
+                       [&](const char* at) { return following<Open>("open")(at, flags, 0); });
 }
 
 QUARNER_EXPORT int __open64_2(const char* path, int flags) {
-    return openWatched(path, flags, [&] { return following<Open>("open64")(path, flags, 0); });
+    return openWatched(path, flags,
+                       [&](const char* at) { return following<Open>("open64")(at, flags, 0); });
 }
 
 QUARNER_EXPORT int close(int descriptor) {
     return quarner::closeWatched(descriptor,
                                  [=] { return following<int (*)(int)>("close")(descriptor); });
+}
+
+QUARNER_EXPORT int dup3(int from, int to, int flags) {
+    quarner::replaceWatched(to);
+    return following<int (*)(int, int, int)>("dup3")(from, to, flags);
+}
+
+QUARNER_EXPORT int ioctl(int descriptor, unsigned long request, ...) {
+    va_list list;
+    va_start(list, request);
+    void* const argument = va_arg(list, void*);
+    va_end(list);
+    if (quarner::isOneOf(quarner::isReplaced, descriptor)) {
+        errno = ENOTTY;
+        return -1;
+    }
+    return following<int (*)(int, unsigned long, ...)>("ioctl")(descriptor, request, argument);
 }
 
 QUARNER_EXPORT int access(const char* path, int mode) {

@@ -18,6 +18,8 @@ public:
     virtual int driveStatus() = 0;
     /// Carries out CDROMEJECT; answers whether the drive did it.
     virtual bool eject() = 0;
+    /// Carries out CDROM_LOCKDOOR; answers whether the drive did it.
+    virtual bool lockTray(bool isLocked) = 0;
 };
 
 } // namespace quarner

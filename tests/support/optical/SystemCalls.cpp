@@ -4,6 +4,7 @@
 #include <linux/cdrom.h>
 #include <scsi/sg.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
@@ -101,6 +102,15 @@ CallResult fillIn(UMockdevIoctlClient* client, std::vector<std::uint8_t> bytes) 
     return {};
 }
 
+CallResult resultOf(bool isDone) { return isDone ? CallResult() : CallResult{-1, EIO}; }
+
+/// The argument of a call that takes a number.
+std::uintptr_t numberIn(const UMockdevIoctlData* argument) {
+    std::uintptr_t number = 0;
+    std::memcpy(&number, argument->data, std::min(sizeof number, std::size_t(argument->data_len)));
+    return number;
+}
+
 CallResult answer(UMockdevIoctlClient* client, SystemCallTarget& target) {
     switch (umockdev_ioctl_client_get_request(client)) {
     case SG_IO:
@@ -112,7 +122,9 @@ CallResult answer(UMockdevIoctlClient* client, SystemCallTarget& target) {
     case CDROM_DRIVE_STATUS:
         return {target.driveStatus()};
     case CDROMEJECT:
-        return target.eject() ? CallResult() : CallResult{-1, EIO};
+        return resultOf(target.eject());
+    case CDROM_LOCKDOOR:
+        return resultOf(target.lockTray(numberIn(umockdev_ioctl_client_get_arg(client)) != 0));
     default:
         return {-1, ENOTTY};
     }

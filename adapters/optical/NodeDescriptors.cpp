@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "adapters/optical/LeftDescriptors.h"
+#include "adapters/optical/NodeDescriptors.h"
 
+#include <fcntl.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -16,11 +18,13 @@ namespace {
 const std::string descriptors = "/proc/self/fd";
 constexpr std::string_view removed = " (deleted)";
 
+constexpr const char* emptyFile = "quarner-lost-drive";
+
 } // namespace
 
-LeftDescriptors::LeftDescriptors(std::string place) : _place(std::move(place)), _before(open()) {}
+NodeDescriptors::NodeDescriptors(std::string place) : _place(std::move(place)), _before(open()) {}
 
-std::string LeftDescriptors::placeOf(int descriptor) {
+std::string NodeDescriptors::placeOf(int descriptor) {
     std::error_code error;
     const std::string link = descriptors + '/' + std::to_string(descriptor);
     std::string place = std::filesystem::read_symlink(link, error).string();
@@ -30,7 +34,7 @@ std::string LeftDescriptors::placeOf(int descriptor) {
 }
 
 /// By the names of the descriptors: those of other threads may be closed at any moment.
-std::set<int> LeftDescriptors::open() const {
+std::set<int> NodeDescriptors::open() const {
     std::set<int> found;
     std::error_code error;
     std::filesystem::directory_iterator entry(descriptors, error);
@@ -42,15 +46,26 @@ std::set<int> LeftDescriptors::open() const {
     return found;
 }
 
-void LeftDescriptors::findOpened() {
-    _opened = open();
+std::set<int> NodeDescriptors::openedSince() const {
+    std::set<int> opened = open();
     for (const int descriptor : _before)
-        _opened.erase(descriptor);
+        opened.erase(descriptor);
+    return opened;
 }
 
-void LeftDescriptors::closeAll() const {
-    for (const int descriptor : _opened)
-        if (placeOf(descriptor) == _place)
+bool takeAway(const std::set<int>& descriptors) {
+    const int nothing = memfd_create(emptyFile, MFD_CLOEXEC);
+    if (nothing < 0)
+        return false;
+    for (const int descriptor : descriptors)
+        dup3(nothing, descriptor, O_CLOEXEC);
+    close(nothing);
+    return true;
+}
+
+void closeTakenAway(const std::set<int>& descriptors) {
+    for (const int descriptor : descriptors)
+        if (NodeDescriptors::placeOf(descriptor) == std::string("/memfd:") + emptyFile)
             close(descriptor);
 }
 
