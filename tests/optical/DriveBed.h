@@ -5,6 +5,7 @@
 #include <umockdev.h>
 
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
 #include <utility>
@@ -62,11 +63,8 @@ public:
 
     /// As on a machine where udev does not run.
     void unplugSilently(const std::string& sysPath) {
-        const std::unique_ptr<gchar, decltype(&g_free)> root(
-            umockdev_testbed_get_root_dir(_bed.get()), g_free);
         for (const char* const place : {"dev", "sys/class/block", "sys/block"})
-            std::filesystem::remove(std::filesystem::path(root.get()) / place /
-                                    std::filesystem::path(sysPath).filename());
+            std::filesystem::remove(root() / place / std::filesystem::path(sysPath).filename());
         umockdev_testbed_remove_device(_bed.get(), sysPath.c_str());
     }
 
@@ -79,7 +77,19 @@ public:
         send(sysPath, "change");
     }
 
+    /// A file that stands before the one of the machine, below /proc too.
+    void writeFile(const std::string& path, const std::string& text) const {
+        std::filesystem::create_directories((root() / path).parent_path());
+        std::ofstream(root() / path) << text;
+    }
+
 private:
+    std::filesystem::path root() const {
+        const std::unique_ptr<gchar, decltype(&g_free)> path(
+            umockdev_testbed_get_root_dir(_bed.get()), g_free);
+        return path.get();
+    }
+
     void addFromText(const std::string& text) {
         GError* error = nullptr;
         if (!umockdev_testbed_add_from_string(_bed.get(), text.c_str(), &error)) {

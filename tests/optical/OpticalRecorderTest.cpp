@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "tests/optical/DeviceNotes.h"
 #include "tests/optical/DriveBed.h"
 #include "tests/recorder/RawSound.h"
@@ -56,6 +58,12 @@ TEST_F(OpticalRecorderTest, DrivesAreNamedAfterVendorAndProductAndUnlikeEachOthe
     bed.plug("sr3", {{"ID_CDROM", "1"}});
     start();
     EXPECT_THAT(names(), ElementsAre("ASUS DRW-24", "ASUS DRW-24 (2)", "HL-DT-ST DVDRAM", "sr3"));
+}
+
+TEST_F(OpticalRecorderTest, ANameIsMadeReadable) {
+    bed.plug("sr0", DriveBed::writer("V", "M\x1b[1m"));
+    start();
+    EXPECT_THAT(names(), ElementsAre("V M\xef\xbf\xbd[1m"));
 }
 
 TEST_F(OpticalRecorderTest, ADriveSaysWhetherItWrites) {
@@ -156,6 +164,15 @@ TEST_F(OpticalRecorderTest, WithoutUdevTheListIsThatOfTheMoment) {
     EXPECT_THAT(recorder->devices(), ElementsAre(other));
     loops->runPending();
     EXPECT_THAT(notes->all(), ElementsAre("- V M"));
+}
+
+TEST_F(OpticalRecorderTest, OnThisMachineTheListIsThatOfTheMomentUnlessUdevRuns) {
+    const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
+    recorder = std::make_shared<OpticalRecorder>(loops, std::make_shared<RawSound>());
+    const bool isUdevRunning = std::filesystem::exists("/run/udev/control");
+    EXPECT_EQ(recorder->hearsOfChanges(), isUdevRunning);
+    bed.unplugSilently(sysPath);
+    EXPECT_EQ(names().empty(), !isUdevRunning);
 }
 
 TEST_F(OpticalRecorderTest, WithoutUdevADriveIsListedAsSoonAsItIsThere) {

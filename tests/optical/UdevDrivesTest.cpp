@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "adapters/optical/KernelDrives.h"
 #include "tests/optical/DriveBed.h"
 
@@ -63,6 +65,28 @@ TEST(UdevDrives, ADriveThatUdevHasNotLookedAtIsTakenFromTheKernel) {
     EXPECT_EQ(listDrives().front().node, "/dev/sr0");
     EXPECT_EQ(listDrives().front().vendor, "PLEXTOR");
     EXPECT_EQ(listDrives().front().product, "DVDR   PX-716A");
+}
+
+TEST(UdevDrives, OneThatUdevHasNotLookedAtWritesWhereTheKernelsTableSaysSo) {
+    DriveBed bed;
+    bed.plug("sr96", {}, bed.addScsi("1:0:0:0", "5", "V", "M"));
+    bed.plug("sr97", {}, bed.addScsi("2:0:0:0", "5", "V", "M"));
+    bed.writeFile("proc/sys/dev/cdrom/info", "drive name:\tsr97\tsr96\nCan write CD-R:\t0\t1\n");
+    const std::vector<DriveRecord> drives = listDrives();
+    ASSERT_EQ(drives.size(), 2U);
+    EXPECT_TRUE(drives[0].canWriteCD);
+    EXPECT_FALSE(drives[1].canWriteCD);
+}
+
+TEST(UdevDrives, OneThatUdevHasNotLookedAtDoesNotWriteWithoutATable) {
+    DriveBed bed;
+    bed.plug("sr97", {}, bed.addScsi("1:0:0:0", "5", "V", "M"));
+    ASSERT_EQ(listDrives().size(), 1U);
+    EXPECT_FALSE(listDrives().front().canWriteCD);
+}
+
+TEST(UdevDrives, UdevRunsWhereItCanBeControlled) {
+    EXPECT_EQ(isUdevRunning(), std::filesystem::exists("/run/udev/control"));
 }
 
 TEST(UdevDrives, ADiscThatUdevHasNotLookedAtIsNoOpticalDrive) {
