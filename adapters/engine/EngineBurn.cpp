@@ -40,6 +40,11 @@ void EngineBurn::setProperties(Dictionary properties) {
     _properties = std::move(properties);
 }
 
+Dictionary EngineBurn::properties() {
+    const std::lock_guard lock(_mutex);
+    return _properties;
+}
+
 bool EngineBurn::start() {
     const std::lock_guard lock(_mutex);
     return !std::exchange(_isStarted, true);
@@ -55,7 +60,7 @@ void EngineBurn::writeLayout(DRLayout layout) {
         return;
     }
     const auto run = std::make_shared<BurnRun>(_target, _stop, report, _services.clock,
-                                               burnSettings(_properties));
+                                               burnSettings(properties()));
     const auto work = [run, layout = std::move(layout), pcm = _services.pcm,
                        dataDiscs = _services.dataDiscs] {
         run->perform([&] { return contentOf(layout, pcm, dataDiscs); });

@@ -39,6 +39,7 @@ public:
 
 private:
     bool start();
+    Dictionary properties();
 
     const BurnServices _services;
     const std::shared_ptr<BurnTarget> _target;

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
+#include <mutex>
 #include <new>
 #include <string>
 #include <thread>
@@ -173,7 +174,22 @@ BurnJob::~BurnJob() {
 
 std::optional<std::string> BurnJob::objection() const { return _session->objection(); }
 
-void BurnJob::start() { _session->start(); }
+void BurnJob::start() {
+    const std::lock_guard lock(BurnLibrary::shared().drives());
+    _session->start();
+}
+
+bool BurnJob::isWriting() const {
+    switch (burn::burn_drive_get_status(_drive, nullptr)) {
+    case burn::BURN_DRIVE_SPAWNING:
+    case burn::BURN_DRIVE_WRITING_LEADIN:
+    case burn::BURN_DRIVE_WRITING_PREGAP:
+    case burn::BURN_DRIVE_WRITING:
+        return true;
+    default:
+        return false;
+    }
+}
 
 bool BurnJob::isRunning() const { return !isIdle(_drive) || _thread.isRunning(); }
 
@@ -182,7 +198,10 @@ bool BurnJob::wroteWell() const { return burn::burn_drive_wrote_well(_drive) == 
 std::optional<DRError> blankDisc(GrabbedDrive& grabbed) {
     burn::burn_drive* const drive = grabbed.handle();
     burn::burn_disc_pretend_full(drive); // what was broken off counts as unsuitable otherwise
-    burn::burn_disc_erase(drive, 1);
+    {
+        const std::lock_guard lock(BurnLibrary::shared().drives());
+        burn::burn_disc_erase(drive, 1);
+    }
     // Without a disc the library would wait for the end of the blanking for ever.
     bool isDiscThere = true;
     while (!isIdle(drive)) {

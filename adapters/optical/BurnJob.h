@@ -30,6 +30,8 @@ public:
     std::optional<std::string> objection() const;
 
     void start();
+    /// Whether sectors are still being written: before the disc is closed. Any thread.
+    bool isWriting() const;
     /// Whether the drive is still at work: writing, or closing the disc. Any thread.
     bool isRunning() const;
     /// Once it is not running any more: whether everything was written.

@@ -18,7 +18,8 @@ public:
     BurnLibrary(const BurnLibrary&) = delete;
     BurnLibrary& operator=(const BurnLibrary&) = delete;
 
-    /// Held by whoever adds a drive to the library's list or takes one off.
+    /// Held by whoever adds a drive to the library's list, takes one off, or has the library make a
+    /// thread: its lists have no lock.
     std::mutex& drives() { return _drives; }
 
     /// Starts libburn, without its handler of signals, unless it is running: to be called before a

@@ -20,11 +20,14 @@ namespace quarner {
 /// by a shared pointer.
 ///
 /// What the drive knows of its disc is asked of it once and kept until `mediaChanged`; a drive of
-/// which no changes are heard is asked again after `keptFor`. For a question the drive is open, and
-/// closed to other programs, only for the time of the call. While another program keeps it open the
-/// answer is, after a short wait, that there is no disc, and the drive is asked again after
-/// `keptFor`. While a burn is under way every question is answered with what was known at its
-/// beginning.
+/// which no changes are heard is asked again after `keptFor`, and so is one that loads its disc or
+/// could not be opened. For a question the drive is open, and closed to other programs, only for
+/// the time of the call. One drive is asked at a time: libburn has one list of them. While another
+/// program keeps it open the answer is, after half a second, that there is no disc; while a disc is
+/// being loaded, at once, that it is in transition. While a burn is under way every question is
+/// answered with what was known at its beginning.
+///
+/// A change of status may be told twice: by who made it, and by udev.
 ///
 /// The free space is what a burn can use: of a rewritable disc all of it, since the burn blanks it.
 class OpticalDrive : public DRDevice,

@@ -83,7 +83,15 @@ void OpticalWriter::give(std::span<const std::byte> sectors) {
         fail(DRError::WriteFailed, "writing");
 }
 
-void OpticalWriter::closeSession() {}
+void OpticalWriter::closeSession() {
+    while (_job->isWriting()) {
+        _stop->throwIfRequested();
+        BurnLibrary::shared().logMessages();
+        std::this_thread::sleep_for(pollInterval);
+    }
+    if (!_job->isRunning() && !_job->wroteWell())
+        fail(DRError::WriteFailed, "writing");
+}
 
 void OpticalWriter::finish() {
     while (_job->isRunning()) {
@@ -103,10 +111,13 @@ void OpticalWriter::verifyTableOfContents() {
 }
 
 void OpticalWriter::findOffset() {
-    const auto read = [this](std::int64_t firstSector, std::span<std::byte> buffer) {
-        return readSectors(firstSector, buffer);
+    bool isRead = true;
+    const auto read = [&](std::int64_t firstSector, std::span<std::byte> buffer) {
+        return isRead = readSectors(firstSector, buffer);
     };
     const std::optional<std::int64_t> offset = _sound->find(read);
+    if (!isRead)
+        fail(DRError::ReadBackFailed, "reading back the first sound");
     if (!offset)
         fail(DRError::VerifyFailed, "the first sound was not found again on the disc");
     _offset = *offset;

@@ -63,28 +63,59 @@ void SampleOffset::add(std::span<const std::byte> sectors) {
     }
     if (!_isSilent)
         _sound.extend(_sound.first + soundSamples, place, sectors);
+    if (_added > _sound.end() && _sound.first < mostSamples)
+        addChange(place, sectors);
+}
+
+/// Looks on in steps in which no change falls between two of them, until something has changed.
+void SampleOffset::addChange(std::int64_t place, std::span<const std::byte> sectors) {
+    constexpr std::int64_t step = soundSamples / 2;
+    if (_change.samples.empty() && isSteady(_sound))
+        _change = _sound;
+    if (_change.samples.empty())
+        return;
+    _change.extend(_change.first + soundSamples, place, sectors);
+    while (_added > _change.end() && isSteady(_change)) {
+        _change.samples.erase(_change.samples.begin(), _change.samples.begin() + step);
+        _change.first += step;
+        _change.extend(_change.first + soundSamples, place, sectors);
+    }
+}
+
+/// Whether it fits itself at another offset.
+bool SampleOffset::isSteady(const Stretch& written) {
+    const std::vector<Sample>& samples = written.samples;
+    for (std::int64_t shift = 1; shift <= 2 * mostSamples; ++shift)
+        if (std::equal(samples.begin() + shift, samples.end(), samples.begin()))
+            return true;
+    return false;
 }
 
 std::optional<std::int64_t> SampleOffset::find(const Read& read) const {
     if (_isSilent)
         return 0;
-    const std::optional<Stretch> stretch = readAroundSound(read);
-    if (!stretch)
+    // The silence before the sound is compared too, that before the disc's sector 0 included.
+    const std::int64_t begin = _sound.first - mostSamples;
+    const std::optional<Stretch> sound = readAround(begin, _sound, read);
+    const std::optional<Stretch> change = readAround(_change.first, _change, read);
+    if (!sound || !change)
         return std::nullopt;
     for (std::int64_t distance = 0; distance <= mostSamples; ++distance)
         for (const std::int64_t offset : {distance, -distance})
-            if (fits(*stretch, offset))
+            if (fits(*sound, offset, begin, _sound) &&
+                fits(*change, offset, _change.first, _change))
                 return offset;
     return std::nullopt;
 }
 
-/// With silence before the sound: in a steady tone nothing but its beginning tells one period from
-/// the next.
-std::optional<SampleOffset::Stretch> SampleOffset::readAroundSound(const Read& read) const {
-    const std::int64_t begin = _sound.first - mostSamples;
-    const std::int64_t end = std::min(_total, _sound.end() + mostSamples);
-    std::optional<Stretch> stretch = readStretch(begin, end, read);
-    if (!stretch && begin < 0) // not every drive reads before sector 0
+/// Reads what was written from a place on, and as far around it as an offset may lead.
+std::optional<SampleOffset::Stretch>
+SampleOffset::readAround(std::int64_t begin, const Stretch& written, const Read& read) const {
+    if (written.samples.empty())
+        return Stretch();
+    const std::int64_t end = std::min(_total, written.end() + mostSamples);
+    std::optional<Stretch> stretch = readStretch(begin - mostSamples, end, read);
+    if (!stretch && begin < mostSamples) // not every drive reads before sector 0
         stretch = readStretch(0, end, read);
     return stretch;
 }
@@ -101,18 +132,14 @@ std::optional<SampleOffset::Stretch> SampleOffset::readStretch(std::int64_t begi
     return stretch;
 }
 
-bool SampleOffset::fits(const Stretch& read, std::int64_t offset) const {
-    for (std::int64_t place = _sound.first - mostSamples; place < _sound.end(); ++place) {
+bool SampleOffset::fits(const Stretch& read, std::int64_t offset, std::int64_t begin,
+                        const Stretch& written) {
+    for (std::int64_t place = begin; place < written.end(); ++place) {
         const std::optional<Sample> sample = read.at(place - offset);
-        if (sample && *sample != written(place))
+        if (sample && *sample != written.at(place).value_or(0))
             return false;
     }
     return true;
-}
-
-/// Of what comes before the first sound, the silence before the disc's sector 0 included.
-SampleOffset::Sample SampleOffset::written(std::int64_t place) const {
-    return _sound.at(place).value_or(0);
 }
 
 bool SampleOffset::readAligned(std::uint64_t firstSector, std::span<std::byte> buffer,

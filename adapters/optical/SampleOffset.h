@@ -22,9 +22,10 @@ class SampleOffset {
 public:
     /// Stereo samples of 16 bits, two times two bytes.
     static constexpr std::uint32_t bytesPerSample = 4;
-    /// The search goes from -mostSamples to +mostSamples; drives stay well within.
+    /// The search goes from -mostSamples to +mostSamples, 34 ms either way.
     static constexpr std::int64_t mostSamples = 1500;
-    /// So much of the first sound is compared at each offset.
+    /// So much of the first sound is compared at each offset; and, where that is a steady tone in
+    /// which nothing tells one period from the next, so much of the first change after it too.
     static constexpr std::int64_t soundSamples = std::int64_t(588) * 8;
 
     /// Reads so many sectors as fit the buffer, from a sector on, which may lie a little before the
@@ -65,15 +66,19 @@ private:
 
     std::optional<Stretch> readStretch(std::int64_t begin, std::int64_t end,
                                        const Read& read) const;
-    std::optional<Stretch> readAroundSound(const Read& read) const;
-    bool fits(const Stretch& read, std::int64_t offset) const;
-    Sample written(std::int64_t place) const;
+    std::optional<Stretch> readAround(std::int64_t begin, const Stretch& written,
+                                      const Read& read) const;
+    void addChange(std::int64_t place, std::span<const std::byte> sectors);
+    static bool isSteady(const Stretch& written);
+    static bool fits(const Stretch& read, std::int64_t offset, std::int64_t begin,
+                     const Stretch& written);
 
     const std::int64_t _total; ///< samples on the disc
     std::int64_t _added = 0;
     bool _isSilent = true; ///< so far
     Stretch _start;        ///< the first samples of the disc
     Stretch _sound;        ///< from the first one that is not silent on
+    Stretch _change;       ///< after a steady tone; empty when there was none at the start
     Stretch _end;          ///< the last ones
 };
 

@@ -12,8 +12,10 @@ namespace quarner {
 
 /// One drive of the disc-recording service. The same object stands for the same drive for as
 /// long as it is attached, and goes on answering after it was unplugged. Every query may be made
-/// on any thread, asks the drive afresh and never throws; what is unknown is answered with an
-/// empty text or dictionary, false, or nothing.
+/// on any thread and never throws; what is unknown is answered with an empty text or dictionary,
+/// false, or nothing. A question for the disc asks the drive once for each disc, for which a real
+/// drive takes about a second, and as long as the drives that are asked before it; what another
+/// program holds is waited for half a second.
 class QUARNER_EXPORT DRDevice : public DRObject {
 public:
     /// The name that a user sees. Two drives may bear the same.

@@ -16,7 +16,7 @@ enum class DRError : std::uint32_t {
 
     DeviceBusy = 0x8002F001,         ///< another burn or program is using the drive or its image
     DeviceVanished = 0x8002F002,     ///< the drive was unplugged
-    MediaNotPresent = 0x8002F003,    ///< no disc in the drive
+    MediaNotPresent = 0x8002F003,    ///< no disc in the drive, or none that gets ready
     MediaNotWritable = 0x8002F004,   ///< the disc is not blank and cannot be overwritten
     MediaTooSmall = 0x8002F005,      ///< the layout takes more sectors than the disc has
     WrongMedia = 0x8002F006,         ///< not a CD

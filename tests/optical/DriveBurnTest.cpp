@@ -135,6 +135,39 @@ TEST_F(DriveBurn, IsFollowedByTheNewStateOfTheDisc) {
     EXPECT_EQ(drive->mediaSpaceFree(), DRMSF::msf());
 }
 
+TEST_F(DriveBurn, IsToldOfByTheDriveWhenItBeginsAndWhenItIsOver) {
+    std::vector<bool> blank;
+    loops->currentCenter()->addObserver(
+        this, [&](const DRNotification&) { blank.push_back(drive->mediaIsBlank()); },
+        DRDeviceStatusChangedNotification, drive.get());
+    loops->setInStep(true);
+    const auto burning = makeBurn();
+    const auto log = observe(burning);
+    burning->writeLayout(audio({300}));
+    ASSERT_TRUE(loops->runUntil([&] { return log->isOver(); }));
+    loops->setInStep(false);
+    EXPECT_THAT(blank, ElementsAre(true, false));
+    loops->currentCenter()->removeObserver(this, DRDeviceStatusChangedNotification, drive.get());
+}
+
+TEST_F(DriveBurn, HasASpeedOnlyWhileItLasts) {
+    const auto speed = [&] {
+        const Dictionary status = drive->status();
+        return valueFor(status, DRStatusCurrentSpeedKey).asDouble();
+    };
+    double fastest = 0;
+    loops->setInStep(true);
+    const auto burning = makeBurn();
+    const auto log = observe(burning);
+    log->onRecord = [&](const Dictionary&) { fastest = std::max(fastest, speed()); };
+    burning->writeLayout(audio({2000}));
+    ASSERT_TRUE(loops->runUntil([&] { return log->isOver(); }));
+    loops->setInStep(false);
+    log->onRecord = nullptr;
+    EXPECT_GT(fastest, 0);
+    EXPECT_EQ(speed(), 0);
+}
+
 TEST_F(DriveBurn, ReadsTheDiscBackOnlyWhereThatIsWanted) {
     ASSERT_TRUE(burn(audio({300}), {{DRBurnVerifyDiscKey, false}})->isDone());
     EXPECT_EQ(countOf(operation::readCD), 0U);

@@ -109,6 +109,7 @@ TEST_P(DriveFault, AWriteErrorAtTheLastSectorFailsTheBurn) {
     ASSERT_TRUE(burn(layout())->isDone());
     const auto log = last(recorder->writtenDisc()->end());
     EXPECT_EQ(log->code(), codeOf(DRError::WriteFailed)) << log->info();
+    EXPECT_EQ(log->count(DRStatusStateSessionClose), 0U) << "told once all sectors are written";
     expectAsGoodAsNew();
 }
 
@@ -141,9 +142,12 @@ TEST_P(DriveFault, ADriveThatIsHeardOfAsUnpluggedFailsTheBurnAlsoWhileItStillAns
 }
 
 TEST_P(DriveFault, ADiscThatCannotBeReadBackFailsTheBurn) {
-    const auto log = burnWith([](UnitFaults& faults) { faults.readErrorAt = 500; });
-    EXPECT_EQ(log->code(), codeOf(DRError::ReadBackFailed)) << log->info();
-    expectAsGoodAsNew();
+    for (const std::int32_t sector : {3, 500}) { // 3: among the first sound
+        const auto log = burnWith([&](UnitFaults& faults) { faults.readErrorAt = sector; });
+        EXPECT_EQ(log->code(), codeOf(DRError::ReadBackFailed)) << sector << log->info();
+        expectAsGoodAsNew();
+        insert(Medium::blankCDR());
+    }
 }
 
 TEST_P(DriveFault, OneWrongByteOnTheDiscFailsTheBurn) {

@@ -111,6 +111,18 @@ TEST_P(SampleOffsets, OfAToneFromTheStartAreFoundWhereTheDriveReadsBeforeTheDisc
     EXPECT_EQ(drive.offsetOfWritten().find(drive.reader()), GetParam());
 }
 
+TEST_P(SampleOffsets, OfAToneFromTheStartAreFoundWhereItChanges) {
+    const std::int64_t total = 300 * perSector;
+    for (const std::int64_t change : {5000, 2352 * 4, 2352 * 5, 99'999, int(total) - 700}) {
+        ShiftingDrive silent(tone(change) + silence(total - change), GetParam());
+        EXPECT_EQ(silent.offsetOfWritten().find(silent.reader()), GetParam()) << change;
+        ShiftingDrive loud(tone(change) + noise(total - change), GetParam());
+        EXPECT_EQ(loud.offsetOfWritten().find(loud.reader()), GetParam()) << change;
+    }
+    ShiftingDrive unchanged(tone(total), GetParam());
+    EXPECT_EQ(unchanged.offsetOfWritten().find(unchanged.reader()), GetParam());
+}
+
 TEST_P(SampleOffsets, HideNoWrongSampleButThoseAtOneEdge) {
     const std::int64_t total = 300 * perSector;
     const std::int64_t offset = GetParam();
