@@ -5,33 +5,13 @@
 
 #include "quarner/platform/DRKeys.h"
 #include "tests/optical/DriveStage.h"
+#include "tests/optical/FactsOf.h"
 #include "tests/support/MediaOf.h"
 
 namespace quarner {
 namespace {
 
 using testing::ElementsAre;
-
-std::string typeOf(const OpticalDrive& drive) {
-    const Dictionary media = mediaOf(drive);
-    const std::string* type = valueFor(media, DRDeviceMediaTypeKey).asString();
-    return type ? *type : std::string();
-}
-std::uint64_t blocksOf(const OpticalDrive& drive, const char* key) {
-    return valueFor(mediaOf(drive), key).asUInt64();
-}
-
-/// What is said of a disc, in one line.
-std::string factsOf(const OpticalDrive& drive) {
-    std::string facts = typeOf(drive).substr(std::string("DRDeviceMediaType").size());
-    for (const auto& [isSo, name] : {std::pair(drive.mediaIsBlank(), " blank"),
-                                     std::pair(drive.mediaIsAppendable(), " appendable"),
-                                     std::pair(drive.mediaIsErasable(), " erasable"),
-                                     std::pair(drive.mediaIsOverwritable(), " overwritable")})
-        facts += isSo ? name : "";
-    return facts + ' ' + std::to_string(blocksOf(drive, DRDeviceMediaBlocksUsedKey)) + '/' +
-           std::to_string(blocksOf(drive, DRDeviceMediaBlocksFreeKey));
-}
 
 Medium appendable() {
     Medium medium = Medium::audioCD({300, 400});

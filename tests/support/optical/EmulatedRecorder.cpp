@@ -35,6 +35,7 @@ const char* propertyOf(Medium::Kind kind) {
     case Medium::Kind::CDROM:
         return "ID_CDROM_MEDIA_CD";
     case Medium::Kind::DVDR:
+    case Medium::Kind::Foreign:
         break;
     }
     return "ID_CDROM_MEDIA_DVD_R";
@@ -52,6 +53,7 @@ EmulatedRecorder::EmulatedRecorder(UdevBed& udev, unsigned number,
     : _udev(udev), _number(number), _name("sr" + std::to_string(number)),
       _unit(description.vendor, description.product), _delay(description.delay) {
     _unit.readOffset = description.readOffset;
+    _unit.writeSpeeds = description.writeSpeeds;
     _unit.faults = description.faults;
     _unit.changeMedium(description.medium);
     watchNode(node());

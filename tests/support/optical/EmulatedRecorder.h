@@ -23,6 +23,7 @@ struct RecorderDescription {
     std::string product = "DISC RECORDER";
     std::optional<Medium> medium = Medium::blankCDR();
     int readOffset = 0; ///< samples, see `OpticalUnit::readOffset`
+    std::vector<std::uint32_t> writeSpeeds = {4234, 2822, 1411, 706}; ///< kB/s, the highest first
     UnitFaults faults = {};
     std::chrono::microseconds delay{0}; ///< before each command is answered
 };

@@ -46,21 +46,30 @@ Medium Medium::blankDVD() {
     return medium;
 }
 
+Medium Medium::foreign(std::uint16_t profile, std::uint32_t length) {
+    Medium medium = dataCD(length);
+    medium.kind = Kind::Foreign;
+    medium.profile = profile;
+    medium.capacity = length;
+    return medium;
+}
+
 Medium Medium::audioCD(const std::vector<std::uint32_t>& lengths) {
     Medium medium;
-    for (const std::uint32_t length : lengths) {
-        const std::uint32_t preGap = sectorsOfPreGap;
-        const std::int32_t start =
-            medium.tracks.empty() ? 0 : medium.end() + static_cast<std::int32_t>(preGap);
-        medium.tracks.push_back({.number = static_cast<unsigned>(medium.tracks.size()) + 1,
-                                 .start = start,
-                                 .preGap = preGap,
-                                 .length = length,
-                                 .isAudio = true});
-    }
+    medium.addSession(lengths);
     medium.state = State::Closed;
-    medium.sessions = 1;
     return medium;
+}
+
+void Medium::addSession(const std::vector<std::uint32_t>& lengths) {
+    for (const std::uint32_t length : lengths)
+        tracks.push_back({.number = static_cast<unsigned>(tracks.size()) + 1,
+                          .session = sessions + 1,
+                          .start = nextStart(),
+                          .preGap = sectorsOfPreGap,
+                          .length = length,
+                          .isAudio = true});
+    ++sessions;
 }
 
 Medium Medium::dataCD(std::uint32_t length) {

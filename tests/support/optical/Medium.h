@@ -31,7 +31,13 @@ struct MediumTrack {
 /// A disc: what kind it is, and everything that was written to it. A plain value; a copy is a disc
 /// of its own.
 struct Medium {
-    enum class Kind { CDR, CDRW, CDROM, DVDR };
+    enum class Kind {
+        CDR,
+        CDRW,
+        CDROM,
+        DVDR,
+        Foreign ///< of the `profile`; the recorder knows no more than how much is on it
+    };
     enum class State {
         Blank,
         Appendable, ///< takes a further session
@@ -40,10 +46,13 @@ struct Medium {
     };
 
     Kind kind = Kind::CDR;
+    std::uint16_t profile = 0; ///< of a foreign disc: its number among the kinds of discs (MMC)
     std::uint32_t capacity = 359'847; ///< sectors for the user
     State state = State::Blank;
     unsigned sessions = 0; ///< the closed ones
     std::vector<MediumTrack> tracks;
+    /// Whether the drive finds in its lead-in how much it holds, and can tell it.
+    bool hasPreGroove = true;
     /// What each written sector holds: 2352 or 2048 bytes. One that is missing reads as zeros.
     std::map<std::int32_t, std::vector<std::byte>> sectors;
     /// The cue sheet of the last session written at once, as it was sent: eight bytes an entry.
@@ -52,11 +61,15 @@ struct Medium {
     static Medium blankCDR(std::uint32_t capacity = 359'847);
     static Medium blankCDRW(std::uint32_t capacity = 359'847);
     static Medium blankDVD();
+    /// A closed disc that is no CD, with so many blocks of data on it.
+    static Medium foreign(std::uint16_t profile, std::uint32_t length);
     /// A closed disc with tracks of such lengths: no pressed sound or data, it reads as zeros.
     static Medium audioCD(const std::vector<std::uint32_t>& lengths);
     static Medium dataCD(std::uint32_t length);
+    /// Adds a further closed session with tracks of sound.
+    void addSession(const std::vector<std::uint32_t>& lengths);
 
-    bool isCD() const { return kind != Kind::DVDR; }
+    bool isCD() const { return kind != Kind::DVDR && kind != Kind::Foreign; }
     bool isErasable() const { return kind == Kind::CDRW; }
     /// Where the program area ends: the start of the lead-out. 0 on a blank disc.
     std::int32_t end() const { return tracks.empty() ? 0 : tracks.back().end(); }

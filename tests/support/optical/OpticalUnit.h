@@ -54,7 +54,7 @@ public:
     bool isUnplugged() const { return _isUnplugged; }
 
     /// The speeds of writing in kB/s, the highest first.
-    std::vector<std::uint32_t> writeSpeeds = {4234, 2822, 1411, 706};
+    std::vector<std::uint32_t> writeSpeeds = {4234};
     /// How many samples later than on the disc the sound is read that a sector holds: sample 0 of
     /// what is read for sector 0 is this sample of the disc. May be negative.
     int readOffset = 0;

@@ -132,8 +132,9 @@ ScsiReply OpticalUnit::capacity(const ScsiCommand&) {
 ScsiReply OpticalUnit::contents(const ScsiCommand& command) {
     const unsigned format = (command.at(2) & 0x0FU) | static_cast<unsigned>(command.at(9) >> 6);
     if (format == 4)
-        return _medium->kind == Medium::Kind::CDROM ? ScsiReply(sense::invalidField)
-                                                    : ScsiReply(preGroove());
+        return _medium->kind != Medium::Kind::CDROM && _medium->hasPreGroove
+                   ? ScsiReply(preGroove())
+                   : ScsiReply(sense::invalidField);
     if (_medium->sessions == 0)
         return sense::invalidField;
     switch (format) {

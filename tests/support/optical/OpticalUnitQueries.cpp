@@ -72,6 +72,8 @@ std::uint16_t OpticalUnit::profile() const {
         return profileCDROM;
     case Medium::Kind::DVDR:
         return profileDVDR;
+    case Medium::Kind::Foreign:
+        return _medium->profile;
     }
     return profileNone;
 }
