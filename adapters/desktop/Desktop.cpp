@@ -8,7 +8,6 @@
 #include "adapters/desktop/DesktopRecorder.h"
 #include "adapters/image/ImagePlace.h"
 #include "adapters/image/ImageRecorder.h"
-#include "adapters/optical/AccessProblem.h"
 #include "adapters/optical/OpticalRecorder.h"
 
 namespace quarner {
@@ -100,7 +99,7 @@ std::string driveAccessProblem(const std::string& displayName) {
     const auto desktop = current();
     const auto drive =
         desktop ? driveNamed<OpticalDrive>(displayName, desktop->recorder().optical()) : nullptr;
-    return drive ? accessProblem(drive->record().node).value_or("") : "";
+    return drive ? drive->accessProblem().value_or("") : "";
 }
 
 bool hearsOfDrives() {

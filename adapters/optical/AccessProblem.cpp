@@ -8,8 +8,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <string_view>
 #include <system_error>
 #include <vector>
+
+#include "adapters/optical/DriveNode.h"
 
 namespace quarner {
 namespace {
@@ -31,20 +34,67 @@ std::string nameOfGroup(gid_t group) {
     return found ? found->gr_name : std::to_string(group);
 }
 
-} // namespace
-
-std::optional<std::string> accessProblem(const std::string& node) {
-    if (access(node.c_str(), R_OK | W_OK) == 0)
-        return std::nullopt;
-    const int error = errno;
+std::string permissionProblem(const std::string& node, int error) {
     struct stat found = {};
-    if (stat(node.c_str(), &found) != 0)
-        return std::nullopt;
-    const bool groupMay = (found.st_mode & 0060) == 0060;
+    const bool groupMay = stat(node.c_str(), &found) == 0 && (found.st_mode & 0060) == 0060;
     if (groupMay && !isMember(found.st_gid))
         return node + " may be opened only by members of the group " + nameOfGroup(found.st_gid);
     return node +
            " may not be opened for reading and writing: " + std::generic_category().message(error);
+}
+
+std::string_view remedy(int error) {
+    switch (error) {
+    case EBUSY:
+        return " (its disc may be mounted)";
+    case EACCES:
+        return " (an administrator can change that; then log in anew)";
+    case EPERM: // access to devices can be withheld from a container, whatever the node's mode
+    case ENOENT:
+        return " (in a container, the drive has to be passed through)";
+    default:
+        return "";
+    }
+}
+
+/// The error of opening a drive; 0 when it opens.
+int openingError(const std::string& node) {
+    if (access(node.c_str(), R_OK | W_OK) != 0)
+        return errno; // nor is an attempt made
+    const int descriptor = open(node.c_str(), O_RDWR | O_NONBLOCK | O_EXCL | O_CLOEXEC);
+    if (descriptor < 0)
+        return errno;
+    close(descriptor);
+    return 0;
+}
+
+} // namespace
+
+std::string openingProblem(const std::string& node, int error) {
+    switch (error) {
+    case EACCES:
+        return permissionProblem(node, error);
+    case EPERM:
+        return "the system forbids opening " + node;
+    case EBUSY:
+        return node + " is in use by another program";
+    case ENOENT:
+        return "the drive has no device node " + node;
+    default:
+        return node + " cannot be opened: " + std::generic_category().message(error);
+    }
+}
+
+std::optional<std::string> accessProblem(const std::string& node) {
+    int error = openingError(node);
+    // The system itself opens a drive for a moment after each of its events.
+    for (int retries = 5; error == EBUSY && retries > 0; --retries) {
+        waitForDrive(nullptr);
+        error = openingError(node);
+    }
+    if (error == 0)
+        return std::nullopt;
+    return openingProblem(node, error).append(remedy(error));
 }
 
 } // namespace quarner

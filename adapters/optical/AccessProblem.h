@@ -6,10 +6,14 @@
 
 namespace quarner {
 
-/// One sentence in English, without a full stop, that says why this user may not open a drive by
-/// its device node, naming the group or the permission that is missing. Nothing when the node may
-/// be opened for reading and writing, and when it is not there at all. Does not open the node. Any
-/// thread.
+/// Why a drive could not be opened by its device node, which ended with an error of errno: one
+/// sentence in English, without a full stop, that names the group or the permission that is
+/// missing. Any thread.
+std::string openingProblem(const std::string& node, int error);
+
+/// The same, with what can be done about it, for a drive that is not open in this process: opens
+/// its node as a burn does, for reading and writing and for itself alone, and closes it again. One
+/// that is busy is waited for half a second. Nothing when it opens. Any thread.
 std::optional<std::string> accessProblem(const std::string& node);
 
 } // namespace quarner

@@ -25,7 +25,7 @@ BurnFailure failureOf(const std::string& path, int error) {
     switch (error) {
     case EACCES:
     case EPERM:
-        return {DRError::DeviceNotPermitted, accessProblem(path).value_or(text)};
+        return {DRError::DeviceNotPermitted, openingProblem(path, error)};
     case ENOENT:
     case ENXIO:
     case ENODEV:

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "adapters/engine/BurnFailure.h"
+#include "adapters/optical/AccessProblem.h"
 #include "adapters/optical/DriveNode.h"
 #include "adapters/optical/FailureCause.h"
 #include "adapters/optical/GrabbedDrive.h"
@@ -131,6 +132,11 @@ void OpticalDrive::learn(const DiscFacts& disc, bool isMomentary, std::uint64_t 
     const std::lock_guard lock(_mutex);
     if (changes == _changes)
         _known = Known{disc, _clock(), isMomentary};
+}
+
+std::optional<std::string> OpticalDrive::accessProblem() const {
+    const std::lock_guard asking(_asking); // a question has it open too
+    return mayAsk() ? quarner::accessProblem(_record.node) : std::nullopt;
 }
 
 Dictionary OpticalDrive::info() const { return {{DRDeviceCanWriteCDKey, _record.canWriteCD}}; }

@@ -52,6 +52,9 @@ public:
     /// The same, but answers false, and does nothing, while a burn is under way.
     bool unplugUnlessBurning();
 
+    /// What keeps the drive from being opened: see AccessProblem.h. Nothing while a burn has it.
+    std::optional<std::string> accessProblem() const;
+
     std::string displayName() const override { return _displayName; }
     Dictionary info() const override;
     Dictionary status() const override;

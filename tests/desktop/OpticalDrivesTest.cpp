@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <thread>
 
 #include "quarner/platform/DRErrors.h"
 #include "tests/desktop/OpticalDriveFixture.h"
@@ -129,6 +131,43 @@ TEST_F(DesktopOpticalDrives, ThatThisUserMayNotOpenSayWhy) {
     openToGroup("dev/sr0");
     EXPECT_THAT(askedWithoutRights([] { return driveAccessProblem(name); }),
                 HasSubstr("/dev/sr0 may be opened only by members of the group cdrom"));
+}
+
+TEST_F(DesktopOpticalDrives, ThatAnotherProgramUsesSayThat) {
+    const auto recorder = plug();
+    recorder->setBusy(1000);
+    EXPECT_THAT(driveAccessProblem(name), HasSubstr("/dev/sr0 is in use by another program"));
+    recorder->setBusy(0);
+    EXPECT_EQ(driveAccessProblem(name), "");
+}
+
+TEST_F(DesktopOpticalDrives, ThatBurnHereHaveNoProblem) {
+    const auto recorder = burnSlowly();
+    EXPECT_EQ(driveAccessProblem(name), "");
+    EXPECT_EQ(recorder->openCount(), 1);
+    EXPECT_EQ(end(), "burnProgressDidDone");
+}
+
+TEST_F(DesktopOpticalDrives, ThatAreAskedForSomethingHaveNoProblem) {
+    const auto recorder = plug();
+    std::atomic<bool> isAsked = false;
+    recorder->setCommandHook([&](std::uint8_t) { isAsked = true; });
+    recorder->setDelay(std::chrono::milliseconds(30)); // for each command of a question
+    std::thread asking([] { EXPECT_TRUE(QuarnerDevice(name).device()->mediaIsPresent()); });
+    EXPECT_TRUE(runUntil([&] { return isAsked.load(); }));
+    EXPECT_EQ(driveAccessProblem(name), "");
+    asking.join();
+    recorder->setCommandHook(nullptr);
+}
+
+TEST_F(DesktopOpticalDrives, AreHeardOfOnlyWhereTheSystemTellsOfThem) {
+    if (access("/run/udev/control", F_OK) == 0)
+        GTEST_SKIP() << "the device manager runs here, so they are heard of from the beginning";
+    EXPECT_FALSE(hearsOfDrives());
+    plug(); // of which the test bed tells as the device manager does
+    EXPECT_TRUE(runUntil([] { return hearsOfDrives(); }));
+    uninstallDesktopPlatform();
+    EXPECT_FALSE(hearsOfDrives());
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/optical/AccessProblem.h"
 
+#include <fcntl.h>
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -8,15 +9,19 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <functional>
 
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/optical/NodeAccess.h"
+#include "tests/support/optical/OpticalBed.h"
 
 namespace quarner {
 namespace {
 
 constexpr gid_t groupOfOthers = 24; // not the one that the tests' user gets
 constexpr uid_t nobody = 65534;
+constexpr char advice[] = " (an administrator can change that; then log in anew)";
 
 /// What a function answers in a process of its own, that of a user without any rights who is a
 /// member of one group.
@@ -67,11 +72,13 @@ TEST_F(AccessProblem, IsNoneWhereTheNodeMayBeReadAndWritten) {
 TEST_F(AccessProblem, NamesTheGroupThatIsMissing) {
     const group* const entry = getgrgid(groupOfOthers);
     const std::string name = entry ? entry->gr_name : std::to_string(groupOfOthers);
-    EXPECT_EQ(problem(0660, nobody), node + " may be opened only by members of the group " + name);
+    EXPECT_EQ(problem(0660, nobody),
+              node + " may be opened only by members of the group " + name + advice);
 }
 
 TEST_F(AccessProblem, NamesThePermissionThatIsMissing) {
-    const std::string text = node + " may not be opened for reading and writing: Permission denied";
+    const std::string text =
+        node + " may not be opened for reading and writing: Permission denied" + advice;
     EXPECT_EQ(problem(0640, groupOfOthers), text);
     EXPECT_EQ(problem(0644, nobody), text);
     EXPECT_EQ(problem(0600, groupOfOthers), text);
@@ -79,8 +86,49 @@ TEST_F(AccessProblem, NamesThePermissionThatIsMissing) {
     EXPECT_EQ(problem(0060, groupOfOthers), text) << "a member, but the owner has no rights";
 }
 
-TEST_F(AccessProblem, IsNoneWhereThereIsNoNode) {
-    EXPECT_EQ(accessProblem(folder.file("missing")), std::nullopt);
+/// What keeps a drive from being opened, whatever the mode of its node is.
+class DriveProblem : public testing::Test {
+protected:
+    /// The problem while the next attempts to open the drive fail.
+    std::string problem(int error, unsigned times) {
+        refuseOpening(recorder->node(), error, times);
+        const std::string found = accessProblem(recorder->node()).value_or("none");
+        refuseOpening(recorder->node(), 0, 0);
+        return found;
+    }
+
+    OpticalBed bed;
+    std::shared_ptr<EmulatedRecorder> recorder = bed.plug();
+};
+
+TEST_F(DriveProblem, IsNoneOfADriveThatOpensAndItIsClosedAgain) {
+    EXPECT_EQ(accessProblem(recorder->node()), std::nullopt);
+    EXPECT_EQ(recorder->openCount(), 0);
+    EXPECT_TRUE(recorder->commands().empty());
+}
+
+TEST_F(DriveProblem, IsAnotherProgramThatStays) {
+    EXPECT_EQ(problem(EBUSY, 5), "none") << "busy for a moment";
+    const std::string text = "/dev/sr0 is in use by another program (its disc may be mounted)";
+    EXPECT_EQ(problem(EBUSY, 100), text);
+    const int other = open("/dev/sr0", O_RDWR | O_NONBLOCK | O_EXCL | O_CLOEXEC);
+    EXPECT_EQ(accessProblem("/dev/sr0"), text);
+    close(other);
+}
+
+TEST_F(DriveProblem, IsASystemThatForbidsIt) {
+    EXPECT_EQ(problem(EPERM, 100), "the system forbids opening /dev/sr0 (in a container, the drive "
+                                   "has to be passed through)");
+}
+
+TEST_F(DriveProblem, IsANodeThatIsMissing) {
+    recorder->unplug();
+    EXPECT_EQ(accessProblem("/dev/sr0"), "the drive has no device node /dev/sr0 (in a container, "
+                                         "the drive has to be passed through)");
+}
+
+TEST_F(DriveProblem, IsToldInTheSystemsWordsOtherwise) {
+    EXPECT_EQ(problem(ENXIO, 100), "/dev/sr0 cannot be opened: No such device or address");
 }
 
 } // namespace

@@ -75,10 +75,14 @@ QUARNER_EXPORT bool removeImageDrive(const std::string& displayName);
 /// `QuarnerDevice::eject`).
 QUARNER_EXPORT bool insertBlankDisc(const std::string& displayName);
 
-/// Why this user may not open the optical drive of a name, in one English sentence without its
-/// full stop, which names the group or the permission that is missing. Empty when there is no such
-/// problem, and for an image drive. Such a drive is listed, seems to have no disc, and a burn on it
-/// fails.
+/// Why the optical drive of a name cannot be used now, in one English sentence without its full
+/// stop: the group or the permission that this user lacks, another program that has the drive for
+/// itself, a system that forbids it, a device node that is missing; and in brackets what can be
+/// done. Empty where the drive can be used, while this process burns on it, and for an image drive.
+///
+/// Such a drive is listed, seems to have no disc, and a burn on it fails; for a host that wants to
+/// tell before. To find out, the drive is opened for a moment, and one that is busy waited for:
+/// half a second, or as long as another thread asks the drive for something.
 QUARNER_EXPORT std::string driveAccessProblem(const std::string& displayName);
 
 /// Whether optical drives that come and go, and discs that are put in and out, are told of to a
