@@ -3,9 +3,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -15,12 +17,19 @@
 #include "tests/cli/program/HostProgram.h"
 #include "tests/support/AudioFixtures.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/optical/OpticalBed.h"
 
 namespace quarner::testing {
 
-/// A folder of its own for a test of the whole program, with songs in it.
+/// For a test of the whole program: a folder of its own, with songs in it, and a machine whose only
+/// drives are those of the test.
 class HostFixture : public ::testing::Test {
 protected:
+    HostFixture() { chmod(machineRoot().c_str(), 0755); } // for a program run by another user
+
+    /// The folder in which the machine has its /dev and /sys.
+    static std::filesystem::path machineRoot() { return std::getenv("UMOCKDEV_DIR"); }
+
     /// A file of so many seconds under a name in the folder.
     std::string song(const std::string& name, unsigned seconds = 10) const {
         AudioRecipe recipe = name.ends_with("m4a") ? aacRecipe() : mp3Recipe();
@@ -77,6 +86,7 @@ protected:
         return found;
     }
 
+    OpticalBed machine;
     const TemporaryFolder folder;
 };
 

@@ -42,10 +42,23 @@ Ends makeTerminal(unsigned columns) {
     return ends;
 }
 
+/// The variables for libraries that come before the program's own, and before the runtime library
+/// of a sanitizer, which minds that unless it is told not to.
+std::vector<std::string> preloading(const std::vector<std::string>& libraries) {
+    std::string list = "LD_PRELOAD=";
+    for (const std::string& library : libraries)
+        list += library + ":";
+    const char* const options = std::getenv("ASAN_OPTIONS");
+    return {list, std::string("ASAN_OPTIONS=") + (options == nullptr ? "" : options) +
+                      ":verify_asan_link_order=0"};
+}
+
 std::vector<std::string> commandLine(const std::vector<std::string>& arguments,
                                      const HostSettings& settings) {
     std::vector<std::string> words = {"env"};
     words.insert(words.end(), settings.environment.begin(), settings.environment.end());
+    const std::vector<std::string> preloads = preloading(settings.preloads);
+    words.insert(words.end(), preloads.begin(), preloads.end());
     words.insert(words.end(), settings.wrapper.begin(), settings.wrapper.end());
     words.emplace_back(QUARNER_PROGRAM);
     words.insert(words.end(), arguments.begin(), arguments.end());

@@ -137,8 +137,7 @@ using ProgramWatching = HostFixture;
 
 TEST_F(ProgramWatching, EndsInOrderWithACtrlCThatComesBeforeItHasBegun) {
     HostSettings early;
-    early.environment.insert(early.environment.end(), {"LD_PRELOAD=" INTERRUPT_AT_START,
-                                                       "ASAN_OPTIONS=verify_asan_link_order=0"});
+    early.preloads.emplace_back(INTERRUPT_AT_START);
     const HostEnd end = run({"watch", "--json"}, early);
     EXPECT_EQ(end.status, 130);
     EXPECT_EQ(end.out, "{\"event\":\"exit\",\"status\":130}\n"); // not what a signal leaves

@@ -170,6 +170,7 @@ TEST_F(ProgramStatus, ClosedStandardStreamsDoNotTakeTheImagesPlace) {
     if (mkdtemp(memory.data()) == nullptr)
         GTEST_SKIP() << "there is no /dev/shm to write to";
     HostSettings closed;
+    closed.preloads.clear(); // these would take the places of the streams
     closed.wrapper = {"sh", "-c", "exec \"$@\" <&- >&- 2>&-", "sh"};
     EXPECT_EQ(run({"audio", "--verbose", "--image", memory + "/mix.cue", "a.mp3"}, closed).status,
               0);
