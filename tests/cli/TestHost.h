@@ -54,9 +54,9 @@ public:
                   [this](const ImageRequest& request) { return addImageDrive(request); },
                   [this](std::function<void()> handler) { _interruption = std::move(handler); },
                   [this] { ++platformEndings; },
-                  [this](const std::string& name) { return accessProblems[name]; },
+                  [this](const std::string& name) { return accessProblem(name); },
                   [this] { return hearsOfDrives; },
-                  keyboard};
+                  terminal()};
         return static_cast<int>(runCommand(host, std::get<Command>(parsed)));
     }
 
@@ -64,6 +64,9 @@ public:
     void interrupt() {
         loop.post([this] { std::exchange(_interruption, nullptr)(); });
     }
+
+    /// From now on nobody reads what the program tells.
+    void stopReading() { _out.setstate(std::ios::badbit); }
 
     std::string out() const { return _out.str(); }
     std::string err() const { return _err.str(); }
@@ -76,10 +79,13 @@ public:
     /// What the commands asked for.
     std::vector<ImageRequest> images;
     int platformEndings = 0;
-    /// What the commands are told of the machine, and where they read answers.
+    int accessQuestions = 0;
+    /// What the commands are told of the machine, where they read answers, and whether a question
+    /// is seen there.
     std::map<std::string, std::string> accessProblems;
     bool hearsOfDrives = true;
     std::optional<int> keyboard;
+    bool isTerminalSeen = true;
 
 private:
     std::ostringstream _out;
@@ -96,6 +102,19 @@ private:
             disc.spaceFree = DRMSF::msfWithFrames(333'000);
         platform.addDrive({.name = "Image " + request.path, .disc = disc});
         return "Image " + request.path;
+    }
+
+    std::string accessProblem(const std::string& name) {
+        ++accessQuestions;
+        return accessProblems[name];
+    }
+
+    std::optional<Terminal> terminal() {
+        if (!keyboard)
+            return std::nullopt;
+        if (!isTerminalSeen)
+            return Terminal{*keyboard, nullptr};
+        return Terminal{*keyboard, [this](const std::string& line) { console.error(line); }};
     }
 
     void turn() {

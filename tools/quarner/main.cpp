@@ -66,12 +66,6 @@ bool isVerbose(const Command& command) {
 
 [[noreturn]] void exitNow() { _exit(static_cast<int>(ExitStatus::Canceled)); }
 
-/// The descriptor on which somebody who can also see a question answers it.
-std::optional<int> keyboard(const Command& command) {
-    const bool isSeen = isatty(STDIN_FILENO) == 1 && isatty(STDERR_FILENO) == 1;
-    return isSeen && !command.json ? std::optional(STDIN_FILENO) : std::nullopt;
-}
-
 ExitStatus runOnDesktop(Console& console, const Command& command) {
     EventLoop loop;
     Interruptions interruptions(loop, exitNow); // before the platform makes its threads
@@ -84,7 +78,7 @@ ExitStatus runOnDesktop(Console& console, const Command& command) {
               uninstallDesktopPlatform,
               driveAccessProblem,
               hearsOfDrives,
-              keyboard(command)};
+              command.json ? std::nullopt : terminalOfStandardInput(console)};
     return runCommand(host, command);
 }
 

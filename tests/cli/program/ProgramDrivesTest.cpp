@@ -4,38 +4,58 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <cstdlib>
 
 #include "tests/cli/program/HostFixture.h"
-#include "tests/support/optical/OpticalBed.h"
 
 namespace quarner::testing {
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using ::testing::Not;
 
 constexpr char name[] = "QUARNER DISC RECORDER";
 
-/// On a machine whose only drives are those of the test.
 class ProgramDrives : public HostFixture {
 protected:
-    HostSettings onMachine() const {
+    /// With somebody at a terminal, to which the output goes too unless a wrapper changes that.
+    HostSettings atTerminal(const std::vector<std::string>& wrapper = {}) const {
         HostSettings settings = here();
-        settings.environment.insert(
-            settings.environment.end(),
-            {"LD_PRELOAD=libumockdev-preload.so.0", "ASAN_OPTIONS=verify_asan_link_order=0"});
+        settings.terminalColumns = 80;
+        settings.isTypedTo = true;
+        settings.wrapper = wrapper;
         return settings;
     }
-    HostEnd runOnMachine(const std::vector<std::string>& arguments) const {
-        return run(arguments, onMachine());
+
+    /// A burn of a song on a drive is asked about, and ends with a no.
+    void expectQuestion(const HostSettings& settings, const std::string& typedAhead = {}) {
+        song("a.mp3");
+        const auto recorder = machine.plug({});
+        HostProgram program({"audio", "--title", "Summer mix", "a.mp3"}, settings);
+        program.type(typedAhead);
+        ASSERT_TRUE(program.waitForOutput("Burn this disc?"));
+        program.type("no\n");
+        const HostEnd end = program.wait();
+        EXPECT_EQ(end.status, 130);
+        EXPECT_THAT(end.out, HasSubstr("Drive:   QUARNER DISC RECORDER\r\n"));
+        EXPECT_THAT(end.out, HasSubstr("Title:   Summer mix\r\n"));
+        EXPECT_TRUE(recorder->writtenDisc()->tracks.empty());
     }
 
-    OpticalBed machine;
+    /// The end of a burn of a song on a drive, of which nobody was asked.
+    HostEnd burnUnasked(const std::vector<std::string>& options, const HostSettings& settings) {
+        song("a.mp3");
+        machine.plug({});
+        std::vector<std::string> arguments = {"audio", "a.mp3"};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        const HostEnd end = run(arguments, settings);
+        EXPECT_THAT(end.out, Not(HasSubstr("Burn this disc?")));
+        return end;
+    }
 };
 
 TEST_F(ProgramDrives, WithoutAnyTheListIsEmptyAndTheWayToAnImageTold) {
-    const HostEnd end = runOnMachine({"drives"});
+    const HostEnd end = run({"drives"});
     EXPECT_EQ(end.status, 0);
     EXPECT_EQ(end.out, "");
     EXPECT_EQ(end.err, "quarner: there is no drive; quarner audio --image FILE.cue makes an image "
@@ -45,7 +65,7 @@ TEST_F(ProgramDrives, WithoutAnyTheListIsEmptyAndTheWayToAnImageTold) {
 TEST_F(ProgramDrives, AreListedWithTheirDiscs) {
     machine.plug({});
     machine.plug({.medium = {}});
-    const HostEnd end = runOnMachine({"drives"});
+    const HostEnd end = run({"drives"});
     EXPECT_EQ(end.status, 0);
     EXPECT_THAT(lines(end.out),
                 ElementsAre("QUARNER DISC RECORDER: writes CDs; CD-R, blank, 01:19:57 free",
@@ -54,13 +74,13 @@ TEST_F(ProgramDrives, AreListedWithTheirDiscs) {
 
 TEST_F(ProgramDrives, PutTheirDiscsOut) {
     const auto recorder = machine.plug({});
-    EXPECT_EQ(runOnMachine({"eject"}).out, "Ejected: QUARNER DISC RECORDER\n");
+    EXPECT_EQ(run({"eject"}).out, "Ejected: QUARNER DISC RECORDER\n");
     EXPECT_TRUE(recorder->isTrayOpen());
     EXPECT_FALSE(recorder->isTrayLocked());
 }
 
 TEST_F(ProgramDrives, AreHeardOfAsTheyComeAndGo) {
-    HostProgram program({"watch"}, onMachine());
+    HostProgram program({"watch"}, here());
     ASSERT_TRUE(program.waitForOutput("There is no drive yet."));
     const auto recorder = machine.plug({.medium = {}});
     EXPECT_TRUE(program.waitForOutput("QUARNER DISC RECORDER: appeared"));
@@ -80,29 +100,64 @@ TEST_F(ProgramDrives, AreHeardOfAsTheyComeAndGo) {
 TEST_F(ProgramDrives, TakeAnAudioCD) {
     song("a.mp3");
     const auto recorder = machine.plug({});
-    const HostEnd end = runOnMachine({"audio", "--drive", name, "a.mp3"});
+    const HostEnd end = run({"audio", "--drive", name, "a.mp3"});
     ASSERT_EQ(end.status, 0) << end.err;
     EXPECT_EQ(lines(end.out).back(),
               "Burnt and verified: 1 track, 00:00:12, on QUARNER DISC RECORDER");
     ASSERT_EQ(recorder->writtenDisc()->tracks.size(), 1U);
     EXPECT_EQ(recorder->writtenDisc()->tracks[0].length, 750U);
-    EXPECT_EQ(runOnMachine({"audio", "--drive", name, "a.mp3"}).status, 1); // it is written now
+    EXPECT_EQ(run({"audio", "--drive", name, "a.mp3"}).status, 1); // it is written now
 }
 
-TEST_F(ProgramDrives, AskSomebodyOnATerminalOnce) {
+TEST_F(ProgramDrives, AskSomebodyAtATerminal) { expectQuestion(atTerminal()); }
+
+TEST_F(ProgramDrives, TakeNoAnswerThatWasTypedBeforeTheQuestion) {
+    expectQuestion(atTerminal(), "y\n");
+}
+
+TEST_F(ProgramDrives, AskAlsoSomebodyWhoDoesNotSeeTheErrors) {
+    expectQuestion(atTerminal({"sh", "-c", "exec \"$@\" 2>errors", "sh"}));
+}
+
+TEST_F(ProgramDrives, AskAlsoSomebodyWhoSeesNoOutput) {
+    expectQuestion(
+        atTerminal({"setsid", "--ctty", "sh", "-c", "exec \"$@\" >output 2>errors", "sh"}));
+}
+
+TEST_F(ProgramDrives, AreNotWrittenToWhereAQuestionWouldNotBeSeen) {
+    const HostEnd end =
+        burnUnasked({}, atTerminal({"setsid", "sh", "-c", "exec \"$@\" >output 2>errors", "sh"}));
+    EXPECT_EQ(end.status, 2);
+    EXPECT_THAT(contentOf(folder.file("errors")), HasSubstr("--yes burns without asking"));
+}
+
+TEST_F(ProgramDrives, AskNobodyWhoCannotType) {
+    HostSettings output = here();
+    output.terminalColumns = 80;
+    EXPECT_EQ(burnUnasked({}, output).status, 0);
+}
+
+TEST_F(ProgramDrives, AskNoProgram) { EXPECT_EQ(burnUnasked({"--json"}, atTerminal()).status, 0); }
+
+TEST_F(ProgramDrives, WithoutADeviceNodeAreSaidToHaveNone) {
+    machine.plug({});
+    std::filesystem::remove(machineRoot() / "dev/sr0");
+    if (std::filesystem::exists("/dev/sr0"))
+        GTEST_SKIP() << "a drive of this machine has the node that is to be missing";
+    const std::string reason = "the drive has no device node /dev/sr0";
+    EXPECT_THAT(run({"drives"}).out, HasSubstr("QUARNER DISC RECORDER: writes CDs; " + reason));
+    const HostEnd disc = run({"disc"});
+    EXPECT_EQ(disc.status, 2);
+    EXPECT_THAT(disc.err, HasSubstr(reason));
+    const HostEnd eject = run({"eject"});
+    EXPECT_EQ(eject.status, 1);
+    EXPECT_THAT(eject.err, HasSubstr(reason));
     song("a.mp3");
-    const auto recorder = machine.plug({});
-    HostSettings terminal = onMachine();
-    terminal.terminalColumns = 80;
-    terminal.isTypedTo = true;
-    HostProgram program({"audio", "--title", "Summer mix", "a.mp3"}, terminal);
-    ASSERT_TRUE(program.waitForOutput("Burn this disc?"));
-    program.type("no\n");
-    const HostEnd end = program.wait();
-    EXPECT_EQ(end.status, 130);
-    EXPECT_THAT(end.out, HasSubstr("Drive:   QUARNER DISC RECORDER\r\n"));
-    EXPECT_THAT(end.out, HasSubstr("Title:   Summer mix\r\n"));
-    EXPECT_TRUE(recorder->writtenDisc()->tracks.empty());
+    const HostEnd burn = run({"audio", "a.mp3"});
+    EXPECT_EQ(burn.status, 2);
+    EXPECT_THAT(burn.err, HasSubstr(reason));
+    HostProgram watching({"watch"}, here());
+    EXPECT_TRUE(watching.waitForOutput(reason));
 }
 
 TEST_F(ProgramDrives, ThatAUserMayNotOpenAreListedWithTheMissingGroup) {
@@ -110,11 +165,10 @@ TEST_F(ProgramDrives, ThatAUserMayNotOpenAreListedWithTheMissingGroup) {
     if (geteuid() != 0 || cdrom == nullptr)
         GTEST_SKIP() << "only root can become another user, and only Debian has the group";
     machine.plug({});
-    const std::filesystem::path root = std::getenv("UMOCKDEV_DIR");
-    ASSERT_EQ(chmod(root.c_str(), 0755), 0);
-    ASSERT_EQ(chown((root / "dev/sr0").c_str(), 0, cdrom->gr_gid), 0);
-    ASSERT_EQ(chmod((root / "dev/sr0").c_str(), 0660), 0);
-    HostSettings nobody = onMachine();
+    const std::string node = machineRoot() / "dev/sr0";
+    ASSERT_EQ(chown(node.c_str(), 0, cdrom->gr_gid), 0);
+    ASSERT_EQ(chmod(node.c_str(), 0660), 0);
+    HostSettings nobody = here();
     nobody.wrapper = {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"};
     const HostEnd end = run({"drives"}, nobody);
     EXPECT_EQ(end.status, 0);

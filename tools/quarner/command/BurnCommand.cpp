@@ -6,11 +6,10 @@
 
 #include "quarner/platform/DRErrors.h"
 #include "tools/quarner/command/BurnAdvice.h"
-#include "tools/quarner/command/BurnQuestion.h"
+#include "tools/quarner/command/DiscObstacle.h"
 #include "tools/quarner/command/DriveChoice.h"
 #include "tools/quarner/command/Refusals.h"
 #include "tools/quarner/host/FailureDetail.h"
-#include "tools/quarner/host/LineReader.h"
 #include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
@@ -28,6 +27,8 @@ BurnCommand::BurnCommand(Host& host, BurnOptions options, View& view)
     : _host(host), _options(std::move(options)), _disc(traitsOf(_options.kind)), _view(view),
       _device(chooseUsableDrive(host, _options.target, _options.kind)),
       _relay(host.loop, {&view, this}), _burner(_disc.makeBurner()) {
+    if (isAsked() && !_host.terminal->show && !_options.dryRun)
+        throw UsageProblem("a question would not be seen here; --yes burns without asking");
     _burner->setDelegate(&_relay);
 }
 
@@ -54,54 +55,57 @@ BurnCommand::Outcome BurnCommand::performOrEndAtOnce() {
 
 BurnCommand::Outcome BurnCommand::perform() {
     addFiles();
-    const Compilation compiled = compilation();
+    Compilation compiled = compilation();
     _view.compilationIsComplete(compiled);
     if (_isInterrupted)
         return cancellation();
     if (compiled.items.empty() || (_refusedCount > 0 && !_options.keepGoing))
         return refusal();
-    if (const std::optional<DRError> error = obstacle(compiled))
-        return {ExitStatus::Failed,
-                "nothing was burnt: " + explainedFailure(signedCode(*error), "", 0)};
+    if (const auto outcome = hindrance(compiled))
+        return *outcome;
+    if (_options.dryRun)
+        return {ExitStatus::Success, "Dry run: nothing was written."};
+    auto answer = ask();
+    while (answer == BurnQuestion::Answer::OtherDisc) {
+        compiled = compilation();
+        if (const auto outcome = hindrance(compiled))
+            return *outcome;
+        _host.terminal->show("The disc was changed meanwhile.");
+        answer = ask();
+    }
+    const bool isAllowed = answer == BurnQuestion::Answer::Yes && !_isInterrupted;
+    return isAllowed ? burn(compiled) : cancellation();
+}
+
+/// The end where the burn need not be begun.
+std::optional<BurnCommand::Outcome> BurnCommand::hindrance(const Compilation& compiled) const {
+    const std::string obstacle =
+        _options.target.image ? std::string() : discObstacle(_host, _device);
+    if (!obstacle.empty())
+        return Outcome{ExitStatus::Failed, "nothing was burnt: " + obstacle};
     if (compiled.overflow)
         return overflow(compiled);
     if (_options.kind == DiscKind::Audio && compiled.items.size() > mostTracks)
-        return {ExitStatus::TooLong, "a disc holds at most " + std::to_string(mostTracks) +
-                                         " tracks, but there are " +
-                                         std::to_string(compiled.items.size())};
-    if (_options.dryRun)
-        return {ExitStatus::Success, "Dry run: nothing was written."};
-    return isAllowed() ? burn(compiled) : cancellation();
+        return Outcome{ExitStatus::TooLong, "a disc holds at most " + std::to_string(mostTracks) +
+                                                " tracks, but there are " +
+                                                std::to_string(compiled.items.size())};
+    return std::nullopt;
 }
 
-/// What keeps the disc in a real drive from being burnt, whatever is to be on it.
-std::optional<DRError> BurnCommand::obstacle(const Compilation& compiled) const {
-    if (_options.target.image)
-        return std::nullopt;
-    if (!compiled.hasDisc)
-        return DRError::MediaNotPresent;
-    if (!_device.isCDDisc())
-        return DRError::WrongMedia;
-    const bool isWritable =
-        _device.isDiscBlank() || _device.isDiscErasable() || _device.isDiscOverwritable();
-    return isWritable ? std::nullopt : std::optional(DRError::MediaNotWritable);
+/// Whether somebody is there to be asked before a disc is used up.
+bool BurnCommand::isAsked() const {
+    return _host.terminal && !_options.yes && !_options.target.image;
 }
 
-/// Asks, where a disc would be used up and somebody is there to be asked.
-bool BurnCommand::isAllowed() {
-    if (_options.yes || _options.target.image || !_host.keyboard)
-        return true;
-    for (const std::string& line : burnQuestion(_device, _options.title))
-        _host.console.error(line);
-    std::optional<std::string> answer;
-    const LineReader reader(*_host.keyboard, [&](std::optional<std::string> line) {
-        answer = std::move(line);
-        _host.loop.quit();
-    });
+BurnQuestion::Answer BurnCommand::ask() {
+    if (!isAsked())
+        return BurnQuestion::Answer::Yes;
     _isAsking = true;
-    _host.loop.run();
+    BurnQuestion question(_host.loop, *_host.terminal, _device.deviceName().value_or(""),
+                          _options.title);
+    const BurnQuestion::Answer answer = question.ask();
     _isAsking = false;
-    return answer && isYes(*answer);
+    return answer;
 }
 
 // Neither call does anything unless there is something to stop.

@@ -9,6 +9,7 @@
 #include "quarner/device/QuarnerDevice.h"
 #include "quarner/front/Quarner.h"
 #include "quarner/platform/DRErrors.h"
+#include "tools/quarner/command/BurnQuestion.h"
 #include "tools/quarner/disc/DiscKind.h"
 #include "tools/quarner/host/DelegateRelay.h"
 #include "tools/quarner/host/Host.h"
@@ -22,7 +23,7 @@ namespace quarner::cli {
 class BurnCommand : private QuarnDelegate {
 public:
     /// The host and the view must outlive the command. Throws `UsageProblem` when there is no
-    /// drive to use.
+    /// drive to use, and where a question could not be seen.
     BurnCommand(Host& host, BurnOptions options, View& view);
     ~BurnCommand() override;
 
@@ -45,8 +46,9 @@ private:
     void interrupt();
     Outcome performOrEndAtOnce();
     Outcome perform();
-    std::optional<DRError> obstacle(const Compilation& compiled) const;
-    bool isAllowed();
+    std::optional<Outcome> hindrance(const Compilation& compiled) const;
+    bool isAsked() const;
+    BurnQuestion::Answer ask();
     void addFiles();
     void refuse(const std::vector<std::string>& paths);
     Compilation compilation() const;

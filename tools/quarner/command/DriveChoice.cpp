@@ -37,7 +37,7 @@ std::string namedDrive(const std::string& name, std::optional<DiscKind> toBurn) 
     if (all.empty())
         throw UsageProblem("there is no drive '" + safeText(name) + "', nor any other. " +
                            imageHint(toBurn));
-    if (std::find(all.begin(), all.end(), name) == all.end())
+    if (!isAttached(name))
         throw UsageProblem("there is no drive '" + safeText(name) + "'; did you mean '" +
                            safeText(nearestName(name, all)) + "'? The drives are:" + listed(all));
     if (toBurn && !canWrite(name))
@@ -114,14 +114,21 @@ std::string chooseDrive(const Host& host, const Target& target, std::optional<Di
     return target.drive ? namedDrive(*target.drive, toBurn) : onlyDrive(toBurn);
 }
 
+bool isAttached(const std::string& name) {
+    const std::vector<std::string> all = QuarnerDevice::devices();
+    return std::find(all.begin(), all.end(), name) != all.end();
+}
+
+std::string problemText(const std::string& drive, const std::string& problem) {
+    return "the drive '" + safeText(drive) + "' cannot be used: " + safeText(problem);
+}
+
 std::string chooseUsableDrive(const Host& host, const Target& target,
                               std::optional<DiscKind> toBurn) {
     std::string name = chooseDrive(host, target, toBurn);
     const std::string problem = host.accessProblem(name);
     if (!problem.empty())
-        throw UsageProblem("the drive '" + safeText(name) +
-                           "' cannot be used: " + safeText(problem) +
-                           ".\nAn administrator can change that; then log in anew.");
+        throw UsageProblem(problemText(name, problem));
     return name;
 }
 

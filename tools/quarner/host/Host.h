@@ -8,6 +8,7 @@
 
 #include "tools/quarner/host/Console.h"
 #include "tools/quarner/host/EventLoop.h"
+#include "tools/quarner/host/Terminal.h"
 
 namespace quarner::cli {
 
@@ -36,13 +37,13 @@ struct Host {
     /// Ends the platform without waiting for the main loop: cancels what is under way, and returns
     /// when no thread of the framework is at work any more.
     std::function<void()> endPlatform;
-    /// Why this user may not open the drive of a name: a sentence without its full stop. Empty
-    /// where nothing is in the way.
+    /// What keeps the drive of a name from being used now: a sentence without its full stop. Empty
+    /// where nothing is in the way. May take half a second.
     std::function<std::string(const std::string&)> accessProblem;
     /// Whether the platform hears of drives that come and go, and of discs.
     std::function<bool()> hearsOfDrives;
-    /// From where the answer to a question is read; nothing where nobody can be asked.
-    std::optional<int> keyboard = std::nullopt;
+    /// Where somebody is asked; nothing where nobody is there.
+    std::optional<Terminal> terminal = std::nullopt;
 };
 
 /// A command line that names what cannot be used; `what` is one or more lines for people.
