@@ -78,6 +78,29 @@ TEST(DiscCommand, ShowsKindStateTimesSizesAndSpeeds) {
                             "Free:    01:19:57, 702.8 MB", "Speeds:  4x, 24x, 52x"));
 }
 
+TEST(DiscCommand, SaysWhatElseCanBeWrittenToTheDisc) {
+    TestHost host;
+    const auto stateOf = [&](const DiscScript& disc) {
+        const auto drive = host.platform.addDrive({.name = "Writer", .disc = disc});
+        host.run({"disc"});
+        host.platform.unplug(drive);
+        return host.outLines().at(1);
+    };
+    EXPECT_EQ(stateOf({.isBlank = false}), "Disc:    CD-R, written, can be added to");
+    EXPECT_EQ(stateOf({.isBlank = false, .isAppendable = false}), "Disc:    CD-R, written");
+    EXPECT_EQ(stateOf({.type = DRDeviceMediaTypeDVDRW, .isOverwritable = true}),
+              "Disc:    DVD-RW, blank, can be overwritten");
+}
+
+TEST(DiscCommand, ADiscThatIsBeingExaminedIsSaidToBe) {
+    TestHost host;
+    host.platform.addDrive({.name = "Writer", .isTransitioning = true});
+    EXPECT_EQ(host.run({"disc"}), 0);
+    EXPECT_THAT(host.outLines(), ElementsAre("Drive:   Writer", "Disc:    examining the disc"));
+    EXPECT_EQ(host.run({"drives"}), 0);
+    EXPECT_THAT(host.outLines(), ElementsAre("Writer: writes CDs; examining the disc"));
+}
+
 TEST(DiscCommand, TellsProgramsTheFigures) {
     TestHost host;
     host.platform.addDrive({.name = "Writer",
@@ -144,6 +167,40 @@ TEST(EjectCommand, ADriveThatKeepsItsDiscIsAFailure) {
     EXPECT_THAT(host.err(), HasSubstr("'Writer' keeps its disc"));
 }
 
+TEST(EjectCommand, AnEmptyDriveHasNothingToPutOut) {
+    TestHost host;
+    host.platform.addDrive({.name = "Writer"});
+    EXPECT_EQ(host.run({"eject"}), 1);
+    EXPECT_EQ(host.out(), "");
+    EXPECT_EQ(host.err(), "quarner: there is no disc in the drive 'Writer'\n");
+    host.platform.addDrive({.name = "Loader", .isTransitioning = true});
+    EXPECT_EQ(host.run({"eject", "--drive", "Loader"}), 1);
+    EXPECT_THAT(host.err(), HasSubstr("'Loader' keeps its disc"));
+}
+
+TEST(EjectCommand, ADriveThatCannotBeUsedIsAFailureWithTheReason) {
+    TestHost host;
+    host.platform.addDrive({.name = "Writer"}); // a busy drive seems to have no disc
+    host.accessProblems["Writer"] = "/dev/sr0 is in use";
+    EXPECT_EQ(host.run({"eject"}), 1);
+    EXPECT_EQ(host.err(), "quarner: the drive 'Writer' cannot be used: /dev/sr0 is in use\n");
+    EXPECT_EQ(host.run({"eject", "--json"}), 1);
+    EXPECT_EQ(json::parse(host.outLines().at(0)), (json{{"event", "eject"},
+                                                        {"name", "Writer"},
+                                                        {"ejected", false},
+                                                        {"accessProblem", "/dev/sr0 is in use"}}));
+}
+
+TEST(EjectCommand, ADriveThatIsPulledMeanwhileIsSaidToBe) {
+    TestHost host;
+    const auto drive = host.platform.addDrive({.name = "Writer", .disc = DiscScript{}});
+    host.platform.fail(ServiceCall::EjectMedia);
+    host.platform.onCall(ServiceCall::EjectMedia,
+                         [&](const std::string&) { host.platform.unplug(drive); });
+    EXPECT_EQ(host.run({"eject"}), 1);
+    EXPECT_EQ(host.err(), "quarner: the drive 'Writer' was unplugged\n");
+}
+
 /// Runs `watch` and lets things happen one after another, each when the one before was dealt with.
 class WatchCommandTest : public testing::Test {
 protected:
@@ -183,6 +240,38 @@ TEST_F(WatchCommandTest, TellsProgramsTheCallbacks) {
                                              R"({"event":"deviceStatusDidChanged","name":"New"})",
                                              R"({"event":"deviceDidDisappeared","name":"New"})",
                                              R"({"event":"exit","status":130})"));
+}
+
+TEST_F(WatchCommandTest, OpensNoDriveForWhatItDoesNotTell) {
+    const auto drive = host.platform.addDrive({.name = "Writer", .disc = DiscScript{}});
+    EXPECT_EQ(watch({"--json"}, {[&] { drive->reportChange(); }, [] {}, [] {}}), 130);
+    EXPECT_EQ(host.platform.calls(ServiceCall::DriveStatus), 0U);
+    EXPECT_EQ(host.accessQuestions, 0);
+}
+
+TEST_F(WatchCommandTest, SaysOfADriveThatCannotBeUsedWhy) {
+    const auto drive = host.platform.addDrive({.name = "Writer"});
+    host.accessProblems["Writer"] = "/dev/sr0 is in use";
+    EXPECT_EQ(watch({}, {[&] {
+                             host.accessProblems["Writer"] = "/dev/sr0 is not yours";
+                             drive->reportChange();
+                         },
+                         [] {}, [] {}}),
+              130);
+    EXPECT_THAT(host.outLines(),
+                ElementsAre("Writer: /dev/sr0 is in use", "Writer: /dev/sr0 is not yours"));
+}
+
+TEST_F(WatchCommandTest, EndsWhenNobodyReadsAnyMore) {
+    const auto drive = host.platform.addDrive({.name = "Writer"});
+    bool isTooLate = false;
+    EXPECT_EQ(watch({}, {[&] {
+                             host.stopReading();
+                             drive->reportChange();
+                         },
+                         [] {}, [] {}, [] {}, [] {}, [&] { isTooLate = true; }}),
+              130);
+    EXPECT_FALSE(isTooLate);
 }
 
 TEST_F(WatchCommandTest, ADriveThatIsNamedIsTheOnlyOneToldOf) {

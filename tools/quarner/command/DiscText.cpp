@@ -70,6 +70,11 @@ std::string discSummary(const QuarnerDevice& device) {
            " free";
 }
 
+std::string discOrProblem(const Host& host, const QuarnerDevice& device) {
+    const std::string problem = host.accessProblem(device.deviceName().value_or(""));
+    return problem.empty() ? discSummary(device) : safeText(problem);
+}
+
 std::vector<std::string> discLines(const QuarnerDevice& device) {
     std::vector<std::string> lines = {"Drive:   " + safeText(device.deviceName().value_or(""))};
     if (!device.isDiscInDevice()) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "quarner/device/QuarnerDevice.h"
+#include "tools/quarner/host/Host.h"
 #include "tools/quarner/text/JsonLine.h"
 
 namespace quarner::cli {
@@ -14,6 +15,9 @@ std::string discKind(const QuarnerDevice& device);
 
 /// The disc on one line: "CD-R, blank, 01:19:57 free", or "no disc".
 std::string discSummary(const QuarnerDevice& device);
+
+/// The disc on one line, or what keeps its drive from being used, by which there seems to be none.
+std::string discOrProblem(const Host& host, const QuarnerDevice& device);
 
 /// The disc on several lines, for people.
 std::vector<std::string> discLines(const QuarnerDevice& device);

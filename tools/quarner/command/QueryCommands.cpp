@@ -31,10 +31,8 @@ bool writesCDs(const DRDevice& drive) {
 }
 
 std::string stateOf(const Host& host, const std::string& name, bool isHidden) {
-    if (isHidden)
-        return "cannot be chosen, as a later drive has the same name";
-    const std::string problem = host.accessProblem(name);
-    return problem.empty() ? discSummary(QuarnerDevice(name)) : safeText(problem);
+    return isHidden ? "cannot be chosen, as a later drive has the same name"
+                    : discOrProblem(host, QuarnerDevice(name));
 }
 
 std::string driveLine(const Host& host, const DRDevice& drive, bool isHidden) {
@@ -43,14 +41,28 @@ std::string driveLine(const Host& host, const DRDevice& drive, bool isHidden) {
            stateOf(host, name, isHidden);
 }
 
-std::string driveJson(const Host& host, const DRDevice& drive) {
-    JsonArguments arguments = {{"name", drive.displayName()},
-                               {"canWriteCD", writesCDs(drive)},
-                               {"disc", drive.mediaIsPresent()}};
-    const std::string problem = host.accessProblem(drive.displayName());
+void addProblem(JsonArguments& arguments, const std::string& problem) {
     if (!problem.empty())
         arguments.emplace_back("accessProblem", Value(problem));
+}
+
+std::string driveJson(const Host& host, const DRDevice& drive) {
+    const std::string problem = host.accessProblem(drive.displayName());
+    JsonArguments arguments = {{"name", drive.displayName()},
+                               {"canWriteCD", writesCDs(drive)},
+                               {"disc", problem.empty() && drive.mediaIsPresent()}};
+    addProblem(arguments, problem);
     return jsonLine("drive", arguments);
+}
+
+/// Why a drive did not put its disc out, where no problem keeps the drive from being used.
+std::string reasonToKeep(const QuarnerDevice& device) {
+    const std::string name = device.deviceName().value_or("");
+    if (!isAttached(name))
+        return "the drive '" + safeText(name) + "' was unplugged";
+    if (!device.isDiscInDevice() && !device.isCheckingDisc())
+        return "there is no disc in the drive '" + safeText(name) + "'";
+    return "the drive '" + safeText(name) + "' keeps its disc; a program may be using it";
 }
 
 } // namespace
@@ -80,18 +92,22 @@ ExitStatus showDisc(Host& host, const Target& target, bool json) {
 }
 
 ExitStatus ejectDisc(Host& host, const Target& target, bool json) {
-    QuarnerDevice device(chooseUsableDrive(host, target));
+    const QuarnerDevice device(chooseDrive(host, target));
     const std::string name = device.deviceName().value_or("");
-    device.eject();
-    const bool isOut = !device.isDiscInDevice();
-    if (json)
-        host.console.line(jsonLine("eject", {{"name", name}, {"ejected", isOut}}));
-    else if (isOut)
+    const bool isOut = device.device() && device.device()->ejectMedia();
+    const std::string problem = isOut ? "" : host.accessProblem(name);
+    if (json) {
+        JsonArguments arguments = {{"name", name}, {"ejected", isOut}};
+        addProblem(arguments, problem);
+        host.console.line(jsonLine("eject", arguments));
+    } else if (isOut) {
         host.console.line("Ejected: " + safeText(name));
-    if (!isOut)
-        host.console.error("quarner: the drive '" + safeText(name) +
-                           "' keeps its disc; a program may be using it");
-    return isOut ? ExitStatus::Success : ExitStatus::Failed;
+    }
+    if (isOut)
+        return ExitStatus::Success;
+    host.console.error("quarner: " +
+                       (problem.empty() ? reasonToKeep(device) : problemText(name, problem)));
+    return ExitStatus::Failed;
 }
 
 } // namespace quarner::cli

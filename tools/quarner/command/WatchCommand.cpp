@@ -15,7 +15,8 @@ struct WatchCommand::WatchedDrive : QuarnerDeviceDelegate {
     }
 
     void deviceStatusDidChanged() override {
-        command.tell("deviceStatusDidChanged", name, discSummary(device));
+        command.tell("deviceStatusDidChanged", name,
+                     [this] { return discOrProblem(command._host, device); });
     }
 
     WatchCommand& command;
@@ -38,7 +39,7 @@ ExitStatus WatchCommand::run() {
     _host.onInterruption([this] { _host.loop.quit(); });
     if (!_json)
         for (const auto& [name, drive] : _drives)
-            _host.console.line(safeText(name) + ": " + discSummary(drive->device));
+            _host.console.line(safeText(name) + ": " + discOrProblem(_host, drive->device));
     if (!_json && _drives.empty())
         _host.console.line("There is no drive yet.");
     if (!_host.hearsOfDrives())
@@ -56,19 +57,22 @@ void WatchCommand::watch(const std::string& name) {
 void WatchCommand::deviceDidAppeared(const std::string& deviceName) {
     if (!isWanted(deviceName))
         return;
-    tell("deviceDidAppeared", deviceName, "appeared");
+    tell("deviceDidAppeared", deviceName, [] { return "appeared"; });
     watch(deviceName);
 }
 
 void WatchCommand::deviceDidDisappeared(const std::string& deviceName) {
     if (!isWanted(deviceName))
         return;
-    tell("deviceDidDisappeared", deviceName, "disappeared");
+    tell("deviceDidDisappeared", deviceName, [] { return "disappeared"; });
     _drives.erase(deviceName);
 }
 
-void WatchCommand::tell(const char* event, const std::string& name, const std::string& change) {
-    _host.console.line(_json ? jsonLine(event, {{"name", name}}) : safeText(name) + ": " + change);
+/// The change is not asked for where it is not told: that may take the drive.
+void WatchCommand::tell(const char* event, const std::string& name,
+                        const std::function<std::string()>& change) {
+    _host.console.line(_json ? jsonLine(event, {{"name", name}})
+                             : safeText(name) + ": " + change());
     if (_host.console.isBroken())
         _host.loop.quit();
 }

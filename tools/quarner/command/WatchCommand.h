@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -33,7 +34,8 @@ private:
 
     bool isWanted(const std::string& name) const { return !_only || *_only == name; }
     void watch(const std::string& name);
-    void tell(const char* event, const std::string& name, const std::string& change);
+    void tell(const char* event, const std::string& name,
+              const std::function<std::string()>& change);
 
     Host& _host;
     const bool _json;

@@ -27,10 +27,14 @@ constexpr char dataExample[] =
     "behind.\n";
 constexpr char drivesExample[] = "Example:\n  quarner drives --json\n\n"
                                  "Without any drive the list is empty, and the exit status 0.\n";
-constexpr char discExample[] = "Example:\n  quarner disc --image mix.cue\n\n"
-                               "Exit status: 0 also for an empty drive, 2 without a drive.\n";
-constexpr char ejectExample[] = "Example:\n  quarner eject --drive \"Front drive\"\n\n"
-                                "Exit status: 1 if the drive keeps its disc, 2 without a drive.\n";
+constexpr char discExample[] =
+    "Example:\n  quarner disc --image mix.cue\n\n"
+    "Exit status: 0 also for an empty drive, 2 without a drive or with one "
+    "that cannot be\nused now.\n";
+constexpr char ejectExample[] =
+    "Example:\n  quarner eject --drive \"Front drive\"\n\n"
+    "Exit status: 0 if the disc is out, 1 if the drive keeps it or has none, "
+    "2 without a\ndrive.\n";
 constexpr char watchExample[] =
     "Example:\n  quarner watch --json\n\n"
     "Waits also on a machine without drives, until Ctrl-C (exit status 130).\n";
@@ -122,8 +126,8 @@ void Grammar::addBurnOptions(CLI::App& command, const char* title) {
     command.add_flag("--keep-going", _burnOptions.keepGoing,
                      "Burn the rest when a file is refused");
     command.add_flag("--yes", _burnOptions.yes,
-                     "Burn to a drive without asking first (only a terminal asks, and not with "
-                     "--json)");
+                     "Burn to a drive without asking first (only somebody at a terminal is asked, "
+                     "and not with --json)");
     command.add_flag("--verbose", _burnOptions.verbose, "Show diagnostics");
     command.add_flag("--json", _json, "One JSON object a line, for programs");
     // Only the first: a list would have its brackets taken off. The others are what remains.
