@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -27,8 +30,8 @@ public:
     }
     void unplug() override { emulated->unplug(); }
     void plugAnother() override {
-        bed.plug({.product = "ANOTHER"});
-        waitFor(DRDeviceAppearedNotification, "QUARNER ANOTHER");
+        waitFor(DRDeviceAppearedNotification, "QUARNER ANOTHER",
+                [&] { bed.plug({.product = "ANOTHER"}); });
     }
     void settle() override;
     bool sparesDiscs() const override { return false; }
@@ -54,7 +57,8 @@ protected:
     }
 
 private:
-    void waitFor(const char* notification, const std::string& drive);
+    void waitFor(const char* notification, const std::string& drive,
+                 const std::function<void()>& event);
 
     std::shared_ptr<OpticalRecorder> _recorder;
     std::shared_ptr<DRDevice> _drive;
@@ -64,14 +68,15 @@ private:
 /// before them.
 inline void OpticalStage::settle() {
     bed.finishEvents();
-    const auto marker = bed.plug({.product = "MARKER"});
-    waitFor(DRDeviceAppearedNotification, "QUARNER MARKER");
-    marker->unplug();
-    waitFor(DRDeviceDisappearedNotification, "QUARNER MARKER");
+    std::shared_ptr<EmulatedRecorder> marker;
+    waitFor(DRDeviceAppearedNotification, "QUARNER MARKER",
+            [&] { marker = bed.plug({.product = "MARKER"}); });
+    waitFor(DRDeviceDisappearedNotification, "QUARNER MARKER", [&] { marker->unplug(); });
 }
 
-/// Turns the run loop until it told of a drive.
-inline void OpticalStage::waitFor(const char* notification, const std::string& drive) {
+/// Lets something happen to a drive, and turns the run loop until it told of that.
+inline void OpticalStage::waitFor(const char* notification, const std::string& drive,
+                                  const std::function<void()>& event) {
     bool isHeard = false;
     const auto center = loops().currentCenter();
     center->addObserver(
@@ -81,7 +86,8 @@ inline void OpticalStage::waitFor(const char* notification, const std::string& d
             isHeard = isHeard || (device && device->displayName() == drive);
         },
         notification, nullptr);
-    loops().runUntil([&] { return isHeard; });
+    event();
+    EXPECT_TRUE(loops().runUntil([&] { return isHeard; })) << drive;
     center->removeObserver(this, notification, nullptr);
 }
 
