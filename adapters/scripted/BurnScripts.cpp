@@ -22,7 +22,7 @@ public:
             writeTrack(i);
         add({.state = DRStatusStateSessionClose});
         add({.state = DRStatusStateFinishing});
-        for (int i = 0; i <= _story.progressReports; ++i)
+        for (int i = 0; _story.verifies && i <= _story.progressReports; ++i)
             add({.state = DRStatusStateVerifying,
                  .fraction = partOf(static_cast<double>(i), _story.progressReports),
                  .speed = _story.speed});

@@ -64,7 +64,9 @@ void ScriptedBurn::play(const BurnStory& story) {
         const std::lock_guard lock(_mutex);
         if (!_isStarted || _isOver)
             return;
-        const std::vector<BurnRecord> records = recordsOf(story, _layout);
+        BurnStory own = story;
+        own.verifies = story.verifies && valueFor(_properties, DRBurnVerifyDiscKey) != Value(false);
+        const std::vector<BurnRecord> records = recordsOf(own, _layout);
         _story.assign(records.begin(), records.end());
     }
     _stage->pulse->beat();
@@ -85,13 +87,18 @@ void ScriptedBurn::writeLayout(DRLayout layout) {
     if (isStarted())
         return;
     begin(std::move(layout));
-    if (const auto drive = std::dynamic_pointer_cast<ScriptedDrive>(_device))
+    const auto story = _stage->storyOfNewBurns();
+    const auto drive = std::dynamic_pointer_cast<ScriptedDrive>(_device);
+    const auto refusal = story && drive ? drive->refusalOf(this->layout()) : std::nullopt;
+    if (drive && !refusal)
         drive->setBurn(weak_from_this());
     if (_stage->fails(ServiceCall::WriteLayout, nameOf(_device)))
         fail(DRError::WriteFailed);
     else if (!_device)
         fail(DRError::DeviceVanished);
-    else if (const auto story = _stage->storyOfNewBurns())
+    else if (refusal)
+        fail(*refusal);
+    else if (story)
         play(*story);
 }
 

@@ -23,6 +23,13 @@ Dictionary mediaInfo(const DiscScript& disc) {
     return info;
 }
 
+std::uint64_t blocksOf(const DRLayout& layout) {
+    std::uint64_t blocks = 0;
+    for (const auto& track : layout)
+        blocks += track->estimateLength();
+    return blocks;
+}
+
 } // namespace
 
 ScriptedDrive::ScriptedDrive(std::shared_ptr<ScriptedStage> stage, DriveScript script)
@@ -117,6 +124,29 @@ bool ScriptedDrive::isBurning() const {
         burn = _burn.lock();
     }
     return burn && !burn->isOver();
+}
+
+void ScriptedDrive::setDetached() {
+    const std::lock_guard lock(_mutex);
+    _isDetached = true;
+}
+
+std::optional<DRError> ScriptedDrive::refusalOf(const DRLayout& layout) const {
+    std::unique_lock lock(_mutex);
+    const bool isDetached = _isDetached;
+    const std::optional<DiscScript> disc = _script.disc;
+    lock.unlock();
+    if (isDetached)
+        return DRError::DeviceVanished;
+    if (isBurning())
+        return DRError::DeviceBusy;
+    if (layout.empty())
+        return DRError::EmptyLayout;
+    if (!disc)
+        return DRError::MediaNotPresent;
+    if (disc->blocksFree && blocksOf(layout) > *disc->blocksFree)
+        return DRError::MediaTooSmall;
+    return std::nullopt;
 }
 
 void ScriptedDrive::setBurn(std::weak_ptr<const ScriptedBurn> burn) {

@@ -107,6 +107,7 @@ bool ScriptedRecording::detach(const std::shared_ptr<ScriptedDrive>& drive) {
         if (std::erase(_drives, drive) == 0)
             return false;
     }
+    drive->setDetached();
     for (const auto& burn : burns())
         if (burn->device() == drive)
             burn->failStory(DRError::DeviceVanished);

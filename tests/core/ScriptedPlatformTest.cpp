@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include <algorithm>
 #include <atomic>
 #include <thread>
 
@@ -72,6 +73,25 @@ TEST_F(ScriptedPlatformTest, AddsAFileAndBurnsIt) {
                             "burnProgressIsVerifying", "burnProgressDidChanaged(1, 0)",
                             "burnProgressIsVerifying", "burnProgressDidDone"));
     EXPECT_TRUE(drive->ejectMedia());
+}
+
+TEST_F(ScriptedPlatformTest, ABurnThatIsRefusedDoesNotTakeTheDriveFromAnotherOne) {
+    const auto drive = platform.addDrive({.disc = DiscScript{}});
+    platform.playBurns();
+    const DRLayout layout = {std::make_shared<DRTrack>()};
+    for (int i = 0; i < 2; ++i)
+        currentPlatform()->recording->burnForDevice(drive)->writeLayout(layout);
+    EXPECT_TRUE(platform.burns()[0]->isPlaying());
+    EXPECT_TRUE(platform.lastBurn()->isOver());
+    EXPECT_FALSE(drive->ejectMedia());
+}
+
+TEST_F(ScriptedPlatformTest, AStoryMayDoWithoutVerification) {
+    const auto isVerifying = [](const BurnRecord& record) {
+        return record.state == DRStatusStateVerifying;
+    };
+    EXPECT_TRUE(std::ranges::any_of(recordsOf({}, {}), isVerifying));
+    EXPECT_TRUE(std::ranges::none_of(recordsOf({.verifies = false}, {}), isVerifying));
 }
 
 TEST_F(ScriptedPlatformTest, ABurnFailsAtAFractionWithACode) {

@@ -70,6 +70,26 @@ TEST_P(RecorderBurn, ASecondLayoutForTheSameBurnIsIgnored) {
     EXPECT_THAT(log->states(), Not(testing::Contains("TrackOpen 1/2")));
 }
 
+TEST_P(RecorderBurn, NoRecordComesBeforeTheCallerIsBackInItsRunLoop) {
+    const auto burn = makeBurn();
+    const auto log = observe(burn);
+    burn->writeLayout({});
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_TRUE(log->records().empty());
+    ASSERT_TRUE(runToEnd(*log));
+    EXPECT_EQ(log->code(), codeOf(DRError::EmptyLayout));
+}
+
+TEST_P(RecorderBurn, WithoutVerificationTheDiscIsNotReadBack) {
+    const auto burn = makeBurn();
+    const auto log = observe(burn);
+    burn->setProperties({{DRBurnVerifyDiscKey, false}});
+    burn->writeLayout(makeLayout({1000}));
+    ASSERT_TRUE(runToEnd(*log));
+    EXPECT_TRUE(log->isDone()) << log->info();
+    EXPECT_EQ(log->count(DRStatusStateVerifying), 0U);
+}
+
 class RecorderWriting : public WritingRecorder {};
 
 TEST_P(RecorderWriting, TheDiscHoldsEverySourceWhole) {
@@ -79,16 +99,6 @@ TEST_P(RecorderWriting, TheDiscHoldsEverySourceWhole) {
     ASSERT_TRUE(runToEnd(*log));
     ASSERT_TRUE(log->isDone()) << log->info();
     EXPECT_TRUE(writing.contentsOnDisc() == writing.expectedContentsOf(paths));
-}
-
-TEST_P(RecorderWriting, NoRecordComesBeforeTheCallerIsBackInItsRunLoop) {
-    const auto burn = makeBurn();
-    const auto log = observe(burn);
-    burn->writeLayout({});
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    EXPECT_TRUE(log->records().empty());
-    ASSERT_TRUE(runToEnd(*log));
-    EXPECT_EQ(log->code(), codeOf(DRError::EmptyLayout));
 }
 
 TEST_P(RecorderWriting, TheSpeedIsTheBlocksOfASecond) {
@@ -103,16 +113,6 @@ TEST_P(RecorderWriting, TheSpeedIsTheBlocksOfASecond) {
     EXPECT_GE(valueFor(last, DRStatusCurrentSpeedKey).asDouble(),
               static_cast<double>(writing.blocksOnDisc()) / took.count())
         << "a part of the burn is not slower than the whole";
-}
-
-TEST_P(RecorderWriting, WithoutVerificationTheDiscIsNotReadBack) {
-    const auto burn = makeBurn();
-    const auto log = observe(burn);
-    burn->setProperties({{DRBurnVerifyDiscKey, false}});
-    burn->writeLayout(makeLayout({1000}));
-    ASSERT_TRUE(runToEnd(*log));
-    EXPECT_TRUE(log->isDone()) << log->info();
-    EXPECT_EQ(log->count(DRStatusStateVerifying), 0U);
 }
 
 TEST_P(RecorderWriting, ABurnGoesOnWhenNobodyHoldsItAnyMore) {

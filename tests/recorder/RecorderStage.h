@@ -30,6 +30,10 @@ public:
     virtual std::string makeSource(std::uint64_t pairs) = 0;
     /// A disc of these files, in this order.
     virtual DRLayout layoutOf(const Paths& paths) = 0;
+    /// The layout of a disc that takes so many blocks.
+    virtual DRLayout layoutOfBlocks(std::uint32_t blocks) = 0;
+    /// The layout of a disc whose size no 32 bits hold.
+    virtual DRLayout hugeLayout() = 0;
 
     virtual void insertBlank() = 0;
     virtual void unplug() = 0;
@@ -45,11 +49,6 @@ public:
 /// A recorder that reads files from disk and writes sectors.
 class WritingStage : public RecorderStage {
 public:
-    /// The layout of a disc that takes so many blocks.
-    virtual DRLayout layoutOfBlocks(std::uint32_t blocks) = 0;
-    /// The layout of a disc whose size no 32 bits hold.
-    virtual DRLayout hugeLayout() = 0;
-
     /// What the disc in the drive holds of each source, in the order in which they were made.
     virtual std::vector<std::string> contentsOnDisc() = 0;
     /// What it must hold of a source.

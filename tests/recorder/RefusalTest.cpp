@@ -15,7 +15,25 @@ using testing::HasSubstr;
 
 constexpr std::uint32_t blocksOf80Minutes = 359'847;
 
-class RecorderRefusal : public Recorder {};
+/// Of a recorder of any kind, or of one that writes.
+template <class Base>
+class Refusal : public Base {
+protected:
+    /// Burns a layout and answers the code of its failure.
+    std::uint32_t codeFor(const DRLayout& layout) {
+        const auto burn = this->makeBurn();
+        const auto log = this->observe(burn);
+        burn->writeLayout(layout);
+        EXPECT_TRUE(this->runToEnd(*log));
+        EXPECT_EQ(log->count(DRStatusStateSessionOpen), 0U) << "refused before the first byte";
+        info = log->info();
+        return log->code();
+    }
+
+    std::string info;
+};
+
+class RecorderRefusal : public Refusal<Recorder> {};
 
 TEST_P(RecorderRefusal, WithoutADrive) {
     const auto burn = service()->burnForDevice(nullptr);
@@ -25,57 +43,41 @@ TEST_P(RecorderRefusal, WithoutADrive) {
     EXPECT_EQ(log->code(), codeOf(DRError::DeviceVanished));
 }
 
-class RecorderWritingRefusal : public WritingRecorder {
-protected:
-    /// Burns a layout and answers the code of its failure.
-    std::uint32_t codeFor(const DRLayout& layout) {
-        const auto burn = makeBurn();
-        const auto log = observe(burn);
-        burn->writeLayout(layout);
-        EXPECT_TRUE(runToEnd(*log));
-        EXPECT_EQ(log->count(DRStatusStateSessionOpen), 0U) << "refused before the first byte";
-        info = log->info();
-        return log->code();
-    }
+TEST_P(RecorderRefusal, OfAnEmptyLayout) { EXPECT_EQ(codeFor({}), codeOf(DRError::EmptyLayout)); }
 
-    std::string info;
-};
-
-TEST_P(RecorderWritingRefusal, OfAnEmptyLayout) {
-    EXPECT_EQ(codeFor({}), codeOf(DRError::EmptyLayout));
-}
-
-TEST_P(RecorderWritingRefusal, OfOneBlockTooMany) {
-    EXPECT_EQ(codeFor(writing.layoutOfBlocks(blocksOf80Minutes + 1)),
+TEST_P(RecorderRefusal, OfOneBlockTooMany) {
+    EXPECT_EQ(codeFor(stage->layoutOfBlocks(blocksOf80Minutes + 1)),
               codeOf(DRError::MediaTooSmall));
 }
 
-TEST_P(RecorderWritingRefusal, NotOfALayoutThatFillsTheDisc) {
+TEST_P(RecorderRefusal, NotOfALayoutThatFillsTheDisc) {
     const auto burn = makeBurn();
     const auto log = observe(burn);
     log->onRecord = [&](const Dictionary& record) {
         if (BurnLog::stateOf(record) == DRStatusStateSessionOpen)
             burn->abort();
     };
-    burn->writeLayout(writing.layoutOfBlocks(blocksOf80Minutes));
+    burn->writeLayout(stage->layoutOfBlocks(blocksOf80Minutes));
     ASSERT_TRUE(runToEnd(*log));
     EXPECT_EQ(log->code(), codeOf(DRError::UserCanceled)) << log->info();
 }
 
-TEST_P(RecorderWritingRefusal, OfASizeBeyond32Bits) {
-    EXPECT_EQ(codeFor(writing.hugeLayout()), codeOf(DRError::MediaTooSmall));
+TEST_P(RecorderRefusal, OfASizeBeyond32Bits) {
+    EXPECT_EQ(codeFor(stage->hugeLayout()), codeOf(DRError::MediaTooSmall));
 }
 
-TEST_P(RecorderWritingRefusal, WithoutADisc) {
+TEST_P(RecorderRefusal, WithoutADisc) {
     ASSERT_TRUE(stage->drive()->ejectMedia());
     EXPECT_EQ(codeFor(makeLayout({1000})), codeOf(DRError::MediaNotPresent));
 }
 
-TEST_P(RecorderWritingRefusal, OnADriveThatIsUnplugged) {
+TEST_P(RecorderRefusal, OnADriveThatIsUnplugged) {
     const DRLayout layout = makeLayout({1000});
     stage->unplug();
     EXPECT_EQ(codeFor(layout), codeOf(DRError::DeviceVanished));
 }
+
+class RecorderWritingRefusal : public Refusal<WritingRecorder> {};
 
 TEST_P(RecorderWritingRefusal, OfASourceThatIsGone) {
     const DRLayout layout = makeLayout({1000, 1000});

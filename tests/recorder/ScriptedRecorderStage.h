@@ -68,6 +68,13 @@ public:
             layout.push_back(service()->trackForAudioFile(path));
         return layout;
     }
+    DRLayout layoutOfBlocks(std::uint32_t blocks) override {
+        constexpr std::uint64_t pairsOfSector = 588;
+        return layoutOf({makeSource(blocks * pairsOfSector)});
+    }
+    DRLayout hugeLayout() override {
+        return {layoutOfBlocks(0x80000000U)[0], layoutOfBlocks(0x80000000U)[0]};
+    }
 };
 
 class DataScriptedStage : public ScriptedRecorderStage {
@@ -78,6 +85,13 @@ public:
             root->addChild(service()->fileWithPath(path));
         return {service()->trackForRootFolder(root)};
     }
+    DRLayout layoutOfBlocks(std::uint32_t blocks) override {
+        return layoutOf({makeSource(blocks * pairsOfBlock)});
+    }
+    DRLayout hugeLayout() override { return layoutOf({makeSource((1ULL << 32) * pairsOfBlock)}); }
+
+private:
+    static constexpr std::uint64_t pairsOfBlock = 512;
 };
 
 } // namespace quarner

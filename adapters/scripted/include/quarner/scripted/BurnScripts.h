@@ -32,6 +32,8 @@ struct BurnStory {
     double speed = 1800.0; ///< blocks per second
     /// How many progress records each track, and the verification, sends.
     int progressReports = 2;
+    /// Whether the disc is read back. Never when the burn's properties say no.
+    bool verifies = true;
     /// The fraction of the writing at which the burn fails with `code`.
     std::optional<double> failsAt = std::nullopt;
     /// The state in which the burn fails with `code`, right after its first record.

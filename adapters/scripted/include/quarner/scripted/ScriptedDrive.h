@@ -4,8 +4,11 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 
+#include "quarner/platform/DRBurn.h"
 #include "quarner/platform/DRDevice.h"
+#include "quarner/platform/DRErrors.h"
 #include "quarner/scripted/Scripts.h"
 
 namespace quarner {
@@ -51,13 +54,18 @@ public:
 
 private:
     friend class ScriptedBurn;
+    friend class ScriptedRecording;
     DriveScript script() const;
     bool isBurning() const;
     void setBurn(std::weak_ptr<const ScriptedBurn> burn);
+    void setDetached();
+    /// Why no burn of this layout can begin now; nothing when one can.
+    std::optional<DRError> refusalOf(const DRLayout& layout) const;
 
     const std::shared_ptr<ScriptedStage> _stage;
     mutable std::mutex _mutex;
     DriveScript _script;
+    bool _isDetached = false;
     std::weak_ptr<const ScriptedBurn> _burn; // the last one that was started here
 };
 

@@ -92,7 +92,10 @@ public:
     std::vector<std::shared_ptr<ScriptedBurn>> burns() const;
     std::shared_ptr<ScriptedBurn> lastBurn() const;
 
-    /// Every burn that is started from now on plays this story by itself.
+    /// Every burn that is started from now on plays this story by itself. One that no recorder
+    /// would begin fails at once instead: with `DRError::EmptyLayout`, `DeviceVanished` on a drive
+    /// that was unplugged, `DeviceBusy` while another burn is under way there, `MediaNotPresent`,
+    /// or `MediaTooSmall` where the tracks take more blocks than the disc says that it has free.
     void playBurns(const BurnStory& story = {});
 
     // --- Calls into the services ---
