@@ -20,6 +20,7 @@ namespace quarner {
 namespace {
 
 constexpr std::chrono::milliseconds pollInterval{10};
+constexpr int looksPerDiscQuestion = 20;
 
 struct SessionRelease {
     void operator()(burn::burn_session* session) const { burn::burn_session_free(session); }
@@ -204,8 +205,8 @@ std::optional<DRError> blankDisc(GrabbedDrive& grabbed) {
     }
     // Without a disc the library would wait for the end of the blanking for ever.
     bool isDiscThere = true;
-    while (!isIdle(drive)) {
-        if (isDiscThere && !grabbed.hasDisc()) {
+    for (int look = 1; !isIdle(drive); ++look) {
+        if (isDiscThere && look % looksPerDiscQuestion == 0 && !grabbed.hasDisc()) {
             isDiscThere = false;
             grabbed.abandon();
         }

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "adapters/optical/Libburn.h"
-#include "adapters/optical/NodeDescriptors.h"
 #include "quarner/platform/Platform.h"
 
 namespace quarner {
@@ -43,9 +42,10 @@ void BurnLibrary::driveWasReleased() {
     clearAway();
 }
 
-void BurnLibrary::driveWasNotTaken(const std::set<int>& left) {
+void BurnLibrary::driveWasNotTaken(const NodeDescriptors& before) {
+    const std::set<int> left = before.openedSince();
     ++_failures;
-    takeAway(left);
+    takeAway(left, before.place());
     _left.insert(left.begin(), left.end());
     clearAway();
 }

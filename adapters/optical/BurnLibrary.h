@@ -7,6 +7,8 @@
 #include <set>
 #include <string>
 
+#include "adapters/optical/NodeDescriptors.h"
+
 namespace quarner {
 
 /// What libburn has only once in a process: its list of drives, and its queue of messages. Nobody
@@ -34,8 +36,7 @@ public:
     std::string untriedAddress(const std::string& node) const;
     void driveWasTaken() { ++_takenDrives; }
     void driveWasReleased();
-    /// `left`: what the attempt left open.
-    void driveWasNotTaken(const std::set<int>& left);
+    void driveWasNotTaken(const NodeDescriptors& before);
 
     /// A moment in the sequence of the library's messages.
     using Moment = std::uint64_t;

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/optical/GrabbedDrive.h"
 
+#include <fcntl.h>
 #include <linux/cdrom.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <mutex>
 #include <utility>
 
@@ -25,20 +25,35 @@ bool isLoading(const std::string& path, std::chrono::milliseconds patience, cons
     return node.isLoading();
 }
 
+/// The node once more, beside libburn's descriptor, which its thread may close at any moment.
+struct SharedNode {
+    explicit SharedNode(const std::string& path)
+        : descriptor(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {}
+    ~SharedNode() {
+        if (descriptor >= 0)
+            close(descriptor);
+    }
+    SharedNode(const SharedNode&) = delete;
+    SharedNode& operator=(const SharedNode&) = delete;
+
+    const int descriptor;
+};
+
 } // namespace
 
 GrabbedDrive::GrabbedDrive(const DriveRecord& record, const DrivePatience& patience,
-                           const StopSignal* stop) {
+                           const StopSignal* stop)
+    : _node(record.node) {
     using Clock = std::chrono::steady_clock;
     const auto loadingEnd = Clock::now() + patience.loading;
     auto busyEnd = Clock::now() + patience.busy;
     while (true) {
         std::string place;
-        if (isLoading(record.node, patience.busy, stop, place)) {
+        if (isLoading(_node, patience.busy, stop, place)) {
             if (Clock::now() >= loadingEnd)
                 throw DiscIsLoading(record.node);
             busyEnd = Clock::now() + patience.busy;
-        } else if (grab(record.node, place)) {
+        } else if (grab(place)) {
             return;
         } else if (Clock::now() >= busyEnd) {
             throw BurnFailure(DRError::DeviceBusy, record.node + ": libburn cannot open it");
@@ -47,23 +62,24 @@ GrabbedDrive::GrabbedDrive(const DriveRecord& record, const DrivePatience& patie
     }
 }
 
-bool GrabbedDrive::grab(const std::string& node, const std::string& place) {
+bool GrabbedDrive::grab(const std::string& place) {
     BurnLibrary& library = BurnLibrary::shared();
     {
         const std::lock_guard lock(library.drives());
         if (!library.start())
             throw BurnFailure(DRError::Internal, "libburn cannot be started");
         const NodeDescriptors descriptors(place);
-        std::string address = library.untriedAddress(node);
+        std::string address = library.untriedAddress(_node);
         if (address.empty())
             return false;
         if (burn::burn_drive_scan_and_grab(&_found, address.data(), 0) == 1) {
             _handle = _found->drive;
             _descriptors = descriptors.openedSince();
+            _place = place;
             library.driveWasTaken();
         } else {
             burn::burn_drive_info_free(std::exchange(_found, nullptr));
-            library.driveWasNotTaken(descriptors.openedSince());
+            library.driveWasNotTaken(descriptors);
         }
     }
     library.logMessages();
@@ -82,17 +98,16 @@ GrabbedDrive::~GrabbedDrive() {
 }
 
 bool GrabbedDrive::hasDisc() const {
-    return std::any_of(_descriptors.begin(), _descriptors.end(), [](int descriptor) {
-        const int status = ioctl(descriptor, CDROM_DRIVE_STATUS, CDSL_CURRENT);
-        return status != CDS_NO_DISC && status != CDS_TRAY_OPEN;
-    });
+    const SharedNode node(_node);
+    const int status = ioctl(node.descriptor, CDROM_DRIVE_STATUS, CDSL_CURRENT);
+    return status != CDS_NO_DISC && status != CDS_TRAY_OPEN;
 }
 
 void GrabbedDrive::abandon() {
-    if (_descriptors.empty() || _isAbandoned)
+    if (!takeAway(_descriptors, _place))
         return;
-    ioctl(*_descriptors.begin(), CDROM_LOCKDOOR, 0);
-    _isAbandoned = takeAway(_descriptors);
+    const SharedNode node(_node);
+    ioctl(node.descriptor, CDROM_LOCKDOOR, 0);
 }
 
 bool isAttached(const DriveRecord& record) {

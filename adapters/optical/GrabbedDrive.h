@@ -44,7 +44,8 @@ public:
     /// libburn's own drive; valid as long as this object.
     burn::burn_drive* handle() const { return _handle; }
 
-    /// Whether there is a disc, as the kernel says, also while libburn is at work.
+    /// Whether there is a disc, as the kernel says, also while libburn is at work; true when it
+    /// says nothing.
     bool hasDisc() const;
 
     /// Unlocks the tray and takes the drive away from libburn, which ends whatever that waits for,
@@ -52,12 +53,13 @@ public:
     void abandon();
 
 private:
-    bool grab(const std::string& node, const std::string& place);
+    bool grab(const std::string& place);
 
+    const std::string _node;
     burn::burn_drive_info* _found = nullptr;
     burn::burn_drive* _handle = nullptr;
     std::set<int> _descriptors; ///< libburn's, of this drive
-    bool _isAbandoned = false;
+    std::string _place;         ///< where they lead
 };
 
 /// Whether the system still has the drive, whatever state that is in.

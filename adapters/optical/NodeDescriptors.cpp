@@ -53,12 +53,13 @@ std::set<int> NodeDescriptors::openedSince() const {
     return opened;
 }
 
-bool takeAway(const std::set<int>& descriptors) {
+bool takeAway(const std::set<int>& descriptors, const std::string& place) {
     const int nothing = memfd_create(emptyFile, MFD_CLOEXEC);
     if (nothing < 0)
         return false;
     for (const int descriptor : descriptors)
-        dup3(nothing, descriptor, O_CLOEXEC);
+        if (NodeDescriptors::placeOf(descriptor) == place)
+            dup3(nothing, descriptor, O_CLOEXEC);
     close(nothing);
     return true;
 }

@@ -16,6 +16,7 @@ public:
     /// What has been opened there since: to be asked right after libburn was at work.
     std::set<int> openedSince() const;
 
+    const std::string& place() const { return _place; }
     /// Where the file of a descriptor is, or was; empty when the system does not tell.
     static std::string placeOf(int descriptor);
 
@@ -26,10 +27,11 @@ private:
     std::set<int> _before;
 };
 
-/// Closes a drive behind libburn's back: puts in the place of its descriptors an empty file, for
-/// libburn may still use them, and close them. Whatever it tries fails as with a drive that is
-/// gone. Answers false when the system has no such file to give.
-bool takeAway(const std::set<int>& descriptors);
+/// Closes a drive behind libburn's back: puts an empty file in the place of those of its
+/// descriptors that still lead to a place, for libburn may still use them, and close them. Whatever
+/// it tries fails as with a drive that is gone. Answers false when the system has no such file to
+/// give.
+bool takeAway(const std::set<int>& descriptors, const std::string& place);
 
 /// Closes those of them that are still that empty file.
 void closeTakenAway(const std::set<int>& descriptors);

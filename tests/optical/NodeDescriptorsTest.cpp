@@ -27,6 +27,7 @@ protected:
         opened.push_back(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
         return opened.back();
     }
+    std::string place() { return NodeDescriptors::placeOf(openFile(node)); }
     static bool isOpen(int descriptor) { return fcntl(descriptor, F_GETFD) >= 0; }
 
     TemporaryFolder folder;
@@ -70,7 +71,7 @@ TEST_F(NodeDescriptorsTest, AreNoneWhereTheSystemTellsNoPlace) {
 TEST_F(NodeDescriptorsTest, StayInUseWhenTheirFileIsTakenAway) {
     const int kept = openFile(node);
     const int taken = openFile(node);
-    ASSERT_TRUE(takeAway({taken}));
+    ASSERT_TRUE(takeAway({taken}, place()));
     EXPECT_EQ(NodeDescriptors::placeOf(kept), NodeDescriptors::placeOf(openFile(node)));
     EXPECT_NE(NodeDescriptors::placeOf(taken), NodeDescriptors::placeOf(kept));
     EXPECT_TRUE(isOpen(taken));
@@ -78,9 +79,16 @@ TEST_F(NodeDescriptorsTest, StayInUseWhenTheirFileIsTakenAway) {
     EXPECT_FALSE(isOpen(taken));
 }
 
+TEST_F(NodeDescriptorsTest, ThatAreAnotherFilesByNowAreNotTakenAway) {
+    const int other = openFile(folder.file("other"));
+    const std::string before = NodeDescriptors::placeOf(other);
+    ASSERT_TRUE(takeAway({other}, place()));
+    EXPECT_EQ(NodeDescriptors::placeOf(other), before);
+}
+
 TEST_F(NodeDescriptorsTest, ThatAreAnotherFilesByNowAreNotClosed) {
     const int taken = openFile(node);
-    ASSERT_TRUE(takeAway({taken}));
+    ASSERT_TRUE(takeAway({taken}, place()));
     ASSERT_EQ(dup2(openFile(folder.file("other")), taken), taken);
     closeTakenAway({taken});
     EXPECT_TRUE(isOpen(taken));
