@@ -25,8 +25,9 @@ public:
     /// A disc is being loaded or examined.
     bool isLoading() const;
 
-    /// Unlocks the tray and opens it, in whatever state the disc is. Answers whether it is open
-    /// then; false also when it was open before.
+    /// Unlocks the tray and opens it, in whatever state the disc is; tries again for two seconds
+    /// while others only look at the drive. Answers whether it is open then; false also when it was
+    /// open before.
     bool openTray() const;
 
 private:

@@ -59,6 +59,22 @@ TEST_F(DriveEjection, FailsWhenTheDriveKeepsItsDisc) {
     expectReleased();
 }
 
+TEST_F(DriveEjection, WaitsForThoseWhoOnlyLookAtTheDrive) {
+    UnitFaults faults;
+    faults.onlookers = 3;
+    recorder->setFaults(faults);
+    EXPECT_TRUE(drive->ejectMedia());
+    EXPECT_TRUE(recorder->isTrayOpen());
+}
+
+TEST_F(DriveEjection, FailsWhenTheyStay) {
+    UnitFaults faults;
+    faults.onlookers = 1000;
+    recorder->setFaults(faults);
+    EXPECT_FALSE(drive->ejectMedia());
+    expectReleased();
+}
+
 TEST_F(DriveEjection, IsRefusedWhileAnotherProgramHasTheDrive) {
     const OtherProgram other(recorder->node());
     EXPECT_FALSE(drive->ejectMedia());

@@ -176,10 +176,17 @@ int EmulatedRecorder::driveStatus() {
     return _unit.hasMedium() ? CDS_DISC_OK : CDS_NO_DISC;
 }
 
-/// As the kernel does: it unlocks the tray first.
-bool EmulatedRecorder::eject() {
+/// As the kernel does: it unlocks the tray first, but not while anybody else has the node open.
+int EmulatedRecorder::eject() {
+    {
+        const std::lock_guard lock(_mutex);
+        if (_unit.faults.onlookers > 0) {
+            --_unit.faults.onlookers;
+            return EBUSY;
+        }
+    }
     const std::array<std::uint8_t, 6> openTray = {0x1B, 0, 0, 0, 2};
-    return lockTray(false) && succeeds(openTray);
+    return lockTray(false) && succeeds(openTray) ? 0 : EIO;
 }
 
 bool EmulatedRecorder::lockTray(bool isLocked) {

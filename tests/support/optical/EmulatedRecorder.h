@@ -82,7 +82,7 @@ public:
 
     std::optional<ScsiReply> execute(const ScsiCommand& command) override;
     int driveStatus() override;
-    bool eject() override;
+    int eject() override;
     bool lockTray(bool isLocked) override;
 
 private:

@@ -16,8 +16,8 @@ public:
     virtual std::optional<ScsiReply> execute(const ScsiCommand& command) = 0;
     /// The answer to CDROM_DRIVE_STATUS.
     virtual int driveStatus() = 0;
-    /// Carries out CDROMEJECT; answers whether the drive did it.
-    virtual bool eject() = 0;
+    /// Carries out CDROMEJECT; answers the error, 0 when the drive did it.
+    virtual int eject() = 0;
     /// Carries out CDROM_LOCKDOOR; answers whether the drive did it.
     virtual bool lockTray(bool isLocked) = 0;
 };

@@ -102,7 +102,7 @@ CallResult fillIn(UMockdevIoctlClient* client, std::vector<std::uint8_t> bytes) 
     return {};
 }
 
-CallResult resultOf(bool isDone) { return isDone ? CallResult() : CallResult{-1, EIO}; }
+CallResult resultOf(int error) { return error == 0 ? CallResult() : CallResult{-1, error}; }
 
 /// The argument of a call that takes a number.
 std::uintptr_t numberIn(const UMockdevIoctlData* argument) {
@@ -124,7 +124,8 @@ CallResult answer(UMockdevIoctlClient* client, SystemCallTarget& target) {
     case CDROMEJECT:
         return resultOf(target.eject());
     case CDROM_LOCKDOOR:
-        return resultOf(target.lockTray(numberIn(umockdev_ioctl_client_get_arg(client)) != 0));
+        return resultOf(
+            target.lockTray(numberIn(umockdev_ioctl_client_get_arg(client)) != 0) ? 0 : EIO);
     default:
         return {-1, ENOTTY};
     }
