@@ -216,6 +216,7 @@ TEST_F(EmulatedRecorderTest, IsUnpluggedInMidBurn) {
     const auto recorder = bed.plug({.faults = {.unplugAt = 100}});
     EXPECT_FALSE(burn(*recorder, noiseOfSound(400, 8), true, atOnce));
     EXPECT_FALSE(LibburnSession(recorder->node()).isGrabbed());
+    bed.finishEvents(); // the unplugging is one
     recorder->setFaults({});
     recorder->insert(Medium::blankCDR());
     recorder->replug();
