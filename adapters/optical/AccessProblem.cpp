@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/optical/AccessProblem.h"
 
-#include <fcntl.h>
 #include <grp.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <string_view>
 #include <system_error>
 #include <vector>
@@ -57,17 +57,6 @@ std::string_view remedy(int error) {
     }
 }
 
-/// The error of opening a drive; 0 when it opens.
-int openingError(const std::string& node) {
-    if (access(node.c_str(), R_OK | W_OK) != 0)
-        return errno; // nor is an attempt made
-    const int descriptor = open(node.c_str(), O_RDWR | O_NONBLOCK | O_EXCL | O_CLOEXEC);
-    if (descriptor < 0)
-        return errno;
-    close(descriptor);
-    return 0;
-}
-
 } // namespace
 
 std::string openingProblem(const std::string& node, int error) {
@@ -86,15 +75,14 @@ std::string openingProblem(const std::string& node, int error) {
 }
 
 std::optional<std::string> accessProblem(const std::string& node) {
-    int error = openingError(node);
     // The system itself opens a drive for a moment after each of its events.
-    for (int retries = 5; error == EBUSY && retries > 0; --retries) {
-        waitForDrive(nullptr);
-        error = openingError(node);
-    }
-    if (error == 0)
-        return std::nullopt;
-    return openingProblem(node, error).append(remedy(error));
+    constexpr std::chrono::milliseconds patience{500};
+    const bool isPermitted = access(node.c_str(), R_OK | W_OK) == 0;
+    const int result = isPermitted ? openDrive(node, patience, nullptr) : -errno;
+    if (result < 0)
+        return openingProblem(node, -result).append(remedy(-result));
+    close(result);
+    return std::nullopt;
 }
 
 } // namespace quarner

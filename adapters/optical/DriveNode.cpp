@@ -38,14 +38,10 @@ BurnFailure failureOf(const std::string& path, int error) {
 } // namespace
 
 DriveNode::DriveNode(const std::string& path, std::chrono::milliseconds patience,
-                     const StopSignal* stop) {
-    const auto end = std::chrono::steady_clock::now() + patience;
-    while ((_descriptor = open(path.c_str(), O_RDWR | O_NONBLOCK | O_EXCL | O_CLOEXEC)) < 0) {
-        const BurnFailure failure = failureOf(path, errno);
-        if (failure.error() != DRError::DeviceBusy || std::chrono::steady_clock::now() >= end)
-            throw BurnFailure(failure);
-        waitForDrive(stop);
-    }
+                     const StopSignal* stop)
+    : _descriptor(openDrive(path, patience, stop)) {
+    if (_descriptor < 0)
+        throw BurnFailure(failureOf(path, -_descriptor));
 }
 
 DriveNode::~DriveNode() { close(_descriptor); }
@@ -68,6 +64,19 @@ bool DriveNode::openTray() const {
     // A drive without a tray tells only that it has no disc.
     const int status = ioctl(_descriptor, CDROM_DRIVE_STATUS, CDSL_CURRENT);
     return status != CDS_DISC_OK && status != CDS_DRIVE_NOT_READY;
+}
+
+int openDrive(const std::string& path, std::chrono::milliseconds patience, const StopSignal* stop) {
+    const auto end = std::chrono::steady_clock::now() + patience;
+    while (true) {
+        const int descriptor = open(path.c_str(), O_RDWR | O_NONBLOCK | O_EXCL | O_CLOEXEC);
+        if (descriptor >= 0)
+            return descriptor;
+        const int error = errno;
+        if (error != EBUSY || std::chrono::steady_clock::now() >= end)
+            return -error;
+        waitForDrive(stop);
+    }
 }
 
 void waitForDrive(const StopSignal* stop) {

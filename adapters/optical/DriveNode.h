@@ -12,9 +12,7 @@ namespace quarner {
 /// asked: libburn, once it has the drive, waits for a disc that does not get ready, for hours.
 class DriveNode {
 public:
-    /// Opens it as libburn does, which does not tell why it fails. One that another program has
-    /// open is tried again until the time is over, or the burn is stopped (`stop` may be null).
-    /// Throws `BurnFailure`.
+    /// Opens it: see `openDrive`. Throws `BurnFailure` when that fails.
     DriveNode(const std::string& path, std::chrono::milliseconds patience, const StopSignal* stop);
     ~DriveNode();
     DriveNode(const DriveNode&) = delete;
@@ -31,8 +29,13 @@ public:
     bool openTray() const;
 
 private:
-    int _descriptor = -1;
+    const int _descriptor;
 };
+
+/// Opens the node of a drive as libburn does, which does not tell why it fails. One that another
+/// program has open is tried again until the time is over, or the burn is stopped: throws
+/// `BurnFailure` then (`stop` may be null). Answers the descriptor, or an error of errno, negated.
+int openDrive(const std::string& path, std::chrono::milliseconds patience, const StopSignal* stop);
 
 /// Waits between two attempts to open a drive, or until the burn is stopped: throws `BurnFailure`
 /// then. `stop` may be null.

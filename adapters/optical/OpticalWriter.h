@@ -26,8 +26,8 @@ namespace quarner {
 /// the samples at one edge of the disc that no drive can show.
 class OpticalWriter : public SectorWriter {
 public:
-    /// The drive's disc can take the plan. `stop` ends every wait but that for
-    /// the end of a blanking or of the closing of the disc.
+    /// The drive's disc can take the plan. `stop` ends every wait but that for the end of a
+    /// blanking or of the closing of the disc.
     OpticalWriter(std::unique_ptr<GrabbedDrive> drive, DriveRecord record, BurnSettings settings,
                   bool needsBlanking, std::shared_ptr<StopSignal> stop);
     /// Stops what the drive does, unlocks the tray and lets go of the drive.
