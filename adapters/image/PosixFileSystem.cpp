@@ -11,9 +11,9 @@
 #include <utility>
 
 #include "adapters/engine/BurnFailure.h"
-#include "adapters/image/FileDescriptor.h"
 #include "adapters/image/FileSystem.h"
 #include "adapters/image/PosixImageFile.h"
+#include "adapters/posix/FileDescriptor.h"
 
 namespace quarner {
 

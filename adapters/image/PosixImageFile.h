@@ -4,8 +4,8 @@
 #include <string>
 
 #include "adapters/engine/SectorBuffer.h"
-#include "adapters/image/FileDescriptor.h"
 #include "adapters/image/FileSystem.h"
+#include "adapters/posix/FileDescriptor.h"
 
 namespace quarner {
 

@@ -2,7 +2,6 @@
 #include "adapters/isofs/JolietTrackSource.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -10,28 +9,23 @@
 #include <utility>
 
 #include "adapters/engine/BurnFailure.h"
+#include "adapters/posix/SourceFile.h"
 
 namespace quarner {
 
 /// A source file under the head of the disc, read once from its start to its end.
 class JolietTrackSource::OpenFile {
 public:
-    explicit OpenFile(const std::string& path)
-        : _path(path), _descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
-        if (_descriptor < 0)
-            throw BurnFailure(DRError::SourceMissing,
-                              path + ": " + std::generic_category().message(errno));
-        posix_fadvise(_descriptor, 0, 0, POSIX_FADV_SEQUENTIAL);
+    explicit OpenFile(const JolietImage::Extent& extent) : _path(extent.path), _file(extent.path) {
+        if (!_file.isOpen())
+            throw BurnFailure(DRError::SourceMissing, _path + ": " + _file.problem());
+        if (_file.stamp() != extent.stamp)
+            throw BurnFailure(DRError::SourceChanged, _path + ": changed since it was added");
+        posix_fadvise(_file.number(), 0, 0, POSIX_FADV_SEQUENTIAL);
     }
-    ~OpenFile() { ::close(_descriptor); }
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
 
     std::size_t read(std::span<std::byte> buffer) {
-        ssize_t count = -1;
-        do
-            count = ::read(_descriptor, buffer.data(), buffer.size());
-        while (count < 0 && errno == EINTR);
+        const ssize_t count = _file.read(buffer);
         if (count < 0)
             throw BurnFailure(DRError::SourceUnreadable,
                               _path + ": " + std::generic_category().message(errno));
@@ -42,7 +36,7 @@ public:
 
 private:
     const std::string _path;
-    const int _descriptor;
+    const SourceFile _file;
 };
 
 JolietTrackSource::JolietTrackSource(std::shared_ptr<const DRFolder> folder,
@@ -90,7 +84,7 @@ std::size_t JolietTrackSource::readHead(std::span<std::byte> buffer) const {
 std::size_t JolietTrackSource::readFile(const JolietImage::Extent& extent,
                                         std::span<std::byte> buffer) {
     if (!_file)
-        _file = std::make_unique<OpenFile>(extent.path);
+        _file = std::make_unique<OpenFile>(extent);
     const std::uint64_t end =
         std::uint64_t(extent.firstBlock) * JolietImage::blockSize + extent.stamp.size;
     const std::size_t count = _file->read(

@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <limits>
 
 #include "quarner/platform/DRFile.h"
@@ -39,7 +40,11 @@ std::uint32_t sectorsForSamples(std::uint64_t sampleCount) {
 
 std::optional<FileStamp> stampOfFile(const std::string& path) {
     struct stat status = {};
-    if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
+    int outcome = 0;
+    do
+        outcome = stat(path.c_str(), &status);
+    while (outcome != 0 && errno == EINTR);
+    if (outcome != 0 || !S_ISREG(status.st_mode))
         return std::nullopt;
     return FileStamp{.size = static_cast<std::uint64_t>(status.st_size),
                      .modifiedSeconds = status.st_mtim.tv_sec,

@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
+#include <fstream>
+
+#include "adapters/posix/SourceFile.h"
 #include "tests/image/ImageTest.h"
+#include "tests/support/Watchdog.h"
 
 namespace quarner {
 namespace {
@@ -50,6 +55,67 @@ TEST_P(SourceFault, ASourceThatIsWrittenAnewInMidBurnFailsIt) {
 }
 
 INSTANTIATE_IMAGE_SUITE(SourceFault);
+
+/// What is in the place of a file of a data disc by the time that it is opened.
+class ReplacedSource : public ImageTest {
+protected:
+    ReplacedSource() : ImageTest(isoFormat()) {}
+
+    /// Burns two files; `replace` does something with the second before any of it is read.
+    Outcome burnAndReplace(const std::function<void(const std::string&)>& replace) {
+        const Paths paths = makeSources({588 * 2000, 1000});
+        path = paths[1];
+        bool isReplaced = false;
+        stage->beforeReading([=, this]() mutable {
+            if (!std::exchange(isReplaced, true)) {
+                std::filesystem::remove(path);
+                replace(path);
+            }
+        });
+        const Watchdog watchdog;
+        return burn(paths);
+    }
+    void expectFailure(const Outcome& outcome, DRError error, const std::string& text) {
+        EXPECT_EQ(outcome.code, codeOf(error)) << outcome.info;
+        EXPECT_THAT(outcome.info, HasSubstr(path + ": " + text));
+        EXPECT_THAT(filesInFolder(), IsEmpty());
+    }
+
+    std::string path;
+};
+
+TEST_F(ReplacedSource, AFifoFailsTheBurnInsteadOfHoldingItUp) {
+    const Outcome outcome =
+        burnAndReplace([](const std::string& file) { mkfifo(file.c_str(), 0600); });
+    expectFailure(outcome, DRError::SourceMissing, "not a regular file");
+}
+
+TEST_F(ReplacedSource, ALinkToADeviceFailsTheBurnInsteadOfDeliveringWhatItGives) {
+    const Outcome outcome = burnAndReplace(
+        [](const std::string& file) { std::filesystem::create_symlink("/dev/zero", file); });
+    expectFailure(outcome, DRError::SourceMissing, "not a regular file");
+}
+
+TEST_F(ReplacedSource, AFolderFailsTheBurn) {
+    const Outcome outcome =
+        burnAndReplace([](const std::string& file) { std::filesystem::create_directory(file); });
+    expectFailure(outcome, DRError::SourceMissing, "not a regular file");
+}
+
+TEST_F(ReplacedSource, ALinkToTheLogOfTheKernelFailsTheBurnInsteadOfHoldingItUp) {
+    const SourceFile log("/proc/kmsg");
+    if (!log.isOpen())
+        GTEST_SKIP() << "the log of the kernel cannot be opened here: " << log.problem();
+    const Outcome outcome = burnAndReplace(
+        [](const std::string& file) { std::filesystem::create_symlink("/proc/kmsg", file); });
+    expectFailure(outcome, DRError::SourceChanged, "changed since it was added");
+}
+
+TEST_F(ReplacedSource, AnotherFileFailsTheBurnAtItsFirstByte) {
+    const Outcome outcome =
+        burnAndReplace([](const std::string& file) { std::ofstream(file) << "other"; });
+    expectFailure(outcome, DRError::SourceChanged, "changed since it was added");
+}
 
 class SoundFault : public CueTest {};
 
