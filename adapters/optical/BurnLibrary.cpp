@@ -101,20 +101,16 @@ void BurnLibrary::logMessages() {
         currentPlatform()->log->log(line);
 }
 
-void BurnLibrary::keep(Message message) {
+void BurnLibrary::keep(LibraryMessage message) {
     _kept.push_back(std::move(message));
     if (_kept.size() > mostKept)
         _kept.pop_front();
 }
 
-std::string BurnLibrary::worstSince(Moment moment) {
+std::string BurnLibrary::failureSince(Moment moment) {
     logMessages();
     const std::lock_guard lock(_mutex);
-    const Message* worst = nullptr;
-    for (const Message& message : _kept)
-        if (message.moment > moment && (!worst || message.severity > worst->severity))
-            worst = &message;
-    return worst ? worst->text : std::string();
+    return failureReason(_kept, moment);
 }
 
 } // namespace quarner

@@ -7,6 +7,7 @@
 #include <set>
 #include <string>
 
+#include "adapters/optical/LibraryMessage.h"
 #include "adapters/optical/NodeDescriptors.h"
 
 namespace quarner {
@@ -46,23 +47,16 @@ public:
     /// the library works, and after it.
     void logMessages();
 
-    /// The most severe message since a moment, the first of them if several are; empty without one.
-    /// Two drives at work have one queue, so the text may be of the other: it is for the diagnostic
-    /// log alone.
-    std::string worstSince(Moment moment);
+    /// Returns the message since a moment that best explains a failure, see `failureReason`; empty
+    /// if there is none. Two drives at work have one queue, so the text may be of the other.
+    std::string failureSince(Moment moment);
 
 private:
-    struct Message {
-        Moment moment;
-        int severity;
-        std::string text;
-    };
-
     BurnLibrary() = default;
     ~BurnLibrary() = default;
     void clearAway();
     static bool startUnlocked();
-    void keep(Message message);
+    void keep(LibraryMessage message);
 
     std::mutex _drives;
     int _takenDrives = 0;
@@ -70,7 +64,7 @@ private:
     std::set<int> _left;       ///< the descriptors of them
     std::mutex _mutex;
     Moment _moment = 0;
-    std::deque<Message> _kept;
+    std::deque<LibraryMessage> _kept;
 };
 
 } // namespace quarner

@@ -160,7 +160,7 @@ bool OpticalWriter::readSome(std::int64_t firstSector, std::span<std::byte> buff
 
 void OpticalWriter::fail(DRError error, const std::string& attempt) {
     _stop->throwIfRequested();
-    const std::string reason = BurnLibrary::shared().worstSince(_jobStart);
+    const std::string reason = BurnLibrary::shared().failureSince(_jobStart);
     const std::string text = _record.node + ": " + attempt + (reason.empty() ? "" : ": " + reason);
     _job.reset();
     throw BurnFailure(causeBehind(error, *_drive, _record, *_stop), text);

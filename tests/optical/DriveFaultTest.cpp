@@ -95,6 +95,14 @@ TEST_P(DriveFault, AWriteErrorFailsTheBurn) {
     expectAsGoodAsNew();
 }
 
+TEST_P(DriveFault, ARefusedCueSheetIsNamedAsTheCause) {
+    const auto log = burnWith([](UnitFaults& faults) { faults.refusesCueSheet = true; });
+    EXPECT_EQ(log->code(), codeOf(DRError::WriteFailed)) << log->info();
+    EXPECT_THAT(log->info(), HasSubstr("SEND CUE SHEET"));
+    EXPECT_THAT(log->info(), HasSubstr("[5 26 00]"));
+    expectAsGoodAsNew();
+}
+
 TEST_P(DriveFault, AWriteErrorAtTheVeryFirstSectorFailsTheBurn) {
     const auto log = burnWith([](UnitFaults& faults) { faults.writeErrorAt = -150; });
     EXPECT_EQ(log->code(), codeOf(DRError::WriteFailed)) << log->info();

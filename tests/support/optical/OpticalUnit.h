@@ -21,6 +21,7 @@ struct UnitFaults {
     /// So many commands that need the disc, and questions for the drive's status, find the drive
     /// not ready yet.
     unsigned notReady = 0;
+    bool refusesCueSheet = false;
     unsigned onlookers = 0;   ///< so many times the kernel says that others have the drive open too
     bool isTrayStuck = false; ///< the tray stays closed, and no command fails for it
 };

@@ -90,7 +90,7 @@ ScsiReply OpticalUnit::sendCueSheet(const ScsiCommand& command) {
     if (_medium->state != Medium::State::Blank && _medium->state != Medium::State::Appendable)
         return sense::incompatibleMedium;
     const std::vector<CueEntry> entries = entriesOf(command.sent);
-    if (entries.size() < 4 || entries.back().track != leadOut)
+    if (faults.refusesCueSheet || entries.size() < 4 || entries.back().track != leadOut)
         return sense::invalidParameter;
     PlannedSession planned;
     planned.tracks = tracksOf(entries, *_medium);
