@@ -54,17 +54,15 @@ void Verifier::verifyBlock(std::size_t block, std::span<std::byte> buffer) {
     const auto bytes = buffer.first(std::size_t(sectors * _plan.sectorSize));
     _writer.readBack(firstSector, bytes);
     if (!_checksums.matches(block, bytes))
-        fail(block);
+        fail(firstSector, sectors);
     const std::lock_guard lock(_mutex);
     _verified(sectors);
 }
 
-void Verifier::fail(std::size_t block) const {
-    const std::uint64_t sector = std::uint64_t(block) * Checksums::sectorsPerBlock;
-    throw BurnFailure(DRError::VerifyFailed, "the " + std::to_string(Checksums::sectorsPerBlock) +
-                                                 " sectors from " + std::to_string(sector) +
-                                                 " on (track " +
-                                                 std::to_string(_plan.trackAtSector(sector)) +
+void Verifier::fail(std::uint64_t firstSector, std::uint64_t sectors) const {
+    throw BurnFailure(DRError::VerifyFailed, "the " + std::to_string(sectors) + " sectors from " +
+                                                 std::to_string(firstSector) + " on (track " +
+                                                 std::to_string(_plan.trackAtSector(firstSector)) +
                                                  ") differ from what was sent");
 }
 

@@ -30,7 +30,7 @@ private:
     void work();
     std::optional<std::size_t> claimBlock();
     void verifyBlock(std::size_t block, std::span<std::byte> buffer);
-    [[noreturn]] void fail(std::size_t block) const;
+    [[noreturn]] void fail(std::uint64_t firstSector, std::uint64_t sectors) const;
 
     const DiscPlan& _plan;
     const Checksums& _checksums;
