@@ -42,10 +42,13 @@ TEST_F(AudioCommandTest, JsonObjectsHaveTheArgumentsOfTheirCallbacks) {
                           {"itemPath", "/m/a.mp3"},
                           {"itemIcon", json::array()},
                           {"itemDuration", "00:03:20"},
-                          {"itemRealDuration", 200}}));
+                          {"itemRealDuration", 200},
+                          {"uri", "file:///m/a.mp3"}}));
     EXPECT_EQ(all[3], (json{{"event", "addFilesProgressDidEnd"},
                             {"protected-files", json::array()},
-                            {"incompatible-files", json::array()}}));
+                            {"protected-file-uris", json::array()},
+                            {"incompatible-files", json::array()},
+                            {"incompatible-file-uris", json::array()}}));
     EXPECT_EQ(
         all[4],
         (json{{"event", "compilation"}, {"items", 1}, {"usedCapacity", 202}, {"overflow", false}}));

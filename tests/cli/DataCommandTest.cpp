@@ -45,8 +45,9 @@ TEST_F(DataCommandTest, JsonCountsBytesAndKnowsNoProtectedFiles) {
     putFile("/m/size.mp3", 123456);
     EXPECT_EQ(host.run({"data", "--json", "--title", "T", "/m/a.mp3", "/m/size.mp3"}), 0);
     const auto all = objects();
-    EXPECT_EQ(all[5],
-              (json{{"event", "addFilesProgressDidEnd"}, {"incompatible-files", json::array()}}));
+    EXPECT_EQ(all[5], (json{{"event", "addFilesProgressDidEnd"},
+                            {"incompatible-files", json::array()},
+                            {"incompatible-file-uris", json::array()}}));
     EXPECT_EQ(all[6], (json{{"event", "compilation"},
                             {"items", 2},
                             {"usedCapacity", 4123456},

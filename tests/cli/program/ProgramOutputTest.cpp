@@ -23,6 +23,24 @@ protected:
         return all;
     }
 
+    std::string uriInFolder(const std::string& name) const {
+        return "file://" + (std::filesystem::canonical(folder.path()) / name).string();
+    }
+
+    /// What a reader makes of a URI.
+    static std::string pathOfUri(const std::string& uri) {
+        constexpr std::string_view scheme = "file://";
+        EXPECT_TRUE(uri.starts_with(scheme)) << uri;
+        std::string path;
+        for (std::size_t at = scheme.size(); at < uri.size(); ++at) {
+            const bool isEscaped = uri[at] == '%';
+            path += isEscaped ? static_cast<char>(std::stoi(uri.substr(at + 1, 2), nullptr, 16))
+                              : uri[at];
+            at += isEscaped ? 2 : 0;
+        }
+        return path;
+    }
+
     /// What was ever to be seen in one line of a terminal, in order, without control sequences.
     static std::vector<std::string> terminalLines(std::string out) {
         for (std::size_t at = 0; (at = out.find("\x1b[K", at)) != std::string::npos;)
@@ -66,8 +84,9 @@ TEST_F(ProgramOutput, JsonOfADataDiscCountsBytesAndKnowsNoProtectedFiles) {
     const json& item = all[2].at("item");
     EXPECT_EQ(item.at("itemPath"), path);
     EXPECT_EQ(item.at("itemRealFileSize"), std::filesystem::file_size(path));
-    EXPECT_EQ(all[4],
-              (json{{"event", "addFilesProgressDidEnd"}, {"incompatible-files", {"none.mp3"}}}));
+    EXPECT_EQ(all[4], (json{{"event", "addFilesProgressDidEnd"},
+                            {"incompatible-files", {"none.mp3"}},
+                            {"incompatible-file-uris", {uriInFolder("none.mp3")}}}));
     EXPECT_EQ(all[5], (json{{"event", "compilation"},
                             {"items", 1},
                             {"usedCapacity", std::filesystem::file_size(path)},
@@ -84,14 +103,17 @@ TEST_F(ProgramOutput, JsonCarriesTheArguments) {
         (json{
             {"event", "addFilesProgressDidChanged"}, {"name", "a.mp3"}, {"index", 1}, {"of", 1}}));
     const json& item = all[2].at("item");
-    EXPECT_EQ(item.size(), 7U);
+    EXPECT_EQ(item.size(), 8U);
     EXPECT_EQ(item.at("itemPath"), path);
+    EXPECT_EQ(item.at("uri"), "file://" + path);
     EXPECT_EQ(item.at("itemRealDuration"), 10);
     EXPECT_EQ(item.at("itemDuration"), "00:00:10");
     EXPECT_EQ(item.at("itemRealFileSize"), std::filesystem::file_size(path));
     EXPECT_EQ(all[3], (json{{"event", "addFilesProgressDidEnd"},
                             {"protected-files", {"none.mp3"}},
-                            {"incompatible-files", json::array()}}));
+                            {"protected-file-uris", {uriInFolder("none.mp3")}},
+                            {"incompatible-files", json::array()},
+                            {"incompatible-file-uris", json::array()}}));
     EXPECT_EQ(
         all[4],
         (json{{"event", "compilation"}, {"items", 1}, {"usedCapacity", 12}, {"overflow", false}}));
@@ -123,8 +145,10 @@ TEST_F(ProgramOutput, NamesOfAllKindsComeThrough) {
     EXPECT_EQ(end.status, 0) << end.err;
     std::vector<std::string> paths;
     for (const json& object : objects(end.out))
-        if (object.at("event") == "fileDidAdded")
+        if (object.at("event") == "fileDidAdded") {
             paths.push_back(object.at("item").at("itemPath"));
+            EXPECT_TRUE(std::filesystem::exists(pathOfUri(object.at("item").at("uri"))));
+        }
     EXPECT_THAT(paths, ::testing::UnorderedElementsAre(
                            "with space.mp3", "\"quoted\" 'name'.mp3", "Größe.mp3", "音楽.mp3",
                            "🎵.mp3", "bad\uFFFD\uFFFD.mp3", "line\nbreak.mp3", "-dash.mp3"));

@@ -16,6 +16,18 @@ void DelegateRelay::pass(Operation operation, const Arguments&... arguments) {
     });
 }
 
+void DelegateRelay::allFilesDidCleared() { pass(&QuarnDelegate::allFilesDidCleared); }
+
+void DelegateRelay::burnItemDidDelete(const BurnItemRef& item) {
+    pass(&QuarnDelegate::burnItemDidDelete, item);
+}
+
+void DelegateRelay::burnItemsDidDelete(const BurnItemList& items) {
+    pass(&QuarnDelegate::burnItemsDidDelete, items);
+}
+
+void DelegateRelay::burnItemDidSorted() { pass(&QuarnDelegate::burnItemDidSorted); }
+
 void DelegateRelay::addFilesProgressDidStarted() {
     pass(&QuarnDelegate::addFilesProgressDidStarted);
 }

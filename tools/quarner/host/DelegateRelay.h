@@ -9,12 +9,17 @@
 
 namespace quarner::cli {
 
-/// Takes what a burner tells of adding and burning, on whichever thread it does, and tells the
-/// same in the same order to other delegates on the main loop. Neither the loop nor the receivers
+/// Takes every callback of a burner, on whichever thread it comes, and forwards all of them in the
+/// same order to other delegates on the main loop. Neither the loop nor the receivers
 /// are owned; all of them, and the relay, must outlive the last turn of the loop.
 class DelegateRelay : public QuarnDelegate {
 public:
     DelegateRelay(EventLoop& loop, std::vector<QuarnDelegate*> receivers);
+
+    void allFilesDidCleared() override;
+    void burnItemDidDelete(const BurnItemRef& item) override;
+    void burnItemsDidDelete(const BurnItemList& items) override;
+    void burnItemDidSorted() override;
 
     void addFilesProgressDidStarted() override;
     void addFilesProgressDidChanged(const std::string& displayName, std::int64_t index,

@@ -1,7 +1,48 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "tools/quarner/view/JsonView.h"
 
+#include <array>
+#include <utility>
+
+#include "quarner/front/BurnItemKeys.h"
+#include "tools/quarner/text/FileUri.h"
+
 namespace quarner::cli {
+namespace {
+
+/// The lists of refused paths, each with the key of their URIs.
+constexpr std::array refusals = {std::pair{protectedFilesReportKey, "protected-file-uris"},
+                                 std::pair{incompatibleFilesReportKey, "incompatible-file-uris"}};
+
+Array urisOf(const std::vector<std::string>& paths) {
+    Array uris;
+    for (const std::string& path : paths)
+        uris.emplace_back(fileUri(path));
+    return uris;
+}
+
+Dictionary withUri(Dictionary item) {
+    if (const std::string* const path = valueFor(item, kQuarnItemFilePathKey).asString())
+        item["uri"] = fileUri(*path);
+    return item;
+}
+
+} // namespace
+
+void JsonView::allFilesDidCleared() { tell("allFilesDidCleared"); }
+
+void JsonView::burnItemDidDelete(const BurnItemRef& item) {
+    tell("burnItemDidDelete", {{"item", withUri(*item->properties())}});
+}
+
+void JsonView::burnItemsDidDelete(const BurnItemList& items) {
+    Array records;
+    for (const BurnItemRef& item : items)
+        records.emplace_back(withUri(*item->properties()));
+    tell("burnItemsDidDelete", {{"items", records}});
+}
+
+void JsonView::burnItemDidSorted() { tell("burnItemDidSorted"); }
 
 void JsonView::addFilesProgressDidStarted() { tell("addFilesProgressDidStarted"); }
 
@@ -10,16 +51,20 @@ void JsonView::addFilesProgressDidChanged(const std::string& displayName, std::i
     tell("addFilesProgressDidChanged", {{"name", displayName}, {"index", index}, {"of", of}});
 }
 
-void JsonView::fileDidAdded(const Dictionary& item) { tell("fileDidAdded", {{"item", item}}); }
+void JsonView::fileDidAdded(const Dictionary& item) {
+    tell("fileDidAdded", {{"item", withUri(item)}});
+}
 
 void JsonView::addFilesProgressDidCanceled() { tell("addFilesProgressDidCanceled"); }
 
 void JsonView::addFilesProgressDidEnd(const EndReport& report) {
     JsonArguments lists;
-    for (const char* const reason : {protectedFilesReportKey, incompatibleFilesReportKey}) {
+    for (const auto& [reason, uris] : refusals) {
         const auto paths = report.find(reason);
-        if (paths != report.end())
-            lists.emplace_back(reason, Array(paths->second.begin(), paths->second.end()));
+        if (paths == report.end())
+            continue;
+        lists.emplace_back(reason, Array(paths->second.begin(), paths->second.end()));
+        lists.emplace_back(uris, urisOf(paths->second));
     }
     tell("addFilesProgressDidEnd", lists);
 }

@@ -15,6 +15,11 @@ public:
     /// The console must outlive the view.
     explicit JsonView(Console& console) : _console(console) {}
 
+    void allFilesDidCleared() override;
+    void burnItemDidDelete(const BurnItemRef& item) override;
+    void burnItemsDidDelete(const BurnItemList& items) override;
+    void burnItemDidSorted() override;
+
     void addFilesProgressDidStarted() override;
     void addFilesProgressDidChanged(const std::string& displayName, std::int64_t index,
                                     std::uint64_t of) override;
