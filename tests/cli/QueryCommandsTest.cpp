@@ -270,7 +270,14 @@ TEST_F(WatchCommandTest, EndsWhenNobodyReadsAnyMore) {
                              drive->reportChange();
                          },
                          [] {}, [] {}, [] {}, [] {}, [&] { isTooLate = true; }}),
-              130);
+              0);
+    EXPECT_FALSE(isTooLate);
+}
+
+TEST_F(WatchCommandTest, DoesNotBeginWhereItsListCannotBeWritten) {
+    host.stopReading();
+    bool isTooLate = false;
+    EXPECT_EQ(watch({}, {[] {}, [] {}, [] {}, [&] { isTooLate = true; }}), 0);
     EXPECT_FALSE(isTooLate);
 }
 

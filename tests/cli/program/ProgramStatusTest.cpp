@@ -11,7 +11,25 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 /// For what is alike for every kind of disc see ProgramEveryKindTest.cpp.
-class ProgramStatus : public HostFixture {};
+class ProgramStatus : public HostFixture {
+protected:
+    static HostSettings withOutputTo(const std::string& file) {
+        HostSettings settings;
+        settings.wrapper = {"sh", "-c", "exec \"$@\" >" + file, "sh"};
+        return settings;
+    }
+    /// To a pipe of which no reader is left before the program begins.
+    static HostSettings withOutputToNobody() {
+        HostSettings settings;
+        settings.wrapper = {"bash", "-c", "exec > >(:); wait $!; exec \"$@\"", "bash"};
+        return settings;
+    }
+    /// Leaves empty words out.
+    static std::vector<std::string> words(std::vector<std::string> all) {
+        std::erase(all, "");
+        return all;
+    }
+};
 
 TEST_F(ProgramStatus, Is0WhenTheImageIsWrittenAndVerified) {
     song("a.mp3");
@@ -96,18 +114,48 @@ TEST_F(ProgramStatus, Is4WhenTheContentDoesNotFitTheCapacity) {
 
 TEST_F(ProgramStatus, Is1WhenTheOutputCannotBeWritten) {
     song("a.mp3");
-    HostSettings full;
-    full.wrapper = {"sh", "-c", "exec \"$@\" >/dev/full", "sh"};
-    for (const std::string command : {"--help", "--version", "drives"}) {
-        const HostEnd end = run({command}, full);
-        EXPECT_EQ(end.status, command == "drives" ? 0 : 1) << command; // which has nothing to print
-    }
+    const HostSettings full = withOutputTo("/dev/full");
+    for (const std::string command : {"--help", "--version", "drives"})
+        EXPECT_EQ(run({command}, full).status, command == "drives" ? 0 : 1)
+            << command; // without a drive there is nothing to print
+    machine.plug({});
+    for (const auto& command : {words({"drives"}), words({"drives", "--json"}), words({"disc"}),
+                                words({"disc", "--json"}), words({"watch"})})
+        EXPECT_EQ(run(command, full).status, 1) << command.front();
     const HostEnd end = run({"disc", "--image", "mix.cue"}, full);
     EXPECT_EQ(end.status, 1);
     EXPECT_EQ(end.err, "quarner: the output could not be written: No space left on device\n");
-    EXPECT_EQ(run({"audio", "--image", "mix.cue", "a.mp3"}, full).status, 1);
-    EXPECT_TRUE(std::filesystem::exists(folder.file("mix.cue")));
-    EXPECT_EQ(run({"audio", "--image", "mix.cue", "none.mp3"}, full).status, 3);
+}
+
+TEST_F(ProgramStatus, Is1WhenABurnIsDoneWhoseOutputCannotBeWritten) {
+    song("a.mp3");
+    const HostSettings full = withOutputTo("/dev/full");
+    for (const std::string view : {"", "--json"}) {
+        EXPECT_EQ(run(words({"audio", view, "--image", "mix.cue", "a.mp3"}), full).status, 1);
+        EXPECT_TRUE(std::filesystem::remove(folder.file("mix.cue"))) << view;
+        EXPECT_EQ(run(words({"audio", view, "--image", "mix.cue", "none.mp3"}), full).status, 3);
+    }
+}
+
+TEST_F(ProgramStatus, Is0WhenTheReaderOfTheOutputWentAway) {
+    song("a.mp3");
+    machine.plug({});
+    const HostSettings unread = withOutputToNobody();
+    for (const std::vector<std::string>& command :
+         {words({"--help"}), words({"drives"}), words({"drives", "--json"}), words({"watch"}),
+          words({"audio", "--image", "mix.cue", "a.mp3"}),
+          words({"audio", "--image", "mix.cue", "--json", "a.mp3"})}) {
+        const HostEnd end = run(command, unread);
+        EXPECT_EQ(end.status, 0) << command.front();
+        EXPECT_THAT(end.err, ::testing::Not(HasSubstr("could not be written")));
+    }
+}
+
+TEST_F(ProgramStatus, OfAnOutputThatCannotBeWrittenIsExplainedByEveryHelp) {
+    for (const std::string command : {"", "audio", "data", "drives", "disc", "eject", "watch"})
+        EXPECT_THAT(run(words({command, "--help"})).out,
+                    HasSubstr("If the output cannot be written, status 0 becomes 1"))
+            << command;
 }
 
 TEST_F(ProgramStatus, Is0WhenADataImageIsWrittenAndOtherProgramsReadIt) {

@@ -45,8 +45,9 @@ ExitStatus WatchCommand::run() {
     if (!_host.hearsOfDrives())
         _host.console.error("quarner: the device manager (udev) does not run here: nothing will be "
                             "heard of optical drives and their discs");
-    _host.loop.run();
-    return ExitStatus::Canceled;
+    if (!_host.console.isBroken())
+        _host.loop.run();
+    return _host.console.isBroken() ? ExitStatus::Success : ExitStatus::Canceled;
 }
 
 void WatchCommand::watch(const std::string& name) {

@@ -22,7 +22,8 @@ public:
     WatchCommand(Host& host, const Target& target, bool json);
     ~WatchCommand() override;
 
-    /// Runs the main loop until the end.
+    /// Runs the main loop until the end. Returns `ExitStatus::Success` if the output cannot be
+    /// written any more, otherwise `ExitStatus::Canceled`.
     ExitStatus run();
 
 private:

@@ -17,14 +17,16 @@ constexpr char statusHelp[] =
     "Exit status: 0 burnt and verified, 1 the burn failed, 2 wrong usage or "
     "no drive or\nimage to use, 3 a file was refused, 4 does not fit the disc, 130 "
     "cancelled.\n";
+constexpr char outputHelp[] =
+    "If the output cannot be written, status 0 becomes 1, unless its reader went away.\n";
 constexpr char audioExample[] =
     "Example:\n  quarner audio --image mix.cue --title \"Summer mix\" one.mp3 two.m4a\n\n"
-    "The files become tracks in the order of their names. Ctrl-C cancels and leaves nothing "
-    "behind.\n";
+    "The files become tracks in the order of their names. Ctrl-C cancels; a "
+    "disc that was\nbeing written is lost, an image is as it was before.\n";
 constexpr char dataExample[] =
     "Example:\n  quarner data --image mix.iso --title \"Summer mix\" one.mp3 two.m4a\n\n"
-    "The files lie as they are in the one folder of the disc. Ctrl-C cancels and leaves nothing "
-    "behind.\n";
+    "The files lie as they are in the one folder of the disc. Ctrl-C cancels; a "
+    "disc\nthat was being written is lost, an image is as it was before.\n";
 constexpr char drivesExample[] = "Example:\n  quarner drives --json\n\n"
                                  "Without any drive the list is empty, and the exit status 0.\n";
 constexpr char discExample[] =
@@ -37,7 +39,8 @@ constexpr char ejectExample[] =
     "2 without a\ndrive.\n";
 constexpr char watchExample[] =
     "Example:\n  quarner watch --json\n\n"
-    "Waits also on a machine without drives, until Ctrl-C (exit status 130).\n";
+    "Waits, also on a machine without drives, until Ctrl-C (exit status 130) or until its\noutput "
+    "cannot be written.\n";
 
 /// The grammar of the command line, and the place that it fills.
 class Grammar {
@@ -93,7 +96,7 @@ Grammar::Grammar() {
     _app.allow_extras();
     _app.footer(std::string("Example:\n  quarner audio --image mix.cue one.mp3 two.m4a\n\n"
                             "quarner COMMAND --help tells more.\n") +
-                statusHelp);
+                statusHelp + outputHelp);
     addBurn(DiscKind::Audio, "Burn audio files (mp3, m4a) to an audio CD",
             "FILE.cue and FILE.bin; files of these names are replaced", audioExample);
     addBurn(DiscKind::Data, "Burn audio files (mp3, m4a) as they are to a data CD",
@@ -111,7 +114,7 @@ void Grammar::addBurn(DiscKind kind, const char* description, const char* image,
     command->allow_extras();
     addTarget(*command, std::string("FILE") + disc.extension, image);
     addBurnOptions(*command, disc.titleHelp);
-    command->footer(std::string(example) + statusHelp);
+    command->footer(std::string(example) + statusHelp + outputHelp);
     command->callback([this, kind] { _toBurn = kind; });
 }
 
@@ -140,7 +143,7 @@ void Grammar::addQuery(const char* name, const char* description, const char* ex
     CLI::App* const command = _app.add_subcommand(name, description);
     command->allow_extras();
     command->add_flag("--json", _json, "One JSON object a line, for programs");
-    command->footer(example);
+    command->footer(std::string(example) + outputHelp);
     command->callback([this, query] { _query = query; });
     addTarget(*command, "FILE", "The image of a disc: FILE.cue or FILE.iso");
 }
