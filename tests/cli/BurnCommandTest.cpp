@@ -22,6 +22,17 @@ protected:
         arguments.insert(arguments.begin(), {disc().command, "--title", "T"});
         return host.run(arguments);
     }
+    /// Lets a burn fail while it writes, with a text of the service's own.
+    void failWhileBurning(DRError error, const std::string& info) {
+        host.platform.playBurns({.progressReports = 2000});
+        onceWhileBurning([=, this] {
+            host.platform.lastBurn()->post(
+                Dictionary{{DRStatusStateKey, DRStatusStateFailed},
+                           {DRErrorStatusKey,
+                            Dictionary{{DRErrorStatusErrorKey, static_cast<std::uint32_t>(error)},
+                                       {DRErrorStatusErrorInfoKey, info}}}});
+        });
+    }
     /// What a second Ctrl-C does.
     void endAtOnce() {
         host.loop.post([] { throw EndedAtOnce(); });
@@ -34,7 +45,7 @@ protected:
 TEST_P(BurnCommandTest, BurnsTheFilesOnTheOnlyDrive) {
     EXPECT_EQ(burn({"/m/a.mp3", "/m/b.m4a"}), 0);
     EXPECT_THAT(host.outLines().back(),
-                HasSubstr("Burnt and verified: " + disc().counted(2) + ", "));
+                HasSubstr("Burnt and verified: " + counted(2, disc().oneItem) + ", "));
     EXPECT_THAT(host.outLines().back(), HasSubstr(", on Writer"));
     EXPECT_EQ(host.err(), "");
     EXPECT_EQ(host.platform.burns().size(), 1U);
@@ -80,16 +91,16 @@ TEST_P(BurnCommandTest, AFailedBurnIsToldWithItsReasonAndWhatToDo) {
 }
 
 TEST_P(BurnCommandTest, TheServicesOwnTextOnAFailureIsShown) {
-    host.platform.playBurns({.progressReports = 2000});
-    onceWhileBurning([this] {
-        host.platform.lastBurn()->post(Dictionary{
-            {DRStatusStateKey, DRStatusStateFailed},
-            {DRErrorStatusKey,
-             Dictionary{{DRErrorStatusErrorKey, static_cast<std::uint32_t>(DRError::NoSpace)},
-                        {DRErrorStatusErrorInfoKey, "writing /m/x.bin: disk\nfull"}}}});
-    });
+    failWhileBurning(DRError::NoSpace, "writing /m/x.bin: disk\nfull");
     EXPECT_EQ(burn({"/m/a.mp3"}), 1);
     EXPECT_THAT(host.err(), HasSubstr("(writing /m/x.bin: disk\uFFFDfull)"));
+}
+
+TEST_P(BurnCommandTest, AServicesTextThatSaysNothingMoreIsNotRepeated) {
+    const std::string text(textForBurnErrorCode(signedCode(DRError::DeviceVanished)));
+    failWhileBurning(DRError::DeviceVanished, text);
+    EXPECT_EQ(burn({"/m/a.mp3"}), 1);
+    EXPECT_THAT(host.err(), HasSubstr("the burn failed: " + text + "\n"));
 }
 
 TEST_P(BurnCommandTest, AHundredFilesAreTooManyTracksForAnAudioDiscAlone) {
@@ -162,6 +173,20 @@ TEST_P(BurnCommandTest, ABurnThatWasCancelledMakesADiscUseless) {
     EXPECT_EQ(host.err(), "quarner: cancelled; the disc is not usable\n");
 }
 
+TEST_P(BurnCommandTest, ABurnThatWasCancelledWhileVerifyingLeavesACompleteDisc) {
+    for (const bool isAtOnce : {false, true}) {
+        host.platform.playBurns({.progressReports = 2000});
+        host.atEachTurn = [=, this, isDone = false]() mutable {
+            if (host.out().find("Verifying") != std::string::npos && !std::exchange(isDone, true))
+                isAtOnce ? endAtOnce() : host.interrupt();
+        };
+        EXPECT_EQ(burn({"/m/a.mp3"}), 130);
+        EXPECT_EQ(host.err(), "quarner: cancelled; the disc is complete, but was not verified\n");
+        writer->ejectMedia();
+        writer->insert({});
+    }
+}
+
 TEST_P(BurnCommandTest, ABurnThatWasEndedAtOnceMayHaveMadeTheDiscUseless) {
     host.platform.playBurns({.progressReports = 2000});
     onceWhileBurning([this] { endAtOnce(); });
@@ -194,7 +219,7 @@ TEST_P(BurnCommandTest, KeepGoingBurnsTheRest) {
     EXPECT_EQ(burn({"--keep-going", "/m/a.mp3", "/m/none.mp3"}), 0);
     EXPECT_THAT(host.err(), HasSubstr("/m/none.mp3: no such file"));
     EXPECT_THAT(host.outLines().back(),
-                HasSubstr("Burnt and verified: " + disc().counted(1) + ", "));
+                HasSubstr("Burnt and verified: " + counted(1, disc().oneItem) + ", "));
 }
 
 TEST_P(BurnCommandTest, ABurnThatFindsTheDiscTooSmallIsAMatterOfRoomToo) {

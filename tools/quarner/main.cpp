@@ -3,12 +3,14 @@
 #include <libintl.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <clocale>
 #include <csignal>
 #include <exception>
 #include <iostream>
 #include <optional>
 #include <string>
+#include <thread>
 #include <variant>
 #include <vector>
 
@@ -64,11 +66,24 @@ bool isVerbose(const Command& command) {
     return burn != nullptr && burn->verbose;
 }
 
-[[noreturn]] void exitNow() { _exit(static_cast<int>(ExitStatus::Canceled)); }
+/// How long the report of a forced end may take: whoever reads the output may not take it.
+constexpr std::chrono::milliseconds reportTimeout{500};
+
+/// Ends the process while another thread of it is stuck.
+[[noreturn]] void exitNow(Console& console, bool json) {
+    constexpr int status = static_cast<int>(ExitStatus::Canceled);
+    std::thread([&console, json] {
+        reportForcedEnd(console, json);
+        _exit(status);
+    }).detach();
+    std::this_thread::sleep_for(reportTimeout);
+    _exit(status);
+}
 
 ExitStatus runOnDesktop(Console& console, const Command& command) {
     EventLoop loop;
-    Interruptions interruptions(loop, exitNow); // before the platform makes its threads
+    // Before the platform makes its threads.
+    Interruptions interruptions(loop, [&] { exitNow(console, command.json); });
     routeDiagnostics(console, isVerbose(command));
     const InstalledPlatform platform;
     Host host{console,

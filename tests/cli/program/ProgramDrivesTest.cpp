@@ -4,6 +4,8 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <future>
+#include <utility>
 
 #include "tests/cli/program/HostFixture.h"
 
@@ -15,6 +17,34 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 
 constexpr char name[] = "QUARNER DISC RECORDER";
+
+/// Makes a recorder keep its first write command until this object goes.
+class HangingRecorder {
+public:
+    explicit HangingRecorder(EmulatedRecorder& recorder) : _recorder(recorder) {
+        _recorder.setCommandHook([this](std::uint8_t operation) {
+            constexpr std::uint8_t write = 0x2A; // MMC-6
+            if (operation != write || std::exchange(_isWriting, true))
+                return;
+            _writing.set_value();
+            _end.get_future().wait();
+        });
+    }
+    ~HangingRecorder() {
+        _recorder.setCommandHook({});
+        _end.set_value();
+    }
+    HangingRecorder(const HangingRecorder&) = delete;
+    HangingRecorder& operator=(const HangingRecorder&) = delete;
+
+    void waitForWriting() { _writing.get_future().wait(); }
+
+private:
+    EmulatedRecorder& _recorder;
+    bool _isWriting = false; // of the thread that answers commands
+    std::promise<void> _writing;
+    std::promise<void> _end;
+};
 
 class ProgramDrives : public HostFixture {
 protected:
@@ -40,6 +70,17 @@ protected:
         EXPECT_THAT(end.out, HasSubstr("Drive:   QUARNER DISC RECORDER\r\n"));
         EXPECT_THAT(end.out, HasSubstr("Title:   Summer mix\r\n"));
         EXPECT_TRUE(recorder->writtenDisc()->tracks.empty());
+    }
+
+    /// The end of a burn on a drive that hangs.
+    HostEnd interruptTwiceWhileHanging(const std::string& option) {
+        song("a.mp3");
+        HangingRecorder recorder(*machine.plug({}));
+        HostProgram program({"audio", option, "a.mp3"}, here());
+        recorder.waitForWriting();
+        program.signal(SIGINT);
+        program.signal(SIGTERM); // a second SIGINT could become one with the first
+        return program.wait();
     }
 
     /// The end of a burn of a song on a drive, of which nobody was asked.
@@ -107,6 +148,31 @@ TEST_F(ProgramDrives, TakeAnAudioCD) {
     ASSERT_EQ(recorder->writtenDisc()->tracks.size(), 1U);
     EXPECT_EQ(recorder->writtenDisc()->tracks[0].length, 750U);
     EXPECT_EQ(run({"audio", "--drive", name, "a.mp3"}).status, 1); // it is written now
+}
+
+TEST_F(ProgramDrives, ThatHangDoNotKeepTheProgramFromEndingWithAMessage) {
+    const HostEnd end = interruptTwiceWhileHanging("--yes");
+    EXPECT_EQ(end.status, 130);
+    EXPECT_THAT(end.err, HasSubstr("cancelled without waiting for a drive"));
+}
+
+TEST_F(ProgramDrives, ThatHangDoNotKeepTheExitLineFromPrograms) {
+    const HostEnd end = interruptTwiceWhileHanging("--json");
+    EXPECT_EQ(end.status, 130);
+    EXPECT_EQ(lines(end.out).back(), R"({"event":"exit","status":130})");
+}
+
+TEST_F(ProgramDrives, AreSaidToHoldACompleteDiscAfterACtrlCWhileVerifying) {
+    song("a.mp3");
+    const auto recorder = machine.plug({.delay = std::chrono::milliseconds(1)});
+    HostProgram program({"audio", "--drive", name, "--yes", "a.mp3"}, here());
+    ASSERT_TRUE(program.waitForOutput("Verifying"));
+    recorder->setDelay(std::chrono::milliseconds(50));
+    program.signal(SIGINT);
+    const HostEnd end = program.wait();
+    EXPECT_EQ(end.status, 130);
+    EXPECT_EQ(end.err, "quarner: cancelled; the disc is complete, but was not verified\n");
+    EXPECT_EQ(recorder->writtenDisc()->state, Medium::State::Closed);
 }
 
 TEST_F(ProgramDrives, AskSomebodyAtATerminal) { expectQuestion(atTerminal()); }

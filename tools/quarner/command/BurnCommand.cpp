@@ -17,10 +17,6 @@ namespace {
 
 constexpr std::size_t mostTracks = 99; // Red Book
 
-std::string counted(std::size_t count, const std::string& noun) {
-    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
-}
-
 } // namespace
 
 BurnCommand::BurnCommand(Host& host, BurnOptions options, View& view)
@@ -169,6 +165,8 @@ BurnCommand::Outcome BurnCommand::burn(const Compilation& compiled) {
     }
 }
 
+void BurnCommand::burnProgressIsVerifying() { _isVerifying = true; }
+
 void BurnCommand::burnProgressDidDone() {
     _burnEnd = BurnEnd::Done;
     _host.loop.quit();
@@ -195,7 +193,7 @@ BurnCommand::Outcome BurnCommand::refusal() const {
 
 BurnCommand::Outcome BurnCommand::overflow(const Compilation& compiled) const {
     const std::size_t count = compiled.items.size();
-    const std::string items = "the " + _disc.item(count) + _disc.pauses(count);
+    const std::string items = "the " + _disc.items(count) + _disc.pauses(count);
     const std::string excess =
         compiled.used > compiled.free
             ? _disc.capacityText(compiled.used - compiled.free) + " " + _disc.excess
@@ -207,20 +205,25 @@ BurnCommand::Outcome BurnCommand::overflow(const Compilation& compiled) const {
 }
 
 BurnCommand::Outcome BurnCommand::cancellation() const {
-    // A burn that was ended at once tells its end to nobody, and may have come to it before.
+    return {ExitStatus::Canceled, std::string("cancelled; ") + leftByCancellation()};
+}
+
+const char* BurnCommand::leftByCancellation() const {
+    // A burn that was ended at once reports its end to nobody, and may have ended before.
     const bool isUnknown = _isStarted && _burnEnd == BurnEnd::None;
-    const char* text = "nothing was written";
-    if (_isStarted && !_options.target.image)
-        text = isUnknown ? "the disc may not be usable" : "the disc is not usable";
-    else if (isUnknown)
-        text = "nothing was written, unless the image was complete already";
-    return {ExitStatus::Canceled, std::string("cancelled; ") + text};
+    if (!_isStarted || _options.target.image)
+        return isUnknown ? "nothing was written, unless the image was complete already"
+                         : "nothing was written";
+    if (_isVerifying)
+        return "the disc is complete, but was not verified";
+    return isUnknown ? "the disc may not be usable" : "the disc is not usable";
 }
 
 BurnCommand::Outcome BurnCommand::success(const Compilation& compiled) const {
     const std::string place = safeText(_options.target.image.value_or(*_device.deviceName()));
-    return {ExitStatus::Success, "Burnt and verified: " + _disc.counted(compiled.items.size()) +
-                                     ", " + _disc.capacityText(compiled.used) + ", on " + place};
+    return {ExitStatus::Success,
+            "Burnt and verified: " + counted(compiled.items.size(), _disc.oneItem) + ", " +
+                _disc.capacityText(compiled.used) + ", on " + place};
 }
 
 BurnCommand::Outcome BurnCommand::failure(const Compilation& compiled,

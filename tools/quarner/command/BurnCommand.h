@@ -39,6 +39,7 @@ private:
 
     // What the main loop is told (everything else goes to the view alone).
     void addFilesProgressDidEnd(const EndReport& report) override;
+    void burnProgressIsVerifying() override;
     void burnProgressDidDone() override;
     void burnProgressDidError(const BurnError& error) override;
     void burnProgressDidCanceled() override;
@@ -56,6 +57,7 @@ private:
     Outcome refusal() const;
     Outcome overflow(const Compilation& compiled) const;
     Outcome cancellation() const;
+    const char* leftByCancellation() const;
     Outcome success(const Compilation& compiled) const;
     Outcome failure(const Compilation& compiled, const std::string& detail) const;
 
@@ -69,7 +71,8 @@ private:
 
     bool _isInterrupted = false;
     bool _isAsking = false;
-    bool _isStarted = false; ///< whether the burn was asked for
+    bool _isStarted = false;   ///< whether the burn was asked for
+    bool _isVerifying = false; ///< the disc is complete and closed
     std::size_t _refusedCount = 0;
     enum class BurnEnd { None, Done, Canceled, Error } _burnEnd = BurnEnd::None;
     std::int64_t _errorCode = 0;

@@ -62,6 +62,12 @@ ExitStatus runCommand(Host& host, const Command& command) {
     }
 }
 
+void reportForcedEnd(Console& console, bool json) {
+    console.error("quarner: cancelled without waiting for a drive or a file that does not answer; "
+                  "a disc that was being written may not be usable");
+    endJson(console, json, ExitStatus::Canceled);
+}
+
 ExitStatus statusAfterOutput(Console& console, ExitStatus status) {
     const int error = console.outputError();
     if (error == 0 || error == EPIPE)

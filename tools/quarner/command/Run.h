@@ -9,6 +9,10 @@ namespace quarner::cli {
 /// Runs a command on the platform that is installed, the exit line of JSON included.
 ExitStatus runCommand(Host& host, const Command& command);
 
+/// Reports that the program ends with `ExitStatus::Canceled` without waiting for a drive or a file
+/// that does not answer, the exit line of JSON included. Any thread.
+void reportForcedEnd(Console& console, bool json);
+
 /// With what the program ends that would end with this status: a success of which not everything
 /// could be printed is a failure, and told so on the error stream. A reader who does not read to
 /// the end has a reason for that, and changes nothing.

@@ -12,6 +12,16 @@ class QuarnerDevice;
 
 namespace quarner::cli {
 
+/// A noun in the number that a count asks for: "track", "tracks".
+inline std::string numbered(std::string noun, std::size_t count) {
+    return count == 1 ? noun : noun + "s";
+}
+
+/// "1 track", "3 tracks"
+inline std::string counted(std::size_t count, const std::string& noun) {
+    return std::to_string(count) + " " + numbered(noun, count);
+}
+
 /// The kinds of disc that the program burns.
 enum class DiscKind { Audio, Data };
 
@@ -36,13 +46,7 @@ struct DiscTraits {
     std::uint64_t (*imageBytes)(std::uint64_t used); ///< how large the image about is
 
     /// "track" or "tracks", as the count has it.
-    std::string item(std::size_t count) const {
-        return std::string(oneItem) + (count == 1 ? "" : "s");
-    }
-    /// "3 tracks"
-    std::string counted(std::size_t count) const {
-        return std::to_string(count) + " " + item(count);
-    }
+    std::string items(std::size_t count) const { return numbered(oneItem, count); }
     /// " and its pause", " and their pauses", or nothing where there are none.
     std::string pauses(std::size_t count) const { return count == 1 ? onePause : allPauses; }
 };

@@ -42,7 +42,7 @@ std::string sumRow(const Compilation& compilation, std::size_t columns) {
         bytes += valueFor(item, kQuarnItemRealFileSizeKey).asInt64();
     const std::size_t count = compilation.items.size();
     const DiscTraits& disc = traitsOf(compilation.kind);
-    const std::string name = disc.counted(count) + disc.pauses(count);
+    const std::string name = counted(count, disc.oneItem) + disc.pauses(count);
     const bool countsTime = compilation.kind == DiscKind::Audio;
     return row("", name, countsTime ? disc.capacityText(compilation.used) : "",
                MultiMedia::stringWithFilesize(bytes), columns);
