@@ -15,6 +15,16 @@ if(QUARNER_SANITIZE)
   target_link_options(quarner_options INTERFACE -fsanitize=${QUARNER_SANITIZE})
 endif()
 
+# The sources of tests are compiled without optimisation in every build: that takes half of the time,
+# and what they test is compiled as it is installed.
+add_library(quarner_test_options INTERFACE)
+target_compile_options(quarner_test_options INTERFACE -O0)
+find_program(QUARNER_LLD ld.lld)
+mark_as_advanced(QUARNER_LLD)
+if(QUARNER_LLD AND NOT CMAKE_INTERPROCEDURAL_OPTIMIZATION)
+  target_link_options(quarner_test_options INTERFACE -fuse-ld=lld)
+endif()
+
 # What the runtime libraries of the sanitizers are told in every test. The suppressions, each with
 # its reason, are in cmake/*.supp.
 set(QUARNER_TEST_ENVIRONMENT
@@ -30,6 +40,8 @@ quarner_sanitizer_options(TSAN_OPTIONS halt_on_error=1:second_deadlock_stack=1:a
                          tsan.supp)
 quarner_sanitizer_options(LSAN_OPTIONS print_suppressions=0 lsan.supp)
 
+include(${CMAKE_CURRENT_LIST_DIR}/QuarnerPrecompile.cmake)
+
 # quarner_objects(NAME [DEPENDS target...] [FOLDERS folder...])
 # All .cpp files of the folders (this one by default) as the object library quarner_NAME.
 function(quarner_objects NAME)
@@ -44,30 +56,7 @@ function(quarner_objects NAME)
   endforeach()
   add_library(quarner_${NAME} OBJECT ${sources})
   target_link_libraries(quarner_${NAME} PUBLIC quarner_options Threads::Threads ${ARG_DEPENDS})
-endfunction()
-
-# What every test includes is parsed once, which takes a third off the time that a clean build of the
-# tests needs. ccache does not work on files with such headers, and saves more where it is used.
-function(quarner_precompile_test_headers NAME)
-  if(CMAKE_CXX_COMPILER_LAUNCHER MATCHES ccache)
-    return()
-  endif()
-  if(NOT TARGET quarner_test_headers)
-    # A program, because programs are compiled with other flags than libraries. Never linked.
-    file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/test_headers.cpp CONTENT "int main() {}\n")
-    add_executable(quarner_test_headers EXCLUDE_FROM_ALL ${PROJECT_BINARY_DIR}/test_headers.cpp)
-    target_link_libraries(quarner_test_headers PRIVATE
-                          quarner_options Threads::Threads GTest::gmock GTest::gtest)
-    target_precompile_headers(quarner_test_headers PRIVATE
-      <gmock/gmock.h> <gtest/gtest.h> <algorithm> <chrono> <filesystem> <functional> <map> <memory>
-      <mutex> <optional> <string> <thread> <vector>)
-  endif()
-  target_precompile_headers(${NAME} REUSE_FROM quarner_test_headers)
-  # One that does not fit costs time, nothing else.
-  set_target_properties(${NAME} PROPERTIES PCH_WARN_INVALID OFF)
-  # GCC 12 reports these in std::string when its header was precompiled, and not otherwise.
-  target_compile_options(${NAME} PRIVATE -Wno-array-bounds -Wno-restrict -Wno-stringop-overflow
-                         -Wno-stringop-overread)
+  quarner_precompile_headers(quarner_${NAME})
 endfunction()
 
 # quarner_library(NAME OUTPUT file OBJECTS name... [HEADERS folder] [DEPENDS target...])
@@ -100,7 +89,7 @@ function(quarner_test NAME)
   cmake_parse_arguments(ARG "" "" "SOURCES;OBJECTS;DEPENDS;LABELS" ${ARGN})
   add_executable(${NAME} ${ARG_SOURCES})
   list(TRANSFORM ARG_OBJECTS PREPEND quarner_ OUTPUT_VARIABLE objects)
-  target_link_libraries(${NAME} PRIVATE quarner_options ${objects} ${ARG_DEPENDS}
+  target_link_libraries(${NAME} PRIVATE quarner_options quarner_test_options ${objects} ${ARG_DEPENDS}
                         GTest::gmock GTest::gtest_main)
   quarner_precompile_test_headers(${NAME})
   # By the names that a suite gives its parameters, not by their bytes.
