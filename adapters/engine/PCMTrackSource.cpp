@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstring>
 #include <utility>
 
@@ -27,13 +26,13 @@ std::span<std::int16_t> asSamples(std::span<std::byte> bytes) {
     return {reinterpret_cast<std::int16_t*>(bytes.data()), bytes.size() / sizeof(std::int16_t)};
 }
 
-void makeLittleEndian(std::span<std::byte> bytes) {
-    if constexpr (std::endian::native == std::endian::big)
-        for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
-            std::swap(bytes[i], bytes[i + 1]);
-}
-
 } // namespace
+
+void makeLittleEndian(std::span<std::byte> samples, std::endian order) {
+    if (order == std::endian::big)
+        for (std::size_t i = 0; i + 1 < samples.size(); i += 2)
+            std::swap(samples[i], samples[i + 1]);
+}
 
 TrackSource::~TrackSource() = default;
 

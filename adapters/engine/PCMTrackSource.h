@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <memory>
 
@@ -9,6 +10,9 @@
 #include "quarner/platform/PCMService.h"
 
 namespace quarner {
+
+/// Converts 16-bit samples, in place, from the byte order `order` to the one that a CD has.
+void makeLittleEndian(std::span<std::byte> samples, std::endian order = std::endian::native);
 
 /// An audio track as a CD holds it: the samples of its file as little-endian pairs, then silence
 /// up to the track's length. The file is opened at the first reading.
