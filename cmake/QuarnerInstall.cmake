@@ -1,5 +1,6 @@
 # What `cmake --install` puts where: libraries, headers, the program, a CMake package with one
-# component for each library, and a pkg-config file for each.
+# component for each library, and a pkg-config file for each. `cmake --install --component NAME`
+# installs a part: runtime (shared libraries), development, tool (the program) or doc.
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -37,33 +38,41 @@ set(QUARNER_LIBRARY_DESCRIPTION_core "${PROJECT_DESCRIPTION}")
 set(QUARNER_LIBRARY_DESCRIPTION_scripted "Scripted platform for the tests of a disc-burning host")
 set(QUARNER_LIBRARY_DESCRIPTION_desktop "Desktop platform for the disc-burning framework quarner")
 
-# Called by quarner_library.
-function(quarner_install_library NAME OUTPUT DEPENDS)
-  install(TARGETS quarner_${NAME}_shared EXPORT quarner-${NAME}-targets
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+# Called by quarner_library. DEPENDS are libraries of this project, MODULES other pkg-config modules.
+function(quarner_install_library NAME OUTPUT DEPENDS MODULES)
+  install(TARGETS quarner_${NAME}_library EXPORT quarner-${NAME}-targets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime
+            NAMELINK_COMPONENT development
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-  install(EXPORT quarner-${NAME}-targets NAMESPACE quarner:: DESTINATION ${QUARNER_PACKAGE_DIR})
+  install(EXPORT quarner-${NAME}-targets NAMESPACE quarner:: DESTINATION ${QUARNER_PACKAGE_DIR}
+          COMPONENT development)
 
   set(pc_description "${QUARNER_LIBRARY_DESCRIPTION_${NAME}}")
-  set(pc_requires)
+  set(pc_requires ${MODULES})
   if(DEPENDS)
-    set(pc_requires "quarner = ${PROJECT_VERSION}")
+    list(PREPEND pc_requires "quarner = ${PROJECT_VERSION}")
   endif()
+  list(JOIN pc_requires ", " pc_requires)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/quarner.pc.in
                  ${PROJECT_BINARY_DIR}/${OUTPUT}.pc @ONLY)
-  install(FILES ${PROJECT_BINARY_DIR}/${OUTPUT}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+  install(FILES ${PROJECT_BINARY_DIR}/${OUTPUT}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+          COMPONENT development)
 endfunction()
 
 # quarner_install_headers(FOLDER [EXCEPT file...])
 # All headers below a folder, under include/quarner.
 function(quarner_install_headers FOLDER)
+  if(NOT QUARNER_INSTALL)
+    return()
+  endif()
   cmake_parse_arguments(ARG "" "" "EXCEPT" ${ARGN})
   set(exclusions)
   foreach(file IN LISTS ARG_EXCEPT)
     list(APPEND exclusions PATTERN ${file} EXCLUDE)
   endforeach()
   install(DIRECTORY ${FOLDER}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quarner
-          FILES_MATCHING PATTERN "*.h" ${exclusions})
+          COMPONENT development FILES_MATCHING PATTERN "*.h" ${exclusions})
 endfunction()
 
 function(quarner_install_package)
@@ -74,7 +83,7 @@ function(quarner_install_package)
                                    COMPATIBILITY SameMinorVersion)
   install(FILES ${PROJECT_BINARY_DIR}/quarner-config.cmake
                 ${PROJECT_BINARY_DIR}/quarner-config-version.cmake
-          DESTINATION ${QUARNER_PACKAGE_DIR})
-  install(FILES README.md CHANGELOG.md COPYING DESTINATION ${CMAKE_INSTALL_DOCDIR})
-  install(DIRECTORY LICENSES docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
+          DESTINATION ${QUARNER_PACKAGE_DIR} COMPONENT development)
+  install(FILES README.md CHANGELOG.md COPYING DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
+  install(DIRECTORY LICENSES docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
 endfunction()

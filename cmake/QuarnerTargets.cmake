@@ -1,13 +1,21 @@
 # The building blocks of the tree. Every folder of sources is compiled once, as an object library
-# (quarner_NAME); the shared libraries that are installed and the static twins that the tests link
-# are made from the same objects. The tests need the twins because the shared libraries hide
-# everything that is not exported.
+# (quarner_NAME); the libraries that are installed and the programs of the tests are made from the same
+# objects. The tests need the objects because the shared libraries hide what is not exported.
 
 add_library(quarner_options INTERFACE)
 # -pthread everywhere: some libraries ask for it, and a precompiled header serves one set of flags.
 target_compile_options(quarner_options INTERFACE -pthread
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast
   $<$<BOOL:${QUARNER_WARNINGS_ARE_ERRORS}>:-Werror>)
+# libburn and libisofs have offsets of 64 bits in their interfaces, and files are larger than 2 GB.
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  target_compile_definitions(quarner_options INTERFACE _FILE_OFFSET_BITS=64)
+endif()
+# GCC 12 reports -Wrestrict falsely in std::string when it optimises with -O3.
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13
+   AND NOT QUARNER_PRECOMPILE_HEADERS)
+  target_compile_options(quarner_options INTERFACE -Wno-restrict)
+endif()
 target_include_directories(quarner_options INTERFACE ${PROJECT_SOURCE_DIR})
 if(QUARNER_SANITIZE)
   target_compile_options(quarner_options INTERFACE
@@ -59,28 +67,65 @@ function(quarner_objects NAME)
   quarner_precompile_headers(quarner_${NAME})
 endfunction()
 
-# quarner_library(NAME OUTPUT file OBJECTS name... [HEADERS folder] [DEPENDS target...])
-# The installed shared library quarner::NAME, made from the objects quarner_name. HEADERS is the
-# folder that a host finds its headers in; DEPENDS are the libraries that those headers use.
-# Nothing but what the sources export from namespace quarner is visible in it.
+# quarner_library(NAME OUTPUT file OBJECTS name... [HEADERS folder] [DEPENDS target...]
+#                 [PACKAGES name module...] [STATIC])
+# The installed library quarner::NAME, made from the objects quarner_name: shared, unless STATIC is
+# given or BUILD_SHARED_LIBS is off. HEADERS is the folder that a host finds its headers in; DEPENDS
+# are the libraries that those headers use. PACKAGES are the pkg-config modules of other libraries
+# that the objects use, found as PkgConfig::name: whoever links the static library links them too.
 function(quarner_library NAME)
-  cmake_parse_arguments(ARG "" "OUTPUT;HEADERS" "OBJECTS;DEPENDS" ${ARGN})
-  set(target quarner_${NAME}_shared)
-  add_library(${target} SHARED)
-  add_library(quarner::${NAME} ALIAS ${target})
+  cmake_parse_arguments(ARG "STATIC" "OUTPUT;HEADERS" "OBJECTS;DEPENDS;PACKAGES" ${ARGN})
+  set(target quarner_${NAME}_library)
   list(TRANSFORM ARG_OBJECTS PREPEND quarner_ OUTPUT_VARIABLE objects)
-  target_link_libraries(${target} PRIVATE ${objects} PUBLIC ${ARG_DEPENDS})
+  if(ARG_STATIC OR NOT BUILD_SHARED_LIBS)
+    quarner_static_library(${target} OBJECTS ${objects} PACKAGES ${ARG_PACKAGES})
+    set(modules ${ARG_PACKAGES})
+    list(POP_FRONT modules)
+  else()
+    quarner_shared_library(${target} OBJECTS ${objects})
+    set(modules)
+  endif()
+  add_library(quarner::${NAME} ALIAS ${target})
+  target_link_libraries(${target} PUBLIC ${ARG_DEPENDS})
   target_compile_features(${target} INTERFACE cxx_std_20)
   target_include_directories(${target} INTERFACE $<BUILD_INTERFACE:${ARG_HEADERS}>)
-  set(exports ${PROJECT_SOURCE_DIR}/cmake/exports.map)
-  target_link_options(${target} PRIVATE LINKER:--version-script=${exports})
-  if(NOT QUARNER_SANITIZE) # the sanitizers' functions come with the program
-    target_link_options(${target} PRIVATE LINKER:-z,defs)
-  endif()
   set_target_properties(${target} PROPERTIES
-    OUTPUT_NAME ${ARG_OUTPUT} EXPORT_NAME ${NAME} LINK_DEPENDS ${exports}
-    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
-  quarner_install_library(${NAME} ${ARG_OUTPUT} "${ARG_DEPENDS}")
+    OUTPUT_NAME ${ARG_OUTPUT} EXPORT_NAME ${NAME} LINKER_LANGUAGE CXX)
+  if(QUARNER_INSTALL)
+    quarner_install_library(${NAME} ${ARG_OUTPUT} "${ARG_DEPENDS}" "${modules}")
+  endif()
+endfunction()
+
+# Nothing but what the sources export from namespace quarner is visible in a shared library. Until
+# version 1.0 any minor version may change the interface, so it is part of the library's name.
+function(quarner_shared_library TARGET)
+  cmake_parse_arguments(ARG "" "" "OBJECTS" ${ARGN})
+  add_library(${TARGET} SHARED)
+  target_link_libraries(${TARGET} PRIVATE ${ARG_OBJECTS})
+  set(exports ${PROJECT_SOURCE_DIR}/cmake/exports.map)
+  target_link_options(${TARGET} PRIVATE LINKER:--version-script=${exports})
+  if(NOT QUARNER_SANITIZE) # the sanitizers' functions come with the program
+    target_link_options(${TARGET} PRIVATE LINKER:-z,defs)
+  endif()
+  set_target_properties(${TARGET} PROPERTIES LINK_DEPENDS ${exports} VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+endfunction()
+
+function(quarner_static_library TARGET)
+  cmake_parse_arguments(ARG "" "" "OBJECTS;PACKAGES" ${ARGN})
+  add_library(${TARGET} STATIC)
+  foreach(object IN LISTS ARG_OBJECTS)
+    # Not linked: the export would then name targets that are not installed.
+    target_sources(${TARGET} PRIVATE $<TARGET_OBJECTS:${object}>)
+  endforeach()
+  target_link_libraries(${TARGET} INTERFACE $<LINK_ONLY:Threads::Threads>)
+  if(ARG_PACKAGES)
+    list(GET ARG_PACKAGES 0 name)
+    target_link_libraries(${TARGET} INTERFACE $<LINK_ONLY:PkgConfig::${name}>)
+  endif()
+  if(QUARNER_SANITIZE)
+    target_link_options(${TARGET} INTERFACE -fsanitize=${QUARNER_SANITIZE})
+  endif()
 endfunction()
 
 # quarner_test(NAME SOURCES file... OBJECTS name... [DEPENDS target...] [LABELS label...])

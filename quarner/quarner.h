@@ -2,7 +2,11 @@
 #pragma once
 
 /// Everything that a host needs of the framework. To run it, a host also installs a platform:
-/// `quarner/desktop.h` on a desktop, `quarner/scripted.h` in a test.
+/// `quarner/desktop.h` on a desktop, `quarner/scripted.h` in a test. All headers need C++20.
+
+#if __cplusplus < 202002L
+#error "quarner needs C++20: compile with -std=c++20, or set CMAKE_CXX_STANDARD to 20"
+#else
 
 #include "quarner/device/QuarnerDevice.h"
 #include "quarner/device/QuarnerDeviceDelegate.h"
@@ -13,3 +17,5 @@
 #include "quarner/platform/DRErrors.h"
 #include "quarner/util/MultiMedia.h"
 #include "quarner/util/Paths.h"
+
+#endif
