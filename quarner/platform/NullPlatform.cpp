@@ -85,12 +85,12 @@ public:
 class NullTextService : public TextService {
 public:
     int compareLocalizedCaseInsensitive(const std::string& a, const std::string& b) override {
-        const auto lower = [](unsigned char c) { return std::tolower(c); };
+        const auto lower = [](char c) { return std::tolower(static_cast<unsigned char>(c)); };
         const auto [left, right] =
             std::mismatch(a.begin(), a.end(), b.begin(), b.end(),
                           [&](char x, char y) { return lower(x) == lower(y); });
-        const int leftEnd = left == a.end() ? -1 : lower(static_cast<unsigned char>(*left));
-        const int rightEnd = right == b.end() ? -1 : lower(static_cast<unsigned char>(*right));
+        const int leftEnd = left == a.end() ? -1 : lower(*left);
+        const int rightEnd = right == b.end() ? -1 : lower(*right);
         return leftEnd - rightEnd;
     }
     std::string localizedNumber(double number, int decimals) override {
