@@ -36,7 +36,6 @@ private:
     std::size_t _taken = 0;           // values of _ready
     std::uint64_t _pairs = 0;         // put into _ready since the start
     std::uint64_t _silence = 0;       // samples still to be put in, at the file's rate
-    std::uint64_t _padding = 0;       // pairs still to be put in at the end
     bool _isDecoded = false;
     bool _isComplete = false;
 };
