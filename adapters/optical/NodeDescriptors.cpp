@@ -15,7 +15,7 @@ namespace quarner {
 namespace {
 
 // As proc(5) has them.
-const std::string descriptors = "/proc/self/fd";
+const std::string descriptorFolder = "/proc/self/fd";
 constexpr std::string_view removed = " (deleted)";
 
 constexpr const char* emptyFile = "quarner-lost-drive";
@@ -26,7 +26,7 @@ NodeDescriptors::NodeDescriptors(std::string place) : _place(std::move(place)), 
 
 std::string NodeDescriptors::placeOf(int descriptor) {
     std::error_code error;
-    const std::string link = descriptors + '/' + std::to_string(descriptor);
+    const std::string link = descriptorFolder + '/' + std::to_string(descriptor);
     std::string place = std::filesystem::read_symlink(link, error).string();
     if (place.ends_with(removed))
         place.resize(place.size() - removed.size());
@@ -37,7 +37,7 @@ std::string NodeDescriptors::placeOf(int descriptor) {
 std::set<int> NodeDescriptors::open() const {
     std::set<int> found;
     std::error_code error;
-    std::filesystem::directory_iterator entry(descriptors, error);
+    std::filesystem::directory_iterator entry(descriptorFolder, error);
     for (; entry != std::filesystem::directory_iterator(); entry.increment(error)) {
         const int descriptor = std::atoi(entry->path().filename().c_str());
         if (!_place.empty() && placeOf(descriptor) == _place)
