@@ -8,10 +8,6 @@
 namespace quarner {
 namespace {
 
-bool contains(const ContentList::Snapshot& items, const BurnItemRef& item) {
-    return std::find(items.begin(), items.end(), item) != items.end();
-}
-
 /// Takes the items at these indexes, which all lie within the list, out of it and answers them in
 /// ascending order.
 BurnItemList takeItems(BurnItemList& items, const std::set<std::uint64_t>& indexes) {
@@ -58,10 +54,11 @@ void AudioCDBurner::removeItem(const BurnItemRef& item) {
 }
 
 void AudioCDBurner::removeItemOfClass(const BurnItemRef& item, std::string_view className) {
-    if (!item || !contains(_content.snapshot(), item) || !item->isKindOfClass(className))
+    if (!item || !_content.contains(item) || !item->isKindOfClass(className))
         return;
-    _content.change([&](BurnItemList& items) { std::erase(items, item); });
-    tell(&QuarnDelegate::burnItemDidDelete, item);
+    const bool wasThere = _content.remove(item);
+    if (wasThere) // no other thread has removed it since
+        tell(&QuarnDelegate::burnItemDidDelete, item);
 }
 
 void AudioCDBurner::removeItems(const BurnItemList& items) {

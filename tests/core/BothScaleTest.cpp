@@ -105,6 +105,17 @@ TYPED_TEST(BothScale, MovingAndRemovingManyToo) {
     });
 }
 
+TYPED_TEST(BothScale, RemovingThemOneByOneToo) {
+    this->expectLinear(2000, [this](int) {
+        const ContentList::Snapshot before = this->burner->_content.snapshot();
+        const BurnItemList all(before.begin(), before.end());
+        for (std::size_t i = 0; i < all.size(); i += 2)
+            this->burner->removeItem(all[i]);
+        EXPECT_EQ(this->count(), all.size() / 2);
+        this->burner->_content.change([&](BurnItemList& items) { items = all; });
+    });
+}
+
 TYPED_TEST(BothScale, MeasuringAndBurningToo) {
     // Fewer: every track of an audio disc tells of its steps.
     this->expectLinear(50, [this](int) {
