@@ -3,46 +3,31 @@
 
 #include <array>
 #include <cstdio>
-#include <string_view>
+#include <optional>
+#include <utility>
 
 #include "quarner/platform/Platform.h"
+#include "quarner/util/SizeFormat.h"
 
 namespace quarner {
 namespace {
 
 constexpr double kilo = 1024.0;
 
-/// A format of the host's string table with its one placeholder filled in: the first occurrence
-/// of the placeholder that the key has. "%%" stands for a percent sign, and everything else for
-/// itself, so whatever a translator writes is only text.
-std::string filled(const std::string& format, std::string_view placeholder,
-                   std::string_view argument) {
-    std::string text;
-    bool isFilled = false;
-    for (std::size_t at = 0; at < format.size();) {
-        const std::string_view rest = std::string_view(format).substr(at);
-        if (rest.substr(0, 2) == "%%") {
-            text += '%';
-            at += 2;
-        } else if (!isFilled && rest.substr(0, placeholder.size()) == placeholder) {
-            text += argument;
-            isFilled = true;
-            at += placeholder.size();
-        } else {
-            text += rest.front();
-            ++at;
-        }
-    }
-    return text;
+/// The host's translation of a format where it is one for the argument, otherwise the key itself.
+SizeFormat translated(const std::string& key, char kind) {
+    const std::string translation = currentPlatform()->text->localizedString(key);
+    if (std::optional<SizeFormat> format = SizeFormat::parse(translation, kind))
+        return *std::move(format);
+    return SizeFormat::parse(key, kind).value_or(SizeFormat());
 }
 
 std::string kilobyteForm(double number) {
-    const auto text = currentPlatform()->text;
-    return filled(text->localizedString("%.0f KB"), "%.0f", text->localizedNumber(number, 0));
+    return translated("%.0f KB", 'f').withNumber(number, *currentPlatform()->text);
 }
 
 std::string unitForm(const std::string& key, const std::string& number) {
-    return filled(currentPlatform()->text->localizedString(key), "%@", number);
+    return translated(key, '@').withText(number);
 }
 
 /// Drops characters of UTF-8 text, not bytes: a decimal separator may take several.

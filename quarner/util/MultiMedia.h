@@ -17,9 +17,15 @@ public:
     static std::string stringWithDuration(std::int64_t duration, bool framesEnabled);
 
     /// `stringWithFilesize:` Bytes in binary units, trailing zeros dropped: 1572864 is "1.5 MB".
-    /// Up to 1023 bytes read "4 KB"; 0 and below, and 1024^5 and above, have no better form than
-    /// the count in KB ("0 KB"). The decimal separator is the user's; the host may translate
-    /// "%.0f KB", "%@ MB", "%@ GB" and "%@ TB" in its string table.
+    /// 1 to 1023 bytes read "4 KB". A size of 0 or below reads as its number of bytes followed by
+    /// KB ("0 KB", "-5000 KB"), and a size of 1024^5 or above reads "0 KB". The decimal separator
+    /// is the user's.
+    ///
+    /// The host may translate the formats "%.0f KB", "%@ MB", "%@ GB" and "%@ TB" in its string
+    /// table. A translation must have exactly one conversion of the kind of its key, `%f` for the
+    /// first and `%@` for the others, which may have a position, flags, a width and a precision
+    /// ("%.1f Ko", "%1$@ Mo"). `%%` is a percent sign, and all else stands for itself. Any other
+    /// translation is ignored: the key is used.
     static std::string stringWithFilesize(std::int64_t size);
 };
 

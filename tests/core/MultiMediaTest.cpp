@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <string>
 
 #include <quarner/scripted.h>
 
@@ -146,18 +147,89 @@ TEST_F(MultiMediaTest, ATranslationOfKBServesAllItsThreeUses) {
     EXPECT_EQ(size(most), "0 Ko");
 }
 
-TEST_F(MultiMediaTest, ATranslationWithoutItsPlaceholderIsOnlyText) {
-    platform.setText("%@ MB", "some");
-    platform.setText("%.0f KB", "");
-    EXPECT_EQ(size(1'572'864), "some");
-    EXPECT_EQ(size(1024), "");
+TEST_F(MultiMediaTest, ATranslationIsAFormatForItsArgument) {
+    platform.setText("%.0f KB", "%.1f Ko");
+    platform.setText("%@ MB", "%1$@ Mo");
+    EXPECT_EQ(size(1536), "1.5 Ko");
+    EXPECT_EQ(size(1), "4.0 Ko");
+    EXPECT_EQ(size(1'572'864), "1.5 Mo");
+    platform.setDecimalSeparator(",");
+    EXPECT_EQ(size(1536), "1,5 Ko");
 }
 
-TEST_F(MultiMediaTest, OnlyTheFirstPlaceholderIsFilledIn) {
-    platform.setText("%@ MB", "%@ of %@ MB");
-    platform.setText("%.0f KB", "%.0f%.0f");
-    EXPECT_EQ(size(1'572'864), "1.5 of %@ MB");
-    EXPECT_EQ(size(1024), "1%.0f");
+TEST_F(MultiMediaTest, ANumberHasFlagsAWidthAndAPrecision) {
+    const auto kilobytes = [this](const char* format, std::int64_t bytes) {
+        platform.setText("%.0f KB", format);
+        return size(bytes);
+    };
+    EXPECT_EQ(kilobytes("[%f]", 2048), "[2.000000]");
+    EXPECT_EQ(kilobytes("[%.f]", 2048), "[2]");
+    EXPECT_EQ(kilobytes("[%6.1f]", 2048), "[   2.0]");
+    EXPECT_EQ(kilobytes("[%-6.1f]", 2048), "[2.0   ]");
+    EXPECT_EQ(kilobytes("[%06.1f]", -5), "[-005.0]");
+    EXPECT_EQ(kilobytes("[%-06.1f]", 2048), "[2.0   ]");
+    EXPECT_EQ(kilobytes("[%+.0f]", 2048), "[+2]");
+    EXPECT_EQ(kilobytes("[% .0f]", 2048), "[ 2]");
+    EXPECT_EQ(kilobytes("[%+ .0f]", -5), "[-5]");
+    EXPECT_EQ(kilobytes("[%'#.0f]", 2048), "[2]");
+    EXPECT_EQ(kilobytes("[%1$+5.0f]", 2048), "[   +2]");
+    EXPECT_EQ(kilobytes("[%01$.0f]", 2048), "[2]");
+}
+
+TEST_F(MultiMediaTest, ATextHasAWidthAndAPrecisionInCharacters) {
+    const auto megabytes = [this](const char* format) {
+        platform.setText("%@ MB", format);
+        return size(1'572'864);
+    };
+    EXPECT_EQ(megabytes("[%5@]"), "[  1.5]");
+    EXPECT_EQ(megabytes("[%-5@]"), "[1.5  ]");
+    EXPECT_EQ(megabytes("[%.1@]"), "[1]");
+    EXPECT_EQ(megabytes("[%05@]"), "[  1.5]");
+    platform.setDecimalSeparator("\xD9\xAB");
+    EXPECT_EQ(megabytes("[%5@]"), "[  1\xD9\xAB"
+                                  "5]");
+    EXPECT_EQ(megabytes("[%.2@]"), "[1\xD9\xAB]");
+}
+
+TEST_F(MultiMediaTest, WithoutExactlyOneFittingConversionTheKeyIsTheFormat) {
+    for (const char* format : {"",
+                               "some",
+                               "%",
+                               "%%@",
+                               "%@ of %@ MB",
+                               "%.1f Mo",
+                               "%s",
+                               "%2$@",
+                               "%0$@",
+                               "%11$@",
+                               "%$@",
+                               "%*@",
+                               "%100@",
+                               "%.65@",
+                               "%99999999999999999999@",
+                               "%.99999999999999999999@",
+                               "%1$",
+                               "%-",
+                               "%5",
+                               "%.",
+                               "%l@",
+                               "% 1$@"}) {
+        platform.setText("%@ MB", format);
+        EXPECT_EQ(size(1'572'864), "1.5 MB") << format;
+    }
+    for (const char* format : {"", "Ko", "%@ Ko", "%d Ko", "%.0f%.0f", "%.0e", "%lf", "%.*f",
+                               "%1$*2$f", "%100.0f", "%.65f", "%n", "%2$.0f", "%%.0f"}) {
+        platform.setText("%.0f KB", format);
+        EXPECT_EQ(size(1024), "1 KB") << format;
+    }
+}
+
+TEST_F(MultiMediaTest, TheLargestWidthAndPrecisionStillFit) {
+    platform.setText("%@ MB", "%99@");
+    EXPECT_EQ(size(1'572'864), std::string(96, ' ') + "1.5");
+    platform.setText("%.0f KB", "%.64f");
+    EXPECT_EQ(size(1024), "1." + std::string(64, '0'));
+    EXPECT_EQ(size(least).size(), 20U + 1 + 64);
 }
 
 TEST_F(MultiMediaTest, NothingElseOfATranslationIsAConversion) {
