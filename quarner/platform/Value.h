@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <map>
@@ -39,13 +41,17 @@ struct Icon {
 class QUARNER_EXPORT Value {
 public:
     Value() = default;
-    Value(bool value) : _value(value) {}
+    /// Only a `bool` itself: no pointer is taken for a truth value.
+    template <std::same_as<bool> Truth>
+    Value(Truth value) : _value(value) {}
     template <typename Integer>
     requires(std::is_integral_v<Integer> && !std::is_same_v<Integer, bool>) Value(Integer value)
         : _value(static_cast<std::int64_t>(value)) {}
     Value(double value) : _value(value) {}
     Value(float value) : _value(static_cast<double>(value)) {}
+    /// The text must not be null.
     Value(const char* text) : _value(std::string(text)) {}
+    Value(std::nullptr_t) = delete;
     Value(std::string_view text) : _value(std::string(text)) {}
     Value(std::string text) : _value(std::move(text)) {}
     Value(Icon icon) : _value(std::move(icon)) {}
