@@ -5,6 +5,21 @@
 #include <utility>
 
 namespace quarner {
+namespace {
+
+/// Sets a flag for the length of a scope, however that is left: a handler of a test may throw.
+class Flagged {
+public:
+    explicit Flagged(bool& flag) : _flag(flag) { _flag = true; }
+    ~Flagged() { _flag = false; }
+    Flagged(const Flagged&) = delete;
+    Flagged& operator=(const Flagged&) = delete;
+
+private:
+    bool& _flag;
+};
+
+} // namespace
 
 RunLoopCenter::RunLoopCenter(std::function<void()> wake) : _wake(std::move(wake)) {}
 
@@ -53,11 +68,10 @@ bool RunLoopCenter::deliverOne() {
         _pending.pop_front();
         receivers = receiversOf(notification);
     }
-    _isDelivering = true;
+    const Flagged delivering(_isDelivering);
     for (const RegistrationRef& receiver : receivers)
         if (isRegistered(receiver)) // an earlier receiver may have removed it
             receiver->handler(notification);
-    _isDelivering = false;
     return true;
 }
 

@@ -86,6 +86,7 @@ void ScriptedBurn::begin(DRLayout layout) {
 void ScriptedBurn::writeLayout(DRLayout layout) {
     if (isStarted())
         return;
+    _stage->loops.currentCenter(); // so that this thread hears also of a failure at once
     begin(std::move(layout));
     const auto story = _stage->storyOfNewBurns();
     const auto drive = std::dynamic_pointer_cast<ScriptedDrive>(_device);

@@ -53,7 +53,12 @@ void ScriptedDrive::reportChange() {
 
 DriveScript ScriptedDrive::script() const {
     const std::lock_guard lock(_mutex);
-    return _script;
+    DriveScript script = _script;
+    if (_isDetached) { // like the other drives, it has no disc then
+        script.disc.reset();
+        script.isTransitioning = false;
+    }
+    return script;
 }
 
 std::string ScriptedDrive::displayName() const { return script().name; }

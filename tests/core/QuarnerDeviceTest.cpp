@@ -215,7 +215,8 @@ TEST_F(QuarnerDeviceTest, AfterItsDriveIsGoneAHandleKeepsItAndIsNotBoundAnew) {
     deliver();
     EXPECT_THAT(delegate.calls, ElementsAre("deviceDidDisappeared(Writer)"));
     EXPECT_EQ(handle->deviceName(), "Writer");
-    EXPECT_TRUE(handle->isDiscInDevice());
+    EXPECT_TRUE(handle->cdBurnEnabled());
+    EXPECT_FALSE(handle->isDiscInDevice());
 
     const auto back = platform.plug({.name = "Writer"});
     back->reportChange();

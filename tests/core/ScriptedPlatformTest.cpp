@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <algorithm>
 #include <atomic>
+#include <stdexcept>
 #include <thread>
 
 #include "quarner/platform/Platform.h"
@@ -242,6 +243,53 @@ TEST_F(ScriptedPlatformTest, ABurnThatCannotBeWrittenFails) {
     currentPlatform()->recording->burnForDevice(drive)->writeLayout({});
     EXPECT_TRUE(platform.lastBurn()->isStarted());
     EXPECT_TRUE(platform.lastBurn()->isOver());
+}
+
+TEST_F(ScriptedPlatformTest, ABurnThatFailsAtOnceIsHeardOnAThreadThatNeverHadARunLoop) {
+    platform.addDrive({.name = "Writer", .disc = DiscScript{}});
+    platform.fail(ServiceCall::WriteLayout);
+    burner->_content.append(trackOf(300, 150));
+    const QuarnerDevice handle("Writer");
+    std::thread other([&] {
+        burner->burnWithDevice(handle, "Disc");
+        EXPECT_TRUE(platform.runUntilIdle());
+    });
+    other.join();
+    ASSERT_EQ(delegate.errors().size(), 1U);
+    EXPECT_EQ(delegate.errors()[0].code, signedCode(DRError::WriteFailed));
+}
+
+TEST_F(ScriptedPlatformTest, ADelegateThatThrowsDoesNotSilenceTheRunLoop) {
+    platform.addDrive({.name = "Writer", .disc = DiscScript{}});
+    burner->_content.append(trackOf(300, 150));
+    burner->burnWithDevice(QuarnerDevice("Writer"), "Disc");
+    delegate.whenCalled = [](const std::string&) { throw std::runtime_error("a host's error"); };
+    platform.lastBurn()->post({.state = DRStatusStatePreparing});
+    EXPECT_THROW(platform.runUntilIdle(), std::runtime_error);
+    delegate.whenCalled = nullptr;
+    delegate.forget();
+    platform.lastBurn()->post({.state = DRStatusStateFinishing});
+    EXPECT_TRUE(platform.runUntilIdle());
+    EXPECT_THAT(delegate.calls(), ElementsAre("burnProgressIsFinishing"));
+}
+
+TEST_F(ScriptedPlatformTest, AnUnpluggedDriveKeepsItsNameAndHasNoDisc) {
+    const auto drive =
+        platform.addDrive({.name = "Writer", .isTransitioning = true, .disc = DiscScript{}});
+    const QuarnerDevice handle("Writer");
+    ASSERT_TRUE(handle.isDiscInDevice());
+    platform.unplug(drive);
+    EXPECT_EQ(handle.deviceName(), "Writer");
+    EXPECT_TRUE(handle.cdBurnEnabled());
+    EXPECT_FALSE(handle.isDiscInDevice());
+    EXPECT_FALSE(handle.isCheckingDisc());
+    EXPECT_FALSE(handle.isDiscBlank());
+    EXPECT_EQ(handle.freeTimeOfDisc(), 0U);
+    EXPECT_EQ(handle.freeSizeOfDisc(), 0U);
+    EXPECT_EQ(handle.availableBurnSpeeds(), std::nullopt);
+    drive->insert({});
+    EXPECT_FALSE(handle.isDiscInDevice());
+    EXPECT_FALSE(drive->ejectMedia());
 }
 
 TEST_F(ScriptedPlatformTest, ABurnWithoutADriveFailsWhenItIsStarted) {

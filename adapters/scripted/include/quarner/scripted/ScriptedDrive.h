@@ -18,7 +18,8 @@ class ScriptedStage;
 
 /// A drive made of data: it answers what its script says. Made by `ScriptedPlatform::addDrive` and
 /// `plug`. The verbs below change the script and, like the drive they stand for, send
-/// `DRDeviceStatusChangedNotification` afterwards, also when the drive is unplugged. Any thread.
+/// `DRDeviceStatusChangedNotification` afterwards, also when the drive is unplugged. An unplugged
+/// drive keeps its name and has no disc, whatever its script says. Any thread.
 class QUARNER_EXPORT ScriptedDrive : public DRDevice,
                                      public std::enable_shared_from_this<ScriptedDrive> {
 public:
