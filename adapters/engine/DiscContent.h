@@ -24,8 +24,9 @@ public:
     DataDiscService(const DataDiscService&) = delete;
     DataDiscService& operator=(const DataDiscService&) = delete;
 
-    /// A data track of a folder, its estimate the exact blocks of the folder's file system; an
-    /// estimate of 0 when that cannot be laid out now, in which case `contentOf` says why.
+    /// A data track of a folder. Its estimate is the exact number of blocks of the folder's file
+    /// system, laid out when the estimate is first asked for; it is 0 if the file system cannot be
+    /// laid out then, in which case `contentOf` says why.
     virtual std::shared_ptr<DRTrack> trackForRootFolder(std::shared_ptr<const DRFolder> folder) = 0;
 
     /// The file system of a track made here, block by block. Throws `BurnFailure`.

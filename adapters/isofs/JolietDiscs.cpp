@@ -18,13 +18,23 @@ std::uint64_t blocksOf(const DRFolder& folder) {
     }
 }
 
+/// Never less than `blocksOf`. What the file system adds to the files: descriptors, path tables and
+/// the padding at the end, well below a thousand blocks, and at most 162 bytes a file in each of
+/// the two trees.
+std::uint64_t mostBlocksOf(const DRFolder& folder) {
+    constexpr std::uint64_t mostFixed = 1000;
+    constexpr std::uint64_t recordsInABlock = JolietImage::blockSize / 162;
+    std::uint64_t blocks = mostFixed + 2 * folder.children().size() / recordsInABlock;
+    for (const auto& node : folder.children())
+        blocks += node->stamp().size / JolietImage::blockSize + 1;
+    return blocks;
+}
+
 class JolietDiscs : public DataDiscService {
 public:
     std::shared_ptr<DRTrack> trackForRootFolder(std::shared_ptr<const DRFolder> folder) override {
         auto track = std::make_shared<DRTrack>();
-        const std::uint64_t blocks = blocksOf(*folder);
-        track->setLength(DRMSF::msfWithFrames(static_cast<std::uint32_t>(blocks)));
-        track->setEstimateLength(blocks);
+        track->setEstimateLength([folder] { return blocksOf(*folder); }, mostBlocksOf(*folder));
         track->rootFolder = std::move(folder);
         return track;
     }

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -49,12 +51,26 @@ public:
     /// The blocks that the track takes on the disc: its length and its pre-gap, one block to a
     /// frame, unless the maker of the track has set another estimate.
     std::uint64_t estimateLength() const;
-    void setEstimateLength(std::uint64_t blocks) { _estimateLength = blocks; }
+    void setEstimateLength(std::uint64_t blocks) {
+        _laterEstimate.reset();
+        _estimateLength = blocks;
+    }
+
+    /// Sets an estimate that takes long to make. `estimate` is called once, by the first call that
+    /// needs it, on the thread of that call. It must not throw, nor return more than `most`.
+    void setEstimateLength(std::function<std::uint64_t()> estimate, std::uint64_t most);
+
+    /// Whether `estimateLength` is below `blocks`. Does not make an estimate that takes long where
+    /// the most that it can be decides.
+    bool isEstimateBelow(std::uint64_t blocks) const;
 
 private:
     DRMSF _length = DRMSF::msf();
     DRMSF _preGap = DRMSF::msf();
+    struct LaterEstimate;
+
     std::optional<std::uint64_t> _estimateLength;
+    std::shared_ptr<LaterEstimate> _laterEstimate;
 };
 
 /// The sectors that so many stereo samples take as a track: whole sectors, the last one filled

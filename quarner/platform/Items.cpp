@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <limits>
+#include <mutex>
+#include <utility>
 
 #include "quarner/platform/DRFile.h"
 #include "quarner/platform/DRFolder.h"
@@ -17,7 +19,32 @@ std::string_view DRTrack::className() const { return drClassName; }
 
 bool DRTrack::isKindOfClass(std::string_view name) const { return name == drClassName; }
 
+struct DRTrack::LaterEstimate {
+    std::uint64_t blocks() {
+        std::call_once(once, [this] { made = std::exchange(make, nullptr)(); });
+        return made;
+    }
+
+    std::function<std::uint64_t()> make;
+    std::uint64_t most = 0;
+    std::once_flag once;
+    std::uint64_t made = 0;
+};
+
+void DRTrack::setEstimateLength(std::function<std::uint64_t()> estimate, std::uint64_t most) {
+    _laterEstimate = std::make_shared<LaterEstimate>();
+    _laterEstimate->make = std::move(estimate);
+    _laterEstimate->most = most;
+}
+
+bool DRTrack::isEstimateBelow(std::uint64_t blocks) const {
+    const bool isDecided = blocks == 0 || (_laterEstimate && _laterEstimate->most < blocks);
+    return isDecided ? blocks > 0 : estimateLength() < blocks;
+}
+
 std::uint64_t DRTrack::estimateLength() const {
+    if (_laterEstimate)
+        return _laterEstimate->blocks();
     const std::uint64_t blocks = std::uint64_t(_length.totalFrames()) + _preGap.totalFrames();
     return _estimateLength.value_or(blocks);
 }

@@ -38,7 +38,9 @@ public:
     virtual std::shared_ptr<DRFile> fileWithPath(const std::string& path);
 
     /// `trackForRootFolder:`: a new data track of a folder's file system, with the blocks that it
-    /// takes as its estimate. Null when there is none to be made. Answered here: null.
+    /// takes as its estimate. Returns null when none can be made, and in this class. Called on the
+    /// host's main thread: an estimate that takes long is to be made later, see
+    /// `DRTrack::setEstimateLength`.
     virtual std::shared_ptr<DRTrack> trackForRootFolder(std::shared_ptr<const DRFolder> folder);
 
     /// `currentRunLoopCenter`: the notification centre of the run loop that is the calling

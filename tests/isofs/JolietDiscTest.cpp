@@ -56,10 +56,17 @@ protected:
         root->addChild(std::make_shared<DRFile>(path, *stampOfFile(path)));
     }
 
+    /// Expects the answers around the exact number, which would show too low an upper bound.
+    void expectEstimate(std::uint64_t blocks) const {
+        EXPECT_FALSE(discs->trackForRootFolder(root)->isEstimateBelow(blocks));
+        EXPECT_TRUE(discs->trackForRootFolder(root)->isEstimateBelow(blocks + 1));
+    }
+
     /// Reads the disc in pieces of an awkward size and answers the image's path.
     std::string burn() {
         track = discs->trackForRootFolder(root);
         DiscContent content = discs->contentOf(*track);
+        expectEstimate(content.plan.sectors());
         TrackSource& source = *content.sources.front();
         std::string image(std::size_t(content.plan.bytes()), '\xFF');
         for (std::size_t at = 0; at < image.size();) {
@@ -160,7 +167,6 @@ TEST_F(JolietDisc, TheEstimateIsTheExactSizeOfTheImage) {
     add("three.mp3", noise(2049, 3));
     const std::string image = burn();
     EXPECT_EQ(std::filesystem::file_size(image), track->estimateLength() * 2048);
-    EXPECT_EQ(track->length().totalFrames(), track->estimateLength());
 }
 
 TEST_F(JolietDisc, BearsTheNameOfTheRootFolder) {

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <gtest/gtest.h>
+
+#include "quarner/platform/DRTrack.h"
+
+namespace quarner::testing {
+namespace {
+
+/// A track whose estimate is made later, and how often it was.
+class LaterEstimate : public ::testing::Test {
+protected:
+    LaterEstimate() {
+        track.setEstimateLength(
+            [this] {
+                ++made;
+                return std::uint64_t(100);
+            },
+            150);
+    }
+
+    DRTrack track;
+    int made = 0;
+};
+
+TEST_F(LaterEstimate, IsMadeOnceWhenItIsAskedFor) {
+    EXPECT_EQ(made, 0);
+    EXPECT_EQ(track.estimateLength(), 100U);
+    EXPECT_EQ(track.estimateLength(), 100U);
+    EXPECT_EQ(made, 1);
+}
+
+TEST_F(LaterEstimate, IsNotMadeWhereTheMostThatItCanBeDecides) {
+    EXPECT_TRUE(track.isEstimateBelow(151));
+    EXPECT_FALSE(track.isEstimateBelow(0));
+    EXPECT_EQ(made, 0);
+}
+
+TEST_F(LaterEstimate, DecidesWhereItMay) {
+    EXPECT_TRUE(track.isEstimateBelow(150));
+    EXPECT_TRUE(track.isEstimateBelow(101));
+    EXPECT_FALSE(track.isEstimateBelow(100));
+    EXPECT_EQ(made, 1);
+}
+
+TEST_F(LaterEstimate, GivesWayToOneThatIsSet) {
+    track.setEstimateLength(7);
+    EXPECT_EQ(track.estimateLength(), 7U);
+    EXPECT_FALSE(track.isEstimateBelow(7));
+    EXPECT_EQ(made, 0);
+}
+
+TEST(DRTrack, TheEstimateIsTheLengthAndThePreGapWithoutAnother) {
+    DRTrack track;
+    track.setLength(DRMSF::msfWithFrames(300));
+    track.setPreGap(DRMSF::msfWithFrames(150));
+    EXPECT_EQ(track.estimateLength(), 450U);
+    EXPECT_FALSE(track.isEstimateBelow(450));
+    EXPECT_TRUE(track.isEstimateBelow(451));
+}
+
+} // namespace
+} // namespace quarner::testing
