@@ -27,7 +27,12 @@ std::uint64_t estimatedBlocks(const DRLayout& layout) {
 
 void AudioCDBurner::burnWithDevice(const QuarnerDevice& device,
                                    const std::optional<std::string>& discNamed) {
+    const auto self = weak_from_this().lock(); // the delegate may drop the last reference
     tell(&QuarnDelegate::burnProgressDidStarted);
+    if (!self) {
+        refuseBurn();
+        return;
+    }
     // A burn object of an earlier burn is only let go: that burn runs on and still reports.
     _burner = currentPlatform()->recording->burnForDevice(device.device());
     const Dictionary settings = burnSettings(device.availableBurnSpeeds());
@@ -36,10 +41,9 @@ void AudioCDBurner::burnWithDevice(const QuarnerDevice& device,
     _burner->setProperties(settings);
     DRLayout layout = layoutOf(items);
     _estimateTotalLength = estimatedBlocks(layout);
-    if (items.empty())
-        refuseBurn();
-    else
-        writeOrRefuse(std::move(layout), _estimateTotalLength, device);
+    // Bytes against blocks, unconverted: this only finds a disc with (almost) no free space.
+    writeOrRefuse(std::move(layout),
+                  !items.empty() && _estimateTotalLength < device.freeSizeOfDisc());
 }
 
 Dictionary AudioCDBurner::burnSettings(const std::optional<Array>& speeds) {
@@ -50,10 +54,8 @@ Dictionary AudioCDBurner::burnSettings(const std::optional<Array>& speeds) {
     return settings;
 }
 
-void AudioCDBurner::writeOrRefuse(DRLayout layout, std::uint64_t estimatedBlocks,
-                                  const QuarnerDevice& device) {
-    // Bytes against blocks, unconverted: this only tells a drive with (almost) no free space.
-    if (device.freeSizeOfDisc() <= estimatedBlocks) {
+void AudioCDBurner::writeOrRefuse(DRLayout layout, bool isFitting) {
+    if (!isFitting) {
         refuseBurn();
         return;
     }
@@ -79,7 +81,9 @@ void AudioCDBurner::observeBurn() {
     // The burn may outlive its burner, which then hears no more of it.
     const auto self = std::static_pointer_cast<AudioCDBurner>(shared_from_this());
     const std::weak_ptr<AudioCDBurner> weakSelf = self;
-    currentPlatform()->recording->currentRunLoopCenter()->addObserver(
+    const auto center = currentPlatform()->recording->currentRunLoopCenter();
+    _burnCenters.insert(center);
+    center->addObserver(
         this,
         [weakSelf](const DRNotification& notification) {
             if (const auto burner = weakSelf.lock())

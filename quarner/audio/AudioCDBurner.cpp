@@ -2,6 +2,7 @@
 #include "quarner/audio/AudioCDBurner.h"
 
 #include "quarner/front/BurnerRegistry.h"
+#include "quarner/platform/DRKeys.h"
 
 namespace quarner {
 namespace {
@@ -15,6 +16,9 @@ AudioCDBurner::AudioCDBurner()
     : _textBlock(std::make_unique<DRCDTextBlock>("", isoLatin1StringEncoding)) {}
 
 AudioCDBurner::~AudioCDBurner() {
+    for (const auto& weakCenter : _burnCenters)
+        if (const auto center = weakCenter.lock())
+            center->removeObserver(this, DRBurnStatusChangedNotification, nullptr);
     _textBlock.reset();
     _supportedFiles.reset();
 }

@@ -79,9 +79,11 @@ protected:
     /// The settings of every burn: closed, overwriting, verified, at the last of the drive's
     /// speeds where there are any.
     static Dictionary burnSettings(const std::optional<Array>& speeds);
-    /// Starts the burn object in `_burner` and observes it, or refuses the burn, with error code
-    /// 0, when the estimate in blocks is not below the disc's free bytes.
-    void writeOrRefuse(DRLayout layout, std::uint64_t estimatedBlocks, const QuarnerDevice& device);
+    /// Starts the burn object in `_burner` and observes it, or refuses the burn. `isFitting`:
+    /// whether the estimate in blocks is below the disc's free bytes.
+    void writeOrRefuse(DRLayout layout, bool isFitting);
+    /// Reports error code 0.
+    void refuseBurn();
 
     /// `removeItem` for the kind of item that a burner compiles.
     void removeItemOfClass(const BurnItemRef& item, std::string_view className);
@@ -102,7 +104,6 @@ private:
     void performRun(AddFilesRun& run);
     void examineFile(const std::string& path, AddFilesRun& run);
 
-    void refuseBurn();
     void fillTextBlock(const std::optional<std::string>& discName,
                        const ContentList::Snapshot& items);
     void observeBurn();
@@ -110,6 +111,9 @@ private:
     void reportState(const Dictionary& status, const std::string& state);
     void reportFailure(const Dictionary& status);
     void endBurn(const DRNotification& notification);
+
+    // Where this burner is registered for its burns: a burn may outlive it.
+    std::set<std::weak_ptr<DRNotificationCenter>, std::owner_less<>> _burnCenters;
 };
 
 } // namespace quarner

@@ -62,15 +62,16 @@ private:
 };
 
 bool AudioCDBurner::addFiles(const std::vector<std::string>& paths) {
-    if (paths.empty())
+    const auto self = std::static_pointer_cast<AudioCDBurner>(weak_from_this().lock());
+    if (paths.empty() || !self)
         return false;
+    const std::vector<std::string> sorted = sortedForUser(paths);
     _continue2AddFiles = true;
     const auto run = std::make_shared<AddFilesRun>();
     KnownPaths known(*this);
-    for (const std::string& path : sortedForUser(paths))
+    for (const std::string& path : sorted)
         filterPath(path, known, *run);
     const bool anyAccepted = !run->accepted.empty();
-    auto self = std::static_pointer_cast<AudioCDBurner>(shared_from_this());
     currentPlatform()->dispatch->asyncGlobal([self, run] { self->performRun(*run); });
     return anyAccepted;
 }

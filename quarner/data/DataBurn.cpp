@@ -9,7 +9,12 @@ void DataCDBurner::burnWithDevice(const QuarnerDevice& device,
                                   const std::optional<std::string>& discNamed) {
     if (!device.device())
         return;
+    const auto self = weak_from_this().lock(); // the delegate may drop the last reference
     tell(&QuarnDelegate::burnProgressDidStarted);
+    if (!self) {
+        refuseBurn();
+        return;
+    }
     const auto recording = currentPlatform()->recording;
     _burner = recording->burnForDevice(device.device());
     // Asked whether it knows its speeds, and asked again for them: the second answer counts.
@@ -17,10 +22,9 @@ void DataCDBurner::burnWithDevice(const QuarnerDevice& device,
     _burner->setProperties(burnSettings(knowsSpeeds ? device.availableBurnSpeeds() : std::nullopt));
     const std::shared_ptr<const DRTrack> track =
         recording->trackForRootFolder(rootFolder(discNamed.value_or("")));
-    DRLayout layout;
-    if (track)
-        layout.push_back(track);
-    writeOrRefuse(std::move(layout), track ? track->estimateLength() : 0, device);
+    const std::uint64_t freeBytes = device.freeSizeOfDisc();
+    const bool isFitting = track ? track->isEstimateBelow(freeBytes) : freeBytes > 0;
+    writeOrRefuse(track ? DRLayout{track} : DRLayout{}, isFitting);
 }
 
 std::shared_ptr<const DRFolder> DataCDBurner::rootFolder(const std::string& name) const {

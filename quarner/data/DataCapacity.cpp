@@ -9,7 +9,8 @@ std::uint64_t DataCDBurner::usedCapacity() const {
     const ContentList::Snapshot items = _content.snapshot();
     for (const BurnItemRef& item : items)
         if (const auto properties = propertyOfBurnItem(item))
-            bytes += valueFor(*properties, kQuarnItemRealFileSizeKey).asUInt64();
+            bytes += static_cast<std::uint64_t>(
+                valueFor(*properties, kQuarnItemRealFileSizeKey).asInt64());
     return bytes;
 }
 

@@ -38,6 +38,8 @@ inline constexpr char burnErrorDomain[] = "Quarn";
 ///
 /// The burner does not own its delegate, which must outlive every call that may reach it: set the
 /// burner's delegate to null, and let an add-files run that is under way end, before destroying it.
+///
+/// An operation must not throw. On a background thread an exception ends the program.
 class QUARNER_EXPORT QuarnDelegate {
 public:
     virtual ~QuarnDelegate();
@@ -58,10 +60,11 @@ public:
     virtual void burnItemDidSorted() {}
 
     // --- Adding files. Called on the background thread of the run, in this order; a run in which
-    // --- no file was accepted sends nothing. Never block the main thread meanwhile: the run waits
-    // --- for it once per file.
+    // --- no file was accepted sends nothing. Every call of `addFiles` starts a run of its own, and
+    // --- runs overlap: two of them may call the delegate on two threads at the same time. Never
+    // --- block the main thread while a run is under way: the run waits for it once per file.
 
-    /// First, once.
+    /// First, once. It may come before the call of `addFiles` returns.
     virtual void addFilesProgressDidStarted() {}
 
     /// `addFilesProgressDidChanged:index:of:` Once per file, before work on it begins: its display
@@ -80,17 +83,21 @@ public:
 
     // --- Burning. `burnProgressDidStarted` and the error of a burn that is refused at once come
     // --- on the thread that called `burnWithDevice`, before it returns; everything else on the
-    // --- run loop of that same thread. The last call is one of Done, Canceled, Error.
+    // --- run loop of that same thread. The last call is one of Done, Canceled, Error. A burn that
+    // --- is started from inside the last call is reported like any other, but `stopBurn` has no
+    // --- effect on it: start it after the call has returned.
 
-    /// First, once, also for a burn that is then refused.
+    /// First, once, also for a burn that is then refused. The burn cannot be stopped from inside
+    /// this call: `stopBurn` has no effect on it until `burnWithDevice` has returned.
     virtual void burnProgressDidStarted() {}
 
     /// `burnProgressDidError:` The burn could not start or failed. Ends the burn.
     virtual void burnProgressDidError(const BurnError& /*error*/) {}
 
     /// `burnProgressDidChanaged:lefttime:` The fraction complete of the phase under way (writing,
-    /// then verifying), 0.0 to 1.0, and the time left in it: blocks over blocks per second, so
-    /// seconds.
+    /// then verifying), 0.0 to 1.0, and the time left in it: the estimated blocks of the burn over
+    /// the current speed in blocks per second, times the fraction left, which gives whole seconds.
+    /// The time left is 0 on a data CD, while the speed is unknown or 0, and in the last second.
     virtual void burnProgressDidChanaged(double /*fraction*/, std::uint64_t /*lefttime*/) {}
 
     virtual void burnProgressIsPreparing() {}

@@ -38,8 +38,8 @@ public:
     /// The same for a data CD.
     static std::shared_ptr<Quarner> dataCDBurner();
 
-    /// A burner must be held by a shared pointer. One of this very class has only the neutral
-    /// answers.
+    /// A burner is to be held by a shared pointer: one that is not adds no files and refuses every
+    /// burn. One of this very class has only the neutral answers.
     Quarner();
     virtual ~Quarner();
     Quarner(const Quarner&) = delete;
@@ -49,12 +49,18 @@ public:
     bool addFile(const std::string& path);
 
     /// `addFiles:` Sorts the paths by the user's locale, sorts out what is already in the list and
-    /// what is not supported, and examines and adds the rest in the background, reporting to the
-    /// delegate. Answers whether any path was accepted for that; if none was, nothing is
+    /// what is not supported, and examines and adds the rest in a background run, reporting to the
+    /// delegate. Returns whether any path was accepted for that; if none was, nothing is
     /// reported. Neutral answer: false.
+    ///
+    /// Only what is in the list already counts as a duplicate: a path that the call names twice, or
+    /// that a run under way is about to add, is added twice. Paths are compared as texts and kept
+    /// as they are given: a relative path is resolved against the working directory of the moment
+    /// each time that the file is opened, while it is added and when it is burnt.
     virtual bool addFiles(const std::vector<std::string>& paths);
 
-    /// `cancelToAddFiles` Asks every run under way to stop before its next file. Any thread.
+    /// `cancelToAddFiles` Asks every run under way to stop before its next file. A call of
+    /// `addFiles` takes this back: a run that has not noticed it by then goes on. Any thread.
     void cancelToAddFiles();
 
     /// `removeItem:` Removes an item and reports `burnItemDidDelete`; does nothing for an item
@@ -107,7 +113,12 @@ public:
     /// `burnWithDevice:discNamed:` Starts to burn the compilation: closed session, overwriting
     /// what can be overwritten, verified, at the drive's highest speed. Reports
     /// `burnProgressDidStarted` at once, and the rest through the run loop of the calling thread,
-    /// which must keep running. A null name leaves the disc without a title.
+    /// which must keep running: call it on the main thread, or on another one that runs a loop
+    /// until the burn has ended. A null name leaves the disc without a title.
+    ///
+    /// A burn may be refused: `burnProgressDidError` with code 0 is then reported before the call
+    /// returns, and nothing is started. Without a drive the burn of an audio CD is refused; that of
+    /// a data CD reports nothing at all.
     ///
     /// Dropping the last reference to the burner does not stop the burn: it goes on unheard. Call
     /// this only when the burn before has ended: a burn that is replaced runs on and still reports

@@ -26,8 +26,11 @@ struct Platform {
 };
 
 /// Installs the platform of this process, once, before anything else of the framework is used
-/// (a test may replace it between two stories). Work that is under way keeps the services that it
-/// started with. Any thread.
+/// (a test may replace it between two cases). Any thread.
+///
+/// Work that is under way asks for the platform at each step. An add-files run examines its next
+/// file with the services that are installed then, and waits for the main thread of that platform.
+/// A burn stays with the recorder that it was started on, and a `QuarnerDevice` with its drive.
 QUARNER_EXPORT void installPlatform(Platform platform);
 
 /// The platform that is installed, every service present. Before `installPlatform`, the null

@@ -162,6 +162,13 @@ TYPED_TEST(BothBurnOrder, TheEndIsToldBeforeTheBurnIsNoLongerObserved) {
                                          "removeObserver DRBurnStatusChangedNotification"));
 }
 
+TYPED_TEST(BothBurnOrder, ABurnerThatIsDestroyedInMidBurnIsNoLongerRegistered) {
+    this->stepsOfBurn();
+    this->steps.clear();
+    this->burner.reset();
+    EXPECT_THAT(this->steps, ElementsAre("removeObserver DRBurnStatusChangedNotification"));
+}
+
 using AudioBurnOrder = BothBurnOrder<OpenAudioCDBurner>;
 
 TEST_F(AudioBurnOrder, TheSettingsComeAfterTheTitlesAndBeforeTheEstimate) {

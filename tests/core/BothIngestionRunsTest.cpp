@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <algorithm>
 #include <atomic>
+#include <functional>
 #include <thread>
+#include <utility>
 
+#include "quarner/platform/Platform.h"
 #include "tests/support/BurnerFixture.h"
 
 namespace quarner::testing {
@@ -94,6 +97,62 @@ TYPED_TEST(BothIngestionRuns, ANewCallUndoesACancelForTheRunsThatStillWait) {
     this->platform.backgroundQueue().release();
     this->finishRuns();
     EXPECT_EQ(this->count(), 4U);
+}
+
+TYPED_TEST(BothIngestionRuns, ACancelWhileThePathsAreSortedHasNoEffect) {
+    const std::vector<std::string> songs = this->manySongs("/s", 3);
+    this->platform.setCollation([this](const std::string& a, const std::string& b) {
+        this->burner->cancelToAddFiles();
+        return a.compare(b);
+    });
+    this->burner->addFiles(songs);
+    this->finishRuns();
+    EXPECT_EQ(this->count(), 3U);
+}
+
+TYPED_TEST(BothIngestionRuns, TwoRunsMayCallTheDelegateAtTheSameTime) {
+    std::atomic<int> inside = 0;
+    this->delegate.whenCalled = [&](const std::string& call) {
+        if (call != "addFilesProgressDidStarted")
+            return;
+        ++inside;
+        while (inside < 2) // neither call returns before the other one has come
+            std::this_thread::yield();
+    };
+    this->burner->addFiles(this->manySongs("/a", 1));
+    this->burner->addFiles(this->manySongs("/b", 1));
+    this->finishRuns();
+    EXPECT_EQ(this->count(), 2U);
+}
+
+/// Runs background work to its end before it returns, which is one of the orders that may come.
+class EagerDispatch : public DispatchService {
+public:
+    void asyncGlobal(std::function<void()> work) override { std::thread(std::move(work)).join(); }
+    void syncMain(std::function<void()> work) override { work(); }
+};
+
+TYPED_TEST(BothIngestionRuns, ARunMayBeginAndEndBeforeTheCallReturns) {
+    const std::vector<std::string> songs = this->manySongs("/s", 2);
+    Platform eager = *currentPlatform();
+    eager.dispatch = std::make_shared<EagerDispatch>();
+    installPlatform(eager);
+    EXPECT_TRUE(this->burner->addFiles(songs));
+    EXPECT_EQ(this->delegate.calls().front(), "addFilesProgressDidStarted");
+    EXPECT_EQ(this->delegate.calls().back(), "addFilesProgressDidEnd");
+    EXPECT_EQ(this->count(), 2U);
+}
+
+TYPED_TEST(BothIngestionRuns, ARunExaminesItsNextFileWithTheServicesThatAreInstalledThen) {
+    const std::vector<std::string> songs = this->manySongs("/s", 2);
+    Platform deaf = *currentPlatform();
+    deaf.media = nullptr;
+    this->platform.onCall(ServiceCall::MovieWithFile,
+                          [&](const std::string&) { installPlatform(deaf); });
+    this->burner->addFiles(songs);
+    this->finishRuns();
+    EXPECT_THAT(this->paths(), ElementsAre(songs[0]));
+    EXPECT_EQ(this->delegate.reports().front(), this->reportOf({songs[1]}));
 }
 
 TYPED_TEST(BothIngestionRuns, EachRunHasAReportOfItsOwn) {

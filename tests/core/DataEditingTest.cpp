@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include <limits>
+
 #include "tests/support/BurnerFixture.h"
 
 namespace quarner::testing {
@@ -46,6 +48,21 @@ TEST_F(DataEditing, TheCapacityIsThePlainSumOfTheSizes) {
         appendFile(size);
     EXPECT_EQ(burner->usedCapacity(), 2052U);
     EXPECT_FALSE(burner->isContentBlank());
+}
+
+TEST_F(DataEditing, ASizeIsReadAsASignedWholeNumber) {
+    const auto append = [this](const Value& size) {
+        const auto file = std::make_shared<DRFile>("/song.mp3");
+        file->setProperties({{kQuarnItemRealFileSizeKey, size}});
+        burner->_content.append(file);
+    };
+    append(10.75);
+    append(-1.5);
+    EXPECT_EQ(burner->usedCapacity(), 9U);
+    append("many");
+    EXPECT_EQ(burner->usedCapacity(), 9U);
+    append(1e19);
+    EXPECT_EQ(burner->usedCapacity(), 9U + std::uint64_t(std::numeric_limits<std::int64_t>::max()));
 }
 
 TEST_F(DataEditing, OnlyAByteBeyondTheFreeSizeOverflows) {

@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include <time.h>
+
 #include <algorithm>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <optional>
 #include <string_view>
 #include <utility>
 
+#include "adapters/isofs/JolietDiscs.h"
+#include "quarner/data/DataCDBurner.h"
 #include "tests/desktop/DesktopFixture.h"
 #include "tests/support/Program.h"
 
@@ -133,6 +138,44 @@ TEST_F(DesktopDataDisc, StoppingEndsInACancellationAndLeavesNoImage) {
     ASSERT_TRUE(runUntilCalled("burnProgressDidCanceled"));
     EXPECT_FALSE(std::filesystem::exists(image()));
     EXPECT_TRUE(drive.isDiscBlank());
+}
+
+/// A data burner that shows its list.
+class OpenDataCDBurner : public DataCDBurner {
+public:
+    using DataCDBurner::_content;
+};
+
+/// The processor time that this thread takes for work.
+double threadSecondsOf(const std::function<void()>& work) {
+    const auto now = [] {
+        timespec time = {};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+    };
+    const double start = now();
+    work();
+    return now() - start;
+}
+
+TEST_F(DesktopDataDisc, StartingTheBurnOfManyFilesDoesNotLayThemOutOnTheCallingThread) {
+    const QuarnerDevice drive(addDrive());
+    const auto many = std::make_shared<OpenDataCDBurner>();
+    many->setDelegate(&delegate);
+    const auto root = std::make_shared<DRFolder>("Mix");
+    root->setExplicitFilesystemMask(DRFilesystemMaskJoliet);
+    for (int i = 0; i < 2000; ++i) {
+        const std::string path = folder.write("song " + std::to_string(i) + ".mp3", "x");
+        const auto node = std::make_shared<DRFile>(path, *stampOfFile(path));
+        many->_content.append(node);
+        root->addChild(node);
+    }
+    const double ofLayout =
+        threadSecondsOf([&] { makeJolietDiscs()->trackForRootFolder(root)->estimateLength(); });
+    const double ofCall = threadSecondsOf([&] { many->burnWithDevice(drive, "Mix"); });
+    EXPECT_LT(ofCall, ofLayout / 5);
+    many->stopBurn();
+    EXPECT_TRUE(runUntilCalled("burnProgressDidCanceled"));
 }
 
 TEST_F(DesktopDataDisc, AFileThatIsGoneSinceItWasAddedFailsTheBurn) {
