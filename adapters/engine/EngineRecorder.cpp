@@ -11,7 +11,7 @@ EngineRecorder::EngineRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_p
                                                 std::make_shared<BurnThreads>(), std::move(clock)} {
 }
 
-EngineRecorder::~EngineRecorder() { _services.threads->shutDown(); }
+EngineRecorder::~EngineRecorder() { endBurns(); }
 
 std::shared_ptr<DRBurn> EngineRecorder::burnForDevice(std::shared_ptr<DRDevice> device) {
     return std::make_shared<EngineBurn>(_services, std::dynamic_pointer_cast<BurnTarget>(device));

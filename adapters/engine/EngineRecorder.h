@@ -30,6 +30,10 @@ protected:
     EngineRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<PCMService> pcm,
                    std::shared_ptr<DataDiscService> dataDiscs, Clock clock);
 
+    /// Cancels the burns that are under way and waits for their end; none is started any more. For
+    /// the destructor of a recorder that has something which its burns use. Not on a burn's thread.
+    void endBurns() { _services.threads->shutDown(); }
+
     const std::shared_ptr<RunLoops>& runLoops() const { return _runLoops; }
     /// Sends a notification of a drive to everybody who listens.
     void tell(const char* notification, std::shared_ptr<DRDevice> drive) const;

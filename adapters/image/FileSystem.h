@@ -8,6 +8,8 @@
 #include <span>
 #include <string>
 
+#include "adapters/engine/StopSignal.h"
+
 namespace quarner {
 
 /// A file that is written from its start to its end, once, and then read back. Used by one thread
@@ -54,11 +56,15 @@ public:
     FileSystem& operator=(const FileSystem&) = delete;
 
     /// Takes the lock that a path stands for, creating a file there. Fails with `DeviceBusy` when
-    /// another burn, of whatever process, holds it. A file system without locks gives none.
-    virtual std::unique_ptr<ImageLock> lock(const std::string& path) = 0;
+    /// another burn, of whatever process, holds it, and with the stop's reason once one was
+    /// requested. A file system without locks gives none.
+    virtual std::unique_ptr<ImageLock> lock(const std::string& path, const StopSignal& stop) = 0;
 
-    /// A new, empty file; one that was there is replaced.
-    virtual std::unique_ptr<ImageFile> create(const std::string& path) = 0;
+    /// Creates an empty file. Fails if there is anything at `path`. If there is a file at
+    /// `replaced`, the new one gets its permissions, and its owner and group as far as this user
+    /// may give them; at no time may anybody else open it.
+    virtual std::unique_ptr<ImageFile> create(const std::string& path,
+                                              const std::string& replaced) = 0;
 
     /// The content of a small file, read from the disk; nothing when there is none.
     virtual std::optional<std::string> content(const std::string& path) = 0;

@@ -107,7 +107,7 @@ void ImageDrive::unplug() {
 
 std::unique_ptr<SectorWriter> ImageDrive::claim(const DiscPlan& plan, const BurnSettings&,
                                                 const std::shared_ptr<StopSignal>& stop) {
-    std::unique_ptr<SectorWriter> writer = writerFor(plan);
+    std::unique_ptr<SectorWriter> writer = writerFor(plan, stop);
     {
         const std::lock_guard lock(_mutex);
         refuseUnlessReady(plan);
@@ -117,14 +117,15 @@ std::unique_ptr<SectorWriter> ImageDrive::claim(const DiscPlan& plan, const Burn
     return writer;
 }
 
-std::unique_ptr<SectorWriter> ImageDrive::writerFor(const DiscPlan& plan) const {
+std::unique_ptr<SectorWriter> ImageDrive::writerFor(const DiscPlan& plan,
+                                                    const std::shared_ptr<StopSignal>& stop) const {
     if (plan.sectorSize == dataBlockSize) {
         if (std::optional<IsoNames> names = isoNames(_path))
-            return std::make_unique<IsoWriter>(_files, std::move(*names));
+            return std::make_unique<IsoWriter>(_files, std::move(*names), stop);
         throw BurnFailure(DRError::WrongMedia, _path + ": a data disc needs the extension iso");
     }
     if (std::optional<ImageNames> names = imageNames(_path))
-        return std::make_unique<ImageWriter>(_files, std::move(*names));
+        return std::make_unique<ImageWriter>(_files, std::move(*names), stop);
     throw BurnFailure(DRError::WrongMedia, _path + ": an audio disc needs the extension cue");
 }
 

@@ -62,7 +62,8 @@ public:
 private:
     std::optional<Disc> disc() const;
     std::uint64_t freeBlocks(const Disc& disc) const;
-    std::unique_ptr<SectorWriter> writerFor(const DiscPlan& plan) const;
+    std::unique_ptr<SectorWriter> writerFor(const DiscPlan& plan,
+                                            const std::shared_ptr<StopSignal>& stop) const;
     void refuseUnlessReady(const DiscPlan& plan) const;
     void tellOfChange();
 

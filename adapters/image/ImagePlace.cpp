@@ -7,25 +7,29 @@
 #include <cerrno>
 
 #include "adapters/image/ReplacedFile.h"
+#include "adapters/posix/SystemCall.h"
 
 namespace quarner {
 namespace {
 
 void refuseClosedFolder(const std::string& folder) {
-    if (faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0)
+    const auto askAccess = [&] {
+        return faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS);
+    };
+    if (uninterrupted(askAccess) != 0)
         throw writeFailure(errno, "writing to the folder " + folder);
 }
 
 } // namespace
 
 void refuseUnfitPlace(const ImageNames& names) {
-    refuseOtherThanFile(names.cue);
-    refuseOtherThanFile(names.plainBin);
+    for (const std::string* file : {&names.cue, &names.plainBin, &names.newBin})
+        refuseIrreplaceable(*file);
     refuseClosedFolder(names.folder);
 }
 
 void refuseUnfitPlace(const IsoNames& names) {
-    refuseOtherThanFile(names.iso);
+    refuseIrreplaceable(names.iso);
     refuseClosedFolder(names.folder);
 }
 

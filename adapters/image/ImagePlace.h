@@ -11,8 +11,9 @@
 namespace quarner {
 
 /// Throws `BurnFailure` when no image can come to be under these names, as far as that can be told
-/// without writing anything: one of them is borne by something that is not a file, cannot be borne
-/// by any, or nothing may be written to the folder.
+/// without writing anything: at one of them there is something that is not a file, or a file that
+/// this user may not write to; no file can have such a name; or nothing may be written to the
+/// folder.
 void refuseUnfitPlace(const ImageNames& names);
 void refuseUnfitPlace(const IsoNames& names);
 

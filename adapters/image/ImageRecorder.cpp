@@ -13,6 +13,7 @@
 #include "adapters/image/CueSheet.h"
 #include "adapters/image/ImageNames.h"
 #include "adapters/image/IsoNames.h"
+#include "adapters/posix/SystemCall.h"
 #include "quarner/platform/DRKeys.h"
 
 namespace quarner {
@@ -32,7 +33,8 @@ std::optional<std::uint32_t> blocksOf(unsigned minutes) {
 /// Whether a file is in an image's place, as far as that can be told.
 bool isFileThere(const std::string& path) {
     struct stat found = {};
-    return stat(path.c_str(), &found) == 0 ? S_ISREG(found.st_mode) : errno != ENOENT;
+    const bool isFound = uninterrupted([&] { return stat(path.c_str(), &found); }) == 0;
+    return isFound ? S_ISREG(found.st_mode) : errno != ENOENT;
 }
 
 /// The blocks of the BIN that a CUE sheet names, when it consists of whole sectors of sound; 0 when
@@ -40,11 +42,9 @@ bool isFileThere(const std::string& path) {
 std::uint64_t blocksOfImage(FileSystem& files, const ImageNames& names) {
     const std::optional<std::string> sheet = files.content(names.cue);
     const std::optional<std::string> bin = sheet ? binNamedBy(*sheet) : std::nullopt;
-    struct stat found = {};
-    if (!bin || stat((names.folder + '/' + *bin).c_str(), &found) != 0 || found.st_size == 0 ||
-        found.st_size % audioSectorSize != 0)
-        return 0;
-    return static_cast<std::uint64_t>(found.st_size) / audioSectorSize;
+    const std::optional<FileStamp> found =
+        bin ? stampOfFile(names.folder + '/' + *bin) : std::nullopt;
+    return found && found->size % audioSectorSize == 0 ? found->size / audioSectorSize : 0;
 }
 
 std::uint64_t blocksOfImage(const IsoNames& names) {
@@ -73,6 +73,12 @@ ImageRecorder::ImageRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr
     : EngineRecorder(std::move(runLoops), std::move(pcm), std::move(parts.dataDiscs),
                      std::move(parts.clock)),
       _files(std::move(parts.files)) {}
+
+ImageRecorder::~ImageRecorder() {
+    endBurns(); // cancelled, rather than failed for want of a drive
+    for (const auto& drive : _drives)
+        drive->unplug();
+}
 
 std::shared_ptr<ImageDrive> ImageRecorder::add(const ImageDriveSettings& settings) {
     const std::optional<std::uint32_t> capacity = blocksOf(settings.minutes);

@@ -39,6 +39,8 @@ class ImageRecorder : public EngineRecorder {
 public:
     ImageRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<PCMService> pcm,
                   ImageRecorderParts parts = {});
+    /// Unplugs the drives: whoever still has one finds no disc in it.
+    ~ImageRecorder() override;
 
     /// Attaches a drive, named after its image and unlike the other drives. Null when the path
     /// does not name a CUE or ISO file, or the minutes are none of the two.

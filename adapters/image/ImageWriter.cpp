@@ -11,8 +11,9 @@
 
 namespace quarner {
 
-ImageWriter::ImageWriter(std::shared_ptr<FileSystem> files, ImageNames names)
-    : _files(std::move(files)), _names(std::move(names)) {}
+ImageWriter::ImageWriter(std::shared_ptr<FileSystem> files, ImageNames names,
+                         std::shared_ptr<const StopSignal> stop)
+    : _files(std::move(files)), _names(std::move(names)), _stop(std::move(stop)) {}
 
 ImageWriter::~ImageWriter() {
     _bin.reset();
@@ -26,12 +27,12 @@ ImageWriter::~ImageWriter() {
 
 void ImageWriter::openSession(const DiscPlan& plan) {
     refuseUnfitPlace(_names);
-    _lock = _files->lock(_names.lock);
+    _lock = _files->lock(_names.lock, *_stop);
     removeParts();
     if (!sheetNames(_names.newBin))
         _files->remove(_names.newBin);
     _plan = plan;
-    _bin = _files->create(_names.binPart);
+    _bin = _files->create(_names.binPart, replacedBin());
     _bin->reserve(plan.bytes());
 }
 
@@ -39,6 +40,13 @@ void ImageWriter::removeParts() {
     for (const std::string* part :
          {&_names.binPart, &_names.linkPart, &_names.cuePart, &_names.lastCuePart})
         _files->remove(*part);
+}
+
+/// The file whose permissions the new BIN gets: the sheet's where there is no BIN of ours.
+std::string ImageWriter::replacedBin() const {
+    if (sheetNames(_names.newBin))
+        return _names.newBin;
+    return isThere(_names.plainBin) ? _names.plainBin : _names.cue;
 }
 
 bool ImageWriter::sheetNames(const std::string& binPath) const {
@@ -57,7 +65,7 @@ void ImageWriter::closeSession() {
 
 void ImageWriter::writeSheet(const std::string& path, const std::string& binPath) {
     const std::string sheet = cueSheet(_plan, ImageNames::baseName(binPath));
-    const std::unique_ptr<ImageFile> file = _files->create(path);
+    const std::unique_ptr<ImageFile> file = _files->create(path, _names.cue);
     file->append(std::as_bytes(std::span(sheet)));
     file->sync();
 }
@@ -97,8 +105,17 @@ void ImageWriter::switchOver() {
         _files->syncFolder(_names.folder);
         _files->rename(_names.cuePart, _names.cue);
     } catch (const BurnFailure&) {
-        _files->remove(_firstBin);
+        removeFirstBin();
         throw;
+    }
+}
+
+/// Throws nothing: the reason why it has to go is the one to be told.
+void ImageWriter::removeFirstBin() {
+    try {
+        _files->remove(_firstBin);
+    } catch (const BurnFailure&) {
+        // The next burn replaces it.
     }
 }
 

@@ -15,7 +15,8 @@ namespace quarner {
 /// the CUE under the image's name either is not there or names a whole BIN that belongs to it.
 class ImageWriter : public SectorWriter {
 public:
-    ImageWriter(std::shared_ptr<FileSystem> files, ImageNames names);
+    ImageWriter(std::shared_ptr<FileSystem> files, ImageNames names,
+                std::shared_ptr<const StopSignal> stop);
     ~ImageWriter() override;
 
     void openSession(const DiscPlan& plan) override;
@@ -29,15 +30,18 @@ public:
 
 private:
     void removeParts();
+    std::string replacedBin() const;
     bool sheetNames(const std::string& binPath) const;
     bool needsSecondStep() const { return _firstBin == _names.newBin; }
     void writeSheet(const std::string& path, const std::string& binPath);
     void verifySheet(const std::string& path, const std::string& binPath);
     void switchOver();
+    void removeFirstBin();
     void moveToPlainName();
 
     const std::shared_ptr<FileSystem> _files;
     const ImageNames _names;
+    const std::shared_ptr<const StopSignal> _stop;
     std::unique_ptr<ImageLock> _lock;
     DiscPlan _plan;
     std::unique_ptr<ImageFile> _bin;

@@ -8,8 +8,9 @@
 
 namespace quarner {
 
-IsoWriter::IsoWriter(std::shared_ptr<FileSystem> files, IsoNames names)
-    : _files(std::move(files)), _names(std::move(names)) {}
+IsoWriter::IsoWriter(std::shared_ptr<FileSystem> files, IsoNames names,
+                     std::shared_ptr<const StopSignal> stop)
+    : _files(std::move(files)), _names(std::move(names)), _stop(std::move(stop)) {}
 
 IsoWriter::~IsoWriter() {
     _iso.reset();
@@ -23,10 +24,10 @@ IsoWriter::~IsoWriter() {
 
 void IsoWriter::openSession(const DiscPlan& plan) {
     refuseUnfitPlace(_names);
-    _lock = _files->lock(_names.lock);
+    _lock = _files->lock(_names.lock, *_stop);
     _files->remove(_names.part);
     _blockSize = plan.sectorSize;
-    _iso = _files->create(_names.part);
+    _iso = _files->create(_names.part, _names.iso);
     _iso->reserve(plan.bytes());
 }
 

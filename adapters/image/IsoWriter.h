@@ -13,7 +13,8 @@ namespace quarner {
 /// renamed to the image's own.
 class IsoWriter : public SectorWriter {
 public:
-    IsoWriter(std::shared_ptr<FileSystem> files, IsoNames names);
+    IsoWriter(std::shared_ptr<FileSystem> files, IsoNames names,
+              std::shared_ptr<const StopSignal> stop);
     ~IsoWriter() override;
 
     void openSession(const DiscPlan& plan) override;
@@ -28,6 +29,7 @@ public:
 private:
     const std::shared_ptr<FileSystem> _files;
     const IsoNames _names;
+    const std::shared_ptr<const StopSignal> _stop;
     std::unique_ptr<ImageLock> _lock;
     std::uint32_t _blockSize = 0;
     std::unique_ptr<ImageFile> _iso;

@@ -7,13 +7,17 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <span>
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/image/FileSystem.h"
 #include "adapters/image/PosixImageFile.h"
 #include "adapters/posix/FileDescriptor.h"
+#include "adapters/posix/RegularFile.h"
+#include "adapters/posix/SystemCall.h"
 
 namespace quarner {
 
@@ -28,27 +32,54 @@ public:
     PosixLock(std::string path, FileDescriptor file)
         : _path(std::move(path)), _file(std::move(file)) {}
     /// Removed before it is let go of: nobody else can have taken it then.
-    ~PosixLock() override { unlink(_path.c_str()); }
+    ~PosixLock() override {
+        uninterrupted([this] { return unlink(_path.c_str()); });
+    }
 
 private:
     const std::string _path;
     const FileDescriptor _file;
 };
 
+FileDescriptor openedLock(const std::string& path) {
+    constexpr mode_t readableByAll = 0666;
+    constexpr int flags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+    FileDescriptor file(uninterrupted([&] { return open(path.c_str(), flags, readableByAll); }));
+    if (!file.isOpen())
+        throw writeFailure(errno, "creating " + path);
+    return file;
+}
+
+void takeLock(const FileDescriptor& file, const std::string& path) {
+    if (uninterrupted([&] { return flock(file.number(), LOCK_EX | LOCK_NB); }) == 0)
+        return;
+    if (errno == EWOULDBLOCK)
+        throw BurnFailure(DRError::DeviceBusy, path + " is held by another burn");
+    const bool hasNoLocks = errno == ENOLCK || errno == EOPNOTSUPP || errno == ENOSYS;
+    if (!hasNoLocks)
+        throw writeFailure(errno, "locking " + path);
+}
+
 /// Whether the file is still the one at the path: its last holder may have removed it between the
 /// opening and the locking.
 bool isAtPath(const FileDescriptor& file, const std::string& path) {
     struct stat opened = {};
     struct stat found = {};
-    return fstat(file.number(), &opened) == 0 && stat(path.c_str(), &found) == 0 &&
-           opened.st_dev == found.st_dev && opened.st_ino == found.st_ino;
+    if (uninterrupted([&] { return fstat(file.number(), &opened); }) != 0)
+        throw writeFailure(errno, "locking " + path);
+    if (uninterrupted([&] { return stat(path.c_str(), &found); }) == 0)
+        return opened.st_dev == found.st_dev && opened.st_ino == found.st_ino;
+    if (errno != ENOENT)
+        throw writeFailure(errno, "locking " + path);
+    return false;
 }
 
 class PosixFileSystem : public FileSystem {
 public:
-    std::unique_ptr<ImageLock> lock(const std::string& path) override;
-    std::unique_ptr<ImageFile> create(const std::string& path) override {
-        return std::make_unique<PosixImageFile>(path);
+    std::unique_ptr<ImageLock> lock(const std::string& path, const StopSignal& stop) override;
+    std::unique_ptr<ImageFile> create(const std::string& path,
+                                      const std::string& replaced) override {
+        return std::make_unique<PosixImageFile>(path, replaced);
     }
     std::optional<std::string> content(const std::string& path) override;
     void rename(const std::string& from, const std::string& to) override;
@@ -57,61 +88,63 @@ public:
     void syncFolder(const std::string& folder) override;
 };
 
-std::unique_ptr<ImageLock> PosixFileSystem::lock(const std::string& path) {
-    constexpr mode_t readableByAll = 0666;
-    while (true) {
-        FileDescriptor file(
-            open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, readableByAll));
-        if (!file.isOpen())
-            throw writeFailure(errno, "creating " + path);
-        if (flock(file.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
-            throw BurnFailure(DRError::DeviceBusy, path + " is held by another burn");
+std::unique_ptr<ImageLock> PosixFileSystem::lock(const std::string& path, const StopSignal& stop) {
+    // Each holder that lets go in between costs one attempt. Some network file systems number a
+    // file anew each time that they are asked: there, no attempt would be the last.
+    constexpr int attempts = 100;
+    for (int i = 0; i < attempts; ++i) {
+        stop.throwIfRequested();
+        FileDescriptor file = openedLock(path);
+        takeLock(file, path);
         if (isAtPath(file, path))
             return std::make_unique<PosixLock>(path, std::move(file));
     }
+    throw BurnFailure(DRError::WriteFailed,
+                      "locking " + path + ": the file system does not keep the file there");
 }
 
 std::optional<std::string> PosixFileSystem::content(const std::string& path) {
     constexpr std::size_t most = std::size_t(1) << 20;
-    // A pipe of this name must not make anyone wait for its writer.
-    const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    if (!file.isOpen() && errno == ENOENT)
+    const RegularFile file(path);
+    if (file.error() == ENOENT)
         return std::nullopt;
-    if (!file.isOpen())
-        throw writeFailure(errno, "reading " + path); // before anything is written: no fault of it
+    if (!file.isOpen()) // before anything is written: no fault of it
+        throw writeFailure(file.error(), "reading " + path);
     std::string text;
     std::array<char, 4096> buffer = {};
     posix_fadvise(file.number(), 0, 0, POSIX_FADV_DONTNEED);
     ssize_t count = 1;
     while (count > 0 && text.size() < most) {
-        count = read(file.number(), buffer.data(), buffer.size());
+        count = file.read(std::as_writable_bytes(std::span(buffer)));
         if (count > 0)
             text.append(buffer.data(), static_cast<std::size_t>(count));
     }
     if (count < 0)
-        throw BurnFailure(DRError::ReadBackFailed, "reading " + path + " failed");
+        throw BurnFailure(DRError::ReadBackFailed,
+                          "reading " + path + ": " + std::generic_category().message(errno));
     return text;
 }
 
 void PosixFileSystem::rename(const std::string& from, const std::string& to) {
-    if (std::rename(from.c_str(), to.c_str()) != 0)
+    if (uninterrupted([&] { return std::rename(from.c_str(), to.c_str()); }) != 0)
         throw writeFailure(errno, "renaming " + from + " to " + to);
 }
 
 bool PosixFileSystem::link(const std::string& existing, const std::string& name) {
-    return ::link(existing.c_str(), name.c_str()) == 0;
+    return uninterrupted([&] { return ::link(existing.c_str(), name.c_str()); }) == 0;
 }
 
 void PosixFileSystem::remove(const std::string& path) {
-    if (unlink(path.c_str()) != 0 && errno != ENOENT)
+    if (uninterrupted([&] { return unlink(path.c_str()); }) != 0 && errno != ENOENT)
         throw writeFailure(errno, "removing " + path);
 }
 
 void PosixFileSystem::syncFolder(const std::string& folder) {
-    const FileDescriptor file(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    constexpr int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+    const FileDescriptor file(uninterrupted([&] { return open(folder.c_str(), flags); }));
     if (!file.isOpen())
         return; // a folder may be writable and yet not readable
-    if (fsync(file.number()) != 0 && errno != EINVAL)
+    if (uninterrupted([&] { return fsync(file.number()); }) != 0 && errno != EINVAL)
         throw writeFailure(errno, "writing " + folder);
 }
 

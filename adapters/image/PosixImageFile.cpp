@@ -10,17 +10,37 @@
 #include <system_error>
 
 #include "adapters/engine/BurnFailure.h"
+#include "adapters/image/ReplacedFile.h"
+#include "adapters/posix/SystemCall.h"
 
 namespace quarner {
 namespace {
 
 constexpr std::size_t bufferSize = std::size_t(1) << 20;
 constexpr std::uint64_t writeBackStep = std::uint64_t(8) << 20;
-constexpr int creation = O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW;
-constexpr mode_t readableByAll = 0666; // less what the umask takes
+FileDescriptor create(const std::string& path, mode_t mode) {
+    constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
+    FileDescriptor file(uninterrupted([&] { return open(path.c_str(), flags, mode); }));
+    if (!file.isOpen())
+        throw writeFailure(errno, "creating " + path);
+    return file;
+}
 
-FileDescriptor create(const std::string& path, int flags) {
-    return FileDescriptor(open(path.c_str(), creation | flags, readableByAll));
+/// Answers whether the file system takes that.
+bool enterDirectMode(const FileDescriptor& file) {
+    const int flags = fcntl(file.number(), F_GETFL);
+    return flags >= 0 && fcntl(file.number(), F_SETFL, flags | O_DIRECT) == 0;
+}
+
+/// Nobody else may open the file until it has the permissions of the one that it replaces.
+FileDescriptor createLike(const std::string& path, const std::string& replaced) {
+    constexpr mode_t readableByAll = 0666; // less what the umask takes
+    constexpr mode_t readableByOwner = 0600;
+    const std::optional<struct stat> old = statusOf(replaced);
+    FileDescriptor file = create(path, old ? readableByOwner : readableByAll);
+    if (old && !takeAccess(file, *old))
+        throw writeFailure(errno, "setting the permissions of " + path);
+    return file;
 }
 
 /// Some file systems accept the flag and refuse the reading or writing.
@@ -38,19 +58,18 @@ BurnFailure readFailure(int errorNumber, const std::string& path) {
 
 } // namespace
 
-PosixImageFile::PosixImageFile(const std::string& path)
-    : _path(path), _file(create(path, O_DIRECT)), _isDirect(_file.isOpen()), _buffer(bufferSize) {
-    if (!_isDirect && errno == EINVAL)
-        _file = create(path, 0);
-    if (!_file.isOpen())
-        throw writeFailure(errno, "creating " + path);
-}
+PosixImageFile::PosixImageFile(const std::string& path, const std::string& replaced)
+    : _path(path), _file(createLike(path, replaced)), _isDirect(enterDirectMode(_file)),
+      _buffer(bufferSize) {}
 
 void PosixImageFile::reserve(std::uint64_t size) {
-    constexpr int plain = 0;
-    if (fallocate(_file.number(), plain, 0, static_cast<off_t>(size)) == 0)
+    const auto allocate = [&] {
+        constexpr int plain = 0;
+        return fallocate(_file.number(), plain, 0, static_cast<off_t>(size));
+    };
+    if (uninterrupted(allocate) == 0)
         return;
-    if (errno != EOPNOTSUPP && errno != ENOSYS && errno != EINTR && errno != EINVAL)
+    if (errno != EOPNOTSUPP && errno != ENOSYS && errno != EINVAL)
         throw writeFailure(errno, "reserving space for " + _path);
 }
 
@@ -80,14 +99,17 @@ void PosixImageFile::flush() {
 void PosixImageFile::writeAll(std::span<const std::byte> bytes) {
     auto offset = static_cast<off_t>(_written);
     while (!bytes.empty()) {
-        const ssize_t count = pwrite(_file.number(), bytes.data(), bytes.size(), offset);
-        if (count < 0 && errno == EINVAL && leaveDirectMode(_file))
-            _isDirect = false;
-        else if (count < 0 && errno != EINTR)
-            throw writeFailure(errno, "writing " + _path);
-        else if (count >= 0) {
+        const ssize_t count = uninterrupted(
+            [&] { return pwrite(_file.number(), bytes.data(), bytes.size(), offset); });
+        if (count > 0) {
             bytes = bytes.subspan(static_cast<std::size_t>(count));
             offset += count;
+        } else if (count == 0) {
+            throw BurnFailure(DRError::WriteFailed, "writing " + _path + ": no byte is taken");
+        } else if (errno == EINVAL && leaveDirectMode(_file)) {
+            _isDirect = false;
+        } else {
+            throw writeFailure(errno, "writing " + _path);
         }
     }
 }
@@ -102,7 +124,9 @@ void PosixImageFile::startWriteBack() {
 
 void PosixImageFile::sync() {
     flush();
-    if (ftruncate(_file.number(), static_cast<off_t>(_written)) != 0 || fsync(_file.number()) != 0)
+    const auto cutOff = [this] { return ftruncate(_file.number(), static_cast<off_t>(_written)); };
+    const auto sync = [this] { return fsync(_file.number()); };
+    if (uninterrupted(cutOff) != 0 || uninterrupted(sync) != 0)
         throw writeFailure(errno, "writing " + _path);
     posix_fadvise(_file.number(), 0, 0, POSIX_FADV_DONTNEED);
     posix_fadvise(_file.number(), 0, 0, POSIX_FADV_SEQUENTIAL);
@@ -123,10 +147,10 @@ void PosixImageFile::readPart(std::uint64_t offset, std::span<std::byte> buffer,
                               std::size_t needed) const {
     std::size_t got = 0;
     while (got < needed) {
-        const ssize_t count = pread(_file.number(), buffer.data() + got, buffer.size() - got,
-                                    static_cast<off_t>(offset + got));
-        if (count < 0 && errno == EINTR)
-            continue;
+        const ssize_t count = uninterrupted([&] {
+            return pread(_file.number(), buffer.data() + got, buffer.size() - got,
+                         static_cast<off_t>(offset + got));
+        });
         if (count < 0 && (errno != EINVAL || !leaveDirectMode(_file)))
             throw readFailure(errno, _path);
         if (count == 0)

@@ -14,8 +14,8 @@ namespace quarner {
 /// asks the disk. Elsewhere the cache is told to write early and to forget before the reading.
 class PosixImageFile : public ImageFile {
 public:
-    /// Replaces a file that is there.
-    explicit PosixImageFile(const std::string& path);
+    /// See `FileSystem::create`.
+    PosixImageFile(const std::string& path, const std::string& replaced);
 
     void reserve(std::uint64_t size) override;
     void append(std::span<const std::byte> bytes) override;

@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "adapters/engine/BurnFailure.h"
-#include "adapters/posix/SourceFile.h"
+#include "adapters/posix/RegularFile.h"
 
 namespace quarner {
 
@@ -36,7 +36,7 @@ public:
 
 private:
     const std::string _path;
-    const SourceFile _file;
+    const RegularFile _file;
 };
 
 JolietTrackSource::JolietTrackSource(std::shared_ptr<const DRFolder> folder,

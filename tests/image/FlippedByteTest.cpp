@@ -15,8 +15,9 @@ public:
     FlippedByte(std::string ending, std::int64_t offset)
         : _ending(std::move(ending)), _offset(offset) {}
 
-    std::unique_ptr<ImageFile> create(const std::string& path) override {
-        auto file = ForwardingFiles::create(path);
+    std::unique_ptr<ImageFile> create(const std::string& path,
+                                      const std::string& replaced) override {
+        auto file = ForwardingFiles::create(path, replaced);
         if (!path.ends_with(_ending))
             return file;
         return std::make_unique<File>(std::move(file), path, _offset);

@@ -16,9 +16,12 @@ public:
     explicit ForwardingFiles(std::shared_ptr<FileSystem> files = posixFileSystem())
         : _files(std::move(files)) {}
 
-    std::unique_ptr<ImageLock> lock(const std::string& path) override { return _files->lock(path); }
-    std::unique_ptr<ImageFile> create(const std::string& path) override {
-        return _files->create(path);
+    std::unique_ptr<ImageLock> lock(const std::string& path, const StopSignal& stop) override {
+        return _files->lock(path, stop);
+    }
+    std::unique_ptr<ImageFile> create(const std::string& path,
+                                      const std::string& replaced) override {
+        return _files->create(path, replaced);
     }
     std::optional<std::string> content(const std::string& path) override {
         return _files->content(path);

@@ -58,7 +58,8 @@ protected:
 
 TEST_P(ImageFault, AnImageThatWasCutOffFailsTheVerification) {
     class CutOff : public ForwardingFiles {
-        std::unique_ptr<ImageFile> create(const std::string& path) override {
+        std::unique_ptr<ImageFile> create(const std::string& path,
+                                          const std::string& replaced) override {
             class File : public ForwardingFile {
             public:
                 File(std::unique_ptr<ImageFile> file, std::string name)
@@ -71,7 +72,7 @@ TEST_P(ImageFault, AnImageThatWasCutOffFailsTheVerification) {
             private:
                 const std::string _name;
             };
-            return std::make_unique<File>(ForwardingFiles::create(path), path);
+            return std::make_unique<File>(ForwardingFiles::create(path, replaced), path);
         }
     };
     useParts({.files = std::make_shared<CutOff>()});
@@ -216,13 +217,14 @@ TEST_P(ImageFault, AFullDiskIsToldBeforeAnythingIsRead) {
 
 TEST_P(ImageFault, ADiskThatFillsUpInMidBurnFailsIt) {
     class NothingReserved : public ForwardingFiles {
-        std::unique_ptr<ImageFile> create(const std::string& path) override {
+        std::unique_ptr<ImageFile> create(const std::string& path,
+                                          const std::string& replaced) override {
             class File : public ForwardingFile {
             public:
                 using ForwardingFile::ForwardingFile;
                 void reserve(std::uint64_t) override {}
             };
-            return std::make_unique<File>(ForwardingFiles::create(path));
+            return std::make_unique<File>(ForwardingFiles::create(path, replaced));
         }
     };
     useParts({.files = std::make_shared<NothingReserved>()});
@@ -272,7 +274,7 @@ TEST_P(ImageFault, OnlyASheetHasToBeReadableToBeReplaced) {
     std::filesystem::permissions(stage->sources.path(), std::filesystem::perms(0755));
     std::filesystem::permissions(stage->folder.path(), std::filesystem::perms(0777));
     std::ofstream(stage->image()) << "old";
-    std::filesystem::permissions(stage->image(), std::filesystem::perms(0));
+    std::filesystem::permissions(stage->image(), std::filesystem::perms(0222));
     const OrdinaryUser user;
     ASSERT_TRUE(user.isSet());
     const Outcome outcome = burn(layout);

@@ -20,13 +20,14 @@ class KillingFiles : public ForwardingFiles {
 public:
     KillingFiles(int calls, bool canLink) : _callsLeft(calls), _canLink(canLink) {}
 
-    std::unique_ptr<ImageLock> lock(const std::string& path) override {
+    std::unique_ptr<ImageLock> lock(const std::string& path, const StopSignal& stop) override {
         count();
-        return ForwardingFiles::lock(path);
+        return ForwardingFiles::lock(path, stop);
     }
-    std::unique_ptr<ImageFile> create(const std::string& path) override {
+    std::unique_ptr<ImageFile> create(const std::string& path,
+                                      const std::string& replaced) override {
         count();
-        return std::make_unique<File>(*this, ForwardingFiles::create(path));
+        return std::make_unique<File>(*this, ForwardingFiles::create(path, replaced));
     }
     void rename(const std::string& from, const std::string& to) override {
         count();

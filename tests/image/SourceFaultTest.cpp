@@ -4,7 +4,7 @@
 
 #include <fstream>
 
-#include "adapters/posix/SourceFile.h"
+#include "adapters/posix/RegularFile.h"
 #include "tests/image/ImageTest.h"
 #include "tests/support/Watchdog.h"
 
@@ -103,7 +103,7 @@ TEST_F(ReplacedSource, AFolderFailsTheBurn) {
 }
 
 TEST_F(ReplacedSource, ALinkToTheLogOfTheKernelFailsTheBurnInsteadOfHoldingItUp) {
-    const SourceFile log("/proc/kmsg");
+    const RegularFile log("/proc/kmsg");
     if (!log.isOpen())
         GTEST_SKIP() << "the log of the kernel cannot be opened here: " << log.problem();
     const Outcome outcome = burnAndReplace(

@@ -59,6 +59,27 @@ TEST_P(ProgramEveryKind, Is1WhenTheDiskIsFullAndTheOldImageStays) {
     EXPECT_THAT(names("."), ElementsAreArray(withImage({"a.mp3", "b.m4a"})));
 }
 
+TEST_P(ProgramEveryKind, AnImageWithoutPermissionIsNamedBeforeAnythingIsAddedAndStays) {
+    song("a.mp3");
+    const std::string open = makeFolder("open");
+    const std::string image = "open/" + imageFiles().back();
+    chmod(folder.path().c_str(), 0755);
+    chmod(open.c_str(), 0777);
+    writeContent(folder.file(image), "old");
+    chmod(folder.file(image).c_str(), 0444);
+    HostSettings settings;
+    if (geteuid() == 0)
+        settings.wrapper = {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"};
+    if (run({"--version"}, settings).status != 0)
+        GTEST_SKIP() << "the program cannot be run by another user from here";
+    const HostEnd end = run(commandLine({"a.mp3"}, "open/"), settings);
+    EXPECT_EQ(end.status, 2);
+    EXPECT_EQ(end.out, "");
+    EXPECT_THAT(end.err, HasSubstr(image + " may not be written to and is not replaced"));
+    EXPECT_EQ(contentOf(folder.file(image)), "old");
+    EXPECT_EQ(names("open").size(), 1U);
+}
+
 TEST_P(ProgramEveryKind, AFolderWithoutPermissionIsNamedWithWhatToDoBeforeAnythingIsAdded) {
     song("a.mp3");
     const std::string closed = makeFolder("closed");

@@ -23,11 +23,11 @@ namespace quarner {
 /// anybody: what is at a path may have been replaced by a FIFO, a device, a socket or a folder
 /// since it was looked at, and some files of the kernel wait for their next line. Used by one
 /// thread at a time.
-class SourceFile {
+class RegularFile {
 public:
     /// Opens the file at a path; symbolic links are followed. Anything but a regular file is
     /// refused without being read.
-    explicit SourceFile(const std::string& path) {
+    explicit RegularFile(const std::string& path) {
         struct stat found = {};
         // Before opening, too: to open some devices does something to them.
         if (uninterrupted([&] { return stat(path.c_str(), &found); }) != 0)

@@ -7,7 +7,7 @@
 #include <array>
 #include <cstring>
 
-#include "adapters/posix/SourceFile.h"
+#include "adapters/posix/RegularFile.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Watchdog.h"
 
@@ -15,10 +15,10 @@ namespace quarner {
 namespace {
 
 /// Every test ends in time, or is ended by the watchdog.
-class SourceFiles : public testing::Test {
+class RegularFiles : public testing::Test {
 protected:
     std::string problemOf(const std::string& path) const {
-        const SourceFile file(path);
+        const RegularFile file(path);
         EXPECT_FALSE(file.isOpen());
         EXPECT_EQ(file.stamp(), FileStamp());
         return file.problem();
@@ -35,8 +35,8 @@ private:
     const Watchdog _watchdog;
 };
 
-TEST_F(SourceFiles, ARegularFileIsReadToItsEndAlsoThroughALink) {
-    const SourceFile file(linkTo(folder.write("song", "abc")));
+TEST_F(RegularFiles, ARegularFileIsReadToItsEndAlsoThroughALink) {
+    const RegularFile file(linkTo(folder.write("song", "abc")));
     ASSERT_TRUE(file.isOpen()) << file.problem();
     EXPECT_EQ(file.problem(), "");
     EXPECT_EQ(file.read(buffer), 3);
@@ -44,31 +44,33 @@ TEST_F(SourceFiles, ARegularFileIsReadToItsEndAlsoThroughALink) {
     EXPECT_EQ(file.read(buffer), 0);
 }
 
-TEST_F(SourceFiles, TheStampIsThatOfTheOpenFileWhateverIsAtItsPathLater) {
+TEST_F(RegularFiles, TheStampIsThatOfTheOpenFileWhateverIsAtItsPathLater) {
     const std::string path = folder.write("song", "abc");
     const auto before = stampOfFile(path);
-    const SourceFile file(path);
+    const RegularFile file(path);
     std::filesystem::rename(folder.write("other", "abcdef"), path);
     EXPECT_EQ(file.stamp(), before);
     EXPECT_NE(stampOfFile(path), before);
 }
 
-TEST_F(SourceFiles, AFileThatIsNotThereIsAProblem) {
+TEST_F(RegularFiles, AFileThatIsNotThereIsAProblem) {
     EXPECT_EQ(problemOf(folder.file("none")), "No such file or directory");
 }
 
-TEST_F(SourceFiles, AFifoThatNobodyWritesToIsRefused) {
+TEST_F(RegularFiles, AFifoThatNobodyWritesToIsRefused) {
     ASSERT_EQ(mkfifo(folder.file("fifo").c_str(), 0600), 0);
     EXPECT_EQ(problemOf(folder.file("fifo")), "not a regular file");
 }
 
-TEST_F(SourceFiles, AFolderIsRefused) { EXPECT_EQ(problemOf(folder.path()), "not a regular file"); }
+TEST_F(RegularFiles, AFolderIsRefused) {
+    EXPECT_EQ(problemOf(folder.path()), "not a regular file");
+}
 
-TEST_F(SourceFiles, ADeviceBehindALinkIsRefused) {
+TEST_F(RegularFiles, ADeviceBehindALinkIsRefused) {
     EXPECT_EQ(problemOf(linkTo("/dev/zero")), "not a regular file");
 }
 
-TEST_F(SourceFiles, ASocketIsRefused) {
+TEST_F(RegularFiles, ASocketIsRefused) {
     sockaddr_un address = {};
     address.sun_family = AF_UNIX;
     folder.file("socket").copy(address.sun_path, sizeof(address.sun_path) - 1);
@@ -79,8 +81,8 @@ TEST_F(SourceFiles, ASocketIsRefused) {
 }
 
 /// It counts as a regular file, and a plain read of it waits for the kernel's next message.
-TEST_F(SourceFiles, TheLogOfTheKernelIsNotWaitedFor) {
-    const SourceFile file(linkTo("/proc/kmsg"));
+TEST_F(RegularFiles, TheLogOfTheKernelIsNotWaitedFor) {
+    const RegularFile file(linkTo("/proc/kmsg"));
     if (!file.isOpen())
         GTEST_SKIP() << "the log of the kernel cannot be opened here: " << file.problem();
     std::array<std::byte, 65536> large = {};
