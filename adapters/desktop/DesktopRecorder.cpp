@@ -14,6 +14,8 @@ DesktopRecorder::DesktopRecorder(const RecorderServices& services)
       _images(std::make_shared<ImageRecorder>(
           services.runLoops, services.pcm, ImageRecorderParts{.dataDiscs = services.dataDiscs})) {}
 
+DesktopRecorder::~DesktopRecorder() { endBurns(); } // before the two lose their drives
+
 std::vector<std::shared_ptr<DRDevice>> DesktopRecorder::devices() {
     std::vector<std::shared_ptr<DRDevice>> all = _optical->devices();
     const std::vector<std::shared_ptr<DRDevice>> images = _images->devices();

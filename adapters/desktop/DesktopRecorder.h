@@ -23,6 +23,7 @@ struct RecorderServices {
 class DesktopRecorder : public EngineRecorder {
 public:
     explicit DesktopRecorder(const RecorderServices& services);
+    ~DesktopRecorder() override;
 
     std::vector<std::shared_ptr<DRDevice>> devices() override;
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include <atomic>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -30,8 +31,14 @@ public:
         return center;
     }
 
+    /// Nothing is delivered afterwards. On another thread than the loop's, a delivery may still be
+    /// under way. Any thread.
+    void close() { _isClosed = true; }
+
 private:
     bool takeTurn(GMainContext* context) {
+        if (_isClosed)
+            return false;
         // A host may run a loop without having made it its thread's default: a handler finds the
         // centre that called it in any case.
         g_main_context_push_thread_default(context);
@@ -40,6 +47,7 @@ private:
         return hasPending();
     }
 
+    std::atomic<bool> _isClosed = false;
     std::optional<WakeSource> _source;
 };
 
@@ -57,9 +65,9 @@ public:
         return center;
     }
 
-    std::vector<std::shared_ptr<RunLoopCenter>> all() const {
+    std::vector<std::shared_ptr<GlibCenter>> all() const {
         const std::lock_guard lock(_mutex);
-        std::vector<std::shared_ptr<RunLoopCenter>> centers;
+        std::vector<std::shared_ptr<GlibCenter>> centers;
         for (const auto& [context, center] : _all)
             centers.push_back(center);
         return centers;
@@ -80,6 +88,13 @@ private:
 
 class GlibRunLoops : public RunLoops {
 public:
+    GlibRunLoops() = default;
+    /// Observers may keep a centre longer: it stays silent then.
+    ~GlibRunLoops() override {
+        for (const auto& center : _centers->all())
+            center->close();
+    }
+
     std::shared_ptr<RunLoopCenter> currentCenter() override {
         const ContextPtr context(g_main_context_ref_thread_default(), g_main_context_unref);
         return _centers->of(context.get());

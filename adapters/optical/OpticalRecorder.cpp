@@ -36,6 +36,12 @@ OpticalRecorder::OpticalRecorder(std::shared_ptr<RunLoops> runLoops,
         attach(record);
 }
 
+OpticalRecorder::~OpticalRecorder() {
+    endBurns(); // cancelled, rather than failed for want of a drive
+    for (const Drive& drive : drives())
+        drive->unplug();
+}
+
 std::vector<std::shared_ptr<DRDevice>> OpticalRecorder::devices() {
     if (!_hearsOfChanges)
         lookAfresh();

@@ -36,6 +36,8 @@ class OpticalRecorder final : public EngineRecorder, private DriveListener {
 public:
     OpticalRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<PCMService> pcm,
                     OpticalRecorderParts parts = {});
+    /// Unplugs the drives: whoever still has one finds no disc in it.
+    ~OpticalRecorder() override;
 
     /// In the order of their device files. A drive is named after its vendor and product, and
     /// unlike the other drives.

@@ -128,6 +128,29 @@ TEST_F(DesktopBurning, UninstallingDuringABurnLeavesNoHalfImage) {
                 AnyOf(ElementsAre("one.mp3"), ElementsAre("mix.bin", "mix.cue", "one.mp3")));
 }
 
+TEST_F(DesktopBurning, NothingIsReportedOfABurnAfterUninstalling) {
+    const QuarnerDevice drive(addDrive());
+    compile({put("60.00.mp3", "one.mp3")});
+    burner->burnWithDevice(drive, std::nullopt);
+    ASSERT_TRUE(runUntilCalled("burnProgressDidStarted"));
+    uninstallDesktopPlatform();
+    delegate.forget();
+    while (g_main_context_pending(nullptr) == TRUE)
+        g_main_context_iteration(nullptr, FALSE);
+    EXPECT_THAT(delegate.calls(), IsEmpty());
+}
+
+TEST_F(DesktopBurning, ABurnOnADriveOfAnUninstalledPlatformIsRefused) {
+    const QuarnerDevice drive(addDrive());
+    compile({put("five.mp3", "one.mp3")});
+    uninstallDesktopPlatform();
+    delegate.forget();
+    burner->burnWithDevice(drive, std::nullopt);
+    EXPECT_THAT(delegate.calls(),
+                ElementsAre("burnProgressDidStarted", "burnProgressDidError(Quarn, 0)"));
+    EXPECT_FALSE(drive.isDiscBlank());
+}
+
 std::mutex logMutex;
 std::vector<std::string> logLines;
 

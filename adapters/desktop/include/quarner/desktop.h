@@ -28,9 +28,16 @@ QUARNER_EXPORT void installDesktopPlatform();
 /// Ends the platform, on the main thread; the null platform takes its place. Runs that add files
 /// end without waiting for the main thread any more: they report the files that they did not get
 /// to as incompatible, and what had not begun is dropped. Burns are cancelled, which leaves no
-/// half image behind, and nothing is reported of it. When this returns, none of the framework's
-/// threads is at work any more. For a host that ends before its work does; a delegate must not
-/// wait for the main thread meanwhile.
+/// half image behind. After this has returned, no delegate is called because of them; on a thread
+/// with a loop of its own, a call may still be under way. The drives are unplugged: they have no
+/// disc, and a burn on a `QuarnerDevice` that the host still has is refused at once, with code 0.
+/// When this returns, none of the framework's threads is at work any more. For a host that ends
+/// before its work does; while this runs, a delegate must not wait for the main thread.
+///
+/// A host that returns from `main` during a burn without calling this ends as if it was killed. The
+/// image that was there stays as it was. The hidden files of the new one (`.mix.bin.part`,
+/// `.mix.bin.lock`) stay until the next burn to this image removes them. A disc that is being
+/// written is spoilt, and the tray may stay locked until the next burn on this drive or `eject`.
 QUARNER_EXPORT void uninstallDesktopPlatform();
 
 /// A drive whose disc is an image, to be added.
