@@ -2,6 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
 
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/engine/ReadAhead.h"
@@ -20,7 +23,7 @@ public:
             throw BurnFailure(DRError::SourceChanged, "changed");
     }
     void read(std::span<std::byte> buffer) override {
-        while (waitsFor != nullptr && waitsFor->bytesRead == 0)
+        while (waitsFor != nullptr && waitsFor->bytesRead < waitsForBytes && !isReleased)
             std::this_thread::sleep_for(1ms);
         std::fill(buffer.begin(), buffer.end(), std::byte(_number));
         bytesRead += buffer.size();
@@ -28,7 +31,9 @@ public:
     void close() override {}
 
     bool failsAtTheEnd = false;
-    const NumberSource* waitsFor = nullptr; ///< nothing is read before something of it was
+    const NumberSource* waitsFor = nullptr; ///< nothing is read before so much of it was
+    std::uint64_t waitsForBytes = 1;
+    std::atomic<bool> isReleased = false; ///< waits no longer
     std::atomic<std::uint64_t> bytesRead = 0;
 
 private:
@@ -85,6 +90,25 @@ TEST_F(ReadAheadTest, ReadsASecondTrackMeanwhileAndNoFurtherThanItsMemory) {
         std::this_thread::sleep_for(50ms);
     } while (bytesRead() != before);
     EXPECT_LE(before, ReadAhead::pieces * pieceSize);
+}
+
+/// Without the reserve, the second track takes each buffer that the writer returns.
+TEST_F(ReadAheadTest, TheTrackBeingWrittenGetsMemoryHoweverFarTheNextOneIsReadAhead) {
+    makeTracks({100'000, 100'000, 100'000});
+    source(0).waitsFor = &source(1);
+    source(0).waitsForBytes = (ReadAhead::pieces - ReadAhead::pieces / 8 - 1) * pieceSize;
+    ReadAhead ahead(plan, sources, 2, stop.get_token());
+    const std::jthread watchdog([this](const std::stop_token& isOver) {
+        std::mutex mutex;
+        std::unique_lock lock(mutex);
+        std::condition_variable_any().wait_for(lock, isOver, 1s, [] { return false; });
+        source(0).isReleased = true;
+        stop.request_stop();
+    });
+    std::uint64_t bytes = 0;
+    for (auto piece = ahead.next(); !piece.empty(); piece = ahead.next())
+        bytes += piece.size();
+    EXPECT_EQ(bytes, 100'000U * sectorSize) << "the first track waits for memory";
 }
 
 TEST_F(ReadAheadTest, AFailureComesOutAfterWhatWasRead) {
