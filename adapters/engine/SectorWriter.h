@@ -9,10 +9,12 @@
 
 namespace quarner {
 
-/// What takes the sectors of one burn, and gives them back for verification. Every operation is
-/// called on the burn's thread, in the order in which they stand here, unless its comment says
-/// otherwise, and throws `BurnFailure` when it cannot do its work. Destroying a writer that was not
-/// committed abandons the burn: what can be undone is undone, and nothing stays locked or held.
+/// Takes the sectors of one burn and returns them for verification. Called in this order:
+/// `openSession`, `write` until the plan is complete, `closeSession`, `finish`; if the burn is
+/// verified, `verifyTableOfContents`, then `readBack` for each part of the disc; last `commit`.
+/// Called on the burn's thread, except `readBack`. Each operation throws `BurnFailure` if it fails;
+/// no other follows then. Destroying a writer that was not committed abandons the burn: what can
+/// be undone is undone, and nothing stays locked or held.
 class SectorWriter {
 public:
     SectorWriter() = default;
@@ -33,16 +35,17 @@ public:
     /// Returns when everything has reached the medium.
     virtual void finish() = 0;
 
-    /// How many threads may call `readBack` at once.
+    /// Compares what `closeSession` added with what it should be, and prepares reading back.
+    virtual void verifyTableOfContents() = 0;
+
+    /// The number of threads that may call `readBack` at once.
     virtual unsigned readers() const { return 1; }
 
     /// Reads sectors from the medium itself, not from a copy in memory: those from `firstSector`
     /// on, which is a multiple of `Checksums::sectorsPerBlock`, until the buffer is full. The
-    /// buffer is at least as large and as aligned as a `SectorBuffer`.
+    /// buffer is at least as large and as aligned as a `SectorBuffer`. Called on any thread, in any
+    /// order, by as many threads at once as `readers` allows.
     virtual void readBack(std::uint64_t firstSector, std::span<std::byte> buffer) = 0;
-
-    /// Compares what `closeSession` added with what it should be.
-    virtual void verifyTableOfContents() = 0;
 
     /// Makes the disc valid. A burn is not stopped any more once this was called.
     virtual void commit() = 0;
