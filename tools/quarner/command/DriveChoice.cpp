@@ -86,7 +86,11 @@ void checkExtension(const std::string& name, std::optional<DiscKind> kind) {
 
 void checkFolder(const fs::path& folder) {
     std::error_code error;
-    if (fs::is_directory(folder, error))
+    bool isFolder = false;
+    do
+        isFolder = fs::is_directory(folder, error);
+    while (error == std::errc::interrupted);
+    if (isFolder)
         return;
     const std::string name = "the folder '" + safeText(folder.string()) + "' ";
     if (error && error != std::errc::no_such_file_or_directory)

@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <cerrno>
+#include <map>
+#include <system_error>
+
+#include "tests/cli/program/EveryKind.h"
+#include "tests/support/Program.h"
+
+namespace quarner::testing {
+namespace {
+
+using ::testing::AnyOf;
+using ::testing::ElementsAreArray;
+using ::testing::HasSubstr;
+
+/// A call that goes wrong: see preload/FailingCalls.cpp.
+struct Fault {
+    std::string call;
+    int number;
+    std::string how;
+    std::string when;
+
+    std::string text() const {
+        return call + ' ' + std::to_string(number) + ' ' + how + ' ' + when;
+    }
+    /// Whether the program has to get over it.
+    bool isHarmless() const { return how == "EINTR" || how == "short"; }
+    /// FFmpeg gives up when a signal interrupts it while it opens a file.
+    bool isFFmpegs(const std::string& path) const {
+        return path == "songs" && (call == "open" || call == "fstat");
+    }
+};
+
+/// Whether each call is let go wrong, which takes minutes, or a choice of them.
+bool isThorough() { return std::getenv("QUARNER_EVERY_FAULT") != nullptr; }
+
+/// The numbers of the calls to try: the first, the last, and some in between.
+std::vector<int> numbersUpTo(int count) {
+    constexpr int most = 3;
+    const int step = isThorough() ? 1 : std::max(1, (count + most - 1) / most);
+    std::vector<int> numbers;
+    for (int number = 1; number < count; number += step)
+        numbers.push_back(number);
+    numbers.push_back(count);
+    return numbers;
+}
+
+std::vector<std::pair<std::string, std::string>> waysToFail(const std::string& call) {
+    std::vector<std::pair<std::string, std::string>> ways = {
+        {"EIO", "once"}, {"ENOSPC", "always"}, {"EINTR", "once"}};
+    if (call.ends_with("read") || call.ends_with("write"))
+        ways.insert(ways.end(), {{"short", "once"}, {"zero", "once"}});
+    if (isThorough())
+        ways.insert(ways.end(), {{"EIO", "always"}, {"ENOSPC", "once"}});
+    if (isThorough() && ways.size() > 5)
+        ways.emplace_back("short", "always");
+    return ways;
+}
+
+/// Burns over an old image while calls of the system fail. The image is the old one or the new one
+/// each time, as the exit status says, and the next burn clears away what is left.
+class ProgramFaults : public EveryKind {
+protected:
+    ProgramFaults() {
+        for (const char* name : {"images", "songs"})
+            makeFolder(name);
+        song("songs/old.m4a", 2);
+        song("songs/one.mp3", 2);
+        song("songs/two.m4a", 2);
+        EXPECT_EQ(run(commandLine({"songs/two.m4a", "songs/one.mp3"}, "images/")).status, 0);
+        _new = sourcesOnDisc();
+        EXPECT_EQ(run(commandLine({"songs/old.m4a"}, "images/")).status, 0);
+        for (const std::string& name : names("images"))
+            _old[name] = contentOf(inImages(name));
+    }
+
+    /// Burns with each fault of the calls that concern paths with this text.
+    void burnWithFaultsAt(const std::string& path) {
+        for (const auto& [call, count] : callsAt(path))
+            for (const int number : numbersUpTo(count))
+                for (const auto& [how, when] : waysToFail(call))
+                    burnWith({call, number, how, when}, path);
+    }
+
+private:
+    std::string inImages(const std::string& name) const { return folder.file("images/" + name); }
+
+    void restoreOldImage() const {
+        std::filesystem::remove_all(folder.file("images"));
+        makeFolder("images");
+        for (const auto& [name, content] : _old)
+            writeContent(inImages(name), content);
+    }
+
+    HostEnd burnUnder(const std::string& fault) const {
+        HostSettings settings;
+        // First: the library of the machine's drives calls the C library past the ones behind it.
+        settings.preloads.insert(settings.preloads.begin(), FAILING_CALLS);
+        settings.environment.push_back("QUARNER_FAULT=" + fault);
+        settings.environment.push_back("QUARNER_FAULT_LOG=" + folder.file("log"));
+        std::filesystem::remove(folder.file("log"));
+        return run(commandLine({"songs/two.m4a", "songs/one.mp3"}, "images/"), settings);
+    }
+
+    /// How often a burn makes each call.
+    std::map<std::string, int> callsAt(const std::string& path) const {
+        restoreOldImage();
+        EXPECT_EQ(burnUnder("none 0 EIO once " + path).status, 0);
+        std::map<std::string, int> counts;
+        for (const std::string& call : lines(contentOf(folder.file("log"))))
+            ++counts[call];
+        EXPECT_GE(counts.size(), 4U);
+        return counts;
+    }
+
+    void burnWith(const Fault& fault, const std::string& path) {
+        SCOPED_TRACE(fault.text());
+        restoreOldImage();
+        const HostEnd end = burnUnder(fault.text() + ' ' + path);
+        EXPECT_EQ(end.out.find("Burnt and verified") != std::string::npos, end.status == 0);
+        if (end.status == 0)
+            EXPECT_TRUE(sourcesOnDisc() == _new) << "the new image is whole";
+        else
+            expectOldImage(end, fault, fault.isHarmless() && !fault.isFFmpegs(path));
+        if (names("images") != imageFiles())
+            expectNextBurnToClearUp();
+    }
+
+    void expectOldImage(const HostEnd& end, const Fault& fault, bool isHarmless) const {
+        EXPECT_FALSE(isHarmless) << end.err;
+        EXPECT_THAT(end.status, AnyOf(1, 2, 3)) << end.err;
+        for (const auto& [name, content] : _old)
+            EXPECT_TRUE(contentOf(inImages(name)) == content) << name << " is the old one";
+        EXPECT_THAT(end.err, AnyOf(HasSubstr("images"), HasSubstr("songs/")))
+            << "the file is named";
+        if (fault.how == "EIO" || fault.how == "ENOSPC") {
+            const int number = fault.how == "EIO" ? EIO : ENOSPC;
+            const std::string cause = std::generic_category().message(number);
+            EXPECT_THAT(end.err, AnyOf(HasSubstr(cause), HasSubstr("songs/"))) << "so is the cause";
+        }
+    }
+
+    void expectNextBurnToClearUp() const {
+        EXPECT_EQ(run(commandLine({"songs/two.m4a", "songs/one.mp3"}, "images/")).status, 0);
+        EXPECT_TRUE(sourcesOnDisc() == _new);
+        EXPECT_THAT(names("images"), ElementsAreArray(imageFiles()));
+    }
+
+    /// What the image holds of the sources: their files, or their sound and where it lies.
+    std::string sourcesOnDisc() const {
+        if (isData())
+            return runProgram({"bsdtar", "-xOf", inImages("mix.iso")}).output;
+        std::string sheet = contentOf(inImages("mix.cue"));
+        const std::size_t start = sheet.find('"', sheet.find("FILE ")) + 1;
+        const std::size_t size = sheet.find('"', start) - start;
+        const std::string bin = sheet.substr(start, size);
+        return sheet.replace(start, size, "") + contentOf(inImages(bin));
+    }
+
+    std::string _new;
+    std::map<std::string, std::string> _old;
+};
+
+TEST_P(ProgramFaults, OfTheImageLeaveTheOldOneOrTheNewOne) { burnWithFaultsAt("images"); }
+
+TEST_P(ProgramFaults, OfTheSourcesLeaveTheOldImageOrTheNewOne) { burnWithFaultsAt("songs"); }
+
+INSTANTIATE_TEST_SUITE_P(OfEveryKind, ProgramFaults,
+                         ::testing::Values(cli::DiscKind::Audio, cli::DiscKind::Data), kindName);
+
+} // namespace
+} // namespace quarner::testing
