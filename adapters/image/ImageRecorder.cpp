@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "adapters/engine/BurnFailure.h"
-#include "adapters/engine/ReadableName.h"
+#include "adapters/engine/Utf8.h"
 #include "adapters/image/CueSheet.h"
 #include "adapters/image/ImageNames.h"
 #include "adapters/image/IsoNames.h"

@@ -3,11 +3,14 @@
 
 #include <glib.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+
+#include "adapters/engine/Utf8.h"
 
 namespace quarner {
 namespace {
@@ -26,14 +29,9 @@ std::size_t unitsOf(std::u32string_view text) {
 /// Decodes UTF-8; every byte that does not belong to a valid character becomes an underscore.
 std::u32string decoded(const std::string& text) {
     std::u32string characters;
-    const char* at = text.data();
-    const char* const end = at + text.size();
-    while (at < end) {
-        const gunichar character = g_utf8_get_char_validated(at, end - at);
-        const bool isValid = character < 0x110000 && character != 0;
-        characters += isValid ? static_cast<char32_t>(character) : U'_';
-        at += isValid ? g_utf8_skip[static_cast<unsigned char>(*at)] : 1;
-    }
+    for (std::string_view rest = text; !rest.empty();)
+        characters += takeCharacter(rest).value_or(U'\0');
+    std::replace(characters.begin(), characters.end(), U'\0', U'_');
     return characters;
 }
 

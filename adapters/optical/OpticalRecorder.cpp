@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "adapters/engine/ReadableName.h"
+#include "adapters/engine/Utf8.h"
 #include "quarner/platform/DRKeys.h"
 
 namespace quarner {

@@ -6,7 +6,7 @@
 #include <set>
 #include <vector>
 
-#include "adapters/engine/ReadableName.h"
+#include "adapters/engine/Utf8.h"
 #include "adapters/image/ImageNames.h"
 #include "adapters/image/IsoNames.h"
 #include "tests/support/TemporaryFolder.h"
@@ -130,18 +130,6 @@ TEST(ImageNames, ALinkThatLeadsNowhereAtAllEndsTheSearch) {
 
 TEST(ImageNames, ARelativePathCountsFromTheWorkingDirectory) {
     EXPECT_EQ(imageNames("mix.cue")->cue, (std::filesystem::current_path() / "mix.cue").string());
-}
-
-TEST(ReadableName, IsValidUTF8) {
-    EXPECT_EQ(readableName("Grüße 日本 🎵.cue"), "Grüße 日本 🎵.cue");
-    EXPECT_EQ(readableName("a\xFF"
-                           "b\xC3"),
-              "a\uFFFD"
-              "b\uFFFD");
-    EXPECT_EQ(readableName("\xED\xA0\x80"), "\uFFFD\uFFFD\uFFFD") << "a surrogate";
-    EXPECT_EQ(readableName("\xC0\xAF\xE0\x80\xAF\xF4\x90\x80\x80").find('/'), std::string::npos);
-    EXPECT_EQ(readableName("a\nb"), "a\uFFFD"
-                                    "b");
 }
 
 } // namespace

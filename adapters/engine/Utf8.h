@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quarner {
+
+/// Takes the first character off a text that is not empty. Returns `std::nullopt`, and takes one
+/// byte, if the text does not begin with valid UTF-8.
+std::optional<char32_t> takeCharacter(std::string_view& text);
+
+/// A file name as valid UTF-8: what is not becomes U+FFFD, byte by byte, and control characters as
+/// well.
+std::string readableName(std::string_view name);
+
+} // namespace quarner
