@@ -4,8 +4,7 @@
 
 #include <sstream>
 
-#include "tools/quarner/view/PlainView.h"
-#include "tools/quarner/view/TerminalView.h"
+#include "tools/quarner/view/PeopleView.h"
 
 namespace quarner::cli {
 namespace {

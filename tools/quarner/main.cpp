@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "quarner/desktop.h"
-#include "tools/quarner/command/BurnAdvice.h"
+#include "tools/quarner/command/BurnProblems.h"
 #include "tools/quarner/command/Run.h"
 #include "tools/quarner/host/Diagnostics.h"
 #include "tools/quarner/host/Interruptions.h"

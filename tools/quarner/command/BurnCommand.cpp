@@ -5,8 +5,7 @@
 #include <utility>
 
 #include "quarner/platform/DRErrors.h"
-#include "tools/quarner/command/BurnAdvice.h"
-#include "tools/quarner/command/DiscObstacle.h"
+#include "tools/quarner/command/BurnProblems.h"
 #include "tools/quarner/command/DriveChoice.h"
 #include "tools/quarner/command/Refusals.h"
 #include "tools/quarner/host/FailureDetail.h"
@@ -75,10 +74,9 @@ BurnCommand::Outcome BurnCommand::perform() {
 
 /// The end where the burn need not be begun.
 std::optional<BurnCommand::Outcome> BurnCommand::hindrance(const Compilation& compiled) const {
-    const std::string obstacle =
-        _options.target.image ? std::string() : discObstacle(_host, _device);
-    if (!obstacle.empty())
-        return Outcome{ExitStatus::Failed, "nothing was burnt: " + obstacle};
+    const std::string problem = _options.target.image ? std::string() : discProblem(_host, _device);
+    if (!problem.empty())
+        return Outcome{ExitStatus::Failed, "nothing was burnt: " + problem};
     if (compiled.overflow)
         return overflow(compiled);
     if (_options.kind == DiscKind::Audio && compiled.items.size() > mostTracks)

@@ -10,8 +10,7 @@
 #include "tools/quarner/command/WatchCommand.h"
 #include "tools/quarner/text/JsonLine.h"
 #include "tools/quarner/view/JsonView.h"
-#include "tools/quarner/view/PlainView.h"
-#include "tools/quarner/view/TerminalView.h"
+#include "tools/quarner/view/PeopleView.h"
 
 namespace quarner::cli {
 namespace {

@@ -25,8 +25,7 @@ struct BurnStep {
     std::string text() const; ///< "Writing track 2 of 9"
 };
 
-/// The two views for people: the same texts, on a terminal with a line that is drawn over and
-/// over, elsewhere as plain lines.
+/// What the two views for people have in common.
 class PeopleView : public View {
 public:
     /// The console must outlive the view.
@@ -59,6 +58,36 @@ private:
     Console& _console;
     BurnStep _step;
     bool _hasNewProgress = false;
+};
+
+/// For a file or a pipe: a line for each file that is added, for each step of the burn, and for
+/// every tenth of its progress.
+class PlainView : public PeopleView {
+public:
+    using PeopleView::PeopleView;
+
+    void addFilesProgressDidChanged(const std::string& displayName, std::int64_t index,
+                                    std::uint64_t of) override;
+
+protected:
+    void show(const BurnStep& step) override;
+
+private:
+    std::string _lastStep;
+    int _lastTenth = 0;
+};
+
+/// For a terminal: the file being added, and later the progress bar, in one line that is drawn
+/// over and over.
+class TerminalView : public PeopleView {
+public:
+    using PeopleView::PeopleView;
+
+    void addFilesProgressDidChanged(const std::string& displayName, std::int64_t index,
+                                    std::uint64_t of) override;
+
+protected:
+    void show(const BurnStep& step) override;
 };
 
 } // namespace quarner::cli

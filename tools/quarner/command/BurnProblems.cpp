@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "tools/quarner/command/BurnAdvice.h"
+#include "tools/quarner/command/BurnProblems.h"
 
 #include <string_view>
 
 #include "quarner/platform/DRErrors.h"
 #include "quarner/util/MultiMedia.h"
+#include "tools/quarner/command/DriveChoice.h"
 #include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
@@ -49,6 +50,19 @@ std::string_view adviceFor(DRError error) {
     return {};
 }
 
+std::string explained(DRError error) { return explainedFailure(signedCode(error), "", 0); }
+
+/// By which a drive seems to have no disc.
+std::string reasonForNoDisc(const Host& host, const QuarnerDevice& device) {
+    const std::string drive = device.deviceName().value_or("");
+    if (!isAttached(drive))
+        return std::string(textForBurnErrorCode(signedCode(DRError::DeviceVanished)));
+    if (device.isCheckingDisc())
+        return "the drive still examines the disc.\nTry again when it is done.";
+    const std::string problem = host.accessProblem(drive);
+    return problem.empty() ? explained(DRError::MediaNotPresent) : problemText(drive, problem);
+}
+
 } // namespace
 
 std::string adviceForFailedBurn(std::int64_t code, std::uint64_t imageBytes) {
@@ -67,6 +81,16 @@ std::string explainedFailure(std::int64_t code, const std::string& detail,
         text += " (" + safeText(detail) + ")";
     const std::string advice = adviceForFailedBurn(code, imageBytes);
     return advice.empty() ? text : text + "\n" + advice;
+}
+
+std::string discProblem(const Host& host, const QuarnerDevice& device) {
+    if (!device.isDiscInDevice())
+        return reasonForNoDisc(host, device);
+    if (!device.isCDDisc())
+        return explained(DRError::WrongMedia);
+    const bool isWritable =
+        device.isDiscBlank() || device.isDiscErasable() || device.isDiscOverwritable();
+    return isWritable ? "" : explained(DRError::MediaNotWritable);
 }
 
 } // namespace quarner::cli

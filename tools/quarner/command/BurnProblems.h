@@ -4,6 +4,9 @@
 #include <cstdint>
 #include <string>
 
+#include "quarner/device/QuarnerDevice.h"
+#include "tools/quarner/host/Host.h"
+
 namespace quarner::cli {
 
 /// What somebody whose burn failed with this code can do about it, as a sentence; the image would
@@ -14,5 +17,9 @@ std::string adviceForFailedBurn(std::int64_t code, std::uint64_t imageBytes);
 /// it is empty, and on a line of its own what can be done.
 std::string explainedFailure(std::int64_t code, const std::string& detail,
                              std::uint64_t imageBytes);
+
+/// Returns what keeps the disc in a drive from being burnt, whatever is to be on it, and what can
+/// be done; an empty text if nothing does.
+std::string discProblem(const Host& host, const QuarnerDevice& device);
 
 } // namespace quarner::cli

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "adapters/optical/DiscTable.h"
+#include "adapters/optical/TocCheck.h"
 
 #include <algorithm>
 #include <vector>
