@@ -63,22 +63,28 @@ void SampleOffset::add(std::span<const std::byte> sectors) {
     }
     if (!_isSilent)
         _sound.extend(_sound.first + soundSamples, place, sectors);
-    if (_added > _sound.end() && _sound.first < mostSamples)
-        addChange(place, sectors);
+    const bool isWhole = std::int64_t(_sound.samples.size()) == soundSamples;
+    if (_seeksChange && isWhole && _sound.first < mostSamples)
+        seekChange(place, sectors);
 }
 
-/// Looks on in steps in which no change falls between two of them, until something has changed.
-void SampleOffset::addChange(std::int64_t place, std::span<const std::byte> sectors) {
+/// Moves on in steps in which no change falls between two of them, until something has changed.
+/// Each step is compared once: to compare again at every call would take minutes over a whole disc.
+void SampleOffset::seekChange(std::int64_t place, std::span<const std::byte> sectors) {
     constexpr std::int64_t step = soundSamples / 2;
-    if (_change.samples.empty() && isSteady(_sound))
-        _change = _sound;
-    if (_change.samples.empty())
-        return;
-    _change.extend(_change.first + soundSamples, place, sectors);
-    while (_added > _change.end() && isSteady(_change)) {
+    if (_change.samples.empty()) {
+        _seeksChange = isSteady(_sound);
+        _change = _seeksChange ? _sound : Stretch();
+    }
+    while (_seeksChange) {
+        _change.extend(_change.first + soundSamples, place, sectors);
+        if (_added <= _change.end())
+            return;
+        _seeksChange = isSteady(_change);
+        if (!_seeksChange)
+            return;
         _change.samples.erase(_change.samples.begin(), _change.samples.begin() + step);
         _change.first += step;
-        _change.extend(_change.first + soundSamples, place, sectors);
     }
 }
 

@@ -68,18 +68,19 @@ private:
                                        const Read& read) const;
     std::optional<Stretch> readAround(std::int64_t begin, const Stretch& written,
                                       const Read& read) const;
-    void addChange(std::int64_t place, std::span<const std::byte> sectors);
+    void seekChange(std::int64_t place, std::span<const std::byte> sectors);
     static bool isSteady(const Stretch& written);
     static bool fits(const Stretch& read, std::int64_t offset, std::int64_t begin,
                      const Stretch& written);
 
     const std::int64_t _total; ///< samples on the disc
     std::int64_t _added = 0;
-    bool _isSilent = true; ///< so far
-    Stretch _start;        ///< the first samples of the disc
-    Stretch _sound;        ///< from the first one that is not silent on
-    Stretch _change;       ///< after a steady tone; empty when there was none at the start
-    Stretch _end;          ///< the last ones
+    bool _isSilent = true;    ///< so far
+    Stretch _start;           ///< the first samples of the disc
+    Stretch _sound;           ///< from the first one that is not silent on
+    Stretch _change;          ///< after a steady tone; empty when there was none at the start
+    Stretch _end;             ///< the last ones
+    bool _seeksChange = true; ///< until the start turns out not to be steady, or a change is found
 };
 
 } // namespace quarner
