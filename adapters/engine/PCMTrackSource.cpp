@@ -88,8 +88,10 @@ void PCMTrackSource::readSamples(std::span<std::byte> buffer) {
 
 void PCMTrackSource::expectEnd() {
     std::array<std::int16_t, 2> beyond = {};
-    if (_stream->read(beyond).value_or(0) != 0)
-        throw BurnFailure(DRError::SourceChanged, _track->path + ": plays longer than measured");
+    if (_stream->read(beyond).value_or(0) == 0)
+        return;
+    check(); // only a file with another stamp has changed
+    throw BurnFailure(DRError::SourceUnreadable, _track->path + ": plays longer than measured");
 }
 
 TrackSources audioSources(const DRLayout& layout, const std::shared_ptr<PCMService>& service) {

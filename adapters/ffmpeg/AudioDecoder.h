@@ -3,10 +3,8 @@
 
 #include <cstdint>
 #include <memory>
-#include <string>
 
-#include "adapters/ffmpeg/AudioFile.h"
-#include "adapters/ffmpeg/PacketTrim.h"
+#include "adapters/ffmpeg/PacketSource.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -14,61 +12,67 @@ extern "C" {
 
 namespace quarner {
 
-/// The sound of one file as the decoder hands it out, at the file's own rate, trimmed at both ends
-/// as its packets say. A packet that cannot be decoded becomes silence of its own length.
+/// The sound of one file as the decoder emits it, at the file's own rate, trimmed at both ends as
+/// its packets say. A packet that cannot be decoded becomes silence of its own length; the first
+/// one is dropped instead, since it only prepares the decoder in many files.
 class AudioDecoder {
 public:
-    /// A piece of sound: a range of a decoded frame (owned by the decoder, valid until the next
-    /// call), or so many samples of silence, or the end.
-    struct Piece {
+    /// A chunk of sound: a range of a decoded frame (owned by the decoder, valid until the next
+    /// call), or `range.count` samples of silence at a rate, or the end.
+    struct Chunk {
         enum class Kind { sound, silence, end, failure };
         Kind kind = Kind::failure;
         const AVFrame* frame = nullptr;
         SampleRange range = {};
+        std::uint32_t rate = 0;
+        /// Samples of the frame behind the range that are not heard, but that a filter may use.
+        std::uint64_t tail = 0;
     };
 
-    /// Opens a file; null when it holds no sound, or none that there is a decoder for.
-    static std::unique_ptr<AudioDecoder> open(const std::string& path);
+    /// Opens a decoder; null if there is none for the sound.
+    static std::unique_ptr<AudioDecoder> open(std::unique_ptr<PacketSource> source);
 
     ~AudioDecoder();
     AudioDecoder(const AudioDecoder&) = delete;
     AudioDecoder& operator=(const AudioDecoder&) = delete;
 
-    /// Decodes on. `failure` when the file cannot be read any further.
-    Piece next();
+    /// Decodes the next chunk. Returns `failure` if the file cannot be read any further.
+    Chunk next();
 
-    /// Reads the rest of the file without decoding it. Answers false when it cannot be read to
-    /// its end.
-    bool skipToEnd();
-
-    /// What the packets read so far say of their length: samples that are heard.
-    std::uint64_t promisedSamples() const { return _promised; }
-    /// False when a packet kept its length to itself, so that the promise is worth nothing.
-    bool knowsLength() const { return !_file->hasUnknownDurations(); }
-
-    std::uint32_t rate() const { return _file->rate(); }
     /// How the decoder lays out its samples, also before the first one is decoded.
     const AVCodecContext& layout() const { return *_codec; }
 
+    /// How many packets have been decoded to nothing so far, and how many samples the last packet
+    /// gave that is complete, heard or not.
+    std::uint64_t emptyPackets() const { return _emptyPackets; }
+    /// Samples at the start that some encoders put there to prepare the decoder, as the decoder
+    /// recognises them; they are not heard.
+    std::uint64_t priming() const { return _priming; }
+    std::uint64_t decodedOfPacket() const { return _decoded; }
+
 private:
-    explicit AudioDecoder(std::unique_ptr<AudioFile> file);
+    explicit AudioDecoder(std::unique_ptr<PacketSource> source);
     bool openCodec();
     bool advance();
-    AudioFile::Reading readPacket();
     void sendPacket();
-    std::uint64_t silenceForPacket();
-    Piece sound();
+    Chunk silenceForPacket();
+    Chunk sound();
+    std::int64_t inSamples(std::int64_t ticks) const;
+    void notePriming();
+    SampleRange heard(std::uint64_t samples) const;
 
-    std::unique_ptr<AudioFile> _file;
+    const std::unique_ptr<PacketSource> _source;
     AVCodecContext* _codec = nullptr;
     AVFrame* _frame = nullptr;
     Packet _packet;
-    PacketTrim _promiseTrim; // of what the packets say
-    PacketTrim _soundTrim;   // of what they decode to
-    std::uint64_t _promised = 0;
+    std::uint32_t _rate = 0;    // of the current packet
     std::uint64_t _decoded = 0; // samples that the current packet has given, heard or not
     bool _isDamaged = false;    // the current packet
-    std::uint64_t _packets = 0; // sent to the decoder
+    bool _isPending = false;    // the current packet may still have to be replaced by silence
+    std::uint64_t _packets = 0; // read so far
+    std::uint64_t _emptyPackets = 0;
+    std::uint64_t _priming = 0;
+    std::uint64_t _primingLeft = 0; // of it, in samples still to be decoded
 };
 
 } // namespace quarner

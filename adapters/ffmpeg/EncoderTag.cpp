@@ -2,56 +2,105 @@
 #include "adapters/ffmpeg/EncoderTag.h"
 
 #include <algorithm>
-#include <fstream>
+#include <array>
+#include <string_view>
+
+#include "adapters/ffmpeg/MpegHeader.h"
+
+extern "C" {
+#include <libavutil/crc.h>
+}
 
 namespace quarner {
 
 namespace {
 
-constexpr std::int64_t largestFrame = 4096; // bytes
+using Bytes = std::span<const std::uint8_t>;
 
-std::uint32_t number(std::string_view bytes, std::size_t offset, std::size_t size) {
+constexpr std::uint32_t decoderDelay = 529; // of every decoder of layer 3
+constexpr std::size_t checkedBytes = 190;   // in the usual frame of two channels
+
+std::uint32_t number(Bytes bytes, std::size_t offset, std::size_t size) {
     std::uint32_t value = 0;
-    for (const char byte : bytes.substr(offset, size))
-        value = value << 8 | static_cast<unsigned char>(byte);
+    for (std::size_t i = offset; i < offset + size; ++i)
+        value = value << 8 | (i < bytes.size() ? bytes[i] : 0);
     return value;
+}
+
+std::string_view text(Bytes bytes, std::size_t offset, std::size_t size) {
+    const Bytes part = bytes.subspan(std::min(offset, bytes.size()));
+    return {reinterpret_cast<const char*>(part.data()), std::min(size, part.size())};
+}
+
+std::uint32_t crcOf(Bytes bytes) {
+    return av_crc(av_crc_get_table(AV_CRC_16_ANSI_LE), 0, bytes.data(), bytes.size());
+}
+
+/// Some encoders sum up everything before the checksum, some always the same number of bytes, with
+/// zeros in the place of the checksum.
+bool isCrcRight(Bytes frame, std::size_t offset) {
+    if (frame.size() < std::max(offset + 2, checkedBytes))
+        return false;
+    const std::uint32_t noted = number(frame, offset, 2);
+    std::array<std::uint8_t, checkedBytes> bytes = {};
+    std::copy_n(frame.begin(), bytes.size(), bytes.begin());
+    for (std::size_t i = offset; i < std::min(offset + 2, bytes.size()); ++i)
+        bytes[i] = 0;
+    return noted == crcOf(frame.first(offset)) || noted == crcOf(bytes);
+}
+
+std::size_t xingOffset(const MpegHeader& header) {
+    if (header.version == 1)
+        return header.channels == 1 ? 21 : 36;
+    return header.channels == 1 ? 13 : 21;
+}
+
+std::optional<EncoderTag> xingTagIn(Bytes frame, std::size_t start) {
+    const std::string_view mark = text(frame, start, 4);
+    if (mark != "Xing" && mark != "Info")
+        return std::nullopt;
+    const std::uint32_t fields = number(frame, start + 4, 4);
+    std::size_t next = start + 8;
+    const auto field = [&](std::uint32_t bit, std::size_t size) {
+        const std::size_t offset = next;
+        next += (fields & bit) != 0 ? size : 0;
+        return (fields & bit) != 0 ? number(frame, offset, 4) : 0;
+    };
+    EncoderTag tag;
+    tag.frames = field(1, 4);
+    tag.bytes = field(2, 4);
+    field(4, 100); // positions for seeking
+    field(8, 4);   // quality
+    const std::string_view encoder = text(frame, next, 4);
+    tag.isTrimmed = encoder == "LAME" || encoder == "Lavf" || encoder == "Lavc";
+    if (tag.isTrimmed) {
+        const std::uint32_t trimming = number(frame, next + 21, 3);
+        const std::uint32_t padding = trimming & 0xfff;
+        tag.delay = (trimming >> 12) + decoderDelay;
+        tag.padding = padding - std::min(padding, decoderDelay);
+        tag.isCrcRight = isCrcRight(frame, next + 34);
+    }
+    return tag;
+}
+
+std::optional<EncoderTag> vbriTagIn(Bytes frame) {
+    constexpr std::size_t start = 36;
+    if (text(frame, start, 4) != "VBRI" || number(frame, start + 4, 2) != 1)
+        return std::nullopt;
+    EncoderTag tag;
+    tag.bytes = number(frame, start + 10, 4);
+    tag.frames = number(frame, start + 14, 4);
+    return tag;
 }
 
 } // namespace
 
-std::optional<EncoderTag> encoderTagIn(std::string_view bytes) {
-    const std::size_t start = std::max(bytes.rfind("Xing") + 1, bytes.rfind("Info") + 1);
-    if (start == 0)
+std::optional<EncoderTag> encoderTagIn(Bytes frame) {
+    const auto header = mpegHeader(frame);
+    if (!header || header->layer != 3)
         return std::nullopt;
-    const std::string_view tag = bytes.substr(start - 1);
-    constexpr std::uint32_t hasFrames = 1;
-    constexpr std::uint32_t hasBytes = 2;
-    constexpr std::uint32_t hasTable = 4;
-    constexpr std::uint32_t hasQuality = 8;
-    if (tag.size() < 12 || (number(tag, 4, 4) & hasFrames) == 0)
-        return std::nullopt;
-    const std::uint32_t fields = number(tag, 4, 4);
-    const std::size_t encoder = 12U + ((fields & hasBytes) != 0 ? 4U : 0U) +
-                                ((fields & hasTable) != 0 ? 100U : 0U) +
-                                ((fields & hasQuality) != 0 ? 4U : 0U);
-    constexpr std::size_t trimmingOffset = 21; // behind the name of the encoder
-    if (tag.size() < encoder + trimmingOffset + 3)
-        return std::nullopt;
-    const std::string_view name = tag.substr(encoder, 4);
-    if (name != "LAME" && name != "Lavf" && name != "Lavc")
-        return std::nullopt;
-    const std::uint32_t trimming = number(tag, encoder + trimmingOffset, 3);
-    return EncoderTag{number(tag, 8, 4), trimming >> 12, trimming & 0xfff};
-}
-
-std::optional<EncoderTag> encoderTagOf(const std::string& path, std::int64_t firstFrame) {
-    const std::int64_t start = std::max<std::int64_t>(firstFrame - largestFrame, 0);
-    std::string bytes(static_cast<std::size_t>(std::max<std::int64_t>(firstFrame - start, 0)), 0);
-    std::ifstream file(path, std::ios::binary);
-    file.seekg(start);
-    if (!file.read(bytes.data(), static_cast<std::streamsize>(bytes.size())))
-        return std::nullopt;
-    return encoderTagIn(bytes);
+    const auto tag = xingTagIn(frame, xingOffset(*header));
+    return tag ? tag : vbriTagIn(frame);
 }
 
 } // namespace quarner

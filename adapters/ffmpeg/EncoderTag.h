@@ -3,22 +3,22 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
-#include <string_view>
+#include <span>
 
 namespace quarner {
 
-/// What an encoder notes, in the frame before the first one that is heard, of an MPEG audio file.
+/// What an encoder notes of an MPEG audio file in its first frame, which is not heard.
 struct EncoderTag {
-    std::uint64_t frames = 0;  ///< without the one that holds the note
-    std::uint32_t delay = 0;   ///< samples put before the sound
-    std::uint32_t padding = 0; ///< samples put after it
+    std::uint64_t frames = 0;  ///< of the file, without the one that holds the note; 0: not noted
+    std::uint64_t bytes = 0;   ///< of all frames; 0: not noted
+    std::uint32_t delay = 0;   ///< samples before the sound, the decoder's own delay included
+    std::uint32_t padding = 0; ///< samples behind the sound, less the decoder's own delay
+    bool isTrimmed = false;    ///< delay and padding are noted
+    bool isCrcRight = false;   ///< the checksum of the note is there and right
 };
 
-/// Reads the note from the bytes before the first frame that is heard; nothing without one.
-std::optional<EncoderTag> encoderTagIn(std::string_view bytes);
-
-/// The same for a file whose first frame to be heard begins at an offset in bytes.
-std::optional<EncoderTag> encoderTagOf(const std::string& path, std::int64_t firstFrame);
+/// Reads the note from the bytes of a file's first frame: the Xing, Info or VBRI tag. Nothing if
+/// they are an ordinary frame.
+std::optional<EncoderTag> encoderTagIn(std::span<const std::uint8_t> frame);
 
 } // namespace quarner

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <utility>
 
-#include "adapters/ffmpeg/AudioFile.h"
+#include "adapters/ffmpeg/ContainerSource.h"
 #include "adapters/ffmpeg/FFmpegServices.h"
 
 namespace quarner {
@@ -28,6 +28,10 @@ public:
     std::unique_ptr<QTMovie> movieWithFile(const std::string& path) override {
         const auto length = _pcm->measure(path);
         return length ? std::make_unique<MeasuredMovie>(*length) : nullptr;
+    }
+
+    bool prepareMovie(const std::string& path, const MayContinue& mayContinue) override {
+        return _pcm->measureWhile(path, mayContinue).has_value() || mayContinue();
     }
 
     std::vector<std::string> movieFileTypes(std::uint32_t) override {

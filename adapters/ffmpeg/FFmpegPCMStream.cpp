@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "adapters/ffmpeg/FFmpegLog.h"
+#include "adapters/ffmpeg/WindowedFile.h"
 
 namespace quarner {
 
@@ -14,8 +15,13 @@ constexpr std::uint64_t silenceAtOnce = 4096; // samples
 
 } // namespace
 
-FFmpegPCMStream::FFmpegPCMStream(std::string path, std::unique_ptr<AudioDecoder> decoder)
-    : _path(std::move(path)), _decoder(std::move(decoder)) {}
+FFmpegPCMStream::FFmpegPCMStream(std::string path, std::unique_ptr<WindowedFile> file,
+                                 std::unique_ptr<AudioDecoder> decoder,
+                                 std::optional<std::uint64_t> length)
+    : _path(std::move(path)), _file(std::move(file)), _decoder(std::move(decoder)),
+      _length(length) {}
+
+FFmpegPCMStream::~FFmpegPCMStream() = default;
 
 std::optional<std::size_t> FFmpegPCMStream::read(std::span<std::int16_t> samples) try {
     const FFmpegLogScope scope(_path);
@@ -30,6 +36,10 @@ std::optional<std::size_t> FFmpegPCMStream::read(std::span<std::int16_t> samples
     return std::nullopt;
 }
 
+std::optional<FFmpegPCMStream::Source> FFmpegPCMStream::source() const {
+    return _hasOneRate ? std::optional(_source) : std::nullopt;
+}
+
 std::size_t FFmpegPCMStream::take(std::span<std::int16_t> samples) {
     const std::size_t count = std::min(samples.size(), _ready.size() - _taken);
     std::copy_n(_ready.begin() + static_cast<std::ptrdiff_t>(_taken), count, samples.begin());
@@ -42,51 +52,68 @@ bool FFmpegPCMStream::produce() {
     _ready.clear();
     _taken = 0;
     const bool isProduced = _isDecoded ? finish() : _silence > 0 ? convertSilence() : convert();
-    limitToPromise();
+    if (_length && _ready.size() / 2 > missingPairs())
+        _ready.resize(2 * missingPairs());
     _pairs += _ready.size() / 2;
+    if (_length && missingPairs() == 0)
+        _isComplete = true;
     return isProduced;
 }
 
 bool FFmpegPCMStream::convert() {
-    const AudioDecoder::Piece piece = _decoder->next();
-    switch (piece.kind) {
-    case AudioDecoder::Piece::Kind::sound:
-        return _resampler.convert(*piece.frame, piece.range, _ready);
-    case AudioDecoder::Piece::Kind::silence:
-        _silence = piece.range.count;
+    const AudioDecoder::Chunk chunk = _decoder->next();
+    countSource(chunk);
+    switch (chunk.kind) {
+    case AudioDecoder::Chunk::Kind::sound:
+        if (!_resampler.convert(*chunk.frame, rangeFor(chunk), _ready)) {
+            _silence = chunk.range.count;
+            _silenceRate = chunk.rate;
+        }
         return true;
-    case AudioDecoder::Piece::Kind::end:
+    case AudioDecoder::Chunk::Kind::silence:
+        _silence = chunk.range.count;
+        _silenceRate = chunk.rate;
+        return true;
+    case AudioDecoder::Chunk::Kind::end:
         _isDecoded = true;
-        return _resampler.flush(_ready);
+        _resampler.flush(_ready);
+        return true;
     default:
         return false;
     }
 }
 
+/// With a length the samples behind the end are dropped only after the resampler has seen them, so
+/// that the last ones that are heard do not bend to an end that is none.
+SampleRange FFmpegPCMStream::rangeFor(const AudioDecoder::Chunk& chunk) const {
+    return {chunk.range.first, chunk.range.count + (_length ? chunk.tail : 0)};
+}
+
+void FFmpegPCMStream::countSource(const AudioDecoder::Chunk& chunk) {
+    if (chunk.range.count == 0)
+        return;
+    _hasOneRate = _hasOneRate && (_source.rate == 0 || _source.rate == chunk.rate);
+    _source.rate = chunk.rate;
+    _source.samples += chunk.range.count;
+}
+
 bool FFmpegPCMStream::convertSilence() {
     const std::uint64_t samples = std::min(_silence, silenceAtOnce);
     _silence -= samples;
-    return _resampler.convertSilence(_decoder->layout(), samples, _ready);
+    if (!_resampler.convertSilence(_decoder->layout(), _silenceRate, samples, _ready))
+        _ready.resize(_ready.size() + 2 * resampledLength(samples, _silenceRate)); // no such format
+    return true;
 }
 
 bool FFmpegPCMStream::finish() {
-    const std::uint64_t promised = promisedPairs();
-    const std::uint64_t missing = promised > _pairs ? promised - _pairs : 0;
+    const std::uint64_t missing = _length ? missingPairs() : 0;
     _ready.assign(2 * std::min(missing, silenceAtOnce), 0);
     _isComplete = missing <= silenceAtOnce;
     return true;
 }
 
-void FFmpegPCMStream::limitToPromise() {
-    const std::uint64_t promised = promisedPairs();
-    const std::uint64_t allowed = promised > _pairs ? promised - _pairs : 0;
-    if (_ready.size() / 2 > allowed)
-        _ready.resize(2 * allowed);
-}
-
-std::uint64_t FFmpegPCMStream::promisedPairs() const {
-    return _decoder->knowsLength() ? resampledLength(_decoder->promisedSamples(), _decoder->rate())
-                                   : _pairs + _ready.size() / 2;
+std::uint64_t FFmpegPCMStream::missingPairs() const {
+    return *_length - std::min(*_length, _pairs);
 }
 
 } // namespace quarner

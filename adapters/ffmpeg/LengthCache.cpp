@@ -3,7 +3,8 @@
 
 namespace quarner {
 
-std::optional<PCMLength> LengthCache::find(const std::string& path, const FileStamp& stamp) const {
+std::optional<LengthCache::Length> LengthCache::find(const std::string& path,
+                                                     const FileStamp& stamp) const {
     const std::lock_guard lock(_mutex);
     const auto found = _entries.find(path);
     if (found == _entries.end() || found->second.stamp != stamp)
@@ -11,7 +12,7 @@ std::optional<PCMLength> LengthCache::find(const std::string& path, const FileSt
     return found->second.length;
 }
 
-void LengthCache::keep(const std::string& path, const FileStamp& stamp, const PCMLength& length) {
+void LengthCache::keep(const std::string& path, const FileStamp& stamp, const Length& length) {
     const std::lock_guard lock(_mutex);
     if (_entries.insert_or_assign(path, Entry{stamp, length}).second)
         _order.push_back(path);

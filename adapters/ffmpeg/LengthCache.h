@@ -14,21 +14,24 @@
 namespace quarner {
 
 /// The lengths of the files that were measured last, each for as long as the file stays as it was.
-/// Any thread.
+/// That a file has none is kept too, so that it is not read again to find out. Any thread.
 class LengthCache {
 public:
     explicit LengthCache(std::size_t capacity) : _capacity(capacity) {}
 
-    /// The length kept for a file, if the file then had this stamp.
-    std::optional<PCMLength> find(const std::string& path, const FileStamp& stamp) const;
+    /// What a file was measured as: nothing if it holds no sound.
+    using Length = std::optional<PCMLength>;
 
-    /// Keeps a length; the oldest one makes room for it when the cache is full.
-    void keep(const std::string& path, const FileStamp& stamp, const PCMLength& length);
+    /// What is kept for a file, if the file then had this stamp.
+    std::optional<Length> find(const std::string& path, const FileStamp& stamp) const;
+
+    /// Keeps a length. If the cache is full, the oldest one is removed.
+    void keep(const std::string& path, const FileStamp& stamp, const Length& length);
 
 private:
     struct Entry {
         FileStamp stamp;
-        PCMLength length;
+        Length length;
     };
 
     const std::size_t _capacity;

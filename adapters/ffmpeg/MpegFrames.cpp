@@ -2,46 +2,105 @@
 #include "adapters/ffmpeg/MpegFrames.h"
 
 #include <algorithm>
-#include <array>
-#include <string_view>
+#include <utility>
+
+#include "adapters/ffmpeg/PacketSource.h"
 
 namespace quarner {
 
-namespace {
-
-bool isFrame(std::span<const std::uint8_t> packet) {
-    if (packet.size() < 4)
-        return false;
-    const bool hasSync = packet[0] == 0xff && (packet[1] & 0xe0) == 0xe0;
-    const bool hasVersion = (packet[1] & 0x18) != 0x08;
-    const bool hasLayer = (packet[1] & 0x06) != 0;
-    const bool hasBitRate = (packet[2] & 0xf0) != 0xf0;
-    const bool hasSampleRate = (packet[2] & 0x0c) != 0x0c;
-    return hasSync && hasVersion && hasLayer && hasBitRate && hasSampleRate;
+std::optional<MpegFrames::Frame> MpegFrames::next() {
+    while (_at < _end && !hasFailed()) {
+        if (const auto header = frameInPlace())
+            return take(*header);
+        if (const std::uint64_t tag = tagAt(_at)) {
+            _at += tag;
+            _followsTag = _frames > 0;
+            continue;
+        }
+        const std::uint64_t start = _at;
+        if (!search())
+            return std::nullopt;
+        if (_frames == 0)
+            continue;
+        _isUnusual = true;
+        if (const Frame lost = lostIn(_at - start); lost.lost > 0)
+            return lost;
+    }
+    return std::nullopt;
 }
 
-bool isTag(std::span<const std::uint8_t> packet) {
-    constexpr std::array<std::string_view, 4> marks = {"ID3", "TAG", "APETAGEX", "LYRICS"};
-    return std::any_of(marks.begin(), marks.end(), [&](std::string_view mark) {
-        return packet.size() >= mark.size() && std::equal(mark.begin(), mark.end(), packet.begin());
-    });
+std::optional<MpegHeader> MpegFrames::headerAt(std::uint64_t offset) {
+    if (offset + MpegHeader::size > _end)
+        return std::nullopt;
+    return mpegHeader(_file.view(offset, MpegHeader::size));
 }
 
-} // namespace
+bool MpegFrames::isFollowed(std::uint64_t offset, const MpegHeader& header, bool bySameFormat) {
+    const std::uint64_t next = offset + header.frameBytes;
+    if (next == _end || (next > _end && !bySameFormat))
+        return true;
+    if (const auto follower = headerAt(next))
+        return !bySameFormat || follower->isLike(header);
+    return tagAt(next) > 0;
+}
 
-MpegFrames::Content MpegFrames::classify(std::span<const std::uint8_t> packet) {
-    if (!isFrame(packet))
-        return isTag(packet) ? Content::tag : Content::damage;
+/// The frame where one is expected.
+std::optional<MpegHeader> MpegFrames::frameInPlace() {
+    if (!_format)
+        return frameInSearch(_at);
+    const auto header = headerAt(_at);
+    if (header && (header->isLike(*_format) || isFollowed(_at, *header, false)))
+        return header;
+    return std::nullopt;
+}
+
+std::optional<MpegHeader> MpegFrames::frameInSearch(std::uint64_t offset) {
+    const auto header = headerAt(offset);
+    return header && isFollowed(offset, *header, true) ? header : std::nullopt;
+}
+
+/// The size of the tag at an offset, if it ends where something else that is known begins.
+std::uint64_t MpegFrames::tagAt(std::uint64_t offset) {
+    const std::uint64_t size = tagSizeAt(_file, offset);
+    if (size == 0 || size > _end - offset)
+        return 0;
+    const std::uint64_t next = offset + size;
+    return next == _end || headerAt(next) || tagSizeAt(_file, next) > 0 ? size : 0;
+}
+
+/// Moves on to the next frame or tag. False if none is found.
+bool MpegFrames::search() {
+    const std::uint64_t start = _at;
+    while (_at < _end && !_file.hasFailed()) {
+        const auto bytes = _file.view(_at, 1);
+        if (bytes.empty())
+            return false;
+        const bool mayBeTag = bytes[0] == 'I' || bytes[0] == 'A' || bytes[0] == 'T';
+        if ((bytes[0] == 0xff && frameInSearch(_at)) || (mayBeTag && tagAt(_at) > 0))
+            return true;
+        if (++_at - start > PacketSource::mostDamage) {
+            _hasFailed = true;
+            return false;
+        }
+    }
+    return false;
+}
+
+MpegFrames::Frame MpegFrames::take(const MpegHeader& header) {
+    Frame frame = {.header = header, .offset = _at};
+    frame.followsTag = std::exchange(_followsTag, false);
+    frame.bytes = std::min<std::uint64_t>(header.frameBytes, _end - _at);
+    const bool isWhole = frame.bytes == header.frameBytes;
+    _isUnusual = _isUnusual || !isWhole || (_format && !header.isLike(*_format));
+    _format = header;
+    _at += frame.bytes;
     ++_frames;
-    _bytes += packet.size();
-    return Content::frame;
+    _bytes += frame.bytes;
+    return frame;
 }
 
-std::uint64_t MpegFrames::framesIn(std::span<const std::uint8_t> damage) const {
-    if (_bytes == 0)
-        return 1;
-    const std::uint64_t rounded = (damage.size() * _frames + _bytes / 2) / _bytes;
-    return std::max<std::uint64_t>(rounded, 1);
+MpegFrames::Frame MpegFrames::lostIn(std::uint64_t bytes) {
+    return {.header = *_format, .lost = (bytes * _frames + _bytes / 2) / _bytes};
 }
 
 } // namespace quarner

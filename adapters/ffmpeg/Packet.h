@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
+#include <limits>
 
 extern "C" {
 #include <libavcodec/packet.h>
@@ -16,9 +16,12 @@ struct SampleRange {
     std::uint64_t count = 0;
 };
 
-/// One packet of sound, as FFmpeg hands it out; reused from read to read.
+/// One packet of sound; reused from read to read. Times are counted in ticks of `timeBase` from the
+/// first sample of the packet on.
 class Packet {
 public:
+    static constexpr std::int64_t open = std::numeric_limits<std::int64_t>::max();
+
     Packet() : _packet(av_packet_alloc()) {}
     ~Packet() { av_packet_free(&_packet); }
     Packet(const Packet&) = delete;
@@ -28,14 +31,14 @@ public:
     AVPacket* get() const { return _packet; }
     AVPacket* operator->() const { return _packet; }
 
-    std::span<const std::uint8_t> bytes() const {
-        return {_packet->data, static_cast<std::size_t>(_packet->size)};
-    }
-
-    /// The samples that the packet takes at the file's rate, those that are not heard included.
-    std::uint64_t samples = 0;
-    /// How many of them, at the end, are not heard, beyond what FFmpeg has noted in the packet.
-    std::uint64_t unheard = 0;
+    AVRational timeBase = {1, 1};
+    std::uint32_t rate = 0;         ///< samples per second; 0: only the decoder knows
+    std::int64_t duration = 0;      ///< ticks; 0: not known
+    std::int64_t heardFrom = 0;     ///< ticks; what lies before is not heard
+    std::int64_t heardUntil = open; ///< ticks; what lies behind is not heard
+    std::uint64_t cut = 0;          ///< samples at the end that are not heard besides
+    bool hasTail = false; ///< what lies behind the end belongs to the sound's last samples
+    bool isLost = false;  ///< damage without data: silence of the packet's duration
 
 private:
     AVPacket* _packet;

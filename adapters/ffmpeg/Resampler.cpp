@@ -19,17 +19,21 @@ struct FrameDeleter {
 };
 using Frame = std::unique_ptr<AVFrame, FrameDeleter>;
 
-Frame silentFrame(const AVCodecContext& decoder, int samples) {
+Frame silentFrame(const AVCodecContext& decoder, std::uint32_t rate, int samples) {
     Frame frame(av_frame_alloc());
     if (!frame || av_channel_layout_copy(&frame->ch_layout, &decoder.ch_layout) < 0)
         return nullptr;
-    frame->format = decoder.sample_fmt;
-    frame->sample_rate = decoder.sample_rate;
+    const int channels = frame->ch_layout.nb_channels;
+    if (channels <= 0 || channels > mostChannels)
+        av_channel_layout_default(&frame->ch_layout, 2);
+    frame->format =
+        decoder.sample_fmt != AV_SAMPLE_FMT_NONE ? decoder.sample_fmt : AV_SAMPLE_FMT_FLTP;
+    frame->sample_rate = static_cast<int>(rate);
     frame->nb_samples = samples;
     if (av_frame_get_buffer(frame.get(), 0) < 0)
         return nullptr;
     av_samples_set_silence(frame->extended_data, 0, samples, frame->ch_layout.nb_channels,
-                           decoder.sample_fmt);
+                           static_cast<AVSampleFormat>(frame->format));
     return frame;
 }
 
@@ -83,8 +87,9 @@ bool Resampler::convert(const AVFrame& frame, SampleRange range, Samples& out) {
     return append(planes.data(), static_cast<int>(range.count), out);
 }
 
-bool Resampler::convertSilence(const AVCodecContext& decoder, std::uint64_t samples, Samples& out) {
-    const Frame frame = silentFrame(decoder, static_cast<int>(samples));
+bool Resampler::convertSilence(const AVCodecContext& decoder, std::uint32_t rate,
+                               std::uint64_t samples, Samples& out) {
+    const Frame frame = silentFrame(decoder, rate, static_cast<int>(samples));
     return frame && convert(*frame, {0, samples}, out);
 }
 
@@ -107,9 +112,13 @@ bool Resampler::prepare(const AVFrame& frame, Samples& out) {
     if (source.order == AV_CHANNEL_ORDER_UNSPEC)
         av_channel_layout_default(&source, source.nb_channels);
     AVChannelLayout stereo = AV_CHANNEL_LAYOUT_STEREO;
-    return swr_alloc_set_opts2(&_context, &stereo, AV_SAMPLE_FMT_S16, discRate, &source,
-                               static_cast<AVSampleFormat>(_format), _rate, 0, nullptr) == 0 &&
-           swr_init(_context) == 0;
+    const bool isReady =
+        swr_alloc_set_opts2(&_context, &stereo, AV_SAMPLE_FMT_S16, discRate, &source,
+                            static_cast<AVSampleFormat>(_format), _rate, 0, nullptr) == 0 &&
+        swr_init(_context) == 0;
+    if (!isReady)
+        swr_free(&_context);
+    return isReady;
 }
 
 bool Resampler::append(const std::uint8_t** planes, int samples, Samples& out) {

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "adapters/ffmpeg/PacketTrim.h"
+#include "adapters/ffmpeg/Packet.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -30,8 +30,8 @@ public:
     /// Each call below appends pairs to the values in `out` and answers false when there is no way
     /// to convert.
     bool convert(const AVFrame& frame, SampleRange range, std::vector<std::int16_t>& out);
-    /// Silence in the format of the decoder's last frame.
-    bool convertSilence(const AVCodecContext& decoder, std::uint64_t samples,
+    /// Silence at a rate, in the format of the decoder's last frame.
+    bool convertSilence(const AVCodecContext& decoder, std::uint32_t rate, std::uint64_t samples,
                         std::vector<std::int16_t>& out);
     /// The pairs that the resampler still holds back; afterwards it starts anew.
     bool flush(std::vector<std::int16_t>& out);

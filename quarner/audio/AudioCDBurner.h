@@ -102,7 +102,8 @@ private:
     void filterPath(const std::string& path, KnownPaths& known, AddFilesRun& run);
     bool isSupported(const std::string& resolvedPath);
     void performRun(AddFilesRun& run);
-    void examineFile(const std::string& path, AddFilesRun& run);
+    bool prepareMovie(const std::string& path) const;
+    bool examineFile(const std::string& path, AddFilesRun& run);
 
     void fillTextBlock(const std::optional<std::string>& discName,
                        const ContentList::Snapshot& items);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <algorithm>
+#include <chrono>
 #include <unordered_set>
 
 #include "quarner/audio/AudioCDBurner.h"
@@ -119,21 +120,44 @@ void AudioCDBurner::performRun(AddFilesRun& run) {
         tell(&QuarnDelegate::addFilesProgressDidChanged,
              currentPlatform()->files->displayName(path), std::int64_t(i) + 1,
              std::uint64_t(run.accepted.size()));
-        examineFile(path, run);
+        if (!examineFile(path, run)) {
+            tell(&QuarnDelegate::addFilesProgressDidCanceled);
+            break;
+        }
     }
     tell(&QuarnDelegate::addFilesProgressDidEnd, endReport(run.protectedFiles, run.incompatible));
 }
 
-void AudioCDBurner::examineFile(const std::string& path, AddFilesRun& run) {
+/// Lets the media service read the file on this thread, so that neither a huge file nor a damaged
+/// one holds up the main thread. Returns false if the run was cancelled and the file was not done
+/// soon after: a usual file is still completed and added.
+bool AudioCDBurner::prepareMovie(const std::string& path) const {
+    using Clock = std::chrono::steady_clock;
+    constexpr std::chrono::milliseconds timeToComplete(500);
+    std::optional<Clock::time_point> canceled;
+    return currentPlatform()->media->prepareMovie(path, [&] {
+        if (_continue2AddFiles)
+            return true;
+        if (!canceled)
+            canceled = Clock::now();
+        return Clock::now() - *canceled < timeToComplete;
+    });
+}
+
+/// Adds or refuses a file. Returns false if the run was cancelled inside it.
+bool AudioCDBurner::examineFile(const std::string& path, AddFilesRun& run) {
+    if (!prepareMovie(path))
+        return false;
     const std::int64_t seconds = getMovieDuration(path);
     Dictionary record = burnItemRecord(path, seconds);
     const std::shared_ptr<BurnItem> item = makeItem(path, record);
     if (!item || seconds <= 0) {
         run.incompatible.push_back(path);
-        return;
+        return true;
     }
     _content.append(item);
     tell(&QuarnDelegate::fileDidAdded, record);
+    return true;
 }
 
 std::shared_ptr<BurnItem> AudioCDBurner::makeItem(const std::string& path,

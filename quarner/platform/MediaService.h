@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -39,6 +40,15 @@ public:
     /// Opens a file; null when it is missing or not a media file with sound. Called on the main
     /// thread.
     virtual std::unique_ptr<QTMovie> movieWithFile(const std::string& path) = 0;
+
+    /// Asked often while a movie is prepared, on the same thread; false ends the work.
+    using MayContinue = std::function<bool()>;
+
+    /// Does in advance what `movieWithFile` would need long for, and keeps the result, so that the
+    /// main thread is not held up. Called on a background thread before each `movieWithFile` of a
+    /// run. Returns false if `mayContinue`, which is never empty, ended it; true otherwise, also
+    /// for a file that cannot be opened. Does nothing by default.
+    virtual bool prepareMovie(const std::string& path, const MayContinue& mayContinue);
 
     /// The types that can be opened, as file-name extensions and type codes in single quotes.
     /// `flags` 0 asks for the common ones only.

@@ -22,6 +22,15 @@ DispatchService::~DispatchService() = default;
 TextService::~TextService() = default;
 LogSink::~LogSink() = default;
 
+bool MediaService::prepareMovie(const std::string& /*path*/, const MayContinue& /*mayContinue*/) {
+    return true;
+}
+
+std::optional<PCMLength> PCMService::measureWhile(const std::string& path,
+                                                  const MayContinue& /*mayContinue*/) {
+    return measure(path);
+}
+
 std::shared_ptr<DRFile> RecordingService::fileWithPath(const std::string& /*path*/) {
     return nullptr;
 }

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -30,7 +31,7 @@ public:
     /// Fills the buffer with stereo pairs in the byte order of this machine; its size is even.
     /// Answers how many 16-bit values were filled: fewer than asked only at the end of the file.
     /// The stream delivers exactly `PCMLength::discSamples` pairs: a damaged passage becomes
-    /// silence of the same length. Nothing is answered when the file cannot be read any further.
+    /// silence of the same length. Returns nothing if the file cannot be read any further.
     virtual std::optional<std::size_t> read(std::span<std::int16_t> samples) = 0;
 };
 
@@ -43,9 +44,18 @@ public:
     PCMService(const PCMService&) = delete;
     PCMService& operator=(const PCMService&) = delete;
 
-    /// The exact length of a file, without decoding it; nothing when it holds no sound that can
-    /// be decoded. Logs nothing: what a file that is looked at is like is the asker's to tell.
+    /// Returns the exact length of a file: what a stream of it delivers. Returns nothing if it holds
+    /// no sound that can be decoded. Logs nothing: reporting problems with the file is up to the
+    /// caller.
     virtual std::optional<PCMLength> measure(const std::string& path) = 0;
+
+    /// Asked often while a file is measured, on the thread that measures it; false ends the work.
+    using MayContinue = std::function<bool()>;
+
+    /// The same, but returns nothing soon after `mayContinue` has returned false. An empty
+    /// function never ends it. A service that always measures at once need not override this.
+    virtual std::optional<PCMLength> measureWhile(const std::string& path,
+                                                  const MayContinue& mayContinue);
 
     /// Opens a file for decoding; null when that is not possible. What is wrong with the file may
     /// be logged.

@@ -144,7 +144,7 @@ TEST_F(FFmpegDamage, AnM4AWhoseEndIsMissingIsAsLongAsWhatIsLeft) {
     EXPECT_LE(largestDifference(ours, decodedByFFmpeg(path)), 1);
 }
 
-TEST_F(FFmpegDamage, WhatTheContainerPromisesBeyondTheDecodedSoundIsSilence) {
+TEST_F(FFmpegDamage, AnM4AWhoseTableSaysMoreThanItsPacketsDecodeToPlaysWhatTheyDecodeTo) {
     std::string content = contentOf(audioFixture(alacRecipe()));
     const auto set = [&](const char* box, std::size_t offset, const std::string& value) {
         const std::size_t start = content.find(box);
@@ -155,11 +155,8 @@ TEST_F(FFmpegDamage, WhatTheContainerPromisesBeyondTheDecodedSoundIsSilence) {
     set("mdhd", 20, std::string("\0\x10\0\0", 4)); // and 1048576 in all
     set("edts", 0, "free");
     const std::vector<std::int16_t> ours = decodedAsMeasured(write(content, "a.m4a"));
-    ASSERT_GT(ours.size(), wholeFile + 2 * 10000);
     const std::vector<std::int16_t> whole = decodedByFFmpeg(audioFixture(alacRecipe()));
-    EXPECT_EQ(largestDifference(ours, whole), 0);
-    EXPECT_TRUE(std::all_of(ours.begin() + std::ptrdiff_t(whole.size()), ours.end(),
-                            [](auto value) { return value == 0; }));
+    EXPECT_EQ(ours, whole);
 }
 
 TEST_F(FFmpegDamage, AFileThatShrinksWhileItIsReadEndsEarlyOrFails) {

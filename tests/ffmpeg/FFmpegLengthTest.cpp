@@ -66,14 +66,14 @@ TEST(FFmpegLengths, TheCacheKeepsOnlyTheLastFilesAndOnlyWhileTheyStayTheSame) {
     LengthCache cache(2);
     const FileStamp stamp = {.size = 1};
     const FileStamp other = {.size = 2};
-    cache.keep("a", stamp, {.sourceSamples = 1});
-    cache.keep("b", stamp, {.sourceSamples = 2});
-    cache.keep("b", other, {.sourceSamples = 3});
-    EXPECT_EQ(cache.find("a", stamp).value().sourceSamples, 1U);
+    cache.keep("a", stamp, PCMLength{.sourceSamples = 1});
+    cache.keep("b", stamp, PCMLength{.sourceSamples = 2});
+    cache.keep("b", other, PCMLength{.sourceSamples = 3});
+    EXPECT_EQ(cache.find("a", stamp).value()->sourceSamples, 1U);
     EXPECT_FALSE(cache.find("a", other));
     EXPECT_FALSE(cache.find("b", stamp));
-    EXPECT_EQ(cache.find("b", other).value().sourceSamples, 3U);
-    cache.keep("c", stamp, {.sourceSamples = 4});
+    EXPECT_EQ(cache.find("b", other).value()->sourceSamples, 3U);
+    cache.keep("c", stamp, PCMLength{.sourceSamples = 4});
     EXPECT_FALSE(cache.find("a", stamp));
     EXPECT_TRUE(cache.find("b", other) && cache.find("c", stamp));
 }
@@ -86,7 +86,7 @@ std::uint64_t resampled(int samples, std::uint32_t rate) {
     av_channel_layout_default(&layout->ch_layout, 2);
     Resampler resampler;
     std::vector<std::int16_t> out;
-    EXPECT_TRUE(resampler.convertSilence(*layout, static_cast<std::uint64_t>(samples), out));
+    EXPECT_TRUE(resampler.convertSilence(*layout, rate, static_cast<std::uint64_t>(samples), out));
     EXPECT_TRUE(resampler.flush(out));
     avcodec_free_context(&layout);
     return out.size() / 2;

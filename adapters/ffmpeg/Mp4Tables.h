@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "adapters/ffmpeg/WindowedFile.h"
+
+namespace quarner {
+
+/// What the sample tables of an MP4 file (M4A, QuickTime) say of its one track of sound. Read with
+/// little memory, whatever the file says.
+struct Mp4Tables {
+    /// One entry of an edit list.
+    struct Edit {
+        std::uint64_t duration = 0; ///< in ticks of the movie
+        std::int64_t mediaTime = 0; ///< in ticks of the media; -1: nothing is heard
+    };
+
+    std::uint32_t movieScale = 0; ///< ticks of the movie per second
+    std::uint32_t scale = 0;      ///< ticks of the media per second
+    std::uint64_t packets = 0;
+    std::uint64_t ticks = 0;       ///< of all packets together
+    std::uint32_t packetTicks = 0; ///< of each packet but the last; 0: they differ
+    std::uint32_t lastPacketTicks = 0;
+    std::vector<Edit> edits;
+    bool isConsistent =
+        false;               ///< the tables agree with each other, and all packets are in the file
+    bool isTooLarge = false; ///< a demuxer would need too much memory for the tables
+
+    /// The part of the media that is heard, in ticks.
+    struct Window {
+        std::int64_t from = 0;
+        std::int64_t until = 0;
+    };
+
+    /// What the edit list leaves. Nothing without an edit list, or if it is more than one cut at
+    /// either end.
+    ///
+    /// Many programs write edit lists in milliseconds: an end within one tick of the movie around
+    /// the end of the media is the end of the media. Only where the media ends with a whole packet,
+    /// whose table does not know the end to the sample, the edit list is obeyed as it is.
+    std::optional<Window> edited() const;
+};
+
+/// Reads the tables. Nothing if the file is no MP4 file, has no track of sound, or more than one.
+std::optional<Mp4Tables> mp4TablesOf(WindowedFile& file);
+
+} // namespace quarner
