@@ -44,9 +44,9 @@ public:
     PCMService(const PCMService&) = delete;
     PCMService& operator=(const PCMService&) = delete;
 
-    /// Returns the exact length of a file: what a stream of it delivers. Returns nothing if it holds
-    /// no sound that can be decoded. Logs nothing: reporting problems with the file is up to the
-    /// caller.
+    /// Returns the exact length of a file: what a stream of it delivers. Returns nothing if it
+    /// holds no sound that can be decoded. Logs nothing: reporting problems with the file is up to
+    /// the caller.
     virtual std::optional<PCMLength> measure(const std::string& path) = 0;
 
     /// Asked often while a file is measured, on the thread that measures it; false ends the work.
