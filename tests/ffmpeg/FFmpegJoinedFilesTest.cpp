@@ -56,7 +56,9 @@ TEST_P(JoinedMP3s, PlayEachPartAtItsOwnRate) {
     // The join is after one second and a little; the parts are compared from their outer ends.
     const std::size_t part = 2 * 42000;
     ASSERT_GT(std::min(ours->size(), theirs.size()), 2 * part);
-    EXPECT_LE(largestDifference({ours->begin(), ours->begin() + part}, theirs), 1);
+    // The program itself plays the first part of some joined files otherwise than alone.
+    const std::vector<std::int16_t> alone = decodedByFFmpeg(audioFixture(secondOf(first)));
+    EXPECT_LE(largestDifference({ours->begin(), ours->begin() + part}, alone), 1);
     EXPECT_LE(
         largestDifference({ours->end() - part, ours->end()}, {theirs.end() - part, theirs.end()}),
         1);
