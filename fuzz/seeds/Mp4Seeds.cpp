@@ -186,6 +186,9 @@ void putDamaged(const SeedFolder& folder) {
     Film odd = silent(20);
     odd.duration = 1000;
     put("odd-durations", odd);
+    Film endless = silent(20); // found by the fuzzer: years of silence in a kilobyte
+    endless.duration = 0x7FFFFFFF;
+    put("endless-durations", endless);
     Film huge = silent(20);
     huge.firstSize = 0x7FFFFFFF;
     put("a-packet-of-two-gigabytes", huge);

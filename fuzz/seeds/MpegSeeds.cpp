@@ -110,10 +110,22 @@ void putJoined(const SeedFolder& folder) {
     }
 }
 
+/// Found by the fuzzer: frames of three rates, some of them cut.
+std::string cutFramesOfThreeRates() {
+    const std::string whole = frames({}, 1);
+    const std::string slow = frames({.version = 0}, 1);
+    std::string bytes = frames({.version = 2}, 12);
+    for (int times = 3; times > 0; --times)
+        bytes += whole.substr(0, 68) + whole + whole.substr(0, 35) + slow + slow + "abc" +
+                 frames({.version = 0}, 12) + slow.substr(0, 30);
+    return bytes + frames({}, 8);
+}
+
 void putDamaged(const SeedFolder& folder) {
     const auto put = [&](const std::string& name, const std::string& bytes) {
         folder.put("mp3", name, bytes);
     };
+    put("cut-frames-of-three-rates", cutFramesOfThreeRates());
     const std::string some = frames({}, 12);
     put("cut", some + some.substr(0, 50));
     put("zeros-within", some + std::string(1000, '\0') + some);
