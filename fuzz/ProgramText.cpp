@@ -16,9 +16,10 @@ bool isValid(const std::string& text) {
     return g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) != FALSE;
 }
 
+/// Whether a text has one of the characters that JSON has to escape and a terminal would obey.
 bool hasControl(const std::string& text) {
     for (const char byte : text)
-        if (static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F)
+        if (static_cast<unsigned char>(byte) < 0x20)
             return true;
     return false;
 }
@@ -26,7 +27,8 @@ bool hasControl(const std::string& text) {
 void checkText(Input input) {
     const std::size_t columns = input.byte();
     const std::string safe = cli::safeText(input.rest());
-    require(isValid(safe) && !hasControl(safe), "a safe text is printable UTF-8");
+    require(isValid(safe) && !hasControl(safe) && safe.find('\x7F') == std::string::npos,
+            "a safe text is printable UTF-8");
     require(cli::safeText(safe) == safe, "a safe text is safe");
     require(cli::displayWidth(cli::shortened(safe, columns)) <= columns, "a shortened text fits");
     require(cli::displayWidth(cli::leftAligned(safe, columns)) == columns &&

@@ -122,6 +122,7 @@ void putProgramTexts(const SeedFolder& folder) {
     put("no-columns", Bytes().byte(0).rest("abc"));
     // An event's name, then one value of each type: see `valueFrom`.
     put("json-text", Bytes().text("event").byte(4).byte(255).text("\"\\\x01\xFF\xE2\x80\xA8"));
+    put("json-delete", Bytes().text("\x7F")); // legal in JSON as it is
     put("json-not-a-number", Bytes().text("e").byte(3).number(__builtin_nan("")));
     put("json-infinite", Bytes().text("e").byte(3).number(__builtin_inf()));
     put("json-whole", Bytes().text("e").byte(2).number(INT64_MIN));
