@@ -107,7 +107,7 @@ bool FFmpegPCMStream::convertSilence() {
 
 bool FFmpegPCMStream::finish() {
     const std::uint64_t missing = _length ? missingPairs() : 0;
-    _ready.assign(2 * std::min(missing, silenceAtOnce), 0);
+    _ready.assign(static_cast<std::size_t>(2 * std::min(missing, silenceAtOnce)), 0);
     _isComplete = missing <= silenceAtOnce;
     return true;
 }

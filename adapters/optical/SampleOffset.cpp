@@ -91,7 +91,7 @@ void SampleOffset::seekChange(std::int64_t place, std::span<const std::byte> sec
 /// Whether it fits itself at another offset.
 bool SampleOffset::isSteady(const Stretch& written) {
     const std::vector<Sample>& samples = written.samples;
-    for (std::int64_t shift = 1; shift <= 2 * mostSamples; ++shift)
+    for (std::ptrdiff_t shift = 1; shift <= 2 * mostSamples; ++shift)
         if (std::equal(samples.begin() + shift, samples.end(), samples.begin()))
             return true;
     return false;

@@ -42,7 +42,7 @@ std::uint64_t AudioCDBurner::numberOfChildrenOfBurnItem(const BurnItemRef& item)
 
 BurnItemRef AudioCDBurner::child(std::uint64_t index, const BurnItemRef& ofBurnItem) const {
     const ContentList::Snapshot items = _content.snapshot();
-    return !ofBurnItem && index < items.size() ? items[index] : nullptr;
+    return !ofBurnItem && index < items.size() ? items[std::size_t(index)] : nullptr;
 }
 
 std::shared_ptr<const Dictionary> AudioCDBurner::propertyOfBurnItem(const BurnItemRef& item) const {

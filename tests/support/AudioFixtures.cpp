@@ -27,7 +27,7 @@ constexpr const char* soundVersion = "1"; // to be raised when the sound below c
 
 std::vector<std::int16_t> soundOf(const AudioRecipe& recipe) {
     std::vector<std::int16_t> values;
-    values.reserve(recipe.samples * recipe.channels);
+    values.reserve(std::size_t(recipe.samples * recipe.channels));
     std::uint32_t noise = 12345;
     double phase = 0;
     for (std::uint64_t i = 0; i < recipe.samples; ++i) {
