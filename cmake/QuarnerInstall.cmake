@@ -76,6 +76,8 @@ function(quarner_install_headers FOLDER)
 endfunction()
 
 function(quarner_install_package)
+  get_property(modules GLOBAL PROPERTY QUARNER_MODULES_OF_STATIC_desktop)
+  list(JOIN modules " " QUARNER_STATIC_DESKTOP_MODULES)
   configure_package_config_file(
     ${PROJECT_SOURCE_DIR}/cmake/quarner-config.cmake.in ${PROJECT_BINARY_DIR}/quarner-config.cmake
     INSTALL_DESTINATION ${QUARNER_PACKAGE_DIR})
