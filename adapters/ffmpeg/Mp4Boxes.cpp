@@ -6,10 +6,19 @@ namespace quarner {
 namespace {
 
 constexpr std::uint64_t mostBoxes = 100'000; // in one file
+constexpr int deepestBox = 16;               // boxes around one; real files have about six
 
 } // namespace
 
 void Mp4Boxes::each(const Mp4Box& within, const std::function<void(const Mp4Box&)>& visit) {
+    _hasFailed = _hasFailed || _depth == deepestBox;
+    ++_depth;
+    eachOfLevel(within, visit);
+    --_depth;
+}
+
+void Mp4Boxes::eachOfLevel(const Mp4Box& within,
+                           const std::function<void(const Mp4Box&)>& visit) {
     constexpr std::uint64_t headerSize = 8;
     std::uint64_t at = within.begin;
     while (at + headerSize <= within.end && !hasFailed()) {

@@ -33,7 +33,7 @@ public:
     std::uint64_t fileSize() const { return _file.size(); }
 
     /// Calls `visit` for each box within another one, in order. A size that cannot be right ends
-    /// it.
+    /// it, and so do boxes within boxes without end.
     void each(const Mp4Box& within, const std::function<void(const Mp4Box&)>& visit);
 
     std::uint8_t number8(const Mp4Box& box, std::uint64_t offset);
@@ -44,10 +44,12 @@ public:
     bool hasFailed() const { return _hasFailed || _file.hasFailed(); }
 
 private:
+    void eachOfLevel(const Mp4Box& within, const std::function<void(const Mp4Box&)>& visit);
     std::uint64_t read(const Mp4Box& box, std::uint64_t offset, std::size_t size);
 
     WindowedFile& _file;
     std::uint64_t _visited = 0;
+    int _depth = 0;
     bool _hasFailed = false;
 };
 

@@ -36,6 +36,8 @@ private:
     Track readTrack(const Mp4Box& box);
     void readEdits(const Mp4Box& box, Track& track);
     bool readTimes(const Track& track);
+    std::optional<std::uint64_t> bytesOf(const Track& track, std::uint64_t first,
+                                         std::uint32_t count);
     bool placesFit(const Track& track);
 
     Mp4Boxes _boxes;
@@ -136,7 +138,9 @@ void Reader::readEdits(const Mp4Box& box, Track& track) {
 bool Reader::readTimes(const Track& track) {
     const std::uint32_t entries = _boxes.number(track.times, 4);
     bool isUniform = entries > 0;
-    for (std::uint32_t i = 0; i < entries && !_boxes.hasFailed(); ++i) {
+    _tables.isTooLarge =
+        _tables.isTooLarge || track.times.end - track.times.begin > 8 * (mostPackets + 1);
+    for (std::uint32_t i = 0; i < entries && !_tables.isTooLarge && !_boxes.hasFailed(); ++i) {
         const std::uint32_t count = _boxes.number(track.times, 8 + 8ULL * i);
         const std::uint32_t ticks = _boxes.number(track.times, 12 + 8ULL * i);
         const bool isLast = i + 1 == entries;
@@ -154,34 +158,43 @@ bool Reader::readTimes(const Track& track) {
     return isUniform && _tables.scale > 0 && !_boxes.hasFailed();
 }
 
+/// The bytes of `count` packets from `first` on; nothing if one of them has no size.
+std::optional<std::uint64_t> Reader::bytesOf(const Track& track, std::uint64_t first,
+                                             std::uint32_t count) {
+    if (const std::uint32_t common = _boxes.number(track.sizes, 4); common != 0)
+        return std::uint64_t(common) * count;
+    std::uint64_t bytes = 0;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const std::uint32_t size = _boxes.number(track.sizes, 12 + 4 * (first + i));
+        if (size == 0 || _boxes.hasFailed())
+            return std::nullopt;
+        bytes += size;
+    }
+    return bytes;
+}
+
 /// True if every packet has a size and a place within the file.
 bool Reader::placesFit(const Track& track) {
-    const std::uint32_t common = _boxes.number(track.sizes, 4);
     const std::uint64_t packets = _boxes.number(track.sizes, 8);
     const std::uint32_t runs = _boxes.number(track.runs, 4);
     const std::uint32_t chunks = _boxes.number(track.offsets, 4);
-    if (packets != _tables.packets || packets == 0 || runs == 0)
+    if (packets != _tables.packets || packets == 0 || packets > mostPackets || runs == 0)
         return false;
     std::uint64_t packet = 0;
     std::uint32_t run = 0;
     for (std::uint32_t chunk = 0; chunk < chunks; ++chunk) {
-        while (run + 1 < runs && _boxes.number(track.runs, 8 + 12ULL * (run + 1)) <= chunk + 1)
+        while (run + 1 < runs && !_boxes.hasFailed() &&
+               _boxes.number(track.runs, 8 + 12ULL * (run + 1)) <= chunk + 1)
             ++run;
         const std::uint32_t inChunk = _boxes.number(track.runs, 12 + 12ULL * run);
-        std::uint64_t end = track.offsets.is("co64")
-                                ? _boxes.number64(track.offsets, 8 + 8ULL * chunk)
-                                : _boxes.number(track.offsets, 8 + 4ULL * chunk);
-        if (inChunk == 0 || inChunk > packets - packet || end > _boxes.fileSize() ||
-            _boxes.hasFailed() || _boxes.number(track.runs, 16 + 12ULL * run) != 1)
+        const std::uint64_t start = track.offsets.is("co64")
+                                        ? _boxes.number64(track.offsets, 8 + 8ULL * chunk)
+                                        : _boxes.number(track.offsets, 8 + 4ULL * chunk);
+        if (inChunk == 0 || inChunk > packets - packet || start > _boxes.fileSize() ||
+            _boxes.number(track.runs, 16 + 12ULL * run) != 1 || _boxes.hasFailed())
             return false;
-        for (std::uint32_t i = 0; i < inChunk && end <= _boxes.fileSize(); ++i) {
-            const std::uint64_t size =
-                common != 0 ? common : _boxes.number(track.sizes, 12 + 4ULL * (packet + i));
-            if (size == 0 || _boxes.hasFailed())
-                return false;
-            end += size;
-        }
-        if (end > _boxes.fileSize())
+        const auto bytes = bytesOf(track, packet, inChunk);
+        if (!bytes || *bytes > _boxes.fileSize() - start)
             return false;
         packet += inChunk;
     }

@@ -164,7 +164,8 @@ TEST(GlibRunLoops, AContextMayEndWhileOthersPostToIt) {
 }
 
 TEST(GlibRunLoops, ANotificationIsDeliveredByTheLoopAndNotInline) {
-    const auto center = makeGlibRunLoops()->currentCenter();
+    const auto loops = makeGlibRunLoops();
+    const auto center = loops->currentCenter();
     int received = 0;
     center->addObserver(
         &received, [&](const DRNotification& one) { received = numberIn(one); }, name, nullptr);
@@ -175,7 +176,8 @@ TEST(GlibRunLoops, ANotificationIsDeliveredByTheLoopAndNotInline) {
 }
 
 TEST(GlibRunLoops, EachTurnOfTheLoopDeliversOneNotification) {
-    const auto center = makeGlibRunLoops()->currentCenter();
+    const auto loops = makeGlibRunLoops();
+    const auto center = loops->currentCenter();
     std::vector<int> received;
     center->addObserver(
         &received, [&](const DRNotification& one) { received.push_back(numberIn(one)); }, name,
@@ -191,7 +193,8 @@ TEST(GlibRunLoops, EachTurnOfTheLoopDeliversOneNotification) {
 }
 
 TEST(GlibRunLoops, ALoopThatRunsWithinAHandlerDeliversNothing) {
-    const auto center = makeGlibRunLoops()->currentCenter();
+    const auto loops = makeGlibRunLoops();
+    const auto center = loops->currentCenter();
     std::vector<int> received;
     bool isWithin = false;
     center->addObserver(
@@ -299,7 +302,8 @@ TEST(GlibRunLoops, ACentreMayBeLetGoOfWhileItDelivers) {
 }
 
 TEST(GlibRunLoops, NotificationsOfOneThreadStayInOrderAmongThoseOfOthers) {
-    const auto center = makeGlibRunLoops()->currentCenter();
+    const auto loops = makeGlibRunLoops();
+    const auto center = loops->currentCenter();
     constexpr int posters = 4;
     constexpr int each = 250;
     std::vector<std::vector<int>> received(posters);

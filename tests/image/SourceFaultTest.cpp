@@ -132,7 +132,7 @@ TEST_F(SoundFault, ASourceThatDeliversMoreThanItPromisedFailsTheBurn) {
     const auto track = makeTrack(1000);
     track->sampleCount = 999;
     const Outcome outcome = burn({track});
-    EXPECT_EQ(outcome.code, codeOf(DRError::SourceChanged)) << outcome.info;
+    EXPECT_EQ(outcome.code, codeOf(DRError::SourceUnreadable)) << outcome.info;
 }
 
 } // namespace
