@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <glib.h>
 
+#include <memory>
+
 #include <nlohmann/json.hpp>
 
 #include "fuzz/Input.h"
 #include "fuzz/Target.h"
 #include "fuzz/Values.h"
+#include "tools/quarner/text/FileUri.h"
 #include "tools/quarner/text/JsonLine.h"
 #include "tools/quarner/text/SafeText.h"
 
@@ -50,13 +53,27 @@ void checkLine(Input input) {
             "a value is read back as it was");
 }
 
+/// An absolute path. One with ".." is left out: what becomes of it depends on the file system.
+void checkUri(Input input) {
+    const std::string path = '/' + input.rest();
+    if (path.find('\0') != std::string::npos || path.find("..") != std::string::npos)
+        return;
+    const std::string uri = cli::fileUri(path);
+    for (const char byte : uri)
+        require(byte > 0x20 && byte < 0x7F, "a URI is printable ASCII");
+    const std::unique_ptr<char, decltype(&g_free)> read(
+        g_filename_from_uri(uri.c_str(), nullptr, nullptr), g_free);
+    require(read != nullptr && path == read.get(), "a path survives in its URI");
+}
+
 } // namespace
 } // namespace quarner::fuzz
 
-/// A text for the terminal, and the value of an event.
+/// A text for the terminal, the value of an event, and the path of a file.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace quarner::fuzz;
     checkText(Input(data, size));
     checkLine(Input(data, size));
+    checkUri(Input(data, size));
     return 0;
 }
