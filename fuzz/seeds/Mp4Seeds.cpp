@@ -42,6 +42,7 @@ struct Film {
     std::vector<Edit> edits;
     std::uint32_t firstSize = 0; ///< of the first packet in the table; 0: as it is
     std::uint32_t offset = 0;    ///< by which the table misses the first packet
+    std::uint32_t runs = 1;      ///< that the table of chunks says it has; it has one
     bool tableFirst = true;
 };
 
@@ -66,10 +67,11 @@ std::string tableBox(const Film& film, std::size_t firstPacket) {
     std::string sizes = big(0) + big(count);
     for (std::size_t i = 0; i < count; ++i)
         sizes += big(i == 0 && film.firstSize != 0 ? film.firstSize : film.packets[i].size());
-    return box("stbl",
-               descriptionBox(film) + fullBox("stts", big(1) + big(count) + big(film.duration)) +
-                   fullBox("stsc", big(1) + big(1) + big(count) + big(1)) + fullBox("stsz", sizes) +
-                   fullBox("stco", big(1) + big(firstPacket + film.offset)));
+    return box("stbl", descriptionBox(film) +
+                           fullBox("stts", big(1) + big(count) + big(film.duration)) +
+                           fullBox("stsc", big(film.runs) + big(1) + big(count) + big(1)) +
+                           fullBox("stsz", sizes) +
+                           fullBox("stco", big(1) + big(firstPacket + film.offset)));
 }
 
 std::string editBox(const Film& film) {
@@ -189,6 +191,9 @@ void putDamaged(const SeedFolder& folder) {
     Film endless = silent(20); // found by the fuzzer: years of silence in a kilobyte
     endless.duration = 0x7FFFFFFF;
     put("endless-durations", endless);
+    Film claiming = silent(20); // found by the fuzzer: a table that is read far beyond its end
+    claiming.runs = 0x37000001;
+    put("runs-that-are-not-there", claiming);
     Film huge = silent(20);
     huge.firstSize = 0x7FFFFFFF;
     put("a-packet-of-two-gigabytes", huge);
