@@ -36,5 +36,11 @@ TEST(BurnSettings, TakeEntriesOfAnotherKindAsMissing) {
     EXPECT_EQ(settings.requestedSpeed, std::nullopt);
 }
 
+TEST(BurnSettings, NoSpeedIsRequestedByZeroOrLess) {
+    EXPECT_EQ(burnSettings({{DRBurnRequestedSpeedKey, 0}}).requestedSpeed, std::nullopt);
+    EXPECT_EQ(burnSettings({{DRBurnRequestedSpeedKey, -75}}).requestedSpeed, std::nullopt);
+    EXPECT_EQ(burnSettings({{DRBurnRequestedSpeedKey, 0.5}}).requestedSpeed, 0.5);
+}
+
 } // namespace
 } // namespace quarner

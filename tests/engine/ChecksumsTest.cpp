@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <array>
+#include <stdexcept>
+#include <vector>
 
 #include "adapters/engine/Checksums.h"
 
@@ -31,6 +33,25 @@ TEST(Checksums, AreTheSameHoweverTheBytesCome) {
         EXPECT_FALSE(checksums.matches(0, all.first(blockSize))) << flipped;
         bytes[flipped] ^= std::byte(0x80);
     }
+}
+
+TEST(Checksums, AWholeNumberOfBlocksHasNoFurtherOne) {
+    const std::vector<std::byte> bytes(blockSize);
+    Checksums checksums(sectorSize);
+    checksums.add(bytes);
+    checksums.finish();
+    EXPECT_EQ(checksums.blocks(), 1U);
+    EXPECT_THROW(static_cast<void>(checksums.matches(1, bytes)), std::out_of_range);
+}
+
+TEST(Checksums, ASingleByteIsABlock) {
+    const std::vector<std::byte> bytes(1);
+    Checksums checksums(sectorSize);
+    checksums.add(bytes);
+    EXPECT_EQ(checksums.blocks(), 0U) << "before the end";
+    checksums.finish();
+    EXPECT_EQ(checksums.blocks(), 1U);
+    EXPECT_TRUE(checksums.matches(0, bytes));
 }
 
 } // namespace

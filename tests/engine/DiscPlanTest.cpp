@@ -38,6 +38,8 @@ TEST(DiscPlan, KnowsTheTrackOfASector) {
     EXPECT_EQ(plan.trackAtSector(299), 1U);
     EXPECT_EQ(plan.trackAtSector(300), 2U);
     EXPECT_EQ(plan.trackAtSector(849), 2U);
+    EXPECT_EQ(plan.trackAtSector(850), 2U) << "the last one, beyond the end";
+    EXPECT_EQ(DiscPlan().trackAtSector(0), 0U);
 }
 
 TEST(DiscPlan, RefusesWhatIsNoDisc) {
@@ -45,6 +47,24 @@ TEST(DiscPlan, RefusesWhatIsNoDisc) {
     EXPECT_EQ(errorOf(DRLayout(99, makeTrack(300, 150))), DRError());
     EXPECT_EQ(errorOf(DRLayout(100, makeTrack(300, 150))), DRError::TooManyTracks);
     EXPECT_EQ(errorOf({nullptr}), DRError::Internal);
+}
+
+TEST(DiscPlan, RefusesATrackThatIsShorterThanItsSound) {
+    const auto track = makeTrack(300, 150);
+    track->sampleCount = 300 * DRTrack::samplesPerSector;
+    EXPECT_EQ(errorOf({track}), DRError());
+    ++track->sampleCount;
+    EXPECT_EQ(errorOf({track}), DRError::Internal);
+}
+
+TEST(DiscPlan, KeepsTheLengthsAndPreGapsOfTheTracks) {
+    const DiscPlan plan = planAudioDisc({makeTrack(300, 150), makeTrack(400, 75)});
+    EXPECT_EQ(plan.sectorSize, audioSectorSize);
+    ASSERT_EQ(plan.tracks.size(), 2U);
+    EXPECT_EQ(plan.tracks[0].preGap, 0U);
+    EXPECT_EQ(plan.tracks[0].length, 300U);
+    EXPECT_EQ(plan.tracks[1].preGap, 75U);
+    EXPECT_EQ(plan.tracks[1].length, 400U);
 }
 
 } // namespace

@@ -65,6 +65,37 @@ TEST_F(ProgressMeterTest, AStandstillBringsTheSpeedDown) {
     EXPECT_LT(meter.speed(), 20.0);
 }
 
+TEST_F(ProgressMeterTest, TheNextReportIsDueAfterExactlyOneInterval) {
+    ProgressMeter meter(clock, 100);
+    EXPECT_EQ(meter.fractionToReport(), 0.0);
+    now += ProgressMeter::reportInterval - 1ms;
+    meter.advance(10);
+    EXPECT_EQ(meter.fractionToReport(), std::nullopt);
+    now += 1ms;
+    meter.advance(10);
+    EXPECT_EQ(meter.fractionToReport(), 0.2);
+    EXPECT_EQ(meter.fractionToReport(), std::nullopt);
+}
+
+TEST_F(ProgressMeterTest, APhaseThatGoesOnAfterItsEndWasReportedIsReportedAgain) {
+    ProgressMeter meter(clock, 10);
+    meter.advance(10);
+    EXPECT_EQ(meter.fractionToReport(), 1.0);
+    now += 1s;
+    meter.advance(10);
+    EXPECT_EQ(meter.fractionToReport(), 2.0);
+}
+
+TEST_F(ProgressMeterTest, TheSpeedForgetsWhatIsOlderThanTheWindow) {
+    ProgressMeter meter(clock, 1000);
+    for (const std::uint64_t blocks : {100U, 10U, 10U}) {
+        now += ProgressMeter::speedWindow / 2;
+        meter.advance(blocks);
+    }
+    // The window begins with the first 100 blocks, which are no longer counted.
+    EXPECT_EQ(meter.speed(), 20.0);
+}
+
 TEST_F(ProgressMeterTest, AnEmptyPhaseIsCompleteAtOnce) {
     EXPECT_EQ(ProgressMeter(clock, 0).fractionToReport(), 1.0);
 }
