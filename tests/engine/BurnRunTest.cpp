@@ -3,6 +3,12 @@
 
 #include <gmock/gmock.h>
 
+#include <condition_variable>
+#include <future>
+#include <latch>
+#include <set>
+#include <thread>
+
 #include "quarner/platform/DRKeys.h"
 #include "quarner/platform/Platform.h"
 #include "tests/engine/MemoryDisc.h"
@@ -84,7 +90,7 @@ protected:
     Clock clock = [this] { return now += step; };
     BurnSettings settings;
     DiscPlan plan{.sectorSize = sectorSize,
-                  .tracks = {{.length = 300}, {.preGap = 700, .length = 1}, {.length = 400}}};
+                  .tracks = {{.length = 300}, {.preGap = 769, .length = 1}, {.length = 400}}};
     std::function<void()> onCheck;
 };
 
@@ -93,7 +99,7 @@ TEST_F(BurnRunTest, ThePreGapsAndTracksReachTheDiscInOrder) {
     EXPECT_TRUE(log.isDone()) << log.info();
     EXPECT_TRUE(disc->bytes == expectedBytes());
     EXPECT_THAT(disc->writes, Each(AllOf(Le(ReadAhead::sectorsPerPiece * sectorSize), Not(0U))));
-    EXPECT_EQ(disc->released, 1401U);
+    EXPECT_EQ(disc->released, 1470U);
 }
 
 TEST_F(BurnRunTest, TheDiscIsWrittenReadBackAndMadeValidInThisOrder) {
@@ -102,7 +108,7 @@ TEST_F(BurnRunTest, TheDiscIsWrittenReadBackAndMadeValidInThisOrder) {
                 ElementsAre("claim", "openSession", "write", "closeSession", "finish",
                             "verifyTableOfContents", "readBack", "commit", "end", "release"));
     EXPECT_THAT(disc->readBacks, ElementsAre(std::pair(0U, 1024 * sectorSize),
-                                             std::pair(1024U, (1401 - 1024) * sectorSize)));
+                                             std::pair(1024U, (1470 - 1024) * sectorSize)));
 }
 
 TEST_F(BurnRunTest, EveryStepIsTold) {
@@ -198,6 +204,28 @@ TEST_F(BurnRunTest, AStopDuringAPreGapEndsItBeforeTheNextChunk) {
     EXPECT_EQ(disc->writes.size(), 1U);
 }
 
+TEST_F(BurnRunTest, AStopWhileTheLastSectorsAreReportedLeavesTheSessionOpen) {
+    step = 1s;
+    disc->onSpeed = [this] {
+        if (disc->bytes.size() == expectedBytes().size())
+            stop->request(DRError::UserCanceled);
+    };
+    perform();
+    EXPECT_EQ(log.code(), codeOf(DRError::UserCanceled));
+    EXPECT_THAT(disc->calls, ElementsAre("claim", "openSession", "write", "end", "release"));
+}
+
+TEST_F(BurnRunTest, AStopWhileAnUnverifiedDiscIsFinishedStillCounts) {
+    settings.isVerified = false;
+    disc->onCall = [&](const std::string& name) {
+        if (name == "finish")
+            stop->request(DRError::UserCanceled);
+    };
+    perform();
+    EXPECT_EQ(log.code(), codeOf(DRError::UserCanceled));
+    EXPECT_THAT(disc->calls, Not(Contains("commit")));
+}
+
 TEST_F(BurnRunTest, AStopComesTooLateWhileTheDiscIsMadeValid) {
     disc->onCall = [&](const std::string& name) {
         if (name == "commit")
@@ -205,7 +233,7 @@ TEST_F(BurnRunTest, AStopComesTooLateWhileTheDiscIsMadeValid) {
     };
     perform();
     EXPECT_TRUE(log.isDone());
-    EXPECT_EQ(disc->released, 1401U);
+    EXPECT_EQ(disc->released, 1470U);
 }
 
 TEST_F(BurnRunTest, EverySourceIsCheckedBeforeTheSessionIsOpened) {
@@ -243,7 +271,7 @@ TEST_F(BurnRunTest, ADiscThatDiffersFailsWithTheTrackThatDoes) {
     };
     perform();
     EXPECT_EQ(log.code(), codeOf(DRError::VerifyFailed));
-    EXPECT_THAT(log.info(), HasSubstr("sectors from 1024 on (track 3)"));
+    EXPECT_THAT(log.info(), HasSubstr("sectors from 1024 on (track 2)"));
     EXPECT_THAT(disc->calls, Not(Contains("commit")));
 }
 
@@ -260,8 +288,8 @@ TEST_F(BurnRunTest, EachOfSeveralReadersReadsOtherBlocks) {
 }
 
 TEST_F(BurnRunTest, AsManyReadersReadAtOnceAsTheDiscAllows) {
-    plan.tracks = {{.length = 1024 * 3}};
-    disc->readers = 3;
+    plan.tracks = {{.length = 1024 * 4}};
+    disc->readers = 4;
     std::mutex mutex;
     std::condition_variable changed;
     unsigned reading = 0;
@@ -271,11 +299,53 @@ TEST_F(BurnRunTest, AsManyReadersReadAtOnceAsTheDiscAllows) {
         std::unique_lock lock(mutex);
         ++reading;
         changed.notify_all();
-        if (!changed.wait_for(lock, 10s, [&] { return reading == 3; }))
+        if (!changed.wait_for(lock, 10s, [&] { return reading == 4; }))
             throw BurnFailure(DRError::ReadBackFailed, "nobody else reads");
     };
     perform();
     EXPECT_TRUE(log.isDone()) << log.info();
+}
+
+TEST_F(BurnRunTest, ADiscForOneReaderIsReadOnTheThreadOfTheBurnAlone) {
+    plan.tracks = {{.length = 1024 * 4}};
+    std::set<std::thread::id> threads;
+    std::mutex mutex;
+    disc->onCall = [&](const std::string& name) {
+        if (name != "readBack")
+            return;
+        {
+            const std::lock_guard lock(mutex);
+            threads.insert(std::this_thread::get_id());
+        }
+        std::this_thread::sleep_for(5ms); // in which another reader would come
+    };
+    perform();
+    EXPECT_THAT(threads, ElementsAre(std::this_thread::get_id()));
+}
+
+TEST_F(BurnRunTest, AFailureOfTheLastReaderCountsAlsoWhenTheOthersAreDone) {
+    plan.tracks = {{.length = 1024 * 2}};
+    disc->readers = 2;
+    step = 1s;
+    std::latch bothRead(2);
+    std::promise<void> oneIsDone;
+    const auto burnThread = std::this_thread::get_id();
+    disc->onCall = [&](const std::string& name) {
+        if (name != "readBack")
+            return;
+        bothRead.arrive_and_wait();
+        if (std::this_thread::get_id() == burnThread)
+            return;
+        oneIsDone.get_future().wait();
+        std::this_thread::sleep_for(10ms); // the other one asks for more and finds none
+        throw BurnFailure(DRError::ReadBackFailed, "unreadable");
+    };
+    disc->onSpeed = [&] {
+        if (disc->readBacks.size() == 1)
+            oneIsDone.set_value();
+    };
+    perform();
+    EXPECT_EQ(log.code(), codeOf(DRError::ReadBackFailed));
 }
 
 TEST_F(BurnRunTest, AFailureOfOneReaderEndsTheOthers) {

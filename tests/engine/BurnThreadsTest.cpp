@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <future>
 
 #include "adapters/engine/BurnFailure.h"
@@ -43,29 +44,43 @@ TEST(BurnThreads, LetGoOfTheStopSignalsOfBurnsThatAreOver) {
     EXPECT_TRUE(first.expired());
 }
 
-TEST(BurnThreads, RunSeveralBurnsAtOnce) {
+TEST(BurnThreads, StartABurnWithoutWaitingForOneThatIsUnderWay) {
+    std::promise<void> mayEnd;
     BurnThreads threads;
-    std::promise<void> isSecondThere;
-    ASSERT_TRUE(
-        threads.run([second = isSecondThere.get_future().share()] { second.wait(); }, makeStop()));
-    ASSERT_TRUE(threads.run([&] { isSecondThere.set_value(); }, makeStop()));
+    ASSERT_TRUE(threads.run([ending = mayEnd.get_future().share()] { ending.wait(); }, makeStop()));
+    ASSERT_TRUE(threads.run([] {}, makeStop()));
+    ASSERT_TRUE(threads.run([] {}, makeStop()));
+    mayEnd.set_value();
+}
+
+/// Work that ends when it is stopped, and then sets a flag.
+std::function<void()> workUntilStopped(const std::shared_ptr<StopSignal>& stop, bool& isOver) {
+    return [stop, &isOver] {
+        std::promise<void> stopped;
+        const std::stop_callback callback(stop->token(), [&] { stopped.set_value(); });
+        stopped.get_future().wait();
+        isOver = true;
+    };
 }
 
 TEST(BurnThreads, CancelWhatIsUnderWayAndWaitForItAtTheEnd) {
     bool isOver = false;
     const auto stop = makeStop();
     BurnThreads threads;
-    ASSERT_TRUE(threads.run(
-        [&] {
-            std::promise<void> stopped;
-            const std::stop_callback callback(stop->token(), [&] { stopped.set_value(); });
-            stopped.get_future().wait();
-            isOver = true;
-        },
-        stop));
+    ASSERT_TRUE(threads.run(workUntilStopped(stop, isOver), stop));
     threads.shutDown();
     EXPECT_TRUE(isOver);
     EXPECT_THROW(stop->throwIfRequested(), BurnFailure);
+}
+
+TEST(BurnThreads, CancelWhatIsUnderWayWhenTheyAreDestroyed) {
+    bool isOver = false;
+    {
+        const auto stop = makeStop();
+        BurnThreads threads;
+        ASSERT_TRUE(threads.run(workUntilStopped(stop, isOver), stop));
+    }
+    EXPECT_TRUE(isOver);
 }
 
 TEST(BurnThreads, RunNothingAfterTheEnd) {

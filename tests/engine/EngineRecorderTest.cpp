@@ -287,6 +287,18 @@ TEST_F(EngineRecorderTest, ABurnOfARecorderThatIsGoneTellsNothing) {
     EXPECT_FALSE(center->deliverOne());
 }
 
+TEST_F(EngineRecorderTest, ABurnThatIsStartedAfterTheEndOfTheRecorderFails) {
+    const auto made = recorder->burnForDevice(drive);
+    const BurnLog log(loops->currentCenter(), made.get());
+    const DRLayout layout = {audioTrack()};
+    recorder.reset();
+    made->writeLayout(layout);
+    loops->runPending();
+    EXPECT_EQ(log.ends(), 1U);
+    EXPECT_FALSE(log.isDone());
+    EXPECT_THAT(drive->disc.calls, IsEmpty());
+}
+
 TEST_F(EngineRecorderTest, ADrivesNotificationReachesTheListeners) {
     const auto center = recorder->currentRunLoopCenter();
     std::vector<std::shared_ptr<DRObject>> senders;

@@ -23,6 +23,9 @@ public:
     /// Called with the name of each call before it does anything; may throw.
     std::function<void(const std::string&)> onCall;
 
+    /// Called with each speed, before it is noted.
+    std::function<void()> onSpeed;
+
     std::vector<std::byte> bytes;
     std::vector<std::size_t> writes; ///< the sizes of the parts in which they came
     std::vector<std::pair<std::uint64_t, std::size_t>> readBacks; ///< first sectors and bytes
@@ -39,7 +42,11 @@ public:
         sectorSize = plan.sectorSize;
         return std::make_unique<Writer>(*this);
     }
-    void speedChanged(double speed) override { speeds.push_back(speed); }
+    void speedChanged(double speed) override {
+        if (onSpeed)
+            onSpeed();
+        speeds.push_back(speed);
+    }
     void release(std::optional<std::uint64_t> writtenSectors) override {
         note("release");
         released = writtenSectors;

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
+#include <set>
 #include <thread>
 
 #include "adapters/engine/BurnFailure.h"
@@ -25,6 +26,8 @@ public:
     void read(std::span<std::byte> buffer) override {
         while (waitsFor != nullptr && waitsFor->bytesRead < waitsForBytes && !isReleased)
             std::this_thread::sleep_for(1ms);
+        isRead = true;
+        isHeld.wait(true);
         std::fill(buffer.begin(), buffer.end(), std::byte(_number));
         bytesRead += buffer.size();
     }
@@ -34,7 +37,14 @@ public:
     const NumberSource* waitsFor = nullptr; ///< nothing is read before so much of it was
     std::uint64_t waitsForBytes = 1;
     std::atomic<bool> isReleased = false; ///< waits no longer
+    std::atomic<bool> isHeld = false;       ///< nothing is read until this is false again
+    std::atomic<bool> isRead = false;       ///< the first reading has begun
     std::atomic<std::uint64_t> bytesRead = 0;
+
+    void letGo() {
+        isHeld = false;
+        isHeld.notify_all();
+    }
 
 private:
     const std::uint8_t _number;
@@ -58,6 +68,16 @@ protected:
         for (std::size_t i = 0; i < sources.size(); ++i)
             sum += source(i).bytesRead;
         return sum;
+    }
+
+    /// What was read of all tracks once no more is.
+    std::uint64_t settledBytes() {
+        std::uint64_t before = 0;
+        do {
+            before = bytesRead();
+            std::this_thread::sleep_for(50ms);
+        } while (bytesRead() != before);
+        return before;
     }
 
     DiscPlan plan;
@@ -84,12 +104,62 @@ TEST_F(ReadAheadTest, ReadsASecondTrackMeanwhileAndNoFurtherThanItsMemory) {
     source(0).waitsFor = &source(1);
     ReadAhead ahead(plan, sources, 2, stop.get_token());
     EXPECT_FALSE(ahead.next().empty());
-    std::uint64_t before = 0;
-    do {
-        before = bytesRead();
-        std::this_thread::sleep_for(50ms);
-    } while (bytesRead() != before);
-    EXPECT_LE(before, ReadAhead::pieces * pieceSize);
+    EXPECT_LE(settledBytes(), ReadAhead::pieces * pieceSize);
+}
+
+TEST_F(ReadAheadTest, AnEighthOfTheMemoryIsLeftToTheTrackThatIsBeingWritten) {
+    makeTracks({100'000, 100'000});
+    source(0).isHeld = true;
+    ReadAhead ahead(plan, sources, 2, stop.get_token());
+    while (source(1).bytesRead == 0)
+        std::this_thread::sleep_for(1ms);
+    constexpr std::size_t held = 1; // by the first track, which waits with it
+    EXPECT_EQ(settledBytes(), (ReadAhead::pieces - ReadAhead::pieces / 8 - held) * pieceSize);
+    source(0).letGo();
+    while (!ahead.next().empty()) {
+    }
+    EXPECT_EQ(source(0).bytesRead, 100'000U * sectorSize);
+}
+
+TEST_F(ReadAheadTest, OneThreadReadsOneTrackAtATimeAndUsesAllTheMemory) {
+    makeTracks({1, 100'000, 1});
+    source(0).isHeld = true;
+    ReadAhead ahead(plan, sources, 1, stop.get_token());
+    EXPECT_EQ(settledBytes(), 0U);
+    source(0).letGo();
+    while (source(1).bytesRead == 0)
+        std::this_thread::sleep_for(1ms);
+    EXPECT_EQ(settledBytes(), sectorSize + (ReadAhead::pieces - 1) * pieceSize);
+}
+
+TEST_F(ReadAheadTest, TheTrackThatIsBeingWrittenMayUseAllTheMemory) {
+    makeTracks({100'000});
+    const ReadAhead ahead(plan, sources, 2, stop.get_token());
+    while (bytesRead() == 0)
+        std::this_thread::sleep_for(1ms);
+    EXPECT_EQ(settledBytes(), ReadAhead::pieces * pieceSize);
+}
+
+TEST_F(ReadAheadTest, TheSameMemoryIsUsedAgain) {
+    makeTracks({100'000});
+    ReadAhead ahead(plan, sources, 2, stop.get_token());
+    std::set<const std::byte*> places;
+    for (auto piece = ahead.next(); !piece.empty(); piece = ahead.next())
+        places.insert(piece.data());
+    EXPECT_LE(places.size(), ReadAhead::pieces);
+}
+
+TEST_F(ReadAheadTest, AfterAStopOnlyThePieceUnderWayIsRead) {
+    makeTracks({100'000});
+    source(0).isHeld = true;
+    {
+        const ReadAhead ahead(plan, sources, 1, stop.get_token());
+        while (!source(0).isRead)
+            std::this_thread::sleep_for(1ms);
+        stop.request_stop();
+        source(0).letGo();
+    }
+    EXPECT_EQ(source(0).bytesRead, pieceSize);
 }
 
 /// Without the reserve, the second track takes each buffer that the writer returns.
