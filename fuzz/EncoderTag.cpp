@@ -14,7 +14,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     constexpr std::uint32_t mostSamples = 0xfff; // 12 bits each
     constexpr std::uint32_t decoderDelay = 529;
-    require(tag->delay <= mostSamples + decoderDelay && tag->padding <= mostSamples, "delay and padding fit");
+    require(tag->delay <= mostSamples + decoderDelay && tag->padding <= mostSamples,
+            "delay and padding fit");
     require(tag->frames <= 0xffffffff, "the count of frames fits");
     return 0;
 }

@@ -17,8 +17,7 @@ void Mp4Boxes::each(const Mp4Box& within, const std::function<void(const Mp4Box&
     --_depth;
 }
 
-void Mp4Boxes::eachOfLevel(const Mp4Box& within,
-                           const std::function<void(const Mp4Box&)>& visit) {
+void Mp4Boxes::eachOfLevel(const Mp4Box& within, const std::function<void(const Mp4Box&)>& visit) {
     constexpr std::uint64_t headerSize = 8;
     std::uint64_t at = within.begin;
     while (at + headerSize <= within.end && !hasFailed()) {

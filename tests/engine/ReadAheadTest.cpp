@@ -37,8 +37,8 @@ public:
     const NumberSource* waitsFor = nullptr; ///< nothing is read before so much of it was
     std::uint64_t waitsForBytes = 1;
     std::atomic<bool> isReleased = false; ///< waits no longer
-    std::atomic<bool> isHeld = false;       ///< nothing is read until this is false again
-    std::atomic<bool> isRead = false;       ///< the first reading has begun
+    std::atomic<bool> isHeld = false;     ///< nothing is read until this is false again
+    std::atomic<bool> isRead = false;     ///< the first reading has begun
     std::atomic<std::uint64_t> bytesRead = 0;
 
     void letGo() {
@@ -164,7 +164,7 @@ TEST_F(ReadAheadTest, AfterAStopOnlyThePieceUnderWayIsRead) {
 
 /// Without the reserve, the second track takes each buffer that the writer returns.
 TEST_F(ReadAheadTest, TheTrackBeingWrittenGetsMemoryHoweverFarTheNextOneIsReadAhead) {
-    makeTracks({100'000, 100'000, 100'000});
+    makeTracks({10'000, 10'000, 10'000});
     source(0).waitsFor = &source(1);
     source(0).waitsForBytes = (ReadAhead::pieces - ReadAhead::pieces / 8 - 1) * pieceSize;
     ReadAhead ahead(plan, sources, 2, stop.get_token());
@@ -178,7 +178,7 @@ TEST_F(ReadAheadTest, TheTrackBeingWrittenGetsMemoryHoweverFarTheNextOneIsReadAh
     std::uint64_t bytes = 0;
     for (auto piece = ahead.next(); !piece.empty(); piece = ahead.next())
         bytes += piece.size();
-    EXPECT_EQ(bytes, 100'000U * sectorSize) << "the first track waits for memory";
+    EXPECT_EQ(bytes, 10'000U * sectorSize) << "the first track waits for memory";
 }
 
 TEST_F(ReadAheadTest, AFailureComesOutAfterWhatWasRead) {

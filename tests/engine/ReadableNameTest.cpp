@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "adapters/engine/ReadableName.h"
+#include "adapters/engine/Utf8.h"
 
 #include <gtest/gtest.h>
 
