@@ -67,6 +67,10 @@ AudioDecoder::Chunk AudioDecoder::next() {
 }
 
 AudioDecoder::Chunk AudioDecoder::sound() {
+    // libavcodec gives the first frame of another rate the rate of the frames before it.
+    const bool isJoin = _packet.rate > 0 && static_cast<int>(_packet.rate) != _frame->sample_rate;
+    if (isJoin)
+        _frame->sample_rate = static_cast<int>(_packet.rate);
     if (_frame->nb_samples <= 0 || _frame->sample_rate <= 0)
         return {};
     const auto samples = static_cast<std::uint64_t>(_frame->nb_samples);
@@ -76,7 +80,7 @@ AudioDecoder::Chunk AudioDecoder::sound() {
     _primingLeft -= std::min(_primingLeft, samples);
     _decoded += samples;
     const std::uint64_t tail = _packet.hasTail ? samples - range.first - range.count : 0;
-    return {Chunk::Kind::sound, _frame, range, _rate, tail};
+    return {Chunk::Kind::sound, _frame, range, _rate, tail, isJoin};
 }
 
 /// A decoder that is told to leave the trimming to us notes in a frame what it would have skipped.
@@ -109,7 +113,7 @@ AudioDecoder::Chunk AudioDecoder::silenceForPacket() {
     if (samples <= _decoded)
         return {};
     const SampleRange range = heard(samples - _decoded);
-    return {Chunk::Kind::silence, nullptr, {0, range.count}, _rate, 0};
+    return {Chunk::Kind::silence, nullptr, {0, range.count}, _rate};
 }
 
 /// Feeds the decoder with the next packet, or with the end.

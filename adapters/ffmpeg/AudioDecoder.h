@@ -27,6 +27,7 @@ public:
         std::uint32_t rate = 0;
         /// Samples of the frame behind the range that are not heard, but that a filter may use.
         std::uint64_t tail = 0;
+        bool isJoin = false; ///< the first sound of another rate; to be resampled on its own
     };
 
     /// Opens a decoder; null if there is none for the sound.

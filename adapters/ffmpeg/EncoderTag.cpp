@@ -37,13 +37,13 @@ std::uint32_t crcOf(Bytes bytes) {
 }
 
 /// Some encoders sum up everything before the checksum, some always the same number of bytes, with
-/// zeros in the place of the checksum.
+/// zeros in the place of the checksum and behind a shorter frame.
 bool isCrcRight(Bytes frame, std::size_t offset) {
-    if (frame.size() < std::max(offset + 2, checkedBytes))
+    if (frame.size() < offset + 2)
         return false;
     const std::uint32_t noted = number(frame, offset, 2);
     std::array<std::uint8_t, checkedBytes> bytes = {};
-    std::copy_n(frame.begin(), bytes.size(), bytes.begin());
+    std::copy_n(frame.begin(), std::min(frame.size(), bytes.size()), bytes.begin());
     for (std::size_t i = offset; i < std::min(offset + 2, bytes.size()); ++i)
         bytes[i] = 0;
     return noted == crcOf(frame.first(offset)) || noted == crcOf(bytes);

@@ -69,6 +69,8 @@ bool FFmpegPCMStream::convert() {
             _silence = chunk.range.count;
             _silenceRate = chunk.rate;
         }
+        if (chunk.isJoin) // the part behind it then has the samples of any decoder, to the phase
+            _resampler.flush(_ready);
         return true;
     case AudioDecoder::Chunk::Kind::silence:
         _silence = chunk.range.count;

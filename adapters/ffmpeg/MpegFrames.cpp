@@ -8,6 +8,22 @@
 
 namespace quarner {
 
+namespace {
+
+/// How many bytes pass before one with which a frame or a tag may begin.
+std::size_t bytesWithoutStart(std::span<const std::uint8_t> bytes) {
+    const auto mayStart = [](std::uint8_t byte) {
+        return byte == 0xff || byte == 'I' || byte == 'A' || byte == 'T';
+    };
+    const std::uint8_t* const begin = bytes.data();
+    const std::uint8_t* at = begin;
+    while (at != begin + bytes.size() && !mayStart(*at))
+        ++at;
+    return static_cast<std::size_t>(at - begin);
+}
+
+} // namespace
+
 std::optional<MpegFrames::Frame> MpegFrames::next() {
     while (_at < _end && !hasFailed()) {
         if (const auto header = frameInPlace())
@@ -70,18 +86,22 @@ std::uint64_t MpegFrames::tagAt(std::uint64_t offset) {
 
 /// Moves on to the next frame or tag. False if none is found.
 bool MpegFrames::search() {
+    constexpr std::size_t atOnce = 4096; // bytes
     const std::uint64_t start = _at;
     while (_at < _end && !_file.hasFailed()) {
-        const auto bytes = _file.view(_at, 1);
-        if (bytes.empty())
-            return false;
-        const bool mayBeTag = bytes[0] == 'I' || bytes[0] == 'A' || bytes[0] == 'T';
-        if ((bytes[0] == 0xff && frameInSearch(_at)) || (mayBeTag && tagAt(_at) > 0))
-            return true;
-        if (++_at - start > PacketSource::mostDamage) {
+        if (_at - start > PacketSource::mostDamage) {
             _hasFailed = true;
             return false;
         }
+        const auto bytes = _file.view(_at, std::min<std::uint64_t>(atOnce, _end - _at));
+        const std::size_t skipped = bytesWithoutStart(bytes);
+        _at += skipped;
+        if (skipped == bytes.size())
+            continue;
+        const bool mayBeFrame = bytes[skipped] == 0xff;
+        if (mayBeFrame ? frameInSearch(_at).has_value() : tagAt(_at) > 0)
+            return true;
+        ++_at;
     }
     return false;
 }
