@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "adapters/glib/GlibPointers.h"
+#include "adapters/posix/SystemCall.h"
 
 namespace quarner {
 namespace {
@@ -18,8 +19,8 @@ using KeyFile = std::unique_ptr<GKeyFile, ReleasedBy<g_key_file_free>>;
 /// Asked before opening: what is not a regular file might block, or never end.
 bool isSmallRegularFile(const std::string& path) {
     struct stat found = {};
-    return lstat(path.c_str(), &found) == 0 && S_ISREG(found.st_mode) &&
-           found.st_size <= largestEntry;
+    return uninterrupted([&] { return lstat(path.c_str(), &found); }) == 0 &&
+           S_ISREG(found.st_mode) && found.st_size <= largestEntry;
 }
 
 std::string entry(GKeyFile* file, const char* key) {

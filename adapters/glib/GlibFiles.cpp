@@ -9,6 +9,7 @@
 #include "adapters/glib/DesktopLink.h"
 #include "adapters/glib/GlibPointers.h"
 #include "adapters/glib/GlibServices.h"
+#include "adapters/posix/SystemCall.h"
 
 namespace quarner {
 namespace {
@@ -34,7 +35,7 @@ std::optional<std::uint32_t> typeCodeOf(const std::string& path) {
 
 bool exists(const std::string& path) {
     struct stat found = {};
-    return stat(path.c_str(), &found) == 0;
+    return uninterrupted([&] { return stat(path.c_str(), &found); }) == 0;
 }
 
 std::vector<std::string> namesOf(GIcon* icon) {
@@ -60,7 +61,7 @@ public:
 
     std::optional<FileAttributes> attributes(const std::string& path) override {
         struct stat found = {};
-        if (stat(path.c_str(), &found) != 0 ||
+        if (uninterrupted([&] { return stat(path.c_str(), &found); }) != 0 ||
             faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0)
             return std::nullopt;
         return FileAttributes{.size = found.st_size, .hfsTypeCode = typeCodeOf(path)};
