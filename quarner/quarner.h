@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-/// Everything that a host needs of the framework. To run it, a host also installs a platform:
-/// `quarner/desktop.h` on a desktop, `quarner/scripted.h` in a test. All headers need C++20.
+/// Includes everything that a host needs of the framework. To run it, a host also installs a
+/// platform: `quarner/desktop.h` on a desktop, `quarner/scripted.h` in a test.
 
 #if __cplusplus < 202002L
 #error "quarner needs C++20: compile with -std=c++20, or set CMAKE_CXX_STANDARD to 20"

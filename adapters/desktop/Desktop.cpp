@@ -15,7 +15,7 @@ namespace {
 
 struct Installed {
     std::mutex mutex;
-    std::shared_ptr<DesktopPlatform> desktop; // null while it is not installed
+    std::shared_ptr<DesktopPlatform> desktop; // null until it is installed
 };
 
 // Never destroyed: the platform may still be in use while the process exits.
@@ -41,7 +41,7 @@ std::shared_ptr<DesktopPlatform> takeCurrent() {
     return std::exchange(installed().desktop, nullptr);
 }
 
-/// The drive of a name among those of one recorder; null when there is none.
+/// Returns the drive with a name among those of one recorder, or null.
 template <typename Drive>
 std::shared_ptr<Drive> driveNamed(const std::string& name, RecordingService& recorder) {
     for (const auto& drive : recorder.devices())
@@ -58,7 +58,7 @@ void uninstallDesktopPlatform() {
     const std::shared_ptr<DesktopPlatform> desktop = takeCurrent();
     if (!desktop)
         return;
-    desktop->endBackgroundWork(); // first: it uses the services
+    desktop->endBackgroundWork(); // first: background work uses the services
     installPlatform({});
 }
 

@@ -11,12 +11,11 @@ namespace quarner {
 class DesktopRecorder;
 class GlibDispatch;
 
-/// The adapters, put together. Made on the main thread.
+/// Combines the adapters to a platform. Made on the main thread.
 class DesktopPlatform {
 public:
     DesktopPlatform();
-    /// Cancels the burns that are under way and waits for their end, unless another owner of the
-    /// services is left.
+    /// Cancels the running burns and waits for their end, unless the services have another owner.
     ~DesktopPlatform();
     DesktopPlatform(const DesktopPlatform&) = delete;
     DesktopPlatform& operator=(const DesktopPlatform&) = delete;
@@ -24,7 +23,7 @@ public:
     const Platform& services() const { return _services; }
     DesktopRecorder& recorder() const { return *_recorder; }
 
-    /// Ends the work in the background: see `GlibDispatch::shutDown`.
+    /// Ends background work: see `GlibDispatch::shutDown`.
     void endBackgroundWork();
 
 private:

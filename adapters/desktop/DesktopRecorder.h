@@ -11,7 +11,7 @@ namespace quarner {
 class ImageRecorder;
 class OpticalRecorder;
 
-/// What a recorder is made of.
+/// The services that a recorder needs.
 struct RecorderServices {
     std::shared_ptr<RunLoops> runLoops;
     std::shared_ptr<PCMService> pcm;

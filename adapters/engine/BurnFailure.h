@@ -9,12 +9,11 @@
 
 namespace quarner {
 
-/// Why a burn ends before its time. Thrown anywhere below the burn's own thread function, which
+/// The reason for which a burn fails. Thrown anywhere below the burn thread's main function, which
 /// turns it into the Failed record; it never leaves the engine.
 class BurnFailure : public std::exception {
 public:
-    /// `info` is a text for the status record and the diagnostic log, naming the file that is to
-    /// blame.
+    /// `info` is a text for the status record and the diagnostic log. It names the file concerned.
     BurnFailure(DRError error, std::string info) : _error(error), _info(std::move(info)) {}
 
     DRError error() const { return _error; }
@@ -26,8 +25,9 @@ private:
     std::string _info;
 };
 
-/// The failure for a system call that could not write: the code for the `errno` given, and a text
-/// of what was attempted ("creating /tmp/mix.bin") with the system's reason.
+/// Returns the failure of a system call that could not write. `errorNumber` is its `errno`,
+/// `attempt` says what was attempted ("creating /tmp/mix.bin"); the text ends with the system's
+/// reason.
 BurnFailure writeFailure(int errorNumber, const std::string& attempt);
 
 } // namespace quarner

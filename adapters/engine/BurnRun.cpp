@@ -11,7 +11,7 @@
 namespace quarner {
 namespace {
 
-/// Runs a function at the end of a scope, however that is left.
+/// Runs a function when a scope is left, also by an exception.
 template <typename Function>
 class AtEnd {
 public:
@@ -38,7 +38,7 @@ void BurnRun::perform(const ContentMaker& makeContent) {
     if (const std::optional<BurnFailure> failure = attempt(makeContent))
         _report.failed(*failure);
     else
-        _report.state(DRStatusStateDone); // the last phase has told that it is complete
+        _report.state(DRStatusStateDone); // the last phase has already reported 100 %
 }
 
 std::optional<BurnFailure> BurnRun::attempt(const ContentMaker& makeContent) {
@@ -139,7 +139,7 @@ void BurnRun::verify(const DiscPlan& plan) {
 
 void BurnRun::startPhase(const DiscPlan& plan) { _meter.emplace(_clock, plan.sectors()); }
 
-/// Whoever hears of a step may stop the burn before the next one.
+/// A receiver of a record may stop the burn before the next step.
 void BurnRun::tell(const char* state, std::optional<BurnProgress> progress) const {
     _report.state(state, progress);
     _stop->throwIfRequested();

@@ -19,17 +19,17 @@
 
 namespace quarner {
 
-/// Makes the content when the burn begins, on its thread; throws `BurnFailure`.
+/// Makes the content when the burn begins, on the burn thread. Throws `BurnFailure`.
 using ContentMaker = std::function<DiscContent()>;
 
-/// One burn from its start to its last record, on one thread: the only road through success,
-/// failure and cancellation.
+/// One burn from its start to its last record, on one thread. Success, failure and cancellation
+/// take the same path.
 class BurnRun {
 public:
     BurnRun(std::shared_ptr<BurnTarget> target, std::shared_ptr<StopSignal> stop,
             StatusReporter report, Clock clock, BurnSettings settings);
 
-    /// Burns and tells of it, to the Done or Failed record. Never throws.
+    /// Burns and reports, up to the Done or Failed record. Never throws.
     void perform(const ContentMaker& makeContent);
 
 private:

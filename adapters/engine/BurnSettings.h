@@ -7,20 +7,21 @@
 
 namespace quarner {
 
-/// What is asked of a burn: the DRBurn...Key entries of DRKeys.h, with what holds where one is
-/// missing.
+/// The settings of a burn: the DRBurn...Key entries of DRKeys.h. The initial values are used for
+/// missing entries.
 struct BurnSettings {
-    /// The written disc is read back and compared.
+    /// Read the written disc back and compare it.
     bool isVerified = true;
-    /// What a rewritable disc holds may be replaced.
+    /// Erase the content of a rewritable disc first.
     bool overwritesDisc = false;
-    /// The disc takes further sessions afterwards.
+    /// Leave the disc open for further sessions.
     bool staysAppendable = false;
-    /// Blocks per second; nothing asks for what the drive and the disc can do.
+    /// The write speed in blocks per second; `std::nullopt` is the fastest that the drive and the
+    /// disc support.
     std::optional<double> requestedSpeed;
 };
 
-/// The settings that a burn's properties stand for. Entries of other kinds count as missing.
+/// Returns the settings in a burn's properties. An entry of the wrong type counts as missing.
 BurnSettings burnSettings(const Dictionary& properties);
 
 } // namespace quarner

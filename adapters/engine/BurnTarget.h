@@ -12,7 +12,7 @@
 
 namespace quarner {
 
-/// The drive of a burn, as the engine sees it. Called on the burn's thread.
+/// The drive of a burn as the engine sees it. Called on the burn thread.
 class BurnTarget {
 public:
     BurnTarget() = default;
@@ -20,17 +20,17 @@ public:
     BurnTarget(const BurnTarget&) = delete;
     BurnTarget& operator=(const BurnTarget&) = delete;
 
-    /// Takes the drive for one burn: throws `BurnFailure` when the drive is gone or busy or its
-    /// disc cannot take this plan with these settings. Nothing is written yet. Whoever got a writer
-    /// calls `release` once, after destroying it. The drive stops the burn through `stop` when it
-    /// is unplugged.
+    /// Claims the drive for one burn and writes nothing. Throws `BurnFailure` if the drive is gone
+    /// or busy, or if its disc cannot take this plan with these settings. A caller that got a
+    /// writer must call `release` once, after destroying the writer. If the drive is unplugged, it
+    /// requests the stop of the burn through `stop`.
     virtual std::unique_ptr<SectorWriter> claim(const DiscPlan& plan, const BurnSettings& settings,
                                                 const std::shared_ptr<StopSignal>& stop) = 0;
 
-    /// The speed of writing or reading back has changed: blocks per second.
+    /// Reports the current speed of writing or reading back in blocks per second.
     virtual void speedChanged(double speed) = 0;
 
-    /// The burn is over. `writtenSectors`: the length of the disc, when it was written whole.
+    /// Ends the claim. `writtenSectors` is the length of the disc if the burn has succeeded.
     virtual void release(std::optional<std::uint64_t> writtenSectors) = 0;
 };
 

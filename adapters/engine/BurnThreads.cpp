@@ -10,7 +10,7 @@ namespace quarner {
 BurnThreads::~BurnThreads() { shutDown(); }
 
 bool BurnThreads::run(std::function<void()> work, std::shared_ptr<StopSignal> stop) {
-    Entries over; // joined after the lock
+    Entries over; // joined after the lock is released
     const std::lock_guard lock(_mutex);
     if (_isShutDown)
         return false;

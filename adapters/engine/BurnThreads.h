@@ -11,7 +11,7 @@
 
 namespace quarner {
 
-/// The threads of the burns of one recorder.
+/// The burn threads of one recorder.
 class BurnThreads {
 public:
     BurnThreads() = default;
@@ -19,19 +19,20 @@ public:
     BurnThreads(const BurnThreads&) = delete;
     BurnThreads& operator=(const BurnThreads&) = delete;
 
-    /// Runs work on a thread of its own. Answers false, without running it, after `shutDown` or
-    /// when no thread can be had. Any thread.
+    /// Runs work on a new thread. Returns false, without running it, after `shutDown` or if no
+    /// thread can be started. Any thread.
     bool run(std::function<void()> work, std::shared_ptr<StopSignal> stop);
 
-    /// Cancels the burns that are under way, returns when their threads have ended, and starts
-    /// none any more. Not on a burn's thread.
+    /// Cancels the running burns and returns after their threads have ended. No burn can be started
+    /// afterwards. Not on a burn thread.
     void shutDown();
 
 private:
     struct Entry {
         std::shared_ptr<StopSignal> stop;
         bool isOver = false;
-        std::jthread thread; // the last member: it still writes the flag while it is joined
+        std::jthread thread; // the last member: joined before the flag, which its thread writes, is
+                             // destroyed
     };
     using Entries = std::list<Entry>;
 

@@ -9,13 +9,12 @@
 
 namespace quarner {
 
-/// The checksums of everything that was sent to a disc, one for each block of sectors, made as
-/// the bytes go by. They are 64-bit XXH3: faster than the memory that the bytes come from, and a
-/// change goes unnoticed once in 2^64 blocks. The sums guard against accidents, not against
-/// forgery.
+/// The checksums of everything that was sent to a disc, one for each chunk of sectors, computed
+/// while the bytes are written. They are 64-bit XXH3: a changed chunk goes unnoticed once in 2^64
+/// cases. They detect accidents, not forgery.
 class Checksums {
 public:
-    /// Sectors in a block. A block of either sector size is a multiple of 4096 bytes.
+    /// Sectors in a chunk. For both sector sizes a chunk is a multiple of 4096 bytes.
     static constexpr std::uint32_t sectorsPerBlock = 1024;
 
     explicit Checksums(std::uint32_t sectorSize);
@@ -23,11 +22,11 @@ public:
 
     /// Adds the next bytes.
     void add(std::span<const std::byte> bytes);
-    /// Ends the last block. Nothing is added afterwards.
+    /// Ends the last chunk. Nothing may be added afterwards.
     void finish();
 
     std::size_t blocks() const { return _sums.size(); }
-    /// Whether these bytes are a whole block as it was sent. Any thread, after `finish`.
+    /// Returns whether `bytes` are the whole chunk as it was sent. Any thread, after `finish`.
     bool matches(std::size_t block, std::span<const std::byte> bytes) const;
 
 private:

@@ -6,7 +6,7 @@
 
 namespace quarner {
 
-/// Where the engine reads the time: a steady clock, or a test's own. Called on any thread.
+/// The engine's clock: a steady clock, or a test's own. Called on any thread.
 using Clock = std::function<std::chrono::steady_clock::time_point()>;
 
 } // namespace quarner

@@ -10,7 +10,7 @@
 
 namespace quarner {
 
-/// What is to be burnt: the plan, and a source for each of its tracks.
+/// The content of a burn: the plan, and a source for each of its tracks.
 struct DiscContent {
     DiscPlan plan;
     TrackSources sources;
@@ -29,7 +29,8 @@ public:
     /// laid out then, in which case `contentOf` says why.
     virtual std::shared_ptr<DRTrack> trackForRootFolder(std::shared_ptr<const DRFolder> folder) = 0;
 
-    /// The file system of a track made here, block by block. Throws `BurnFailure`.
+    /// Returns the file system of a track made by this service, block by block. Throws
+    /// `BurnFailure`.
     virtual DiscContent contentOf(const DRTrack& track) = 0;
 };
 

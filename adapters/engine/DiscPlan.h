@@ -12,31 +12,32 @@ namespace quarner {
 inline constexpr std::uint32_t audioSectorSize = 2352;
 /// Bytes in a block of a data track: the user data of a mode 1 sector (ECMA-130).
 inline constexpr std::uint32_t dataBlockSize = 2048;
-/// The part of the first track's pre-gap that lies before sector 0 of the disc: every drive makes
-/// it, and no image holds it (Red Book: two seconds).
+/// The part of the first track's pre-gap that lies before sector 0 of the disc. The drive writes
+/// it, and an image does not contain it (Red Book: two seconds).
 inline constexpr std::uint32_t leadingGapSectors = 150;
 
-/// One track as it lies on the disc, in sectors.
+/// One track on the disc, in sectors.
 struct TrackPlan {
-    /// Silence before the track, from sector 0 of the disc on: the first track's leading gap is
-    /// not counted.
+    /// Silence before the track, counted from sector 0 of the disc: the first track's leading gap
+    /// is not included.
     std::uint32_t preGap = 0;
     std::uint32_t length = 0;
 };
 
-/// What is going to be written: every sector of the disc from sector 0 on, without holes.
+/// The layout of the disc to be written: every sector from sector 0 on, without gaps.
 struct DiscPlan {
     std::uint32_t sectorSize = audioSectorSize;
     std::vector<TrackPlan> tracks;
 
     std::uint64_t sectors() const;
     std::uint64_t bytes() const { return sectors() * sectorSize; }
-    /// The track, from 1, that a sector of the disc belongs to (with its pre-gap).
+    /// Returns the number, from 1, of the track that a sector belongs to. A pre-gap belongs to the
+    /// track after it.
     std::size_t trackAtSector(std::uint64_t sector) const;
 };
 
-/// The plan of an audio disc. Throws `BurnFailure` when nothing, or more than 99 tracks, or a track
-/// that is shorter than its own samples is to be written.
+/// Returns the plan of an audio disc. Throws `BurnFailure` if there is no track, if there are more
+/// than 99, or if a track is shorter than its samples.
 DiscPlan planAudioDisc(const DRLayout& layout);
 
 } // namespace quarner

@@ -15,9 +15,9 @@
 
 namespace quarner {
 
-/// What every burn of a recorder shares.
+/// The services shared by all burns of a recorder.
 struct BurnServices {
-    /// The recorder's. Not kept alive by a burn, which a record that waits in one of them keeps.
+    /// Owned by the recorder. Weak, because a queued record in one of the loops owns the burn.
     std::weak_ptr<RunLoops> runLoops;
     std::shared_ptr<PCMService> pcm;
     std::shared_ptr<DataDiscService> dataDiscs = nullptr; ///< null where no data discs are written
@@ -25,15 +25,15 @@ struct BurnServices {
     Clock clock;
 };
 
-/// A burn that the engine carries out on a thread of its own. Records go to the run loop of the
-/// thread that called `writeLayout`. Must be held by a shared pointer.
+/// A burn that the engine runs on its own thread. Records are sent to the run loop of the thread
+/// that called `writeLayout`. Must be owned by a shared pointer.
 class EngineBurn : public DRBurn, public std::enable_shared_from_this<EngineBurn> {
 public:
-    /// A null target gives a burn that fails with `DRError::DeviceVanished`.
+    /// With a null target the burn fails with `DRError::DeviceVanished`.
     EngineBurn(BurnServices services, std::shared_ptr<BurnTarget> target);
 
     void setProperties(Dictionary properties) override;
-    /// Only the first call has an effect.
+    /// Does nothing after the first call.
     void writeLayout(DRLayout layout) override;
     void abort() override;
 

@@ -11,14 +11,14 @@
 
 namespace quarner {
 
-/// What every recorder on the burn engine answers in the same way: all but its drives. Every
+/// The base of every recorder on the burn engine. A derived class adds only its drives. Every
 /// operation may be called on any thread.
 class EngineRecorder : public RecordingService {
 public:
     /// Cancels the burns that are under way and waits for their end. Not on a burn's thread.
     ~EngineRecorder() override;
 
-    /// A burn on any drive that is a `BurnTarget`, whoever it belongs to.
+    /// Returns a burn on any drive that is a `BurnTarget`, also on another recorder's.
     std::shared_ptr<DRBurn> burnForDevice(std::shared_ptr<DRDevice> device) override;
     std::shared_ptr<DRTrack> trackForAudioFile(const std::string& path) override;
     std::shared_ptr<DRFile> fileWithPath(const std::string& path) override;
@@ -26,7 +26,7 @@ public:
     std::shared_ptr<DRNotificationCenter> currentRunLoopCenter() override;
 
 protected:
-    /// `dataDiscs` is null where no data discs are written.
+    /// `dataDiscs` is null if the recorder writes no data discs.
     EngineRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<PCMService> pcm,
                    std::shared_ptr<DataDiscService> dataDiscs, Clock clock);
 
@@ -35,7 +35,7 @@ protected:
     void endBurns() { _services.threads->shutDown(); }
 
     const std::shared_ptr<RunLoops>& runLoops() const { return _runLoops; }
-    /// Sends a notification of a drive to everybody who listens.
+    /// Sends a notification about a drive to every run loop.
     void tell(const char* notification, std::shared_ptr<DRDevice> drive) const;
 
 private:
@@ -43,8 +43,8 @@ private:
     const BurnServices _services;
 };
 
-/// A name for a new drive: the wanted one, or where that is taken, the first that is free of
-/// "wanted (2)", "wanted (3)" and so on.
+/// Returns a name for a new drive: `wanted` if it is free, otherwise the first free one of "wanted
+/// (2)", "wanted (3)" and so on.
 std::string uniqueDriveName(const std::string& wanted,
                             const std::function<bool(const std::string&)>& isTaken);
 

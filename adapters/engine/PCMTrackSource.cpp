@@ -20,8 +20,8 @@ bool mayBeRead(const std::string& path) {
     return faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) == 0;
 }
 
-/// The buffer as the samples that lie in it. The buffers of the engine come from operator new, so
-/// they are aligned and may hold objects of any plain type.
+/// Returns the buffer as samples. The engine's buffers come from operator new, so they are aligned
+/// and may hold objects of any trivial type.
 std::span<std::int16_t> asSamples(std::span<std::byte> bytes) {
     return {reinterpret_cast<std::int16_t*>(bytes.data()), bytes.size() / sizeof(std::int16_t)};
 }
@@ -77,7 +77,7 @@ void PCMTrackSource::readSamples(std::span<std::byte> buffer) {
     const std::span<std::int16_t> samples = asSamples(buffer);
     const std::optional<std::size_t> count = _stream->read(samples);
     if (count != samples.size()) {
-        check(); // a file that was changed meanwhile is named as such
+        check(); // reports a file that was changed during the burn as such
         fail();
     }
     makeLittleEndian(buffer);

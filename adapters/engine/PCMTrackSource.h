@@ -14,8 +14,8 @@ namespace quarner {
 /// Converts 16-bit samples, in place, from the byte order `order` to the one that a CD has.
 void makeLittleEndian(std::span<std::byte> samples, std::endian order = std::endian::native);
 
-/// An audio track as a CD holds it: the samples of its file as little-endian pairs, then silence
-/// up to the track's length. The file is opened at the first reading.
+/// An audio track in the format of a CD: the samples of its file as little-endian pairs, then
+/// silence up to the track's length. The file is opened by the first `read`.
 class PCMTrackSource : public TrackSource {
 public:
     PCMTrackSource(std::shared_ptr<PCMService> service, std::shared_ptr<const DRTrack> track);
@@ -36,7 +36,7 @@ private:
     std::uint64_t _bytesOfSoundLeft;
 };
 
-/// The sources of all tracks of a layout, in order.
+/// Returns the sources of all tracks of a layout, in order.
 TrackSources audioSources(const DRLayout& layout, const std::shared_ptr<PCMService>& service);
 
 } // namespace quarner

@@ -6,7 +6,7 @@
 namespace quarner {
 namespace {
 
-/// Marks are kept this far apart, so that their number does not grow with the speed.
+/// The least time between two marks, so that their number does not grow with the speed.
 constexpr std::chrono::milliseconds markInterval{50};
 
 } // namespace

@@ -10,25 +10,25 @@
 
 namespace quarner {
 
-/// How far one phase of a burn has come, how fast it is, and when that is worth telling. Used by
-/// one thread at a time.
+/// The progress and the speed of one phase of a burn, and when to report them. Used by one thread
+/// at a time.
 class ProgressMeter {
 public:
-    /// The least time between two reports, and the time over which the speed is measured.
+    /// The least time between two reports, and the time over which the speed is averaged.
     static constexpr std::chrono::milliseconds reportInterval{100};
     static constexpr std::chrono::milliseconds speedWindow{1000};
 
-    /// A phase of so many blocks begins now.
+    /// Begins a phase of `totalBlocks` blocks.
     ProgressMeter(Clock clock, std::uint64_t totalBlocks);
 
-    /// So many more blocks are done.
+    /// Adds `blocks` finished blocks.
     void advance(std::uint64_t blocks);
 
-    /// The fraction to report now: nothing when the last report was given less than an interval
-    /// ago, unless the phase has just been completed. Whoever asks reports it.
+    /// Returns the fraction to report now, and assumes that it is reported. Returns `std::nullopt`
+    /// if the last report is less than an interval ago, unless the phase has just been completed.
     std::optional<double> fractionToReport();
 
-    /// Blocks per second over the latest window; 0 before anything is done.
+    /// Blocks per second over the last `speedWindow`; 0 at first.
     double speed() const;
 
 private:

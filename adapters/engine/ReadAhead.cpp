@@ -23,7 +23,7 @@ void ReadAhead::startThread() {
     try {
         _threads.emplace_back([this] { readTracks(); });
     } catch (const std::system_error&) {
-        if (_threads.empty()) // one is enough, only slower
+        if (_threads.empty()) // one thread is enough, only slower
             throw;
     }
 }

@@ -21,29 +21,34 @@
 
 namespace quarner {
 
-/// Reads the tracks of a disc ahead of the writer, several at a time on threads of their own, in
-/// a fixed amount of memory. The pieces come out in the order of the disc; a failure comes out
-/// where the piece would have come.
+/// Reads the tracks of a disc ahead of the writer, several at a time on its own threads, in a fixed
+/// amount of memory. `next` returns the buffers in the order of the disc; a source's failure is
+/// thrown where its buffer would have been returned.
 ///
-/// The memory is one pool of pieces for all tracks. A track that is not yet being written may not
-/// take the last few, so that the one that is always gets on.
+/// All tracks share one pool of buffers. Without a limit, later tracks could fill the whole pool
+/// while the track being written waits for a free buffer: a deadlock, since only written buffers
+/// are recycled. So the last few buffers are reserved for the track being written, which can
+/// therefore always make progress. One reading thread reads the tracks in the order of the disc and
+/// needs no reserve.
+///
 class ReadAhead {
 public:
-    /// Sectors in a piece.
+    /// Sectors in a buffer.
     static constexpr std::uint32_t sectorsPerPiece = 256;
-    /// 27.6 MiB for an audio disc, all of it in use only when the writer is slower.
+    /// 27.6 MiB for an audio disc. All of it is used only if the writer is slower than the reading.
     static constexpr std::size_t pieces = 48;
 
-    /// Starts reading with so many threads at most. The sources must outlive this object.
+    /// Starts reading on at most `threads` threads. The sources must outlive this object.
     ReadAhead(const DiscPlan& plan, TrackSources& sources, unsigned threads, std::stop_token stop);
-    /// Stops reading; returns when the pieces under way are read.
+    /// Stops reading. Waits for the reads that are under way.
     ~ReadAhead();
     ReadAhead(const ReadAhead&) = delete;
     ReadAhead& operator=(const ReadAhead&) = delete;
 
-    /// The next piece of the track under way, waiting for it; empty at the end of the track, after
-    /// which the next call begins with the next track, and when the reading was stopped. Valid
-    /// until the next call. Throws what the track's source threw. On one thread.
+    /// Returns the next buffer of the current track, waiting for it if necessary. Returns an empty
+    /// span at the end of the track, after which the next call continues with the next track, and
+    /// after a stop. The span is valid until the next call. Throws what the track's source threw.
+    /// Call it on one thread.
     std::span<const std::byte> next();
 
 private:
@@ -78,7 +83,7 @@ private:
     std::size_t _made = 0;
     std::size_t _nextToRead = 0;
     std::size_t _nextToWrite = 0;
-    std::unique_ptr<Piece> _given; // of the writer's thread alone
+    std::unique_ptr<Piece> _given; // used by the burn thread only
 
     std::stop_source _stop;
     std::optional<std::stop_callback<std::function<void()>>> _stopWithBurn;

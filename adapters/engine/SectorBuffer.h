@@ -8,11 +8,11 @@
 
 namespace quarner {
 
-/// What a buffer must be a multiple of, in place and size, to be read and written past the page
-/// cache on any device that is in use.
+/// The alignment of a buffer's address and size that direct I/O (past the page cache) needs on all
+/// common devices.
 inline constexpr std::size_t bufferAlignment = 4096;
 
-/// A fixed piece of memory at an aligned address.
+/// A fixed amount of memory at an aligned address.
 class SectorBuffer {
 public:
     explicit SectorBuffer(std::size_t size)

@@ -22,17 +22,18 @@ public:
     SectorWriter(const SectorWriter&) = delete;
     SectorWriter& operator=(const SectorWriter&) = delete;
 
-    /// Takes possession of the target and makes it ready for a disc of this plan.
+    /// Opens the target and prepares it for a disc of this plan.
     virtual void openSession(const DiscPlan& plan) = 0;
 
-    /// Takes the next sectors of the disc. The plan says which of them are pre-gaps: they come
-    /// here as silence, for writers whose medium does not make them by itself.
+    /// Writes the next sectors of the disc. Pre-gaps are passed as silence; a writer whose medium
+    /// makes its own pre-gaps finds them in the plan and drops them.
     virtual void write(std::span<const std::byte> sectors) = 0;
 
-    /// Every sector was given: adds what the writer itself has to add, as a table of contents.
+    /// Called after the last sector. Writes what the writer itself adds, for example a table of
+    /// contents.
     virtual void closeSession() = 0;
 
-    /// Returns when everything has reached the medium.
+    /// Returns after everything has reached the medium.
     virtual void finish() = 0;
 
     /// Compares what `closeSession` added with what it should be, and prepares reading back.
@@ -41,13 +42,13 @@ public:
     /// The number of threads that may call `readBack` at once.
     virtual unsigned readers() const { return 1; }
 
-    /// Reads sectors from the medium itself, not from a copy in memory: those from `firstSector`
-    /// on, which is a multiple of `Checksums::sectorsPerBlock`, until the buffer is full. The
-    /// buffer is at least as large and as aligned as a `SectorBuffer`. Called on any thread, in any
-    /// order, by as many threads at once as `readers` allows.
+    /// Fills `buffer` with the sectors from `firstSector` on, read from the medium itself and not
+    /// from a copy in memory. `firstSector` is a multiple of `Checksums::sectorsPerBlock`. The
+    /// buffer is as aligned as a `SectorBuffer`. Called on any thread, in any order, by as many
+    /// threads at once as `readers` allows.
     virtual void readBack(std::uint64_t firstSector, std::span<std::byte> buffer) = 0;
 
-    /// Makes the disc valid. A burn is not stopped any more once this was called.
+    /// Makes the disc valid. The burn cannot be stopped any more.
     virtual void commit() = 0;
 };
 

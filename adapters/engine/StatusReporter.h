@@ -12,14 +12,14 @@
 
 namespace quarner {
 
-/// Progress in a status record: the fraction of the phase, and blocks per second.
+/// The progress in a status record: the fraction of the phase, and blocks per second.
 struct BurnProgress {
     double fraction;
     double speed;
 };
 
 /// Makes the status records of one burn (see DRKeys.h) and posts them to the run loop that started
-/// it. Keeps the burn alive. A record has a fraction only when progress is given with it.
+/// it. Keeps the burn alive. A record has a fraction only if `progress` is given.
 class StatusReporter {
 public:
     StatusReporter(std::shared_ptr<RunLoopCenter> center, std::shared_ptr<DRObject> burn);
@@ -28,7 +28,7 @@ public:
     /// `track` counts from 1.
     void trackState(const char* state, std::size_t track, std::size_t tracks,
                     std::optional<BurnProgress> progress = std::nullopt) const;
-    /// Also writes what failed to the platform's log, but for a cancellation.
+    /// Also writes the failure to the platform's log, unless it is a cancellation.
     void failed(const BurnFailure& failure) const;
 
 private:

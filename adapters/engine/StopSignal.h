@@ -9,20 +9,19 @@
 
 namespace quarner {
 
-/// The one way to stop a burn from outside. Every operation may be called on any thread.
+/// Stops a burn from outside. Every operation may be called on any thread.
 class StopSignal {
 public:
-    /// Asks the burn to stop. The first reason stands; after `seal` nothing happens.
+    /// Requests the burn to stop. Does nothing after an earlier request or after `seal`.
     void request(DRError reason);
 
-    /// The point of no return: from here on no request has any effect. Throws `BurnFailure` when
-    /// there was one before.
+    /// Makes all later requests ineffective. Throws `BurnFailure` if there was one before.
     void seal();
 
-    /// Throws `BurnFailure` with the reason when a stop was requested.
+    /// Throws `BurnFailure` with the reason if a stop was requested.
     void throwIfRequested() const;
 
-    /// To wait with: a thread that waits on it wakes up at the request.
+    /// For waits: a request wakes every thread that waits with this token.
     std::stop_token token() const { return _source.get_token(); }
 
 private:

@@ -8,7 +8,8 @@
 
 namespace quarner {
 
-/// The content of one track. Used by one thread at a time; every operation throws `BurnFailure`.
+/// The content of one track. Used by one thread at a time. Every operation throws `BurnFailure` on
+/// an error.
 class TrackSource {
 public:
     TrackSource() = default;
@@ -16,15 +17,15 @@ public:
     TrackSource(const TrackSource&) = delete;
     TrackSource& operator=(const TrackSource&) = delete;
 
-    /// Fails when what the track is made from is gone or no longer what it was when the track was
-    /// made. Called before anything is written, and again after the track was read.
+    /// Throws if a file of the track is gone, or was changed since the track was made. Called
+    /// before anything is written, and again after the track was read.
     virtual void check() = 0;
 
-    /// Fills the buffer with the next bytes of the track. All calls together ask for exactly the
-    /// bytes that the plan gives to the track.
+    /// Fills the buffer with the next bytes of the track. The calls together read exactly the bytes
+    /// that the plan gives to the track.
     virtual void read(std::span<std::byte> buffer) = 0;
 
-    /// Lets go of what reading needs. Nothing is read afterwards.
+    /// Frees what reading needs. Nothing is read afterwards.
     virtual void close() = 0;
 };
 

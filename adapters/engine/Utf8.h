@@ -11,8 +11,7 @@ namespace quarner {
 /// byte, if the text does not begin with valid UTF-8.
 std::optional<char32_t> takeCharacter(std::string_view& text);
 
-/// A file name as valid UTF-8: what is not becomes U+FFFD, byte by byte, and control characters as
-/// well.
+/// Returns a file name as valid UTF-8. Each invalid byte and each control character becomes U+FFFD.
 std::string readableName(std::string_view name);
 
 } // namespace quarner

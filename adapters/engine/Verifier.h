@@ -14,16 +14,16 @@
 
 namespace quarner {
 
-/// Reads a written disc back once and compares every block with its checksum, with as many
-/// threads as the writer can take.
+/// Reads a written disc back once and compares every chunk with its checksum, on as many threads as
+/// the writer allows.
 class Verifier {
 public:
-    /// `verified` is told of every block that is right, in sectors: on any of the threads, but
-    /// one call at a time. Everything given must outlive this object.
+    /// `verified` is called for every correct chunk with its number of sectors: on any of the
+    /// threads, one call at a time. All references must outlive this object.
     Verifier(const DiscPlan& plan, const Checksums& checksums, SectorWriter& writer,
              const StopSignal& stop, std::function<void(std::uint64_t)> verified);
 
-    /// Returns when every block was found right; throws `BurnFailure` otherwise.
+    /// Returns if every chunk is correct; throws `BurnFailure` otherwise.
     void verify();
 
 private:

@@ -38,7 +38,7 @@ bool AudioDecoder::openCodec() {
         avcodec_parameters_to_context(_codec, &parameters) < 0)
         return false;
     _codec->thread_count = 1;
-    _codec->flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL; // a lost packet must not move the trimming
+    _codec->flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL; // a lost packet must not shift the trimming
     return avcodec_open2(_codec, codec, nullptr) == 0;
 }
 
@@ -116,7 +116,7 @@ AudioDecoder::Chunk AudioDecoder::silenceForPacket() {
     return {Chunk::Kind::silence, nullptr, {0, range.count}, _rate};
 }
 
-/// Feeds the decoder with the next packet, or with the end.
+/// Sends the decoder the next packet, or the end.
 bool AudioDecoder::advance() {
     switch (_source->read(_packet)) {
     case PacketSource::Reading::packet:

@@ -40,7 +40,7 @@ public:
     /// Decodes the next chunk. Returns `failure` if the file cannot be read any further.
     Chunk next();
 
-    /// How the decoder lays out its samples, also before the first one is decoded.
+    /// The decoder's sample format, also before the first frame is decoded.
     const AVCodecContext& layout() const { return *_codec; }
 
     /// How many packets have been decoded to nothing so far, and how many samples the last packet
@@ -67,7 +67,7 @@ private:
     AVFrame* _frame = nullptr;
     Packet _packet;
     std::uint32_t _rate = 0;    // of the current packet
-    std::uint64_t _decoded = 0; // samples that the current packet has given, heard or not
+    std::uint64_t _decoded = 0; // samples decoded from the current packet, trimmed ones included
     bool _isDamaged = false;    // the current packet
     bool _isPending = false;    // the current packet may still have to be replaced by silence
     std::uint64_t _packets = 0; // read so far

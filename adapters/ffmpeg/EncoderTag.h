@@ -9,7 +9,7 @@ namespace quarner {
 
 /// What an encoder notes of an MPEG audio file in its first frame, which is not heard.
 struct EncoderTag {
-    std::uint64_t frames = 0;  ///< of the file, without the one that holds the note; 0: not noted
+    std::uint64_t frames = 0;  ///< without the frame that holds the tag
     std::uint64_t bytes = 0;   ///< of all frames; 0: not noted
     std::uint32_t delay = 0;   ///< samples before the sound, the decoder's own delay included
     std::uint32_t padding = 0; ///< samples behind the sound, less the decoder's own delay

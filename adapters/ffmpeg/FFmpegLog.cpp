@@ -17,15 +17,14 @@ namespace {
 
 thread_local FFmpegLogScope* currentScope = nullptr;
 
-/// FFmpeg has one log for the whole process: what other code in it does with FFmpeg is left as
-/// it is.
+/// FFmpeg has one log for the whole process; messages of other users of FFmpeg are left unchanged.
 void receive(void* context, int level, const char* format, std::va_list arguments) {
     if (currentScope == nullptr)
         return av_log_default_callback(context, level, format, arguments);
     if ((level & 0xff) > AV_LOG_WARNING)
         return;
     std::array<char, 1024> line = {};
-    int isLineStart = 0; // without the address of what speaks
+    int isLineStart = 0; // without the address of the sender
     av_log_format_line2(context, level, format, arguments, line.data(), line.size(), &isLineStart);
     currentScope->report(line.data());
 }
@@ -50,7 +49,7 @@ void FFmpegLogScope::report(const std::string& message) try {
         return;
     _last = line;
     currentPlatform()->log->log(_path + ": " + line);
-} catch (...) { // a message lost for want of memory must not unwind through C code
+} catch (...) { // an exception must not unwind through C code
 }
 
 } // namespace quarner

@@ -5,14 +5,14 @@
 
 namespace quarner {
 
-/// While one of these lives, what FFmpeg reports on this thread as a warning or worse goes to the
-/// platform's log with the name of the file, and nothing to the standard error stream. The same
-/// message is not repeated within one scope.
+/// While such an object exists, FFmpeg's warnings and errors on this thread go to the platform's
+/// log with the name of the file, and not to the standard error stream. A message is not repeated
+/// within one scope.
 class FFmpegLogScope {
 public:
     enum class Reports {
         ToLog,
-        Nowhere ///< nor from the scopes within this one
+        Nowhere ///< also for scopes inside this one
     };
 
     /// The path must outlive the scope.
@@ -21,7 +21,7 @@ public:
     FFmpegLogScope(const FFmpegLogScope&) = delete;
     FFmpegLogScope& operator=(const FFmpegLogScope&) = delete;
 
-    /// Passes one message on. Called by FFmpeg's log.
+    /// Forwards one message. Called by FFmpeg's log.
     void report(const std::string& message);
 
 private:

@@ -47,7 +47,7 @@ std::size_t FFmpegPCMStream::take(std::span<std::int16_t> samples) {
     return count;
 }
 
-/// Makes more ready, all that was ready before being taken.
+/// Decodes more, after all that was decoded has been read.
 bool FFmpegPCMStream::produce() {
     _ready.clear();
     _taken = 0;

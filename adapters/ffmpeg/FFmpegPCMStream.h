@@ -53,9 +53,9 @@ private:
     const std::unique_ptr<AudioDecoder> _decoder;
     const std::optional<std::uint64_t> _length; // pairs
     Resampler _resampler;
-    std::vector<std::int16_t> _ready; // decoded, not yet taken
+    std::vector<std::int16_t> _ready; // decoded, not yet read
     std::size_t _taken = 0;           // values of _ready
-    std::uint64_t _pairs = 0;         // put into _ready since the start
+    std::uint64_t _pairs = 0;         // added to _ready since the start
     std::uint64_t _silence = 0;       // samples still to be put in
     std::uint32_t _silenceRate = 0;   // of those
     Source _source;

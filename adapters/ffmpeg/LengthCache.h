@@ -13,8 +13,8 @@
 
 namespace quarner {
 
-/// The lengths of the files that were measured last, each for as long as the file stays as it was.
-/// That a file has none is kept too, so that it is not read again to find out. Any thread.
+/// A cache of the lengths of the files measured last, each valid until the file changes. Any
+/// thread.
 class LengthCache {
 public:
     explicit LengthCache(std::size_t capacity) : _capacity(capacity) {}

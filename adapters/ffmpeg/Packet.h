@@ -27,7 +27,7 @@ public:
     Packet(const Packet&) = delete;
     Packet& operator=(const Packet&) = delete;
 
-    /// Owned by this object; null when there was no memory for it.
+    /// Owned by this object; null if out of memory.
     AVPacket* get() const { return _packet; }
     AVPacket* operator->() const { return _packet; }
 

@@ -10,7 +10,7 @@ namespace quarner {
 
 namespace {
 
-constexpr int mostChannels = 64; // that the resampler takes
+constexpr int mostChannels = 64; // the resampler's limit
 
 using Samples = std::vector<std::int16_t>;
 
@@ -37,7 +37,7 @@ Frame silentFrame(const AVCodecContext& decoder, std::uint32_t rate, int samples
     return frame;
 }
 
-/// The resampler's default filter: 32 taps wide, cut off at 97 % of the lower band.
+/// The length of the resampler's default filter: 32 taps wide, cut off at 97 % of the lower band.
 std::uint64_t filterLength(std::uint32_t rate) {
     const double factor = std::min(1.0, 0.97 * Resampler::discRate / rate);
     const auto taps = static_cast<std::uint64_t>(std::ceil(32 / factor));
@@ -46,17 +46,18 @@ std::uint64_t filterLength(std::uint32_t rate) {
 
 } // namespace
 
-/// A sample can be made while the filter, centred on it, finds input under all its taps. At the
-/// end the resampler appends a mirror image of half of what it still holds, and makes what that
-/// allows: usually, not always, every sample that lies before the end of the input.
+/// An output sample needs input under all taps of the filter centred on it. At the end the
+/// resampler appends a mirror image of half of its buffered input and outputs what that allows:
+/// usually, but not always, every sample before the end of the input.
 std::uint64_t resampledLength(std::uint64_t samples, std::uint32_t rate) {
     constexpr std::uint64_t discRate = Resampler::discRate;
     if (rate == discRate || rate == 0)
         return samples;
-    const auto firstAt = [&](std::uint64_t position) { // the first sample made not before position
-        return static_cast<std::uint64_t>(
-            av_rescale_rnd(static_cast<std::int64_t>(position), discRate, rate, AV_ROUND_UP));
-    };
+    const auto firstAt =
+        [&](std::uint64_t position) { // the first output sample at or after position
+            return static_cast<std::uint64_t>(
+                av_rescale_rnd(static_cast<std::int64_t>(position), discRate, rate, AV_ROUND_UP));
+        };
     const std::uint64_t taps = filterLength(rate);
     const std::uint64_t available = samples + (taps - 1) / 2;
     if (samples < taps)

@@ -13,7 +13,8 @@ extern "C" {
 
 namespace quarner {
 
-/// How many samples at 44.1 kHz the resampler makes, flushed, of so many at another rate.
+/// Returns the number of samples at 44.1 kHz that the resampler makes, including the flush, from
+/// `samples` samples at `rate`.
 std::uint64_t resampledLength(std::uint64_t samples, std::uint32_t rate);
 
 /// Converts decoded sound of any rate, layout and sample format to stereo pairs of 16 bits at
@@ -27,13 +28,12 @@ public:
     Resampler(const Resampler&) = delete;
     Resampler& operator=(const Resampler&) = delete;
 
-    /// Each call below appends pairs to the values in `out` and answers false when there is no way
-    /// to convert.
+    /// Each call below appends pairs to `out`. Returns false if a conversion is impossible.
     bool convert(const AVFrame& frame, SampleRange range, std::vector<std::int16_t>& out);
     /// Silence at a rate, in the format of the decoder's last frame.
     bool convertSilence(const AVCodecContext& decoder, std::uint32_t rate, std::uint64_t samples,
                         std::vector<std::int16_t>& out);
-    /// The pairs that the resampler still holds back; afterwards it starts anew.
+    /// Appends the pairs that the resampler still buffers, and resets it.
     bool flush(std::vector<std::int16_t>& out);
 
 private:

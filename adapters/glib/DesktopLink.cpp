@@ -12,11 +12,11 @@ namespace quarner {
 namespace {
 
 constexpr std::string_view extension = ".desktop";
-constexpr off_t largestEntry = 1 << 20; // bytes; real ones have a few thousand
+constexpr off_t largestEntry = 1 << 20; // bytes; real entries have a few thousand
 
 using KeyFile = std::unique_ptr<GKeyFile, ReleasedBy<g_key_file_free>>;
 
-/// Asked before opening: what is not a regular file might block, or never end.
+/// Called before opening: a file that is not regular may block, or never end.
 bool isSmallRegularFile(const std::string& path) {
     struct stat found = {};
     return uninterrupted([&] { return lstat(path.c_str(), &found); }) == 0 &&

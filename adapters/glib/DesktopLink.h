@@ -6,8 +6,9 @@
 
 namespace quarner {
 
-/// Where a desktop entry of type Link points to: the path of its URL, which exists or not. Nothing
-/// for any other file, for a URL that is not a local file, and for a symbolic link. Any thread.
+/// Returns the target of a desktop entry of type Link: the path of its URL, whether it exists or
+/// not. Returns `std::nullopt` for any other file, for a URL that is not a local file, and for a
+/// symbolic link. Any thread.
 std::optional<std::string> targetOfDesktopLink(const std::string& path);
 
 } // namespace quarner

@@ -10,7 +10,7 @@
 namespace quarner {
 namespace {
 
-// Work spends much of its time waiting for the main thread: a few threads on any machine.
+// Work mostly waits for the main thread, so a few threads are useful on any machine.
 constexpr std::size_t fewestThreads = 4;
 
 std::size_t threadLimit() {
@@ -22,7 +22,7 @@ public:
     void asyncGlobal(std::function<void()> work) override { _pool->submit(std::move(work)); }
     void syncMain(std::function<void()> work) override { _mainQueue.runAndWait(work); }
     void shutDown() override {
-        _mainQueue.shutDown(); // first: the pool's work may be waiting for it
+        _mainQueue.shutDown(); // first: the pool's work may be waiting for the main queue
         _pool->shutDown();
     }
 

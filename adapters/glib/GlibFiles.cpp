@@ -17,7 +17,7 @@ namespace {
 constexpr char typeCodeAttribute[] = "user.hfs.type";
 constexpr int longestAliasChain = 32;
 
-/// Of the local file system only: a path never stands for a remote file here, and asking the
+/// Queries the local file system only. A path never names a remote file here, and querying the
 /// desktop's other file systems would start their services.
 GObjectPtr<GFileInfo> queried(const std::string& path, const char* attribute) {
     const GObjectPtr<GFile> file(g_vfs_get_file_for_path(g_vfs_get_local(), path.c_str()));

@@ -9,13 +9,13 @@
 
 namespace quarner {
 
-/// Lives in the frame of the caller that waits for it.
+/// Lives on the stack of the waiting caller.
 struct GlibMainQueue::Job {
     const std::function<void()>& work;
     bool isOver = false;
 };
 
-/// What the source hands over. The source shares it, as it may outlive the queue by one turn.
+/// The queued jobs. The source shares them because it may outlive the queue by one turn.
 struct GlibMainQueue::Jobs {
     std::mutex mutex;
     std::condition_variable anyIsOver;
@@ -43,7 +43,7 @@ struct GlibMainQueue::Jobs {
         return job;
     }
 
-    /// Answers whether there are more.
+    /// Returns whether more jobs are queued.
     bool finish(Job& job) {
         const std::lock_guard lock(mutex);
         job.isOver = true;
@@ -69,7 +69,7 @@ struct GlibMainQueue::Jobs {
     }
 };
 
-// Nesting: work that runs a loop of its own must not keep other callers waiting.
+// Nesting::Yes, so that work that runs its own loop does not block other callers.
 GlibMainQueue::GlibMainQueue()
     : _makerThread(std::this_thread::get_id()), _jobs(std::make_shared<Jobs>()),
       _source(std::make_shared<WakeSource>(g_main_context_default(), WakeSource::Nesting::Yes,

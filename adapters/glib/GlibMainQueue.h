@@ -9,21 +9,21 @@ namespace quarner {
 
 class WakeSource;
 
-/// Work for the thread that runs the loop of the default GMainContext.
+/// Runs work on the thread that runs the loop of the default GMainContext.
 class GlibMainQueue {
 public:
-    /// The calling thread counts as the main thread.
+    /// The calling thread is taken as the main thread.
     GlibMainQueue();
-    /// As `shutDown`.
+    /// Calls `shutDown`.
     ~GlibMainQueue();
     GlibMainQueue(const GlibMainQueue&) = delete;
     GlibMainQueue& operator=(const GlibMainQueue&) = delete;
 
-    /// Runs work on the main thread and returns when it has run, or was dropped by `shutDown`.
-    /// Any thread; at once on the main thread.
+    /// Runs work on the main thread. Returns after it has run, or was dropped by `shutDown`. Any
+    /// thread; on the main thread the work runs at once.
     void runAndWait(const std::function<void()>& work);
 
-    /// Drops the work that has not begun, and all that comes later from other threads.
+    /// Drops the work that has not begun, and later work from other threads.
     void shutDown();
 
 private:

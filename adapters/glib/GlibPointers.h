@@ -7,7 +7,7 @@
 
 namespace quarner {
 
-/// Deletes by a function of GLib.
+/// A deleter that calls a function of GLib.
 template <auto release>
 struct ReleasedBy {
     template <typename T>
@@ -16,7 +16,7 @@ struct ReleasedBy {
     }
 };
 
-/// Memory and objects of GLib, owned.
+/// Owning pointers to memory and objects of GLib.
 template <typename T>
 using GMemory = std::unique_ptr<T, ReleasedBy<g_free>>;
 template <typename T>

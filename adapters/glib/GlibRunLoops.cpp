@@ -14,7 +14,7 @@ namespace {
 
 using ContextPtr = std::unique_ptr<GMainContext, decltype(&g_main_context_unref)>;
 
-/// A centre that a GMainContext delivers.
+/// A centre whose notifications a GMainContext delivers.
 class GlibCenter : public RunLoopCenter {
 public:
     GlibCenter() : RunLoopCenter([this] { _source->wake(); }) {}
@@ -22,7 +22,7 @@ public:
     static std::shared_ptr<GlibCenter> of(GMainContext* context,
                                           WakeSource::ContextEnded contextEnded) {
         auto center = std::make_shared<GlibCenter>();
-        // The loop may run on another thread while the last owner lets go of the centre.
+        // The loop may run on another thread while the last owner releases the centre.
         const auto turn = [weak = std::weak_ptr(center), context] {
             const auto alive = weak.lock();
             return alive && alive->takeTurn(context);
@@ -39,8 +39,8 @@ private:
     bool takeTurn(GMainContext* context) {
         if (_isClosed)
             return false;
-        // A host may run a loop without having made it its thread's default: a handler finds the
-        // centre that called it in any case.
+        // A host may run a loop whose context is not its thread's default. A handler must still
+        // find the centre that called it.
         g_main_context_push_thread_default(context);
         deliverOne();
         g_main_context_pop_thread_default(context);
@@ -51,7 +51,7 @@ private:
     std::optional<WakeSource> _source;
 };
 
-/// The centres of the contexts that were asked for one, each for as long as its context lives.
+/// The centres of all contexts that were asked for one, each for as long as its context exists.
 class Centers : public std::enable_shared_from_this<Centers> {
 public:
     std::shared_ptr<GlibCenter> of(GMainContext* context) {
@@ -75,7 +75,8 @@ public:
 
 private:
     void forget(GMainContext* context) {
-        std::shared_ptr<GlibCenter> forgotten; // destroyed after the lock, with its observers
+        std::shared_ptr<GlibCenter>
+            forgotten; // destroyed, with its observers, after the lock is released
         const std::lock_guard lock(_mutex);
         const auto found = _all.find(context);
         forgotten = std::move(found->second);

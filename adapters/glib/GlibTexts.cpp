@@ -17,8 +17,8 @@ constexpr int mostDecimals = 64;
 
 int sign(int comparison) { return (comparison > 0) - (comparison < 0); }
 
-/// A text as it is compared: three keys, each deciding where the ones before see no difference.
-/// Comparing them in turn is a strict weak order whatever the bytes are.
+/// The comparison key of a text: three keys, each of which decides if the earlier ones are equal.
+/// Comparing them in turn is a strict weak order for any bytes.
 class FoldedText {
 public:
     explicit FoldedText(const std::string& text) {
@@ -43,7 +43,7 @@ public:
 private:
     GMemory<gunichar> _characters;
     std::string _normal;
-    std::string _invalidBytes; // of a text that is not UTF-8
+    std::string _invalidBytes; // only for a text that is not UTF-8
 };
 
 class GlibTextService : public TextService {

@@ -8,8 +8,8 @@
 
 namespace quarner {
 
-/// The locale that the environment named when this was made, category by category; the C locale
-/// where that one is not installed. Any thread.
+/// The locale that the environment named at construction, category by category; the C locale if it
+/// is not installed. Any thread.
 class UserLocale {
 public:
     UserLocale();
@@ -17,7 +17,8 @@ public:
     UserLocale(const UserLocale&) = delete;
     UserLocale& operator=(const UserLocale&) = delete;
 
-    /// Below 0, 0 or above 0 as one text in UCS-4, ended by 0, sorts before, with or after another.
+    /// Returns a number below 0, 0 or above 0 if `a` sorts before, with or after `b`. Both are
+    /// UCS-4 texts that end with 0.
     int collate(const gunichar* a, const gunichar* b) const;
 
     const std::string& decimalSeparator() const { return _decimalSeparator; } ///< UTF-8

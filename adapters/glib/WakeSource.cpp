@@ -8,7 +8,8 @@ namespace quarner {
 namespace {
 
 gboolean dispatch(GSource* source, GSourceFunc callback, gpointer data) {
-    g_source_set_ready_time(source, -1); // before the turn: a wake during it counts
+    g_source_set_ready_time(source,
+                            -1); // before the turn, so that a wake during the turn is not lost
     if (callback(data))
         g_source_set_ready_time(source, 0);
     return G_SOURCE_CONTINUE;
@@ -21,10 +22,10 @@ GSource* newSource() {
 
 } // namespace
 
-/// Whether the source may still reach its context. A context that comes to its end destroys the
-/// callbacks of its sources first, and must wait there for whoever holds the mutex.
+/// Whether the source may still use its context. A context that ends first destroys the callbacks
+/// of its sources, and must wait for a thread that holds the mutex.
 struct WakeSource::Attachment {
-    std::recursive_mutex mutex; // destroying the source destroys the callback within
+    std::recursive_mutex mutex; // recursive: destroying the source destroys the callback
     bool isAttached = true;
 
     bool end() {

@@ -8,33 +8,32 @@
 
 namespace quarner {
 
-/// A source of a GMainContext that carries nothing: waking it makes the loop call one function.
-/// What there is to do waits elsewhere, under a mutex of its owner.
+/// A source of a GMainContext without data of its own: `wake` makes the loop call one function. The
+/// data is queued elsewhere, under its owner's mutex.
 class WakeSource {
 public:
     enum class Nesting {
-        No, ///< not called by a loop that runs within the function itself
+        No, ///< not called by a loop that runs inside the function itself
         Yes
     };
 
-    /// Does a little and answers whether there is more to do. Must not throw.
+    /// Does a part of the work and returns whether there is more. Must not throw.
     using Turn = std::function<bool()>;
-    /// Told that the context has come to its end, on the thread that let go of it. May destroy
-    /// the source. Must not throw.
+    /// Called when the context ends, on the thread that released it. May destroy the source. Must
+    /// not throw.
     using ContextEnded = std::function<void()>;
 
-    /// Attaches to the context, which is not kept alive by that. `turn` is called once for each
-    /// turn of the loop that follows one or more calls of `wake`, or a call that answered true, on
-    /// the thread that runs the loop.
+    /// Attaches to the context without keeping it alive. The loop's thread calls `turn` once per
+    /// turn of the loop, after one or more calls of `wake` or after a call that returned true.
     WakeSource(GMainContext* context, Nesting nesting, Turn turn,
                ContextEnded contextEnded = nullptr);
-    /// `turn` is not called afterwards; on another thread than the loop's, a call may still be
-    /// under way, and `turn` itself is destroyed after that.
+    /// `turn` is not called afterwards. On a thread other than the loop's, a call may still be
+    /// running; `turn` itself is destroyed after it.
     ~WakeSource();
     WakeSource(const WakeSource&) = delete;
     WakeSource& operator=(const WakeSource&) = delete;
 
-    void wake(); ///< Any thread. Nothing happens once the context has ended.
+    void wake(); ///< Any thread. Does nothing once the context has ended.
 
 private:
     struct Attachment;

@@ -34,7 +34,7 @@ void WorkPool::startThread() {
             self->workUntilNoneIsLeft();
         }).detach();
     } catch (const std::system_error&) {
-        workUntilNoneIsLeft(); // late is better than never
+        workUntilNoneIsLeft(); // no thread can be started: the caller runs the work
     }
 }
 
@@ -56,7 +56,7 @@ WorkPool::Work WorkPool::nextWork() {
 }
 
 void WorkPool::shutDown() {
-    std::deque<Work> dropped; // destroyed after the lock
+    std::deque<Work> dropped; // destroyed after the lock is released
     std::unique_lock lock(_mutex);
     _isShutDown = true;
     dropped.swap(_waiting);

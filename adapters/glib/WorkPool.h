@@ -10,20 +10,20 @@
 
 namespace quarner {
 
-/// Work on background threads. A thread lives while there is work, so that an idle pool holds
-/// none; the threads keep the pool alive. Held by a shared pointer.
+/// Runs work on background threads. A thread lives while there is work, so an idle pool has no
+/// threads. The threads keep the pool alive. Must be owned by a shared pointer.
 class WorkPool : public std::enable_shared_from_this<WorkPool> {
 public:
     using Work = std::function<void()>;
 
-    /// At most `limit` threads at a time.
+    /// Uses at most `limit` threads at a time.
     explicit WorkPool(std::size_t limit);
 
-    /// Runs work as soon as there is a thread for it; drops it after `shutDown`. Any thread.
+    /// Runs work as soon as a thread is free; drops it after `shutDown`. Any thread.
     void submit(Work work);
 
-    /// Drops the work that has not begun and waits for the other to end. Called from work of this
-    /// pool, it does not wait.
+    /// Drops the work that has not begun and waits for running work to end. Does not wait if called
+    /// from work of this pool.
     void shutDown();
 
 private:

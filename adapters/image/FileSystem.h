@@ -12,8 +12,8 @@
 
 namespace quarner {
 
-/// A file that is written from its start to its end, once, and then read back. Used by one thread
-/// at a time unless said otherwise. Every operation throws `BurnFailure`, naming the file.
+/// A file that is written once from start to end, and then read back. Used by one thread at a time
+/// unless the comment says otherwise. Every operation throws a `BurnFailure` that names the file.
 class ImageFile {
 public:
     ImageFile() = default;
@@ -21,23 +21,23 @@ public:
     ImageFile(const ImageFile&) = delete;
     ImageFile& operator=(const ImageFile&) = delete;
 
-    /// Sets so many bytes of the disk aside, where the file system can do that at no cost.
+    /// Reserves `size` bytes on the disk if the file system can do that at no cost.
     virtual void reserve(std::uint64_t size) = 0;
 
-    /// Adds bytes at the end; they may wait in memory until `sync`.
+    /// Appends bytes, which may stay in memory until `sync`.
     virtual void append(std::span<const std::byte> bytes) = 0;
 
-    /// Returns when all bytes are on the disk. Nothing is added afterwards.
+    /// Returns after all bytes are on the disk. Nothing may be appended afterwards.
     virtual void sync() = 0;
 
-    /// Fills the buffer from the disk itself rather than from a copy in memory, as far as the file
-    /// system lets itself be told so. After `sync`, by any number of threads at once. The offset
-    /// and the buffer's address are multiples of `bufferAlignment`. Fails at the end of the file.
+    /// Fills the buffer from the disk rather than from the page cache, as far as the file system
+    /// allows. After `sync`, on any number of threads. The offset and the buffer's address are
+    /// multiples of `bufferAlignment`. Throws at the end of the file.
     virtual void read(std::uint64_t offset, std::span<std::byte> buffer) = 0;
 };
 
-/// Keeps others from burning to the same image. Let go of, and the file that marks it removed, when
-/// it is destroyed; the system lets go of it when the process is killed.
+/// Prevents other burns to the same image. The destructor releases the lock and removes its file;
+/// if the process is killed, the system releases it.
 class ImageLock {
 public:
     ImageLock() = default;
@@ -46,8 +46,8 @@ public:
     ImageLock& operator=(const ImageLock&) = delete;
 };
 
-/// What an image needs of the file system. Every operation throws `BurnFailure`, naming the file,
-/// and may be called on any thread.
+/// The file system operations that an image needs. Every operation throws a `BurnFailure` that
+/// names the file, and may be called on any thread.
 class FileSystem {
 public:
     FileSystem() = default;
@@ -55,9 +55,9 @@ public:
     FileSystem(const FileSystem&) = delete;
     FileSystem& operator=(const FileSystem&) = delete;
 
-    /// Takes the lock that a path stands for, creating a file there. Fails with `DeviceBusy` when
-    /// another burn, of whatever process, holds it, and with the stop's reason once one was
-    /// requested. A file system without locks gives none.
+    /// Locks the file at `path`, creating it if necessary. Throws `DeviceBusy` if another burn of
+    /// any process holds the lock, and the reason of `stop` if a stop was requested. Returns null
+    /// on a file system without locks.
     virtual std::unique_ptr<ImageLock> lock(const std::string& path, const StopSignal& stop) = 0;
 
     /// Creates an empty file. Fails if there is anything at `path`. If there is a file at
@@ -66,18 +66,19 @@ public:
     virtual std::unique_ptr<ImageFile> create(const std::string& path,
                                               const std::string& replaced) = 0;
 
-    /// The content of a small file, read from the disk; nothing when there is none.
+    /// Returns the content of a small file, read from the disk; `std::nullopt` if it does not
+    /// exist.
     virtual std::optional<std::string> content(const std::string& path) = 0;
 
     virtual void rename(const std::string& from, const std::string& to) = 0;
 
-    /// Gives a file a second name; answers false where that is not possible.
+    /// Gives a file a second name. Returns false if that is not possible.
     virtual bool link(const std::string& existing, const std::string& name) = 0;
 
-    /// Removes a file; does nothing when there is none.
+    /// Removes a file. Does nothing if it does not exist.
     virtual void remove(const std::string& path) = 0;
 
-    /// Returns when the names of a folder are on the disk, as far as the file system can tell.
+    /// Returns after the names in a folder are on the disk, as far as the file system reports that.
     virtual void syncFolder(const std::string& folder) = 0;
 };
 

@@ -25,7 +25,7 @@ std::string numberFor(const std::string& name) {
 }
 
 std::size_t longestNameIn(const std::string& folder) {
-    constexpr long usual = 255; // some file systems count characters, and name their most bytes
+    constexpr long usual = 255; // some file systems count characters, and return their most bytes
     constexpr long least = 64;
     const long most = pathconf(folder.c_str(), _PC_NAME_MAX);
     return static_cast<std::size_t>(most < 0 ? usual : std::clamp(most, least, usual));

@@ -6,15 +6,15 @@
 
 namespace quarner {
 
-/// "-0123cdef": keeps apart names that were changed into the same one. It tells names apart, not
-/// attackers.
+/// Returns a hash as "-0123cdef", which distinguishes names that were changed into the same one. It
+/// is no protection against forgery.
 std::string numberFor(const std::string& name);
 
-/// How many bytes a file's name in this folder may have.
+/// Returns the longest possible file name in this folder, in bytes.
 std::size_t longestNameIn(const std::string& folder);
 
-/// The stem if it has no more bytes than `most`, which is above 12; otherwise its beginning, ended
-/// between two characters, and its number.
+/// Returns the stem if it has at most `most` bytes (more than 12); otherwise its beginning, cut
+/// between two characters, and its hash.
 std::string fittingStem(const std::string& stem, std::size_t most);
 
 } // namespace quarner

@@ -16,7 +16,7 @@ namespace quarner {
 namespace {
 
 /// Blocks per second of 4x, 8x, 16x, 24x, 32x, 40x, 48x and 52x. An image is written as fast as
-/// the machine can, whatever is asked for.
+/// possible, whatever speed is requested.
 constexpr std::array speeds = {300, 600, 1200, 1800, 2400, 3000, 3600, 3900};
 
 } // namespace

@@ -14,20 +14,20 @@
 
 namespace quarner {
 
-/// A drive whose blank disc is a CD-R that becomes a file when it is burnt: an audio disc a BIN and
-/// a CUE file, a data disc an ISO file. Every operation may be called on any thread.
+/// A drive whose blank disc is a CD-R. A burn makes it a file: a BIN and a CUE file for an audio
+/// disc, an ISO file for a data disc. Every operation may be called on any thread.
 class ImageDrive : public DRDevice,
                    public BurnTarget,
                    public std::enable_shared_from_this<ImageDrive> {
 public:
-    /// What is in the tray.
+    /// The disc in the tray.
     struct Disc {
         bool isBlank = true;
         std::uint64_t usedBlocks = 0;
     };
 
-    /// The path ends in .cue, for audio discs, or in .iso, for data discs. `capacity` in blocks, of
-    /// this disc and of every blank one that is inserted later.
+    /// The path ends in .cue for audio discs and in .iso for data discs. `capacity` is the size in
+    /// blocks of this disc and of every blank one inserted later.
     ImageDrive(std::string displayName, std::string path, std::uint32_t capacity, Disc disc,
                std::shared_ptr<FileSystem> files, std::weak_ptr<RunLoops> runLoops);
 
@@ -39,7 +39,7 @@ public:
     bool mediaIsPresent() const override;
     bool mediaIsTransitioning() const override { return false; }
     bool mediaIsBlank() const override;
-    /// A blank disc takes a session; a written one is closed.
+    /// A blank disc is appendable; a written one is closed.
     bool mediaIsAppendable() const override { return mediaIsBlank(); }
     bool mediaIsErasable() const override { return false; }
     bool mediaIsOverwritable() const override { return false; }
@@ -47,11 +47,11 @@ public:
     std::optional<DRMSF> mediaSpaceFree() const override;
     bool ejectMedia() override;
 
-    /// Puts a blank disc into the empty tray; answers false when there is a disc already, or the
-    /// drive is unplugged. The image that the last burn made stays until the next one replaces it.
+    /// Inserts a blank disc into the empty tray. Returns false if there is a disc already, or if
+    /// the drive is unplugged. The image of the last burn is kept until the next one replaces it.
     bool insertBlank();
 
-    /// Unplugs the drive for good: it has no disc from now on, and a burn under way fails.
+    /// Unplugs the drive for good: it has no disc from then on, and a burn that is under way fails.
     void unplug();
 
     std::unique_ptr<SectorWriter> claim(const DiscPlan& plan, const BurnSettings& settings,
@@ -71,13 +71,13 @@ private:
     const std::string _path;
     const std::uint32_t _capacity;
     const std::shared_ptr<FileSystem> _files;
-    /// Not kept alive: a notification that waits in one of them keeps this drive.
+    /// Weak, because a queued notification in one of the loops owns this drive.
     const std::weak_ptr<RunLoops> _runLoops;
 
     mutable std::mutex _mutex;
     std::optional<Disc> _disc;
     bool _isAttached = true;
-    std::shared_ptr<StopSignal> _burning; ///< of the burn under way, otherwise null
+    std::shared_ptr<StopSignal> _burning; ///< of the running burn, otherwise null
     double _speed = 0.0;
 };
 

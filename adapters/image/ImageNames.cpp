@@ -10,7 +10,7 @@
 namespace quarner {
 namespace {
 
-/// To a stem, in the hidden names.
+/// The longest addition to a stem in the hidden names.
 constexpr std::string_view longestAddition = "..bin.link.part";
 
 bool cannotBeQuoted(char c) { return c == '"' || (c >= 0 && c < ' ') || c == '\x7f'; }
@@ -23,7 +23,7 @@ std::string quotable(std::string stem) {
     return stem + number;
 }
 
-/// ".bIn" for "mix.cUe": no two sheets that are different files name the same BIN.
+/// Returns ".bIn" for "mix.cUe": two different sheets never refer to the same BIN.
 std::string binExtension(const std::string& cuePath) {
     std::string extension = ".bin";
     const std::size_t start = cuePath.size() - extension.size();

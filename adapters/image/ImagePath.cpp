@@ -15,15 +15,15 @@ std::string lowered(std::string text) {
     return text;
 }
 
-/// Where the links at a path lead, whether or not there is anything.
+/// Returns the target of the links at a path, whether it exists or not.
 fs::path followed(fs::path path) {
-    constexpr int mostLinks = 40; // as many as the system follows
+    constexpr int mostLinks = 40; // the system's limit
     std::error_code error;
     for (int i = 0; i < mostLinks && fs::is_symlink(fs::symlink_status(path, error)); ++i) {
         const fs::path target = fs::read_symlink(path, error);
         if (error)
             break;
-        path = path.parent_path() / target; // an absolute one takes its place
+        path = path.parent_path() / target; // an absolute target replaces the path
     }
     return path;
 }

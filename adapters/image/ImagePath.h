@@ -6,18 +6,18 @@
 
 namespace quarner {
 
-/// The path of an image in its parts.
+/// The parts of an image's path.
 struct ImagePath {
     std::string folder; ///< absolute
     std::string stem;   ///< the file's name without its extension
     std::string path;   ///< the whole
 
-    /// The folder with a slash at its end.
+    /// Returns the folder with a slash at its end.
     std::string base() const { return folder.ends_with('/') ? folder : folder + '/'; }
 };
 
-/// Takes a path apart, a symbolic link followed, also to where nothing is yet; nothing when it does
-/// not end in a file name with this extension (".cue"), in whatever case.
+/// Splits a path, following symbolic links, also if the file does not exist. Returns `std::nullopt`
+/// if it does not end in a file name with this extension (".cue"), ignoring case.
 std::optional<ImagePath> imagePath(const std::string& path, const std::string& extension);
 
 } // namespace quarner

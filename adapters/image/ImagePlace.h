@@ -10,15 +10,14 @@
 
 namespace quarner {
 
-/// Throws `BurnFailure` when no image can come to be under these names, as far as that can be told
-/// without writing anything: at one of them there is something that is not a file, or a file that
-/// this user may not write to; no file can have such a name; or nothing may be written to the
-/// folder.
+/// Throws `BurnFailure` if an image with these names cannot be made, as far as that is known
+/// without writing: one of them is not a file, or a file that this user may not write to; a name is
+/// impossible; or the folder cannot be written to.
 void refuseUnfitPlace(const ImageNames& names);
 void refuseUnfitPlace(const IsoNames& names);
 
-/// With what a burn to an image at this path would fail for one of those reasons; nothing where
-/// there is none, and for a path that does not name an image.
+/// Returns the failure of a burn to an image at this path for one of those reasons; `std::nullopt`
+/// if there is none, and for a path that is not an image's.
 std::optional<BurnFailure> problemOfPlace(const std::string& path);
 
 } // namespace quarner

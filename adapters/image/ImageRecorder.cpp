@@ -30,15 +30,15 @@ std::optional<std::uint32_t> blocksOf(unsigned minutes) {
     }
 }
 
-/// Whether a file is in an image's place, as far as that can be told.
+/// Returns whether there is a file at an image's path, as far as that is known.
 bool isFileThere(const std::string& path) {
     struct stat found = {};
     const bool isFound = uninterrupted([&] { return stat(path.c_str(), &found); }) == 0;
     return isFound ? S_ISREG(found.st_mode) : errno != ENOENT;
 }
 
-/// The blocks of the BIN that a CUE sheet names, when it consists of whole sectors of sound; 0 when
-/// they cannot be told.
+/// Returns the blocks of the BIN that a CUE sheet refers to if it consists of whole audio sectors;
+/// 0 if they are unknown.
 std::uint64_t blocksOfImage(FileSystem& files, const ImageNames& names) {
     const std::optional<std::string> sheet = files.content(names.cue);
     const std::optional<std::string> bin = sheet ? binNamedBy(*sheet) : std::nullopt;
@@ -52,7 +52,8 @@ std::uint64_t blocksOfImage(const IsoNames& names) {
     return found ? (found->size + dataBlockSize - 1) / dataBlockSize : 0;
 }
 
-/// What is in the place of an image is a written disc, whoever wrote it and whatever it holds.
+/// Returns the written disc for a file at an image's path, whoever wrote it and whatever it
+/// contains.
 ImageDrive::Disc existingDisc(FileSystem& files, const std::string& path) {
     try {
         if (const std::optional<ImageNames> names = imageNames(path);
@@ -61,7 +62,7 @@ ImageDrive::Disc existingDisc(FileSystem& files, const std::string& path) {
         if (const std::optional<IsoNames> names = isoNames(path); names && isFileThere(names->iso))
             return {.isBlank = false, .usedBlocks = blocksOfImage(*names)};
     } catch (const BurnFailure&) {
-        return {.isBlank = false}; // a sheet that cannot be read
+        return {.isBlank = false}; // the sheet cannot be read
     }
     return {};
 }

@@ -13,24 +13,26 @@
 
 namespace quarner {
 
-/// A drive to be added.
+/// The settings of a new drive.
 struct ImageDriveSettings {
-    /// The image: a path that ends in .cue for audio discs (see `ImageNames` for the BIN beside it)
-    /// or in .iso for data discs. A relative one counts from the working directory of now.
+    /// The path of the image. It ends in .cue for audio discs (see `ImageNames` for the BIN beside
+    /// it) or in .iso for data discs. A relative path is resolved against the current working
+    /// directory when the drive is added.
     std::string path;
     /// 74 or 80: a blank disc of 333,000 or 359,847 blocks.
     unsigned minutes = 80;
-    /// An image that is there, whoever made it, is in the drive as a written disc; where it cannot
-    /// be told how many blocks it takes, they count as none. Otherwise, and without an image, the
-    /// disc is blank; burning it replaces the image that is there.
+    /// Whether an existing image, whoever made it, is in the drive as a written disc; its blocks
+    /// count as 0 if their number is unknown. Otherwise, and without an image, the disc is blank,
+    /// and a burn replaces the existing image.
     bool loadExisting = false;
 };
 
-/// What tests put in the place of the machine.
+/// The parts of a recorder that can be replaced: the host passes `dataDiscs`, tests also the
+/// others.
 struct ImageRecorderParts {
     std::shared_ptr<FileSystem> files = posixFileSystem();
     Clock clock = std::chrono::steady_clock::now;
-    std::shared_ptr<DataDiscService> dataDiscs = nullptr; ///< null: audio discs only
+    std::shared_ptr<DataDiscService> dataDiscs = nullptr; ///< null if it writes audio discs only
 };
 
 /// A recorder whose discs are files: BIN and CUE for audio, ISO for data. Every operation may be
@@ -42,11 +44,11 @@ public:
     /// Unplugs the drives: whoever still has one finds no disc in it.
     ~ImageRecorder() override;
 
-    /// Attaches a drive, named after its image and unlike the other drives. Null when the path
-    /// does not name a CUE or ISO file, or the minutes are none of the two.
+    /// Attaches a drive, with a unique name made from its image's. Returns null if the path is
+    /// neither a CUE nor an ISO file, or if the minutes are neither 74 nor 80.
     std::shared_ptr<ImageDrive> add(const ImageDriveSettings& settings);
 
-    /// Unplugs a drive; answers whether it was attached. A burn that is under way on it fails.
+    /// Unplugs a drive. Returns whether it was attached. A burn that is under way on it fails.
     bool remove(const std::shared_ptr<DRDevice>& device);
 
     std::vector<std::shared_ptr<DRDevice>> devices() override;

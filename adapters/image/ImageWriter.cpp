@@ -21,7 +21,7 @@ ImageWriter::~ImageWriter() {
         if (_lock)
             removeParts();
     } catch (const BurnFailure&) {
-        // The next burn to this image clears them.
+        // The next burn to this image removes them.
     }
 }
 
@@ -55,7 +55,7 @@ bool ImageWriter::sheetNames(const std::string& binPath) const {
 }
 
 void ImageWriter::closeSession() {
-    // Whatever bears the BIN's name stays until the sheet is in place, whoever wrote it.
+    // A file with the BIN's name, whoever wrote it, is kept until the sheet is replaced.
     const bool isFree = sheetNames(_names.newBin) || !isThere(_names.plainBin);
     _firstBin = isFree ? _names.plainBin : _names.newBin;
     writeSheet(_names.cuePart, _firstBin);
@@ -95,7 +95,7 @@ void ImageWriter::commit() {
         moveToPlainName();
         _files->syncFolder(_names.folder);
     } catch (const BurnFailure&) {
-        // The image is valid under its name; what is left of the old one goes with the next burn.
+        // The image is valid under its name. The next burn removes the rest of the old one.
     }
 }
 
@@ -119,7 +119,7 @@ void ImageWriter::removeFirstBin() {
     }
 }
 
-/// The BIN has both names while the CUE changes from the one to the other.
+/// The BIN has both names while the CUE is replaced by one that refers to the other name.
 void ImageWriter::moveToPlainName() {
     if (!needsSecondStep()) {
         _files->remove(_names.newBin);
@@ -130,7 +130,8 @@ void ImageWriter::moveToPlainName() {
         _files->syncFolder(_names.folder);
         _files->remove(_names.newBin);
     } else {
-        _files->remove(_names.plainBin); // no second names here: the BIN stays where it is
+        _files->remove(
+            _names.plainBin); // no second names on this file system: the BIN keeps its first name
     }
 }
 

@@ -10,9 +10,16 @@
 
 namespace quarner {
 
-/// Writes a disc as a BIN file and a CUE sheet. Both are written, synced and verified under hidden
-/// names; `commit` then makes them the image in one step, the renaming of the CUE. At every moment
-/// the CUE under the image's name either is not there or names a whole BIN that belongs to it.
+/// Writes a disc as a BIN file and a CUE sheet.
+///
+/// Invariant: at every moment the CUE under the image's name either does not exist or refers to a
+/// complete BIN that belongs to it. The steps:
+/// 1. The BIN and the sheet are written, synced and verified under hidden names.
+/// 2. `commit` renames the BIN to a name that no CUE refers to: mix.bin if that is free, otherwise
+/// mix.bin.new.
+/// 3. It renames the sheet to mix.cue, which replaces the image in one step.
+/// 4. A BIN called mix.bin.new gets mix.bin as a second name, a sheet that refers to mix.bin
+/// replaces the first one, and the name mix.bin.new is removed. Without hard links it is kept.
 class ImageWriter : public SectorWriter {
 public:
     ImageWriter(std::shared_ptr<FileSystem> files, ImageNames names,
@@ -45,7 +52,7 @@ private:
     std::unique_ptr<ImageLock> _lock;
     DiscPlan _plan;
     std::unique_ptr<ImageFile> _bin;
-    std::string _firstBin; ///< the name that the new BIN gets first: one that no CUE refers to
+    std::string _firstBin; ///< the first name of the new BIN, which no CUE refers to
 };
 
 } // namespace quarner

@@ -6,9 +6,8 @@
 
 namespace quarner {
 
-/// The files of a data disc's image, and the names that they bear on their way. All in one folder.
-/// Where a hidden name would be longer than the file system allows, the end of the image's stem
-/// gives way to a number.
+/// The final and the temporary names of a data disc's image, all in one folder. If a hidden name
+/// would be longer than the file system allows, a hash replaces the end of its stem.
 struct IsoNames {
     std::string folder; ///< absolute
     std::string iso;    ///< the image's own path
@@ -16,8 +15,8 @@ struct IsoNames {
     std::string part;   ///< .mix.iso.part: the image that is being written
 };
 
-/// The names for an image at a path, a symbolic link followed; nothing when the path does not end
-/// in a file name with the extension iso.
+/// Returns the names for an image at a path, following symbolic links; `std::nullopt` if the path
+/// does not end in a file name with the extension iso.
 std::optional<IsoNames> isoNames(const std::string& path);
 
 } // namespace quarner

@@ -18,7 +18,7 @@ IsoWriter::~IsoWriter() {
         if (_lock)
             _files->remove(_names.part);
     } catch (const BurnFailure&) {
-        // The next burn to this image clears it.
+        // The next burn to this image removes it.
     }
 }
 
@@ -41,7 +41,7 @@ void IsoWriter::commit() {
     try {
         _files->syncFolder(_names.folder);
     } catch (const BurnFailure&) {
-        // The image is in place, and the one before it is gone: that is no failed burn.
+        // The new image has replaced the old one: the burn has succeeded.
     }
 }
 

@@ -9,8 +9,8 @@
 
 namespace quarner {
 
-/// Writes a data disc as an ISO file: written, synced and verified under a hidden name, and then
-/// renamed to the image's own.
+/// Writes a data disc as an ISO file. The file is written, synced and verified under a hidden name,
+/// and then renamed to the image's own.
 class IsoWriter : public SectorWriter {
 public:
     IsoWriter(std::shared_ptr<FileSystem> files, IsoNames names,

@@ -31,7 +31,7 @@ class PosixLock : public ImageLock {
 public:
     PosixLock(std::string path, FileDescriptor file)
         : _path(std::move(path)), _file(std::move(file)) {}
-    /// Removed before it is let go of: nobody else can have taken it then.
+    /// Removes the file before it releases the lock, so that no other process can hold it then.
     ~PosixLock() override {
         uninterrupted([this] { return unlink(_path.c_str()); });
     }
@@ -60,8 +60,8 @@ void takeLock(const FileDescriptor& file, const std::string& path) {
         throw writeFailure(errno, "locking " + path);
 }
 
-/// Whether the file is still the one at the path: its last holder may have removed it between the
-/// opening and the locking.
+/// Returns whether the file is still the one at the path: the last holder may have removed it
+/// between the opening and the locking.
 bool isAtPath(const FileDescriptor& file, const std::string& path) {
     struct stat opened = {};
     struct stat found = {};
@@ -108,7 +108,7 @@ std::optional<std::string> PosixFileSystem::content(const std::string& path) {
     const RegularFile file(path);
     if (file.error() == ENOENT)
         return std::nullopt;
-    if (!file.isOpen()) // before anything is written: no fault of it
+    if (!file.isOpen()) // before anything is written: not a write failure of the image
         throw writeFailure(file.error(), "reading " + path);
     std::string text;
     std::array<char, 4096> buffer = {};
@@ -143,7 +143,7 @@ void PosixFileSystem::syncFolder(const std::string& folder) {
     constexpr int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
     const FileDescriptor file(uninterrupted([&] { return open(folder.c_str(), flags); }));
     if (!file.isOpen())
-        return; // a folder may be writable and yet not readable
+        return; // a folder may be writable but not readable
     if (uninterrupted([&] { return fsync(file.number()); }) != 0 && errno != EINVAL)
         throw writeFailure(errno, "writing " + folder);
 }

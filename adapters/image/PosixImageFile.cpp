@@ -34,7 +34,7 @@ bool enterDirectMode(const FileDescriptor& file) {
 
 /// Nobody else may open the file until it has the permissions of the one that it replaces.
 FileDescriptor createLike(const std::string& path, const std::string& replaced) {
-    constexpr mode_t readableByAll = 0666; // less what the umask takes
+    constexpr mode_t readableByAll = 0666; // the umask is subtracted
     constexpr mode_t readableByOwner = 0600;
     const std::optional<struct stat> old = statusOf(replaced);
     FileDescriptor file = create(path, old ? readableByOwner : readableByAll);
@@ -43,8 +43,8 @@ FileDescriptor createLike(const std::string& path, const std::string& replaced) 
     return file;
 }
 
-/// Some file systems accept the flag and refuse the reading or writing.
-/// Answers whether there was such a mode to leave.
+/// Leaves direct mode, because some file systems accept the flag and then refuse to read or write.
+/// Returns whether the file was in direct mode.
 bool leaveDirectMode(const FileDescriptor& file) {
     const int flags = fcntl(file.number(), F_GETFL);
     return flags >= 0 && (flags & O_DIRECT) != 0 &&
@@ -84,7 +84,7 @@ void PosixImageFile::append(std::span<const std::byte> bytes) {
     }
 }
 
-/// The last piece is written up to the alignment and cut off by `sync`.
+/// The last buffer is padded to the alignment; `sync` truncates the file.
 void PosixImageFile::flush() {
     const std::size_t padded = (_buffered + bufferAlignment - 1) & ~(bufferAlignment - 1);
     const auto bytes = _buffer.bytes().first(padded);

@@ -9,9 +9,9 @@
 
 namespace quarner {
 
-/// A file written and read past the page cache where the file system can do that: it spares the
-/// copying and the memory, leaves alone what other programs have cached, and reading back really
-/// asks the disk. Elsewhere the cache is told to write early and to forget before the reading.
+/// A file written and read past the page cache if the file system supports that. This saves copies
+/// and memory, keeps the cache of other programs, and reads back from the disk itself. Otherwise
+/// the cache is asked to write early, and to drop its pages before the reading.
 class PosixImageFile : public ImageFile {
 public:
     /// See `FileSystem::create`.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/isofs/IsofsTree.h"
 
-// The libraries' headers want these two and each other in this order.
+// The libraries' headers need these two first, and then each other in this order.
 #include <stdint.h>
 #include <stdio.h>
 
@@ -30,7 +30,7 @@ using Image = std::unique_ptr<IsoImage, ImageRelease>;
 using Options = std::unique_ptr<IsoWriteOpts, OptionsRelease>;
 using Source = std::unique_ptr<burn::burn_source, SourceRelease>;
 
-/// Fails with the library's own text.
+/// An error with the library's own text.
 class IsofsError {
 public:
     explicit IsofsError(std::string text) : _text(std::move(text)) {}
@@ -50,7 +50,7 @@ std::mutex& libraryMutex() {
     return mutex;
 }
 
-// What the library has to say reaches the caller as the result of each call.
+// The library's messages are returned as the result of each call.
 void initialiseOnce() {
     static const bool isInitialised = [] {
         char never[] = "NEVER";
@@ -73,7 +73,7 @@ Image imageOf(const std::string& volumeName, const std::vector<IsofsTree::Entry>
         check(iso_tree_add_new_node(image.get(), iso_image_get_root(image.get()),
                                     entry.name.c_str(), entry.path.c_str(), &node),
               entry.path);
-        // The flag named after Rock Ridge hides from the primary ISO 9660 tree as a whole.
+        // The flag named after Rock Ridge hides the node from the whole primary ISO 9660 tree.
         iso_node_set_hidden(node, LIBISO_HIDE_ON_RR);
     }
     return image;
@@ -121,7 +121,7 @@ std::string IsofsTree::layOut(const std::string& volumeName, const std::vector<E
         check(iso_write_opts_get_data_start(options.get(), &dataStart, 0), "layout");
         blocks = static_cast<std::uint64_t>(source->get_size(source.get())) / blockSize;
         head = readHead(*source, dataStart);
-        // The library's writing thread waits to deliver the files' content, which nobody reads.
+        // The library's writer thread waits for a reader of the files' content; there is none.
         source->cancel(source.get());
         return {};
     } catch (const IsofsError& error) {

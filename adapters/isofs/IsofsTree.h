@@ -8,9 +8,9 @@
 
 namespace quarner {
 
-/// A flat folder of files as libisofs lays it out, Joliet only. The one place that knows libisofs.
+/// A flat folder of files as libisofs lays it out, Joliet only. Only this class uses libisofs.
 struct IsofsTree {
-    /// A file under its name on the disc, and the regular file on disk (an absolute path without
+    /// A file: its name on the disc, and the path of the regular file on disk (absolute, without
     /// symbolic links).
     struct Entry {
         std::string name;
@@ -18,11 +18,11 @@ struct IsofsTree {
     };
 
     std::uint64_t blocks = 0;    ///< of 2048 bytes, the whole disc
-    std::vector<std::byte> head; ///< the blocks in front of the files' content
+    std::vector<std::byte> head; ///< the blocks before the files' content
 
-    /// Lays the entries out. Answers an empty text, or what was wrong; the tree is of no use then.
-    /// Any thread; calls on several threads follow one another, because the library keeps state
-    /// of the process.
+    /// Lays out the entries. Returns an empty text, or what went wrong; the tree must not be used
+    /// then. Any thread. Calls on several threads are serialised, because the library has global
+    /// state.
     std::string layOut(const std::string& volumeName, const std::vector<Entry>& entries);
 };
 

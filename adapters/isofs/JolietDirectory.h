@@ -9,15 +9,15 @@
 
 namespace quarner {
 
-/// Where a file of the Joliet root directory lies.
+/// The extent of a file of the Joliet root directory.
 struct JolietRecord {
     std::uint32_t firstBlock = 0;
     std::uint32_t size = 0; ///< bytes
 };
 
-/// Reads the root directory of the Joliet tree from the first blocks of a file system: the records
-/// of its files by name (UTF-16 in this machine's byte order). Empty when the blocks hold no such
-/// directory; never reads beyond them.
+/// Reads the root directory of the Joliet tree from the first blocks of a file system. Returns the
+/// records of its files by name (UTF-16 in this machine's byte order); an empty map if the blocks
+/// hold no such directory. Never reads beyond the blocks.
 ///
 /// A supplementary volume descriptor (ECMA-119, 8.5) has type 2 and the Joliet escape sequence; its
 /// bytes 156 to 189 are the record of the root directory. A directory record (9.1) has its length

@@ -14,7 +14,7 @@ std::uint64_t blocksOf(const DRFolder& folder) {
     try {
         return JolietImage::ofFolder(folder)->blocks();
     } catch (const BurnFailure&) {
-        return 0; // the burn itself says why
+        return 0; // the burn reports the reason
     }
 }
 

@@ -7,8 +7,8 @@
 
 namespace quarner {
 
-/// Data discs whose one file system is Joliet: see `JolietImage` for the layout and JolietNames.h
-/// for the names.
+/// Returns the service for data discs with a Joliet file system only: see `JolietImage` for the
+/// layout and JolietNames.h for the names.
 std::shared_ptr<DataDiscService> makeJolietDiscs();
 
 } // namespace quarner

@@ -24,7 +24,8 @@ using Extents = std::vector<JolietImage::Extent>;
 
 std::string baseName(const std::string& path) { return path.substr(path.find_last_of('/') + 1); }
 
-/// The path that libisofs needs: absolute, and not a symbolic link, which it would store as such.
+/// Returns the path that libisofs needs: absolute, and without symbolic links, which it would store
+/// as links.
 std::string physicalPath(const std::string& path) {
     const std::unique_ptr<char, decltype(&std::free)> resolved(realpath(path.c_str(), nullptr),
                                                                std::free);
@@ -49,7 +50,7 @@ std::vector<IsofsTree::Entry> entriesOf(const DRFolder& folder) {
     return entries;
 }
 
-/// A file that stands twice in the folder has its content on the disc once.
+/// A file that is in the folder twice has its content on the disc once.
 void sortAndUnify(Extents& extents) {
     std::stable_sort(extents.begin(), extents.end(),
                      [](const auto& a, const auto& b) { return a.firstBlock < b.firstBlock; });
@@ -59,7 +60,7 @@ void sortAndUnify(Extents& extents) {
     extents.erase(end, extents.end());
 }
 
-/// Where the directory says that the files are.
+/// Returns the extents of the files as the directory records them.
 Extents extentsOf(const DRFolder& folder, const std::vector<IsofsTree::Entry>& entries,
                   const Records& records) {
     Extents extents;

@@ -12,12 +12,12 @@
 
 namespace quarner {
 
-/// The file system of a data disc, laid out: the blocks that describe it, and where the content of
-/// each file goes. Blocks have 2048 bytes. An immutable value.
+/// The layout of a data disc's file system: the blocks that describe it, and the position of each
+/// file's content. Blocks have 2048 bytes. Immutable.
 ///
-/// The disc is laid out like this: 16 blocks of system area; the descriptors, path tables and
-/// directories of an ISO 9660 tree in which nothing is listed and of a Joliet tree in which every
-/// file is; then the files, each from a block of its own, the rest of its last block zero.
+/// The disc is laid out as follows: 16 blocks of system area; the descriptors, path tables and
+/// directories of an ISO 9660 tree that lists nothing and of a Joliet tree that lists every file;
+/// then the files. Each file begins with a new block, and the rest of its last block is zero.
 class JolietImage {
 public:
     static constexpr std::size_t blockSize = 2048;
@@ -25,26 +25,25 @@ public:
     /// The content of a file on the disc.
     struct Extent {
         std::string path; ///< the file on disk
-        FileStamp stamp;  ///< as it was when it was added
+        FileStamp stamp;  ///< when the file was added
         std::uint32_t firstBlock = 0;
 
         std::uint64_t blocks() const { return (stamp.size + blockSize - 1) / blockSize; }
     };
 
-    /// Lays out a folder. Opens no file, but looks at each, as `checkFiles`. Throws `BurnFailure`
-    /// when that finds fault or the library does, and for a folder that is to be visible in another
-    /// file system than Joliet alone. Any thread; calls on several threads follow one
-    /// another.
+    /// Lays out a folder. Checks every file as `checkFiles` does, but opens none. Throws
+    /// `BurnFailure` if a check or the library fails, or if the folder's mask is not Joliet alone.
+    /// Any thread. Calls on several threads are serialised.
     static std::unique_ptr<const JolietImage> ofFolder(const DRFolder& folder);
 
-    /// The blocks of the whole disc, exactly.
+    /// The exact number of blocks of the whole disc.
     std::uint64_t blocks() const { return _blocks; }
 
-    /// Everything in front of the first file's content: whole blocks.
+    /// The blocks before the first file's content.
     const std::vector<std::byte>& head() const { return _head; }
 
-    /// The files that have content, in the order of their blocks, which follow the head without
-    /// overlapping. What lies between them and after the last is zero.
+    /// The files that are not empty, in the order of their blocks. They follow the head and do not
+    /// overlap. All bytes between them and after the last are zero.
     const std::vector<Extent>& extents() const { return _extents; }
 
 private:
@@ -53,8 +52,8 @@ private:
     std::vector<Extent> _extents;
 };
 
-/// Throws `BurnFailure` when a file of the folder is gone, may not be read, or is not the one that
-/// its node was made of.
+/// Throws `BurnFailure` if a file of the folder is gone, cannot be read, or was changed or replaced
+/// since its node was made.
 void checkFiles(const DRFolder& folder);
 
 } // namespace quarner

@@ -15,7 +15,7 @@
 namespace quarner {
 namespace {
 
-constexpr std::size_t extensionLimit = 17; // its dot counted
+constexpr std::size_t extensionLimit = 17; // including its dot
 
 std::size_t unitsOf(char32_t character) { return character > 0xFFFF ? 2 : 1; }
 
@@ -26,7 +26,7 @@ std::size_t unitsOf(std::u32string_view text) {
     return units;
 }
 
-/// Decodes UTF-8; every byte that does not belong to a valid character becomes an underscore.
+/// Decodes UTF-8; every byte that is not part of a valid character becomes an underscore.
 std::u32string decoded(const std::string& text) {
     std::u32string characters;
     for (std::string_view rest = text; !rest.empty();)
@@ -70,7 +70,7 @@ Name parted(const std::u32string& name) {
     return {name.substr(0, dot), name.substr(dot)};
 }
 
-/// The name within the limit, with a mark between stem and extension.
+/// Returns the name, shortened to the limit, with `mark` between stem and extension.
 std::string composed(const Name& name, const std::u32string& mark) {
     const std::size_t room = jolietNameLimit - unitsOf(name.extension) - unitsOf(mark);
     return encoded(cut(name.stem, room) + mark + name.extension);
@@ -84,7 +84,7 @@ Name legalName(const std::string& fileName) {
     return parted(characters.empty() ? U"_" : characters);
 }
 
-/// Two names with the same key are one name to a reader that ignores case.
+/// Names with the same key are equal to a reader that ignores case.
 std::string keyOf(const std::string& name) {
     const std::unique_ptr<char, decltype(&g_free)> normal(
         g_utf8_normalize(name.c_str(), -1, G_NORMALIZE_NFC), g_free);
@@ -98,7 +98,7 @@ std::u32string numberMark(unsigned number) {
     return U" (" + std::u32string(digits.begin(), digits.end()) + U")";
 }
 
-/// Hands out each name once.
+/// The set of the names in use.
 class NameBook {
 public:
     bool take(const std::string& name) { return _taken.insert(keyOf(name)).second; }
@@ -128,7 +128,8 @@ std::vector<std::string> jolietNames(const std::vector<std::string>& fileNames) 
         std::string name = composed(legal.back(), {});
         names.push_back(book.take(name) ? std::move(name) : std::string());
     }
-    // Only now that every first bearer has its name: a number must not take a name from a file.
+    // Only after every file without a clash has its name, so that a number does not take another
+    // file's name.
     for (std::size_t i = 0; i < names.size(); ++i)
         if (names[i].empty())
             names[i] = book.takeNumbered(legal[i]);

@@ -13,7 +13,7 @@
 
 namespace quarner {
 
-/// A source file under the head of the disc, read once from its start to its end.
+/// A source file, read once from start to end.
 class JolietTrackSource::OpenFile {
 public:
     explicit OpenFile(const JolietImage::Extent& extent) : _path(extent.path), _file(extent.path) {
@@ -57,7 +57,8 @@ void JolietTrackSource::read(std::span<std::byte> buffer) {
     }
 }
 
-/// As much as lies in one piece of the disc: the head, a file, or the zeros up to the next file.
+/// Reads up to the end of the current part of the disc: the head, a file, or the zeros up to the
+/// next file.
 std::size_t JolietTrackSource::readSome(std::span<std::byte> buffer) {
     if (_position < _image->head().size())
         return readHead(buffer);

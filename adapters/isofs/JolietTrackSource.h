@@ -12,7 +12,7 @@
 namespace quarner {
 
 /// The blocks of a Joliet file system in order: its head, then the content of each file, read
-/// straight from the file.
+/// directly from the file.
 class JolietTrackSource : public TrackSource {
 public:
     JolietTrackSource(std::shared_ptr<const DRFolder> folder,
@@ -33,8 +33,8 @@ private:
     const std::shared_ptr<const DRFolder> _folder;
     const std::unique_ptr<const JolietImage> _image;
     std::uint64_t _position = 0;     ///< bytes of the disc delivered so far
-    std::size_t _nextExtent = 0;     ///< the first that is not wholly delivered
-    std::unique_ptr<OpenFile> _file; ///< of that extent, once reading has begun
+    std::size_t _nextExtent = 0;     ///< the first that is not completely delivered
+    std::unique_ptr<OpenFile> _file; ///< of that extent, after its first read
 };
 
 } // namespace quarner

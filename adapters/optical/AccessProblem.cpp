@@ -49,7 +49,7 @@ std::string_view remedy(int error) {
         return " (its disc may be mounted)";
     case EACCES:
         return " (an administrator can change that; then log in anew)";
-    case EPERM: // access to devices can be withheld from a container, whatever the node's mode
+    case EPERM: // a container may have no access to devices, whatever the node's mode
     case ENOENT:
         return " (in a container, the drive has to be passed through)";
     default:
@@ -75,7 +75,7 @@ std::string openingProblem(const std::string& node, int error) {
 }
 
 std::optional<std::string> accessProblem(const std::string& node) {
-    // The system itself opens a drive for a moment after each of its events.
+    // The system itself opens a drive for a moment after each event.
     constexpr std::chrono::milliseconds patience{500};
     const bool isPermitted = access(node.c_str(), R_OK | W_OK) == 0;
     const int result = isPermitted ? openDrive(node, patience, nullptr) : -errno;

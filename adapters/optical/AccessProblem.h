@@ -6,14 +6,14 @@
 
 namespace quarner {
 
-/// Why a drive could not be opened by its device node, which ended with an error of errno: one
-/// sentence in English, without a full stop, that names the group or the permission that is
-/// missing. Any thread.
+/// Returns why opening a drive's device node failed with `error` (an errno): one English sentence
+/// without a full stop that names the missing group or permission. Any thread.
 std::string openingProblem(const std::string& node, int error);
 
-/// The same, with what can be done about it, for a drive that is not open in this process: opens
-/// its node as a burn does, for reading and writing and for itself alone, and closes it again. One
-/// that is busy is waited for half a second. Nothing when it opens. Any thread.
+/// Returns why a drive that is not open in this process cannot be opened, and what can be done
+/// about it; `std::nullopt` if it can be opened. Opens its node as a burn does, for reading and
+/// writing and exclusively, and closes it again. A busy drive is retried for half a second. Any
+/// thread.
 std::optional<std::string> accessProblem(const std::string& node);
 
 } // namespace quarner

@@ -39,7 +39,7 @@ using Track = std::unique_ptr<burn::burn_track, TrackRelease>;
 using Source = std::unique_ptr<burn::burn_source, SourceRelease>;
 using Options = std::unique_ptr<burn::burn_write_opts, OptionsRelease>;
 
-/// The part of the pipe that is one track.
+/// The part of the pipe with the data of one track.
 struct Feed {
     SectorPipe& pipe;
     WritingThread& thread;
@@ -49,9 +49,9 @@ struct Feed {
 
 Feed& feedOf(burn::burn_source* source) { return *static_cast<Feed*>(source->data); }
 
-// The library calls these on its own thread and tells by nothing but an unlocked flag that it has
-// come to its end: that the thread has ended, which is what lets the feed be freed, is heard of by
-// touching `WritingThread`.
+// The library calls these functions on its own thread. It signals the end of its work only by an
+// unlocked flag. `WritingThread::touch` detects the end of the thread, after which the feed may be
+// freed.
 
 int readFeed(burn::burn_source* source, unsigned char* buffer, int size) {
     Feed& feed = feedOf(source);
@@ -98,7 +98,7 @@ Track makeTrack(const DiscPlan& plan, std::size_t index, SectorPipe& pipe, Writi
     const TrackPlan& planned = plan.tracks[index];
     Track track = made(Track(burn::burn_track_create()));
     const int mode = plan.sectorSize == audioSectorSize ? BURN_AUDIO : BURN_MODE1;
-    // The library announces the shortest track that a CD can have, and does not fill it by itself.
+    // The library announces the minimum length of a CD track, but does not pad the track itself.
     const std::uint32_t tail = std::max(planned.length, DRTrack::minimumSectors) - planned.length;
     burn::burn_track_define_data(track.get(), 0, int(tail * plan.sectorSize), 1, mode);
     const Source source = makeSource(pipe, thread, off_t(planned.length) * plan.sectorSize);
@@ -162,8 +162,8 @@ BurnJob::BurnJob(const GrabbedDrive& drive, const DiscPlan& plan, const BurnSett
       _session(std::make_unique<Session>(_drive, plan, settings, pipe, _thread)) {}
 
 BurnJob::~BurnJob() {
-    // Again and again, because a job that is just being started forgets it. Before the pipe ends,
-    // because the library fills up with silence what a source does not deliver.
+    // Repeated, because a job that is just being started forgets the cancel. Before the pipe is
+    // closed, because the library pads a short source with silence.
     while (isRunning()) {
         burn::burn_drive_cancel(_drive);
         _pipe.close();
@@ -198,12 +198,12 @@ bool BurnJob::wroteWell() const { return burn::burn_drive_wrote_well(_drive) == 
 
 std::optional<DRError> blankDisc(GrabbedDrive& grabbed) {
     burn::burn_drive* const drive = grabbed.handle();
-    burn::burn_disc_pretend_full(drive); // what was broken off counts as unsuitable otherwise
+    burn::burn_disc_pretend_full(drive); // an interrupted disc would count as unsuitable
     {
         const std::lock_guard lock(BurnLibrary::shared().drives());
         burn::burn_disc_erase(drive, 1);
     }
-    // Without a disc the library would wait for the end of the blanking for ever.
+    // Without a disc the library would wait for ever for the end of the blanking.
     bool isDiscThere = true;
     for (int look = 1; !isIdle(drive); ++look) {
         if (isDiscThere && look % looksPerDiscQuestion == 0 && !grabbed.hasDisc()) {

@@ -13,28 +13,29 @@
 
 namespace quarner {
 
-/// One session as libburn writes it, session at once, on a thread of its own: every track of the
-/// plan, its content taken from a pipe. The pre-gaps are made by the drive and not taken from it.
+/// One session that libburn writes session-at-once on its own thread: every track of the plan, with
+/// its content read from a pipe. The drive makes the pre-gaps; they are not in the pipe.
 class BurnJob {
 public:
-    /// Puts the plan as libburn wants it. Nothing is written yet. The drive and the pipe must
-    /// outlive this object. Throws `BurnFailure`, and `std::bad_alloc`.
+    /// Converts the plan for libburn. Writes nothing. The drive and the pipe must outlive this
+    /// object. Throws `BurnFailure` and `std::bad_alloc`.
     BurnJob(const GrabbedDrive& drive, const DiscPlan& plan, const BurnSettings& settings,
             SectorPipe& pipe);
-    /// Stops the writing, closes the pipe, and returns when the drive is idle.
+    /// Stops writing, closes the pipe, and waits until the drive is idle.
     ~BurnJob();
     BurnJob(const BurnJob&) = delete;
     BurnJob& operator=(const BurnJob&) = delete;
 
-    /// Why libburn will not write this plan to the disc in the drive; nothing when it will.
+    /// Returns why libburn refuses to write this plan to the disc in the drive; `std::nullopt` if
+    /// it accepts it.
     std::optional<std::string> objection() const;
 
     void start();
-    /// Whether sectors are still being written: before the disc is closed. Any thread.
+    /// Whether sectors are still being written, before the disc is closed. Any thread.
     bool isWriting() const;
-    /// Whether the drive is still at work: writing, or closing the disc. Any thread.
+    /// Whether the drive is still writing or closing the disc. Any thread.
     bool isRunning() const;
-    /// Once it is not running any more: whether everything was written.
+    /// After the job has ended: whether everything was written.
     bool wroteWell() const;
 
 private:
@@ -46,13 +47,13 @@ private:
     std::unique_ptr<Session> _session;
 };
 
-/// Blanks an erasable disc in the quick way, also one whose last burn was broken off; returns when
-/// the drive is idle. Takes a minute or two, in which the drive cannot be stopped. Answers nothing
-/// when the disc is blank then, or why it is not.
+/// Blanks an erasable disc quickly, also after an interrupted burn. Waits until the drive is idle,
+/// a minute or two, during which it cannot be stopped. Returns `std::nullopt` if the disc is then
+/// blank, otherwise the error.
 std::optional<DRError> blankDisc(GrabbedDrive& grabbed);
 
-/// Writes at so many blocks per second, or as fast as drive and disc allow; reads as fast as it
-/// can.
+/// Sets the write speed to `blocksPerSecond`, or to the fastest that drive and disc support, and
+/// the read speed to the fastest.
 void setSpeeds(const GrabbedDrive& drive, std::optional<double> blocksPerSecond);
 
 } // namespace quarner

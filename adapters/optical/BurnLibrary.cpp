@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t mostKept = 64;
 
-/// The library's list has 255 places, and it does not look whether one is left.
+/// The library's list has 255 entries, and its end is not checked.
 constexpr std::size_t mostFailures = 200;
 
 } // namespace
@@ -28,7 +28,7 @@ bool BurnLibrary::start() {
     return startUnlocked();
 }
 
-/// Nothing happens to a library that is running. Without it, nobody may ask for messages.
+/// Does nothing if the library is running. Messages must not be queried before it runs.
 bool BurnLibrary::startUnlocked() {
     char queued[] = "WARNING";
     char onStderr[] = "NEVER";
@@ -50,21 +50,21 @@ void BurnLibrary::driveWasNotTaken(const NodeDescriptors& before) {
     clearAway();
 }
 
-/// The library forgets its list when it is started anew. The descriptors come after that, since it
-/// closes those that it still knows of.
+/// Restarts the library, which empties its list. The descriptors are closed afterwards, because the
+/// library closes those that it still knows.
 void BurnLibrary::clearAway() {
     if (_takenDrives > 0 || _failures == 0)
         return;
     logMessages();
     {
-        const std::lock_guard lock(_mutex); // nobody asks for messages meanwhile
+        const std::lock_guard lock(_mutex); // no messages are queried while the library restarts
         burn::burn_finish();
     }
     closeTakenAway(std::exchange(_left, {}));
     _failures = 0;
 }
 
-/// The library takes a path for another drive's that has more slashes in it.
+/// The library takes a path with more slashes as another drive's.
 std::string BurnLibrary::untriedAddress(const std::string& node) const {
     if (_failures >= mostFailures)
         return {};

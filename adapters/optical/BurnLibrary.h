@@ -12,39 +12,38 @@
 
 namespace quarner {
 
-/// What libburn has only once in a process: its list of drives, and its queue of messages. Nobody
-/// else in the process may use libburn while a drive is open here. Every operation may be called on
-/// any thread.
+/// The global state of libburn: its list of drives, and its message queue. The rest of the process
+/// must not use libburn while a drive is open here. Every operation may be called on any thread.
 class BurnLibrary {
 public:
     static BurnLibrary& shared(); ///< until the end of the process
     BurnLibrary(const BurnLibrary&) = delete;
     BurnLibrary& operator=(const BurnLibrary&) = delete;
 
-    /// Held by whoever adds a drive to the library's list, takes one off, or has the library make a
-    /// thread: its lists have no lock.
+    /// Guards the library's lists, which have no lock. Hold it to add or remove a drive, and while
+    /// the library starts a thread.
     std::mutex& drives() { return _drives; }
 
-    /// Starts libburn, without its handler of signals, unless it is running: to be called before a
-    /// drive is opened. Answers whether it is running.
+    /// Starts libburn, without its signal handler, unless it is running. Call it before opening a
+    /// drive. Returns whether libburn is running.
     bool start();
 
-    // With `drives` held. What the library keeps of a drive that it failed to take: it lists it for
-    // ever, does not take it again under the same address, and may leave its file open. The file
-    // is taken away from it at once, the rest is cleared away as soon as it has no drive.
+    // The following require `drives` to be held. If the library fails to open a drive, it keeps it
+    // in its list, does not open it again under the same address, and may leave its file open. The
+    // file is replaced at once; the rest is removed as soon as the library has no open drive.
 
-    /// An address for a drive's node that was not tried in vain; empty when there are none left.
+    /// Returns an address for a drive's node that has not failed yet; empty if none is left.
     std::string untriedAddress(const std::string& node) const;
     void driveWasTaken() { ++_takenDrives; }
     void driveWasReleased();
     void driveWasNotTaken(const NodeDescriptors& before);
 
-    /// A moment in the sequence of the library's messages.
+    /// A position in the sequence of the library's messages.
     using Moment = std::uint64_t;
     Moment now();
 
-    /// Passes what the library has to say on to the platform's log. To be called now and then while
-    /// the library works, and after it.
+    /// Forwards the library's messages to the platform's log. Call it repeatedly while the library
+    /// works, and afterwards.
     void logMessages();
 
     /// Returns the message since a moment that best explains a failure, see `failureReason`; empty
@@ -60,8 +59,8 @@ private:
 
     std::mutex _drives;
     int _takenDrives = 0;
-    std::size_t _failures = 0; ///< to take a drive, that are still to be cleared away
-    std::set<int> _left;       ///< the descriptors of them
+    std::size_t _failures = 0; ///< failures to open a drive that are not cleaned up yet
+    std::set<int> _left;       ///< their descriptors
     std::mutex _mutex;
     Moment _moment = 0;
     std::deque<LibraryMessage> _kept;

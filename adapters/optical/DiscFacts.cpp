@@ -81,7 +81,7 @@ bool isCD(int profile) { return profile >= 0x08 && profile <= 0x0a; }
 
 std::uint64_t blocks(std::int64_t count) { return std::uint64_t(std::max<std::int64_t>(0, count)); }
 
-/// Where the lead-out of the last session begins.
+/// Returns the start of the last session's lead-out.
 std::uint64_t endOfLastSession(burn::burn_drive* drive) {
     const BurnDisc disc(burn::burn_drive_get_disc(drive));
     int sessions = 0;
@@ -112,8 +112,8 @@ std::uint64_t usedBlocks(burn::burn_drive* drive, DiscFacts::State state, int pr
     return end > 0 ? end : readableBlocks(drive);
 }
 
-/// The sectors of the whole disc, as its maker has pressed them into the lead-in; 0 when the drive
-/// does not tell.
+/// Returns the capacity of the disc in sectors, as recorded in the ATIP; 0 if the drive does not
+/// report it.
 std::uint64_t capacityOf(burn::burn_drive* drive) {
     int start = 0;
     int end = 0;
@@ -126,7 +126,7 @@ std::uint64_t capacityOf(burn::burn_drive* drive) {
 std::uint64_t freeBlocks(burn::burn_drive* drive, const DiscFacts& facts) {
     const bool takesMore =
         facts.state == DiscFacts::State::Blank || facts.state == DiscFacts::State::Appendable;
-    // The library counts 2048 bytes to a block, whatever is written.
+    // The library counts 2048 bytes per block, whatever is written.
     const std::uint64_t available =
         takesMore ? blocks(burn::burn_disc_available_space(drive, nullptr) / dataBlockSize) : 0;
     if (!facts.isErasable || facts.state == DiscFacts::State::Blank)

@@ -19,7 +19,7 @@ namespace {
 
 using Device = std::unique_ptr<udev_device, decltype(&udev_device_unref)>;
 
-/// The usual room is too small for a second of busy plugging.
+/// The receive buffer. The default is too small for a second of frequent plugging.
 constexpr int receiveBytes = 8 * 1024 * 1024;
 
 std::string_view text(const char* found) { return found == nullptr ? std::string_view() : found; }
@@ -31,7 +31,7 @@ bool isMediaChange(udev_device* device) {
 void tellOf(udev_device* device, DriveListener& listener) {
     const std::string sysPath(text(udev_device_get_syspath(device)));
     if (text(udev_device_get_action(device)) == "remove") {
-        listener.driveIsGone(sysPath); // nothing else of a removed device is sure
+        listener.driveIsGone(sysPath); // nothing else of a removed device is reliable
         return;
     }
     const std::optional<DriveRecord> record = driveRecordOf(device);
@@ -46,7 +46,7 @@ void tellOf(udev_device* device, DriveListener& listener) {
 
 DriveListener::~DriveListener() = default;
 
-/// The connection to udev, and a way to wake up who waits on it.
+/// The connection to udev, and a way to wake the thread that waits on it.
 struct DriveMonitor::Socket {
     Socket() {
         if (monitor == nullptr)
@@ -101,7 +101,8 @@ void DriveMonitor::listen(DriveListener& listener) const {
         const int ready = poll(waiting.data(), waiting.size(), areEventsLost ? 0 : -1);
         if (ready < 0 && errno != EINTR)
             return;
-        // The list is only better than the events once those that came through have been told.
+        // Report the loss only after the events that did arrive, so that the scan is newer than
+        // they are.
         if (ready == 0 && std::exchange(areEventsLost, false))
             listener.eventsWereLost();
     }

@@ -9,41 +9,39 @@
 
 namespace quarner {
 
-/// What a `DriveMonitor` tells, on its thread and one call at a time. A drive may be told of that
-/// is known already, or removed that never was: udev repeats itself at its user's request.
+/// The reports of a `DriveMonitor`, on its thread and one call at a time. A known drive may be
+/// reported again, and an unknown one may be reported as removed: udev repeats events on request.
 class DriveListener {
 public:
     virtual ~DriveListener();
 
     virtual void driveIsThere(const DriveRecord& record) = 0;
     virtual void driveIsGone(const std::string& sysPath) = 0;
-    /// A disc was put in or out.
+    /// A disc was inserted or removed.
     virtual void mediaChanged(const std::string& sysPath) = 0;
-    /// Some events were lost: list the drives afresh.
+    /// Events were lost: rescan the drives.
     virtual void eventsWereLost() = 0;
 };
 
-/// Listens to udev for optical drives that come and go and discs that change, on a thread of its
-/// own.
+/// Watches udev on its own thread for optical drives that come and go and discs that change.
 class DriveMonitor {
 public:
-    /// From now on nothing is missed; `start` begins to tell of it.
+    /// Begins to queue events, so that none is missed. `start` begins to report them.
     DriveMonitor();
-    /// Ends the telling: when it returns, the listener is not called any more. Not on the
-    /// monitor's thread.
+    /// Stops delivery. The listener is not called after this returns. Not on the monitor's thread.
     ~DriveMonitor();
     DriveMonitor(const DriveMonitor&) = delete;
     DriveMonitor& operator=(const DriveMonitor&) = delete;
 
-    /// Tells a listener, which must outlive this object, of all that has happened since the
-    /// monitor was made, and goes on. Once only. Answers false when there is no way to listen.
+    /// Reports all events since the monitor was made, and all later ones, to `listener`, which must
+    /// outlive this object. Call it once. Returns false if events cannot be received.
     bool start(DriveListener& listener);
 
 private:
     struct Socket;
 
     void listen(DriveListener& listener) const;
-    /// Answers false when the system says that events were lost.
+    /// Returns false if the system reports that events were lost.
     bool tellNext(DriveListener& listener) const;
 
     const std::unique_ptr<Socket> _socket;

@@ -53,15 +53,15 @@ bool DriveNode::isLoading() const {
 bool DriveNode::openTray() const {
     if (ioctl(_descriptor, CDROM_DRIVE_STATUS, CDSL_CURRENT) == CDS_TRAY_OPEN)
         return false;
-    ioctl(_descriptor, CDROM_LOCKDOOR, 0); // in case a program died that had locked it
-    // The system examines a new disc, also one that was just written, without taking the drive for
-    // itself; the kernel opens no tray meanwhile.
+    ioctl(_descriptor, CDROM_LOCKDOOR, 0); // a program that died may have locked it
+    // The system examines a new disc, also one that was just written, without opening the drive
+    // exclusively. The kernel does not open the tray during that time.
     for (int retries = 20; ioctl(_descriptor, CDROMEJECT) != 0; --retries) {
         if (errno != EBUSY || retries == 0)
             return false;
         waitForDrive(nullptr);
     }
-    // A drive without a tray tells only that it has no disc.
+    // A drive without a tray reports only that it has no disc.
     const int status = ioctl(_descriptor, CDROM_DRIVE_STATUS, CDSL_CURRENT);
     return status != CDS_DISC_OK && status != CDS_DRIVE_NOT_READY;
 }

@@ -8,11 +8,11 @@
 
 namespace quarner {
 
-/// The node of a drive, open here and closed to everybody else, for what the kernel itself can be
-/// asked: libburn, once it has the drive, waits for a disc that does not get ready, for hours.
+/// The node of a drive, opened exclusively, for queries to the kernel. Once libburn owns a drive it
+/// may wait for hours for a disc to become ready, so it gets a drive only after these queries.
 class DriveNode {
 public:
-    /// Opens it: see `openDrive`. Throws `BurnFailure` when that fails.
+    /// Opens it with `openDrive`. Throws `BurnFailure` if that fails.
     DriveNode(const std::string& path, std::chrono::milliseconds patience, const StopSignal* stop);
     ~DriveNode();
     DriveNode(const DriveNode&) = delete;
@@ -20,25 +20,25 @@ public:
 
     int descriptor() const { return _descriptor; }
 
-    /// A disc is being loaded or examined.
+    /// Whether a disc is being loaded or examined.
     bool isLoading() const;
 
-    /// Unlocks the tray and opens it, in whatever state the disc is; tries again for two seconds
-    /// while others only look at the drive. Answers whether it is open then; false also when it was
-    /// open before.
+    /// Unlocks and opens the tray, whatever the state of the disc. Retries for two seconds while
+    /// other programs have the drive open non-exclusively. Returns whether the tray was opened;
+    /// false if it was open before.
     bool openTray() const;
 
 private:
     const int _descriptor;
 };
 
-/// Opens the node of a drive as libburn does, which does not tell why it fails. One that another
-/// program has open is tried again until the time is over, or the burn is stopped: throws
-/// `BurnFailure` then (`stop` may be null). Answers the descriptor, or an error of errno, negated.
+/// Opens the node of a drive as libburn does, but reports errors. While another program has it
+/// open, retries until the timeout or until the burn is stopped: then throws `BurnFailure` (`stop`
+/// may be null). Returns the descriptor, or a negated errno.
 int openDrive(const std::string& path, std::chrono::milliseconds patience, const StopSignal* stop);
 
-/// Waits between two attempts to open a drive, or until the burn is stopped: throws `BurnFailure`
-/// then. `stop` may be null.
+/// Waits between two attempts to open a drive. Throws `BurnFailure` if the burn is stopped. `stop`
+/// may be null.
 void waitForDrive(const StopSignal* stop);
 
 } // namespace quarner

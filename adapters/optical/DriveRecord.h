@@ -7,9 +7,9 @@ namespace quarner {
 
 /// One optical drive as the system lists it.
 struct DriveRecord {
-    std::string node;        ///< the device node that it is opened by, "/dev/sr0"
+    std::string node;        ///< the device node, "/dev/sr0"
     std::string sysPath;     ///< its folder in the system's device tree; gone when it is unplugged
-    std::string vendor;      ///< as the drive names itself; may be empty
+    std::string vendor;      ///< as the drive reports it; may be empty
     std::string product;     ///< the same
     bool canWriteCD = false; ///< whether it records CD-R
 

@@ -12,11 +12,11 @@ namespace {
 
 constexpr std::chrono::milliseconds pollInterval{10};
 
-/// A drive that does not answer any more is given this time to disappear from the system.
+/// The time for a drive that does not respond to disappear from the system.
 constexpr std::chrono::milliseconds goingPatience{1000};
 
-/// Whether the drive can be asked anew. The library does not tell of a drive that it loses by that:
-/// it has an unsuitable disc then, and of no kind (MMC: profile 0).
+/// Returns whether the drive still responds. The library does not report a drive that it loses
+/// during this query: the drive then has an unsuitable disc without a kind (MMC: profile 0).
 bool answers(burn::burn_drive* drive) {
     return burn::burn_drive_re_assess(drive, 0) == 1 &&
            (profileOf(drive) != 0 ||

@@ -9,9 +9,9 @@ namespace quarner {
 
 class GrabbedDrive;
 
-/// What is behind a failure, as far as the drive can still be asked: `MediaNotPresent` when it has
-/// no disc any more, `DeviceVanished` when it does not answer and is gone from the system, which is
-/// waited for a moment, and otherwise `error`. Throws `BurnFailure` when the burn is stopped.
+/// Returns the cause of a failure if the drive can still be queried: `MediaNotPresent` if it has no
+/// disc any more; `DeviceVanished` if it does not respond and disappears from the system within a
+/// second; otherwise `error`. Throws `BurnFailure` if the burn is stopped.
 DRError causeBehind(DRError error, const GrabbedDrive& grabbed, const DriveRecord& record,
                     const StopSignal& stop);
 

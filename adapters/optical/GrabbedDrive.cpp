@@ -17,7 +17,7 @@
 namespace quarner {
 namespace {
 
-/// Also tells where the file of the node is.
+/// Also returns the path of the node's file.
 bool isLoading(const std::string& path, std::chrono::milliseconds patience, const StopSignal* stop,
                std::string& place) {
     const DriveNode node(path, patience, stop);
@@ -25,7 +25,7 @@ bool isLoading(const std::string& path, std::chrono::milliseconds patience, cons
     return node.isLoading();
 }
 
-/// The node once more, beside libburn's descriptor, which its thread may close at any moment.
+/// A second descriptor of the node, because libburn's thread may close its own at any moment.
 struct SharedNode {
     explicit SharedNode(const std::string& path)
         : descriptor(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {}
@@ -88,7 +88,7 @@ bool GrabbedDrive::grab(const std::string& place) {
 
 GrabbedDrive::~GrabbedDrive() {
     BurnLibrary& library = BurnLibrary::shared();
-    burn::burn_drive_release(_handle, 0); // takes its time: other drives do not wait for it
+    burn::burn_drive_release(_handle, 0); // slow; other drives do not wait for it
     {
         const std::lock_guard lock(library.drives());
         burn::burn_drive_info_free(_found);

@@ -17,38 +17,45 @@ struct burn_drive_info;
 
 namespace quarner {
 
-/// How long is waited for a drive.
+/// The timeouts for opening a drive.
 struct DrivePatience {
-    std::chrono::milliseconds busy;    ///< that another program has open
-    std::chrono::milliseconds loading; ///< that loads or examines a disc
+    std::chrono::milliseconds busy;    ///< while another program has it open
+    std::chrono::milliseconds loading; ///< while it loads or examines a disc
 };
 
-/// A drive that still loads or examines its disc.
+/// The failure for a drive that is still loading or examining its disc.
 class DiscIsLoading : public BurnFailure {
 public:
     explicit DiscIsLoading(const std::string& node)
         : BurnFailure(DRError::MediaNotPresent, node + ": the disc does not get ready") {}
 };
 
-/// A drive that is open here, and closed to everybody else. Destroying it unlocks the tray and lets
-/// go of the drive; no operation of libburn may be under way then.
+/// A drive that is open exclusively. The destructor unlocks the tray and releases the drive. No
+/// operation of libburn may be running then.
+///
+/// The node is first opened without libburn (`DriveNode`), which shows whether another program uses
+/// the drive and whether it is loading a disc. Only a drive that is ready or empty is given to
+/// libburn, whose waits have no timeout.
+///
+/// Invariants: libburn's list of drives changes only under `BurnLibrary::drives`. `_descriptors`
+/// are exactly those that libburn opened for this drive, so `abandon` can replace them while a
+/// thread of libburn is blocked in the drive.
 class GrabbedDrive {
 public:
-    /// Opens a drive. What cannot be had at once is tried again until the time is over, or the burn
-    /// is stopped (`stop` may be null). Throws `BurnFailure`, and `DiscIsLoading` of that kind.
+    /// Opens a drive. Retries until the timeouts or until the burn is stopped (`stop` may be null).
+    /// Throws `BurnFailure`, or the derived `DiscIsLoading`.
     GrabbedDrive(const DriveRecord& record, const DrivePatience& patience, const StopSignal* stop);
     ~GrabbedDrive();
     GrabbedDrive(const GrabbedDrive&) = delete;
     GrabbedDrive& operator=(const GrabbedDrive&) = delete;
 
-    /// libburn's own drive; valid as long as this object.
+    /// libburn's handle; valid as long as this object.
     burn::burn_drive* handle() const { return _handle; }
 
-    /// Whether there is a disc, as the kernel says, also while libburn is at work; true when it
-    /// says nothing.
+    /// Whether the kernel reports a disc, also while libburn works; true if it reports nothing.
     bool hasDisc() const;
 
-    /// Unlocks the tray and takes the drive away from libburn, which ends whatever that waits for,
+    /// Unlocks the tray and replaces libburn's descriptors, which ends whatever libburn waits for
     /// as if the drive had been unplugged.
     void abandon();
 
@@ -58,11 +65,11 @@ private:
     const std::string _node;
     burn::burn_drive_info* _found = nullptr;
     burn::burn_drive* _handle = nullptr;
-    std::set<int> _descriptors; ///< libburn's, of this drive
+    std::set<int> _descriptors; ///< libburn's descriptors of this drive
     std::string _place;         ///< where they lead
 };
 
-/// Whether the system still has the drive, whatever state that is in.
+/// Returns whether the system still lists the drive, whatever its state.
 bool isAttached(const DriveRecord& record);
 
 } // namespace quarner

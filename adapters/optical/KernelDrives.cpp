@@ -10,7 +10,7 @@
 namespace quarner {
 namespace {
 
-/// The columns of the line with a heading, as in "drive name:  sr1  sr0".
+/// Returns the columns of the line with a heading, as in "drive name:  sr1  sr0".
 std::vector<std::string> columnsOf(const std::string& table, std::string_view heading) {
     std::istringstream lines(table);
     for (std::string line; std::getline(lines, line);) {

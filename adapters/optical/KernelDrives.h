@@ -6,11 +6,11 @@
 
 namespace quarner {
 
-/// Whether the kernel's own table of optical drives, the text given, says of a drive ("sr0") that
-/// it writes CD-R. The table has a line for each ability and a column for each drive.
+/// Returns whether the kernel's table of optical drives says that a drive ("sr0") writes CD-R. The
+/// table has a line for each ability and a column for each drive.
 bool tableSaysWritesCD(const std::string& table, std::string_view drive);
 
-/// The same from the table of this machine, /proc/sys/dev/cdrom/info. False where there is none.
+/// The same for this machine's table, /proc/sys/dev/cdrom/info. False if there is none.
 bool kernelSaysWritesCD(std::string_view drive);
 
 } // namespace quarner

@@ -14,7 +14,7 @@
 namespace quarner {
 namespace {
 
-// As proc(5) has them.
+// As documented in proc(5).
 const std::string descriptorFolder = "/proc/self/fd";
 constexpr std::string_view removed = " (deleted)";
 
@@ -33,7 +33,7 @@ std::string NodeDescriptors::placeOf(int descriptor) {
     return place;
 }
 
-/// By the names of the descriptors: those of other threads may be closed at any moment.
+/// Reads the names of the descriptors, because other threads may close theirs at any moment.
 std::set<int> NodeDescriptors::open() const {
     std::set<int> found;
     std::error_code error;

@@ -6,18 +6,21 @@
 
 namespace quarner {
 
-/// Finds the descriptors by which libburn has a drive open, which it tells nobody. One that it
-/// leaves behind keeps everybody from opening the drive for as long as this process lives.
+/// Finds the descriptors that libburn holds on a drive; libburn does not expose them. A descriptor
+/// that it leaves open prevents every exclusive open of the drive for as long as this process
+/// lives.
 class NodeDescriptors {
 public:
-    /// Remembers what is open now at a place, which is put as `placeOf` puts it. The file itself
-    /// tells too little: a drive that was plugged in again has another one at the same place.
+    /// Records the descriptors that are open now at a path, in the form that `pathOf` returns. The
+    /// device number is not enough: a drive that was unplugged and plugged in again has another one
+    /// at the same path.
     explicit NodeDescriptors(std::string place);
-    /// What has been opened there since: to be asked right after libburn was at work.
+    /// Returns the descriptors opened there since. Call it right after libburn was called.
     std::set<int> openedSince() const;
 
     const std::string& place() const { return _place; }
-    /// Where the file of a descriptor is, or was; empty when the system does not tell.
+    /// Returns the path of a descriptor's file, also if the file is gone; empty if the system does
+    /// not report it.
     static std::string placeOf(int descriptor);
 
 private:
@@ -27,13 +30,12 @@ private:
     std::set<int> _before;
 };
 
-/// Closes a drive behind libburn's back: puts an empty file in the place of those of its
-/// descriptors that still lead to a place, for libburn may still use them, and close them. Whatever
-/// it tries fails as with a drive that is gone. Answers false when the system has no such file to
-/// give.
+/// Replaces those descriptors that still refer to `path` by an empty file, because libburn may
+/// still use and close them. Its operations then fail as on a drive that is gone. Returns false if
+/// the system provides no such file.
 bool takeAway(const std::set<int>& descriptors, const std::string& place);
 
-/// Closes those of them that are still that empty file.
+/// Closes those descriptors that are still that empty file.
 void closeTakenAway(const std::set<int>& descriptors);
 
 } // namespace quarner

@@ -15,17 +15,17 @@
 namespace quarner {
 namespace {
 
-/// How long a drive that another program has open is waited for. The system itself opens a drive
-/// for a moment after each of its events.
+/// The timeout for a drive that another program has open. The system itself opens a drive for a
+/// moment after each event.
 constexpr std::chrono::milliseconds questionPatience{500};
 constexpr std::chrono::milliseconds burnPatience{3000};
 
-/// How long a burn waits for a disc that was just put in.
+/// The time that a burn waits for a new disc to become ready.
 constexpr std::chrono::seconds loadingPatience{30};
 
 DRMSF msf(std::uint64_t blocks) { return DRMSF::msfWithFrames(static_cast<std::uint32_t>(blocks)); }
 
-/// Why this disc cannot take this plan; nothing when it can.
+/// Returns why this disc cannot take this plan; `std::nullopt` if it can.
 std::optional<BurnFailure> refusal(const DiscFacts& disc, const DiscPlan& plan,
                                    const BurnSettings& settings) {
     using State = DiscFacts::State;
@@ -33,7 +33,7 @@ std::optional<BurnFailure> refusal(const DiscFacts& disc, const DiscPlan& plan,
         return BurnFailure(DRError::MediaNotPresent, "no disc");
     if (disc.state == State::NotReady)
         return BurnFailure(DRError::MediaNotPresent, "the disc does not get ready");
-    if (disc.type == DRDeviceMediaTypeCDROM) // also a closed CD-R, as many drives put it
+    if (disc.type == DRDeviceMediaTypeCDROM) // many drives also report a closed CD-R as CD-ROM
         return BurnFailure(DRError::MediaNotWritable, "the disc cannot be recorded any more");
     if (disc.type != DRDeviceMediaTypeCDR && disc.type != DRDeviceMediaTypeCDRW)
         return BurnFailure(DRError::WrongMedia, "the disc is no CD: " + disc.type);
@@ -81,7 +81,7 @@ bool OpticalDrive::unplugUnlessBurning() {
     return !_burning;
 }
 
-/// What is to be answered without asking the drive; nothing when it has to be asked.
+/// Returns what is known without querying the drive; `std::nullopt` if it must be queried.
 std::optional<DiscFacts> OpticalDrive::knownDisc() const {
     const std::lock_guard lock(_mutex);
     if (!_isAttached)
@@ -100,7 +100,7 @@ DiscFacts OpticalDrive::disc() const {
     if (std::optional<DiscFacts> known = knownDisc())
         return std::move(*known);
     const std::lock_guard asking(_asking);
-    if (std::optional<DiscFacts> known = knownDisc()) // asked by another thread meanwhile
+    if (std::optional<DiscFacts> known = knownDisc()) // another thread has just queried it
         return std::move(*known);
     return ask();
 }
@@ -127,7 +127,7 @@ std::uint64_t OpticalDrive::changeCount() const {
     return _changes;
 }
 
-/// What was learnt while the disc was being changed is of no use.
+/// Results read while the disc was changed are dropped.
 void OpticalDrive::learn(const DiscFacts& disc, bool isMomentary, std::uint64_t changes) const {
     const std::lock_guard lock(_mutex);
     if (changes == _changes)
@@ -135,7 +135,7 @@ void OpticalDrive::learn(const DiscFacts& disc, bool isMomentary, std::uint64_t 
 }
 
 std::optional<std::string> OpticalDrive::accessProblem() const {
-    const std::lock_guard asking(_asking); // a question has it open too
+    const std::lock_guard asking(_asking); // a query has it open too
     return mayAsk() ? quarner::accessProblem(_record.node) : std::nullopt;
 }
 
@@ -215,12 +215,12 @@ std::unique_ptr<SectorWriter> OpticalDrive::claim(const DiscPlan& plan,
     reserve(stop);
     std::unique_ptr<SectorWriter> writer;
     try {
-        const std::lock_guard asking(_asking); // until a question that is being asked is answered
+        const std::lock_guard asking(_asking); // waits for the end of a running query
         writer = open(plan, settings, stop);
     } catch (...) {
         const std::lock_guard lock(_mutex);
         _burning.reset();
-        _known.reset(); // the disc may have been changed meanwhile
+        _known.reset(); // the disc may have been changed by the attempt
         throw;
     }
     tellOfChange();

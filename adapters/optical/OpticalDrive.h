@@ -16,43 +16,44 @@
 
 namespace quarner {
 
-/// A real drive, opened through libburn. Every operation may be called on any thread. Must be held
-/// by a shared pointer.
+/// A real drive, opened with libburn. Every operation may be called on any thread. Must be owned by
+/// a shared pointer.
 ///
-/// What the drive knows of its disc is asked of it once and kept until `mediaChanged`; a drive of
-/// which no changes are heard is asked again after `keptFor`, and so is one that loads its disc or
-/// could not be opened. For a question the drive is open, and closed to other programs, only for
-/// the time of the call. One drive is asked at a time: libburn has one list of them. While another
-/// program keeps it open the answer is, after half a second, that there is no disc; while a disc is
-/// being loaded, at once, that it is in transition. While a burn is under way every question is
-/// answered with what was known at its beginning.
+/// The disc's properties are read once and cached until `mediaChanged`. They are read again after
+/// `keptFor` if the drive's changes are not reported, if the disc was being loaded, and if the
+/// drive could not be opened. A query opens the drive, exclusively, only during the call. One drive
+/// is queried at a time, because libburn has one list of drives. While another program has the
+/// drive open, a query returns after half a second that there is no disc; while a disc is being
+/// loaded, it returns at once that the disc is in transition. While a burn runs, queries return
+/// what was known when it began.
 ///
-/// A change of status may be told twice: by who made it, and by udev.
+/// A status change may be reported twice: once by its cause and once by udev.
 ///
-/// The free space is what a burn can use: of a rewritable disc all of it, since the burn blanks it.
+/// The free space is what a burn can use: all of a rewritable disc, which the burn blanks.
 class OpticalDrive : public DRDevice,
                      public BurnTarget,
                      public std::enable_shared_from_this<OpticalDrive> {
 public:
     static constexpr std::chrono::milliseconds keptFor{2000};
 
-    /// `hearsOfChanges`: `mediaChanged` will be called for every change of the disc.
+    /// `hearsOfChanges` says that `mediaChanged` will be called for every change of the disc.
     OpticalDrive(DriveRecord record, std::string displayName, std::weak_ptr<RunLoops> runLoops,
                  bool hearsOfChanges, Clock clock = std::chrono::steady_clock::now);
 
     const DriveRecord& record() const { return _record; }
 
-    /// The disc was changed, put in or taken out: forgets what is known of it and tells of the
-    /// change of status.
+    /// Called if the disc was changed, inserted or removed. Clears the cache and reports the change
+    /// of status.
     void mediaChanged();
 
-    /// The drive is unplugged for good: it has no disc from now on, and a burn under way fails with
-    /// `DRError::DeviceVanished`. Tells nobody.
+    /// Unplugs the drive for good: it has no disc from then on, and a running burn fails with
+    /// `DRError::DeviceVanished`. Sends no notification.
     void unplug();
-    /// The same, but answers false, and does nothing, while a burn is under way.
+    /// The same, but does nothing and returns false while a burn is running.
     bool unplugUnlessBurning();
 
-    /// What keeps the drive from being opened: see AccessProblem.h. Nothing while a burn has it.
+    /// Returns why the drive cannot be opened: see AccessProblem.h. `std::nullopt` while a burn
+    /// uses it.
     std::optional<std::string> accessProblem() const;
 
     std::string displayName() const override { return _displayName; }
@@ -66,8 +67,8 @@ public:
     bool mediaIsOverwritable() const override;
     std::optional<DRMSF> mediaSpaceUsed() const override;
     std::optional<DRMSF> mediaSpaceFree() const override;
-    /// Opens the tray, whatever there is in it. False also when it is open already, when the drive
-    /// is another program's (a disc that is mounted is), and when it keeps its disc.
+    /// Ejects, whatever the disc. Returns false also if the tray is open already, if another
+    /// program uses the drive (for example a mounted disc), and if the drive keeps its disc.
     bool ejectMedia() override;
 
     std::unique_ptr<SectorWriter> claim(const DiscPlan& plan, const BurnSettings& settings,
@@ -79,7 +80,7 @@ private:
     struct Known {
         DiscFacts disc;
         std::chrono::steady_clock::time_point since;
-        bool isMomentary = false; ///< true of this moment alone: the drive was busy, or the disc
+        bool isMomentary = false; ///< not cached: the drive was busy, or the disc being loaded
     };
 
     DiscFacts disc() const;
@@ -96,18 +97,18 @@ private:
 
     const DriveRecord _record;
     const std::string _displayName;
-    /// Not kept alive: a notification that waits in one of them keeps this drive.
+    /// Weak, because a queued notification in one of the loops owns this drive.
     const std::weak_ptr<RunLoops> _runLoops;
     const bool _hearsOfChanges;
     const Clock _clock;
 
-    /// Held while the drive is open for a question. Taken before `_mutex`.
+    /// Held while the drive is open for a query. Locked before `_mutex`.
     mutable std::mutex _asking;
     mutable std::mutex _mutex;
     mutable std::optional<Known> _known;
-    std::uint64_t _changes = 0; ///< of the disc, heard of so far
+    std::uint64_t _changes = 0; ///< the number of reported changes of the disc
     bool _isAttached = true;
-    std::shared_ptr<StopSignal> _burning; ///< of the burn under way, otherwise null
+    std::shared_ptr<StopSignal> _burning; ///< of the running burn, otherwise null
     double _speed = 0.0;
 };
 

@@ -16,9 +16,9 @@ std::string nameOf(const DriveRecord& record) {
     return name.empty() ? record.node.substr(record.node.rfind('/') + 1) : readableName(name);
 }
 
-/// Whether a record tells something of a drive that the known one does not. One that only tells
-/// less proves nothing: udev leaves out what it cannot ask a drive for that is busy, and nearly all
-/// when the button of the tray is pressed.
+/// Returns whether a record has new information about a known drive. Missing information is
+/// ignored: udev leaves out what it cannot read from a busy drive, and nearly everything when the
+/// eject button is pressed.
 bool tellsMore(const DriveRecord& record, const DriveRecord& known) {
     const bool hasName = !record.vendor.empty() || !record.product.empty();
     return (record.canWriteCD && !known.canWriteCD) || (hasName && nameOf(record) != nameOf(known));
@@ -30,7 +30,7 @@ OpticalRecorder::OpticalRecorder(std::shared_ptr<RunLoops> runLoops,
                                  std::shared_ptr<PCMService> pcm, OpticalRecorderParts parts)
     : EngineRecorder(std::move(runLoops), std::move(pcm), std::move(parts.dataDiscs), parts.clock),
       _clock(std::move(parts.clock)) {
-    const std::lock_guard lock(_updating); // the monitor waits until the drives are listed
+    const std::lock_guard lock(_updating); // the monitor's thread waits until the drives are listed
     _hearsOfChanges = _monitor.start(*this) && parts.isUdevRunning;
     for (const DriveRecord& record : listDrives())
         attach(record);
@@ -51,7 +51,7 @@ std::vector<std::shared_ptr<DRDevice>> OpticalRecorder::devices() {
 
 void OpticalRecorder::driveIsThere(const DriveRecord& record) {
     const std::lock_guard lock(_updating);
-    _hearsOfChanges = true; // first: the drive that is attached now is told of its changes too
+    _hearsOfChanges = true; // first, so that the drive attached now expects reports of its changes
     takeOver(record);
 }
 
@@ -71,7 +71,7 @@ void OpticalRecorder::eventsWereLost() {
     lookAfresh();
     for (const Drive& drive : drives())
         if (std::find(before.begin(), before.end(), drive) != before.end())
-            drive->mediaChanged(); // one of the events may have been of its disc
+            drive->mediaChanged(); // one of the lost events may have been about its disc
 }
 
 void OpticalRecorder::lookAfresh() {

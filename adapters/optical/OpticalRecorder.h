@@ -16,22 +16,22 @@
 
 namespace quarner {
 
-/// What tests put in the place of the machine.
+/// The parts of a recorder that can be replaced: the host passes `dataDiscs`, tests also the
+/// others.
 struct OpticalRecorderParts {
     Clock clock = std::chrono::steady_clock::now;
-    std::shared_ptr<DataDiscService> dataDiscs = nullptr; ///< null: audio discs only
+    std::shared_ptr<DataDiscService> dataDiscs = nullptr; ///< null if it writes audio discs only
     bool isUdevRunning = quarner::isUdevRunning();
 };
 
 /// The recorder of the machine's optical drives. Every operation may be called on any thread.
 ///
-/// Drives are told of as udev tells of them. Where udev does not run, and nothing was heard of it
-/// so far, `devices` looks afresh every time, and tells then what has come and gone since the last
-/// look.
+/// Drives are announced when udev announces them. If udev is not running and has sent no event so
+/// far, every call of `devices` rescans and reports the drives that have come and gone since the
+/// last scan.
 ///
-/// A drive of which more is found out later, its name or that it writes, disappears, and appears as
-/// another object that tells it; a drive that is burning only once something is heard of it after
-/// the burn.
+/// If udev later reports a different name or write capability, the drive is removed and added again
+/// as a new object; a drive that is burning only at the first event after the burn.
 class OpticalRecorder final : public EngineRecorder, private DriveListener {
 public:
     OpticalRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<PCMService> pcm,
@@ -39,11 +39,12 @@ public:
     /// Unplugs the drives: whoever still has one finds no disc in it.
     ~OpticalRecorder() override;
 
-    /// In the order of their device files. A drive is named after its vendor and product, and
-    /// unlike the other drives.
+    /// Lists the drives in the order of their device files. A drive's name is made from its vendor
+    /// and product, and is unique.
     std::vector<std::shared_ptr<DRDevice>> devices() override;
 
-    /// Whether drives that come and go, and discs that are changed, are told of by themselves.
+    /// Whether drives that come and go, and changes of discs, are reported without calling
+    /// `devices`.
     bool hearsOfChanges() const { return _hearsOfChanges; }
 
 private:
@@ -63,13 +64,14 @@ private:
     std::string uniqueName(const DriveRecord& record) const;
 
     const Clock _clock;
-    /// Held while the list is brought up to date, so that what is told keeps its order. Taken
-    /// before `_mutex`.
+    /// Held while the list is updated, so that notifications keep their order. Locked before
+    /// `_mutex`.
     std::mutex _updating;
     std::mutex _mutex;
     std::vector<Drive> _drives;
     std::atomic<bool> _hearsOfChanges = false;
-    DriveMonitor _monitor; // the last member: its thread ends before the others do
+    DriveMonitor _monitor; // the last member: its thread, which uses the others, must end before
+                           // they are destroyed
 };
 
 } // namespace quarner

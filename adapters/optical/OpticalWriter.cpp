@@ -16,10 +16,10 @@ namespace {
 
 constexpr std::chrono::milliseconds pollInterval{10};
 
-/// So many sectors are read by one call of the library, which cannot be interrupted.
+/// The number of sectors that one call of the library reads. A call cannot be interrupted.
 constexpr std::size_t sectorsPerReading = 64;
 
-/// No message, and no second attempt block by block: who reads decides what to make of a failure.
+/// No message, and no second attempt block by block: the caller decides how to handle a failure.
 constexpr int quietOnce = 2 | 4;
 
 } // namespace

@@ -18,19 +18,19 @@
 
 namespace quarner {
 
-/// Writes a disc in a drive, session at once, and reads it back. A rewritable disc that is not
-/// blank is blanked when the session is opened. The first sector reaches the drive with the first
-/// `write`: a burn that ends earlier leaves the disc as it is, or blank.
+/// Writes a disc session-at-once and reads it back. A rewritable disc that is not blank is blanked
+/// by `openSession`. The first `write` sends the first sector to the drive: a burn that ends
+/// earlier leaves the disc unchanged, or blank.
 ///
-/// The read-back of an audio disc is put right by the drive's sample offset: see `SampleOffset` for
-/// the samples at one edge of the disc that no drive can show.
+/// The read-back of an audio disc is corrected by the drive's sample offset: see `SampleOffset` for
+/// the few samples at one edge of the disc that cannot be read.
 class OpticalWriter : public SectorWriter {
 public:
-    /// The drive's disc can take the plan. `stop` ends every wait but that for the end of a
-    /// blanking or of the closing of the disc.
+    /// The disc must be able to take the plan. `stop` ends every wait, except those for the end of
+    /// blanking and of closing the disc.
     OpticalWriter(std::unique_ptr<GrabbedDrive> drive, DriveRecord record, BurnSettings settings,
                   bool needsBlanking, std::shared_ptr<StopSignal> stop);
-    /// Stops what the drive does, unlocks the tray and lets go of the drive.
+    /// Stops the drive, unlocks the tray and releases the drive.
     ~OpticalWriter() override;
 
     void openSession(const DiscPlan& plan) override;
@@ -61,12 +61,12 @@ private:
     std::unique_ptr<BurnJob> _job;
     bool _isStarted = false;
     BurnLibrary::Moment _jobStart = 0;
-    /// The stretches of the disc that are left to be written: each track's pre-gap and its content.
+    /// The parts of the disc that are still to be written: each track's pre-gap and its content.
     struct Stretch {
         bool isGap;
         std::uint64_t bytes;
     };
-    std::vector<Stretch> _left; ///< the next one last
+    std::vector<Stretch> _left; ///< the next part is the last element
     std::optional<SampleOffset> _sound;
     std::int64_t _offset = 0;
 };

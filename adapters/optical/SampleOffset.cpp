@@ -88,7 +88,7 @@ void SampleOffset::seekChange(std::int64_t place, std::span<const std::byte> sec
     }
 }
 
-/// Whether it fits itself at another offset.
+/// Returns whether the samples also match themselves at another offset.
 bool SampleOffset::isSteady(const Stretch& written) {
     const std::vector<Sample>& samples = written.samples;
     for (std::ptrdiff_t shift = 1; shift <= 2 * mostSamples; ++shift)
@@ -100,7 +100,7 @@ bool SampleOffset::isSteady(const Stretch& written) {
 std::optional<std::int64_t> SampleOffset::find(const Read& read) const {
     if (_isSilent)
         return 0;
-    // The silence before the sound is compared too, that before the disc's sector 0 included.
+    // The silence before the sound is compared too, including that before sector 0 of the disc.
     const std::int64_t begin = _sound.first - mostSamples;
     const std::optional<Stretch> sound = readAround(begin, _sound, read);
     const std::optional<Stretch> change = readAround(_change.first, _change, read);
@@ -114,14 +114,14 @@ std::optional<std::int64_t> SampleOffset::find(const Read& read) const {
     return std::nullopt;
 }
 
-/// Reads what was written from a place on, and as far around it as an offset may lead.
+/// Reads the samples around `begin`, as far as an offset can shift them.
 std::optional<SampleOffset::Stretch>
 SampleOffset::readAround(std::int64_t begin, const Stretch& written, const Read& read) const {
     if (written.samples.empty())
         return Stretch();
     const std::int64_t end = std::min(_total, written.end() + mostSamples);
     std::optional<Stretch> stretch = readStretch(begin - mostSamples, end, read);
-    if (!stretch && begin < mostSamples) // not every drive reads before sector 0
+    if (!stretch && begin < mostSamples) // not every drive can read before sector 0
         stretch = readStretch(0, end, read);
     return stretch;
 }
@@ -152,7 +152,7 @@ bool SampleOffset::readAligned(std::uint64_t firstSector, std::span<std::byte> b
                                std::int64_t offset, const Read& read) const {
     const std::int64_t begin = std::int64_t(firstSector) * samplesPerSector;
     const std::int64_t end = begin + samplesIn(buffer);
-    // What lies between these can be read.
+    // Samples between these two can be read.
     const std::int64_t from = std::clamp(offset, begin, end);
     const std::int64_t to = std::clamp(_total + offset, from, end);
     const auto part = [&](std::int64_t first, std::int64_t last) {

@@ -10,57 +10,58 @@
 
 namespace quarner {
 
-/// A drive gives back the sound of a disc shifted by a number of samples that is always the same
-/// for the drive. This finds the number, from what is kept of the sound while it is written, and
-/// undoes the shift.
+/// A drive returns the audio of a disc shifted by a number of samples that is constant for the
+/// drive. This class finds that offset by comparing the first audio with what was sent, and undoes
+/// the shift.
 ///
-/// The samples that the shift moves across the beginning or the end of the disc cannot be read:
-/// they are as many as the offset, at the beginning when it is positive and at the end when it is
-/// negative, at most `mostSamples` (34 ms). In their place stands what was sent, so they count as
-/// right. Every other sample is what was read.
+/// Invariant: every sample is compared as it was read, except those that the shift moves past the
+/// beginning (positive offset) or the end (negative offset) of the disc. They cannot be read and
+/// are replaced by what was sent, so they count as correct. There are as many as the offset, at
+/// most `mostSamples` (34 ms).
 class SampleOffset {
 public:
     /// Stereo samples of 16 bits, two times two bytes.
     static constexpr std::uint32_t bytesPerSample = 4;
-    /// The search goes from -mostSamples to +mostSamples, 34 ms either way.
+    /// The search range is -mostSamples to +mostSamples, 34 ms either way.
     static constexpr std::int64_t mostSamples = 1500;
-    /// So much of the first sound is compared at each offset; and, where that is a steady tone in
-    /// which nothing tells one period from the next, so much of the first change after it too.
+    /// The number of samples compared at each offset. If the first audio is a steady tone, in which
+    /// all periods look alike, the same number of samples at the first change after it is compared
+    /// too.
     static constexpr std::int64_t soundSamples = std::int64_t(588) * 8;
 
-    /// Reads so many sectors as fit the buffer, from a sector on, which may lie a little before the
-    /// disc's sector 0. Answers whether that worked.
+    /// Fills the buffer with sectors from `firstSector` on, which may be a little before sector 0
+    /// of the disc. Returns whether that worked.
     using Read = std::function<bool(std::int64_t firstSector, std::span<std::byte> buffer)>;
 
-    /// For a disc of so many sectors.
+    /// For a disc of `sectors` sectors.
     explicit SampleOffset(std::uint64_t sectors);
 
-    /// Takes note of the next whole sectors that are written: the disc from sector 0 on, without a
-    /// hole.
+    /// Records the next whole sectors that are written. The calls together must pass the whole disc
+    /// from sector 0 on.
     void add(std::span<const std::byte> sectors);
 
-    /// Finds the offset: the sample that is read at place i is the one that was written at place
-    /// i + offset. Of several that fit, the smallest. Nothing when none fits, or the disc cannot be
-    /// read there; 0 for a silent disc.
+    /// Finds the offset: the sample read at position i was written at position i + offset. Returns
+    /// the smallest matching offset, 0 for a silent disc, and `std::nullopt` if none matches or the
+    /// disc cannot be read there.
     std::optional<std::int64_t> find(const Read& read) const;
 
-    /// Fills the buffer with what was written from a sector on, as the drive gives it back. Answers
-    /// whether it could be read.
+    /// Fills the buffer with the sectors from `firstSector` on as they were written, according to
+    /// the drive. Returns whether they could be read.
     bool readAligned(std::uint64_t firstSector, std::span<std::byte> buffer, std::int64_t offset,
                      const Read& read) const;
 
 private:
     using Sample = std::uint32_t;
-    /// Samples of the disc from a place on.
+    /// Consecutive samples of the disc.
     struct Stretch {
         std::int64_t first = 0;
         std::vector<Sample> samples;
 
         std::int64_t end() const { return first + std::int64_t(samples.size()); }
         std::optional<Sample> at(std::int64_t place) const;
-        /// Fills the bytes with the samples from a place on, which are there.
+        /// Fills the bytes with the samples from a position on, which must be in this run.
         void copyTo(std::span<std::byte> bytes, std::int64_t place) const;
-        /// Takes over what is the next of this stretch, up to an end, in bytes that lie at a place.
+        /// Appends the samples that continue this run, up to `limit`, from bytes at a position.
         void extend(std::int64_t limit, std::int64_t place, std::span<const std::byte> bytes);
     };
 
@@ -77,8 +78,8 @@ private:
     std::int64_t _added = 0;
     bool _isSilent = true;    ///< so far
     Stretch _start;           ///< the first samples of the disc
-    Stretch _sound;           ///< from the first one that is not silent on
-    Stretch _change;          ///< after a steady tone; empty when there was none at the start
+    Stretch _sound;           ///< from the first sample that is not silent
+    Stretch _change;          ///< after a steady tone; empty if there was none at the start
     Stretch _end;             ///< the last ones
     bool _seeksChange = true; ///< until the start turns out not to be steady, or a change is found
 };

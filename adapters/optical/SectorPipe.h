@@ -11,24 +11,29 @@
 
 namespace quarner {
 
-/// Hands bytes from a thread that has them to one that asks for them, without keeping any: what is
-/// given is lent until it has been taken.
+/// Passes bytes from one thread to another without copying them into a buffer: `give` lends the
+/// bytes until `take` has copied them.
+///
+/// The pipe must outlive every call. Bytes are taken in the order in which they were given. The
+/// giver may destroy the bytes as soon as `give` has returned, also if it returned false: `take`
+/// copies them under the pipe's lock and never uses them afterwards. After `close`, `give` returns
+/// false and `take` returns what it has.
 class SectorPipe {
 public:
-    /// How often a giver who waits looks whether anybody still takes.
+    /// The interval at which a waiting `give` calls `isTaken`.
     static constexpr std::chrono::milliseconds lookInterval{50};
 
-    /// Returns when all bytes have been taken: true. False when the pipe is closed, the giver is
-    /// asked to stop, or `isTaken` answers false, which is called now and then while it waits: then
-    /// the bytes are not looked at any more. On one thread.
+    /// Waits until all bytes are taken and returns true. Returns false if the pipe is closed, if a
+    /// stop is requested, or if `isTaken`, which is called repeatedly, returns false. On one
+    /// thread.
     bool give(std::span<const std::byte> bytes, const std::stop_token& stop,
               const std::function<bool()>& isTaken);
 
-    /// Fills the buffer, waiting for bytes. Answers how many there are: fewer than asked only after
-    /// `close`. On one other thread.
+    /// Fills the buffer, waiting for bytes. Returns the number of bytes, less than the buffer's
+    /// size only after `close`. On one other thread.
     std::size_t take(std::span<std::byte> buffer);
 
-    /// Nobody waits here from now on. Any thread.
+    /// Wakes both threads; no call waits any more. Any thread.
     void close();
 
 private:

@@ -24,13 +24,13 @@ std::string property(udev_device* device, const char* name) {
     return text(udev_device_get_property_value(device, name));
 }
 
-/// As udev stores the names that a drive gives itself: an underscore for every space.
+/// Replaces the underscores that udev stores for the spaces of a drive's names.
 std::string withSpaces(std::string name) {
     std::replace(name.begin(), name.end(), '_', ' ');
     return name;
 }
 
-/// What the drive answered when the kernel found it; filled up with spaces.
+/// Returns what the drive reported when the kernel found it, without its padding.
 std::string scsiAttribute(udev_device* device, const char* name) {
     udev_device* const scsi =
         udev_device_get_parent_with_subsystem_devtype(device, "scsi", "scsi_device");
@@ -99,7 +99,7 @@ std::vector<DriveRecord> listDrives() {
     udev_list_entry_foreach(entry, udev_enumerate_get_list_entry(devices.get())) {
         const Device device(
             udev_device_new_from_syspath(context.get(), udev_list_entry_get_name(entry)),
-            udev_device_unref); // null when it has just gone
+            udev_device_unref); // null if it has just been removed
         if (std::optional<DriveRecord> found = device ? driveRecordOf(device.get()) : std::nullopt)
             drives.push_back(std::move(*found));
     }

@@ -10,22 +10,23 @@ struct udev_device;
 
 namespace quarner {
 
-/// The optical drives that are attached now, in the order of their device files. No drive is
-/// opened. Empty where there are none, and where nothing can be found out. Any thread.
+/// Returns the attached optical drives in the order of their device files. Opens no drive. Returns
+/// an empty list if there are none, or if they cannot be listed. Any thread.
 ///
-/// A drive is a block device that udev has given the property ID_CDROM. One that udev has not
-/// looked at, because it does not run or has not come to it, is taken from what the kernel says,
-/// and does not count as a writer where the kernel has no table of drives. Once udev has come to
-/// it, the list tells what udev says, and a `DriveMonitor` tells of the drive.
+/// A drive is a block device with udev's property ID_CDROM. If udev has not processed a device,
+/// because it is not running or is late, the kernel's information is used, and the drive counts as
+/// a writer only if the kernel's table says so. Once udev has processed the device, the list uses
+/// udev's information, and a `DriveMonitor` reports the drive.
 std::vector<DriveRecord> listDrives();
 
-/// The order of their device files: sr2 before sr10.
+/// Orders drives by their device files: sr2 before sr10.
 bool comesBefore(const DriveRecord& a, const DriveRecord& b);
 
-/// The record of a device, when it is an optical drive.
+/// Returns the record of a device if it is an optical drive.
 std::optional<DriveRecord> driveRecordOf(udev_device* device);
 
-/// Whether the device manager runs, so that a `DriveMonitor` hears of drives. Any thread.
+/// Returns whether the device manager (udev) is running, so that a `DriveMonitor` receives events.
+/// Any thread.
 bool isUdevRunning();
 
 } // namespace quarner

@@ -15,7 +15,7 @@ struct WritingThread::State {
     }
 };
 
-/// Destroyed when its thread has nothing more to do.
+/// A thread-local object that is destroyed when its thread ends.
 struct WritingThread::Exit {
     std::shared_ptr<State> state;
 

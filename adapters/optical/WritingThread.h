@@ -6,18 +6,18 @@
 
 namespace quarner {
 
-/// The thread on which libburn writes a session. The drive tells nothing of its end: one that is
-/// lost counts as idle at once, while the thread works on it for half a second more.
+/// Detects the end of the thread on which libburn writes a session. The drive's state does not show
+/// it: a lost drive counts as idle at once, while the thread works on it for another half second.
 class WritingThread {
 public:
-    /// On another thread than libburn's.
+    /// Construct it on a thread other than libburn's.
     WritingThread();
 
-    /// Called by what libburn reads from. Remembers this thread, unless it is the one on which this
-    /// object was made.
+    /// Called by libburn's data source. Records the current thread, unless it is the one that
+    /// constructed this object.
     void touch();
 
-    /// Whether a thread was remembered that has not ended yet. Any thread.
+    /// Whether a recorded thread has not ended yet. Any thread.
     bool isRunning() const;
 
 private:

@@ -35,7 +35,7 @@ void RunLoopCenter::addObserver(const void* observer, Handler handler, std::stri
 
 void RunLoopCenter::removeObserver(const void* observer, std::string_view name,
                                    const DRObject* object) {
-    std::vector<RegistrationRef> removed; // handlers are destroyed after the lock
+    std::vector<RegistrationRef> removed; // handlers are destroyed after the lock is released
     const std::lock_guard lock(_mutex);
     const auto stays = [&](const RegistrationRef& registration) {
         return registration->observer != observer || registration->name != name ||

@@ -13,14 +13,14 @@
 
 namespace quarner {
 
-/// The notification centre of one run loop, without the loop: notifications are posted on any
-/// thread and wait here, in order, until the loop's thread delivers them. Who receives a
-/// notification is decided when it is delivered, so an observer that registers between the posting
-/// and the next turn of the loop misses nothing.
+/// The notification centre of one run loop, without the loop itself. Notifications are posted on
+/// any thread and queued in order until the loop's thread delivers them. The receivers are chosen
+/// at delivery, so an observer that registers between the posting and the next turn of the loop
+/// misses nothing.
 class RunLoopCenter : public DRNotificationCenter {
 public:
-    /// `wake` is called, on the posting thread and without a lock held, after each notification
-    /// is queued: it makes the loop call `deliverOne` soon.
+    /// `wake` is called on the posting thread, without a lock held, after each notification is
+    /// queued. It must make the loop call `deliverOne` soon.
     explicit RunLoopCenter(std::function<void()> wake);
     ~RunLoopCenter() override;
 
@@ -33,8 +33,8 @@ public:
     void post(DRNotification notification);
 
     /// Delivers the oldest queued notification to its observers, in the order of their
-    /// registration. Answers false when there is none, or when called from within a delivery:
-    /// delivery is never re-entrant. Only on the loop's thread.
+    /// registration. Returns false if there is none, or if called during a delivery: delivery is
+    /// not re-entrant. Only on the loop's thread.
     bool deliverOne();
 
     bool hasPending() const; ///< Any thread.
@@ -55,7 +55,7 @@ private:
     mutable std::mutex _mutex;
     std::vector<RegistrationRef> _registrations;
     std::deque<DRNotification> _pending;
-    bool _isDelivering = false; // of the loop's thread alone
+    bool _isDelivering = false; // used by the loop's thread only
 };
 
 /// The run loops of a process.
@@ -66,11 +66,11 @@ public:
     RunLoops(const RunLoops&) = delete;
     RunLoops& operator=(const RunLoops&) = delete;
 
-    /// The centre of the run loop that is the calling thread's at this moment: one object for each
-    /// run loop, made at the first call and kept alive until the loop comes to its end.
+    /// Returns the centre of the calling thread's current run loop. Each run loop has one centre,
+    /// made by the first call and kept alive until the loop ends.
     virtual std::shared_ptr<RunLoopCenter> currentCenter() = 0;
 
-    /// Posts a notification to every centre there is. Any thread.
+    /// Posts a notification to every centre. Any thread.
     virtual void postToAll(const DRNotification& notification) = 0;
 };
 

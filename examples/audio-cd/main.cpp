@@ -1,5 +1,4 @@
-// SPDX-License-Identifier: LGPL-2.1-or-later
-// The smallest host: burns the named audio files to audio-cd.cue, and ends with 0 once they are.
+// The smallest host: burns the given audio files to audio-cd.cue. Exits with 0 on success.
 #include <glib.h>
 #include <iostream>
 #include <quarner/desktop.h>
@@ -11,7 +10,7 @@ class AudioCD : public quarner::QuarnDelegate {
 public:
     explicit AudioCD(const std::string& drive) : _drive(drive) { _burner->setDelegate(this); }
     int burnFiles(const std::vector<std::string>& paths) {
-        if (_burner->addFiles(paths)) // otherwise nothing is reported
+        if (_burner->addFiles(paths)) // if false, nothing is reported
             g_main_loop_run(_loop.get());
         return _status;
     }
@@ -21,7 +20,7 @@ private:
         for (const auto& [reason, paths] : report)
             for (const std::string& path : paths)
                 std::cerr << path << ": " << reason << '\n';
-        // This is the thread that added the files. The burn belongs on the main one.
+        // Called on the thread that adds the files. Burn on the main thread.
         g_idle_add_once([](void* self) { static_cast<AudioCD*>(self)->burn(); }, this);
     }
 

@@ -1,6 +1,5 @@
-// SPDX-License-Identifier: LGPL-2.1-or-later
-// The smallest host: burns the named audio files, as they are, to data-cd.iso, and ends with 0 once
-// they are.
+// The smallest host: burns the given audio files, unchanged, to data-cd.iso. Exits with 0 on
+// success.
 #include <glib.h>
 #include <iostream>
 #include <quarner/desktop.h>
@@ -12,7 +11,7 @@ class DataCD : public quarner::QuarnDelegate {
 public:
     explicit DataCD(const std::string& drive) : _drive(drive) { _burner->setDelegate(this); }
     int burnFiles(const std::vector<std::string>& paths) {
-        if (_drive.device() && _burner->addFiles(paths)) // otherwise nothing is reported
+        if (_drive.device() && _burner->addFiles(paths)) // if false, nothing is reported
             g_main_loop_run(_loop.get());
         return _status;
     }
@@ -21,7 +20,7 @@ private:
     void addFilesProgressDidEnd(const quarner::EndReport& report) override {
         for (const std::string& path : report.at(quarner::incompatibleFilesReportKey))
             std::cerr << path << ": cannot be added\n";
-        // This is the thread that added the files. The burn belongs on the main one.
+        // Called on the thread that adds the files. Burn on the main thread.
         g_idle_add_once([](void* self) { static_cast<DataCD*>(self)->burn(); }, this);
     }
 

@@ -33,7 +33,7 @@ void AudioCDBurner::burnWithDevice(const QuarnerDevice& device,
         refuseBurn();
         return;
     }
-    // A burn object of an earlier burn is only let go: that burn runs on and still reports.
+    // The burn object of an earlier burn is only released: that burn continues and still reports.
     _burner = currentPlatform()->recording->burnForDevice(device.device());
     const Dictionary settings = burnSettings(device.availableBurnSpeeds());
     const ContentList::Snapshot items = _content.snapshot();
@@ -41,7 +41,8 @@ void AudioCDBurner::burnWithDevice(const QuarnerDevice& device,
     _burner->setProperties(settings);
     DRLayout layout = layoutOf(items);
     _estimateTotalLength = estimatedBlocks(layout);
-    // Bytes against blocks, unconverted: this only finds a disc with (almost) no free space.
+    // Compares bytes with blocks, unconverted, so this refuses only a drive with (almost) no free
+    // space.
     writeOrRefuse(std::move(layout),
                   !items.empty() && _estimateTotalLength < device.freeSizeOfDisc());
 }
@@ -78,7 +79,7 @@ void AudioCDBurner::fillTextBlock(const std::optional<std::string>& discName,
 }
 
 void AudioCDBurner::observeBurn() {
-    // The burn may outlive its burner, which then hears no more of it.
+    // The burn may outlive its burner, which then receives no more records.
     const auto self = std::static_pointer_cast<AudioCDBurner>(shared_from_this());
     const std::weak_ptr<AudioCDBurner> weakSelf = self;
     const auto center = currentPlatform()->recording->currentRunLoopCenter();

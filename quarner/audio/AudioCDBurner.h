@@ -15,7 +15,7 @@
 
 namespace quarner {
 
-/// Compiles and burns an audio CD: see `Quarner` for what each operation does. Get one from
+/// Compiles and burns an audio CD. `Quarner` documents the operations. Get one from
 /// `Quarner::audioCDBurner`.
 class QUARNER_EXPORT AudioCDBurner : public Quarner {
 public:
@@ -26,12 +26,12 @@ public:
 
     bool addFiles(const std::vector<std::string>& paths) override;
 
-    /// Always "mp3", "MP3", "m4a", "M4A", in this order, whatever the platform could play.
+    /// Always "mp3", "MP3", "m4a", "M4A", in this order, whatever the platform can play.
     std::vector<std::string> supportedFileTypes() override;
 
     // --- The list (AudioListEditing.cpp) ---
 
-    /// Only an item that is a track is removed.
+    /// Removes only tracks.
     void removeItem(const BurnItemRef& item) override;
     void removeItems(const BurnItemList& items) override;
     BurnItemRef child(std::uint64_t index, const BurnItemRef& ofBurnItem) const override;
@@ -41,59 +41,60 @@ public:
 
     // --- Capacity (AudioCapacity.cpp) ---
 
-    /// Whole seconds of the tracks and their pre-gaps; frames carry from track to track, and
-    /// those of the last, incomplete second are dropped.
+    /// The whole seconds of the tracks and their pre-gaps. Frames are summed exactly; those of the
+    /// last, incomplete second are dropped.
     std::uint64_t usedCapacity() const override;
-    /// Compares whole seconds; content that fills the disc exactly fits.
+    /// Compares whole seconds. Content that fills the disc exactly fits.
     bool isContentOverflowForDevice(const QuarnerDevice& device) const override;
     bool isContentBlank() const override;
 
     // --- Burning (AudioBurn.cpp, BurnStatus.cpp) ---
 
-    /// A burn is refused, with error code 0, when the compilation is empty, and when the tracks'
+    /// Refuses the burn, with error code 0, if the compilation is empty, or if the tracks'
     /// estimated blocks are not fewer than the disc's free bytes, as with a drive without a disc.
     void burnWithDevice(const QuarnerDevice& device,
                         const std::optional<std::string>& discNamed) override;
 
-    /// `burnStatusDidChange:` Turns one status record of a burn into at most one progress report
-    /// and one state report. Called by the notification centre, never by a host.
+    /// `burnStatusDidChange:` Makes at most one progress report and one state report from one
+    /// status record of a burn. Called by the notification centre, never by a host.
     void burnStatusDidChange(const DRNotification& notification);
 
 protected:
     // --- The steps of adding files in which the two burners differ ---
 
-    /// The resolved path of an item's file, by which the list is known to hold it already. None
-    /// for an item that has no file.
+    /// Returns the resolved path of an item's file, which identifies a file that is already in the
+    /// list; `std::nullopt` for an item without a file.
     virtual std::optional<std::string> identifyingPath(const BurnItem& item) const;
-    /// Whether a file is to be set aside as protected.
+    /// Returns whether a file is rejected as protected.
     virtual bool isProtected(const std::string& resolvedPath) const;
-    /// Makes the item of a file and gives it its properties: the record, merged with what the item
-    /// itself knows. Null when no item can be made. The record is what the delegate then receives.
+    /// Makes the item of a file. Its properties are the record merged with what the item itself
+    /// knows; the merged record is then passed to the delegate. Returns null if no item can be
+    /// made.
     virtual std::shared_ptr<BurnItem> makeItem(const std::string& path, Dictionary& record) const;
-    /// The report at the end of a run.
+    /// Returns the report at the end of a run.
     virtual EndReport endReport(const std::vector<std::string>& protectedFiles,
                                 const std::vector<std::string>& incompatibleFiles) const;
 
     // --- The steps of burning that they share ---
 
-    /// The settings of every burn: closed, overwriting, verified, at the last of the drive's
-    /// speeds where there are any.
+    /// Returns the settings of every burn: closed, overwriting, verified, and the drive's last
+    /// speed if it has any.
     static Dictionary burnSettings(const std::optional<Array>& speeds);
-    /// Starts the burn object in `_burner` and observes it, or refuses the burn. `isFitting`:
+    /// Starts the burn object in `_burner` and observes it, or refuses the burn. `isFitting` says
     /// whether the estimate in blocks is below the disc's free bytes.
     void writeOrRefuse(DRLayout layout, bool isFitting);
     /// Reports error code 0.
     void refuseBurn();
 
-    /// `removeItem` for the kind of item that a burner compiles.
+    /// `removeItem` for the class of items that a burner compiles.
     void removeItemOfClass(const BurnItemRef& item, std::string_view className);
 
-    /// The titles of the disc and its tracks, made for each burn. They are not handed to the
-    /// recording service: a burnt disc carries no CD-Text.
+    /// The titles of the disc and its tracks, made for each burn. They are not passed to the
+    /// recording service: a burned disc has no CD-Text.
     std::unique_ptr<DRCDTextBlock> _textBlock;
-    /// Blocks that the last burn had to write, for the time left.
+    /// The number of blocks of the last burn, used for the time left.
     std::uint64_t _estimateTotalLength = 0;
-    /// What the media service can play; null until first needed.
+    /// The types that the media service can play; null until first needed.
     std::unique_ptr<std::vector<std::string>> _supportedFiles;
 
 private:

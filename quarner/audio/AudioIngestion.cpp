@@ -19,7 +19,7 @@ struct AudioCDBurner::AddFilesRun {
 
 namespace {
 
-constexpr std::uint32_t preGapFrames = 150; // two seconds, as the Red Book has it for track 1
+constexpr std::uint32_t preGapFrames = 150; // two seconds, as the Red Book requires for track 1
 
 std::vector<std::string> sortedForUser(std::vector<std::string> paths) {
     const auto text = currentPlatform()->text;
@@ -35,13 +35,13 @@ bool contains(const std::vector<std::string>& list, const std::string& text) {
 
 } // namespace
 
-/// The paths of the files in the content list, as it is whenever it is asked.
+/// The paths of the files in the content list, updated at every query.
 class AudioCDBurner::KnownPaths {
 public:
     explicit KnownPaths(const AudioCDBurner& burner) : _burner(burner) { index(); }
 
     bool contain(const std::string& resolvedPath) {
-        // A run that is still under way may have added to the list.
+        // A running run may have added to the list.
         if (ContentList::Snapshot now = _burner._content.snapshot(); now != _items) {
             _items = std::move(now);
             index();
@@ -81,7 +81,7 @@ void AudioCDBurner::filterPath(const std::string& path, KnownPaths& known, AddFi
     const std::string resolved = Paths::realPath(path);
     if (known.contain(resolved))
         return;
-    // What is refused here is reported as the caller wrote it, what is accepted goes on resolved.
+    // A path rejected here is reported as the caller wrote it; an accepted one is resolved.
     if (isProtected(resolved))
         run.protectedFiles.push_back(path);
     else if (isSupported(resolved))

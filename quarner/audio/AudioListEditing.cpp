@@ -8,8 +8,8 @@
 namespace quarner {
 namespace {
 
-/// Takes the items at these indexes, which all lie within the list, out of it and answers them in
-/// ascending order.
+/// Removes the items at these indexes, which are all in the list, and returns them in ascending
+/// order.
 BurnItemList takeItems(BurnItemList& items, const std::set<std::uint64_t>& indexes) {
     BurnItemList taken;
     BurnItemList kept;
@@ -24,7 +24,7 @@ void moveItems(BurnItemList& items, const std::set<std::uint64_t>& indexes,
     const bool isDroppedOntoItself = indexes.contains(destination);
     if (isDroppedOntoItself)
         return;
-    // Rows taken from before the destination draw the row that is there forward.
+    // Rows removed before the destination move the row at the destination forward.
     const auto takenBefore = std::distance(indexes.begin(), indexes.lower_bound(destination));
     const bool isAtEnd = destination >= items.size();
     const BurnItemList moved = takeItems(items, indexes);

@@ -16,8 +16,8 @@ std::string textUnder(const Dictionary& dictionary, const char* key) {
     return text == nullptr ? std::string() : *text;
 }
 
-/// Blocks over blocks per second, for what is still to do; 0 when the speed is 0 or the figures
-/// make no sense, and the largest number where the result is beyond it.
+/// Returns the seconds left: the remaining blocks over blocks per second. Returns 0 if the speed is
+/// 0 or the result is not a positive number, and the largest number if the result exceeds it.
 std::uint64_t timeLeft(std::uint64_t blocks, float speed, float fraction) {
     constexpr float twoTo64 = 18446744073709551616.0F;
     const float left = (static_cast<float>(blocks) / speed) * (1.0F - fraction);

@@ -8,8 +8,8 @@
 namespace quarner {
 namespace {
 
-/// What the media service opens and yet holds no recorded sound. Only the first entry of each
-/// goes.
+/// Removes types that the media service opens but that hold no recorded sound. Only the first entry
+/// of each is removed.
 std::vector<std::string> withoutPlaylistsAndScores(std::vector<std::string> types) {
     static constexpr std::array unwanted = {"'Midi'", "mid", "midi", "pls", "m3u", "pdf"};
     for (const char* const type : unwanted) {

@@ -17,7 +17,8 @@ void DataCDBurner::burnWithDevice(const QuarnerDevice& device,
     }
     const auto recording = currentPlatform()->recording;
     _burner = recording->burnForDevice(device.device());
-    // Asked whether it knows its speeds, and asked again for them: the second answer counts.
+    // The drive is asked whether it knows its speeds, and then asked again for them: the second
+    // result counts.
     const bool knowsSpeeds = device.availableBurnSpeeds().has_value();
     _burner->setProperties(burnSettings(knowsSpeeds ? device.availableBurnSpeeds() : std::nullopt));
     const std::shared_ptr<const DRTrack> track =

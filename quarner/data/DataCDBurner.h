@@ -11,30 +11,31 @@
 
 namespace quarner {
 
-/// Compiles and burns a data CD of compressed audio files: see `Quarner` for what each operation
-/// does. Get one from `Quarner::dataCDBurner`. Every accepted file becomes a file node (`DRFile`);
-/// the burn hangs them all under one root folder that bears the disc's name.
+/// Compiles and burns a data CD of compressed audio files. `Quarner` documents the operations. Get
+/// one from `Quarner::dataCDBurner`. Every accepted file becomes a file node (`DRFile`); the burn
+/// puts all nodes into one root folder with the disc's name.
 ///
-/// The list, its order and the reports of a burn work as for an audio CD. Not so: no file is
-/// protected, the end report has only "incompatible-files", and capacity counts bytes.
+/// The list, its order and the reports of a burn work as for an audio CD, with three differences:
+/// no file is protected, the end report has only "incompatible-files", and capacity counts bytes.
 class QUARNER_EXPORT DataCDBurner : public AudioCDBurner {
 public:
     /// Always "mp3", "MP3", "m4a", "M4A", in this order.
     std::vector<std::string> supportedFileTypes() override;
 
-    /// Only an item that is a file node, or of a class derived from it, is removed.
+    /// Removes only file nodes, including those of a derived class.
     void removeItem(const BurnItemRef& item) override;
-    /// Null also for an item that is not a file node itself, one of a derived class included.
+    /// Returns null also for an item that is not a file node itself, including one of a derived
+    /// class.
     std::shared_ptr<const Dictionary> propertyOfBurnItem(const BurnItemRef& item) const override;
 
-    /// The plain sum of the files' sizes in bytes: no rounding to blocks, no file system.
+    /// The sum of the files' sizes in bytes, not rounded to blocks, without the file system.
     std::uint64_t usedCapacity() const override;
-    /// Compares bytes; content that fills the disc exactly fits.
+    /// Compares bytes. Content that fills the disc exactly fits.
     bool isContentOverflowForDevice(const QuarnerDevice& device) const override;
 
-    /// Without a drive nothing happens and nothing is reported. A burn is refused, with error code
-    /// 0, when the file system's blocks are not fewer than the disc's free bytes. The time left
-    /// is always reported as 0.
+    /// Does nothing, and reports nothing, without a drive. Refuses the burn, with error code 0, if
+    /// the file system's blocks are not fewer than the disc's free bytes. The time left is always
+    /// reported as 0.
     void burnWithDevice(const QuarnerDevice& device,
                         const std::optional<std::string>& discNamed) override;
 

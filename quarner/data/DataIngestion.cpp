@@ -8,7 +8,8 @@ namespace {
 std::shared_ptr<DRFile> nodeOrNull(const std::string& path) {
     try {
         return currentPlatform()->recording->fileWithPath(path);
-    } catch (...) { // the one service call that may throw; both ways mean a refused file
+    } catch (...) { // the only service call that may throw; null and an exception both mean a
+                    // rejected file
         return nullptr;
     }
 }
@@ -27,7 +28,7 @@ std::shared_ptr<BurnItem> DataCDBurner::makeItem(const std::string& path,
     const std::shared_ptr<DRFile> node = nodeOrNull(path);
     if (!node)
         return nullptr;
-    // What the node itself knows wins, and the delegate sees it too.
+    // The node's own properties override the record, and the delegate receives them too.
     for (const auto& [key, value] : *node->properties())
         record.insert_or_assign(key, value);
     node->setProperties(record);

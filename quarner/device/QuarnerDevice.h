@@ -15,45 +15,45 @@
 
 namespace quarner {
 
-/// A host's handle on one optical drive and the disc in it. It is bound to a drive when it is
-/// made, or to none, for good: a drive that comes back after it was unplugged needs a new handle.
-/// Without a drive every query has the neutral answer that its comment states.
+/// A host's handle on one optical drive and the disc in it. It is bound to a drive, or to none,
+/// when it is made, and never rebound: a drive that comes back after it was unplugged needs a new
+/// handle. Without a drive every query returns the neutral value that its comment names.
 ///
-/// Make, use and destroy a handle on one thread, whose run loop must run for the delegate to hear
-/// anything. Every query asks the drive afresh.
+/// Make, use and destroy a handle on one thread. The delegate is called from that thread's run
+/// loop, which must run. Every query asks the drive again.
 class QUARNER_EXPORT QuarnerDevice {
 public:
-    /// The display names of all drives, also of those that cannot write, in the service's order;
-    /// a name twice where two drives share it.
+    /// Returns the display names of all drives in the service's order, including drives that cannot
+    /// write. Two drives with the same name give two entries.
     static std::vector<std::string> devices();
 
-    /// `initWithDeviceName:` Binds to the drive of this display name, compared exactly; to the
-    /// last of several; to none when there is none. Never fails.
+    /// `initWithDeviceName:` Binds to the drive with this display name, compared exactly. If
+    /// several have it, binds to the last; if none has it, binds to no drive. Never fails.
     explicit QuarnerDevice(const std::string& deviceName);
     ~QuarnerDevice();
     QuarnerDevice(const QuarnerDevice&) = delete;
     QuarnerDevice& operator=(const QuarnerDevice&) = delete;
 
-    /// The receiver of all reports, not owned; null for none.
+    /// Receives all reports. Not owned; may be null.
     QuarnerDeviceDelegate* delegate() const { return _delegate; }
     void setDelegate(QuarnerDeviceDelegate* delegate) { _delegate = delegate; }
 
     /// The drive itself, or null.
     std::shared_ptr<DRDevice> device() const { return _device; }
-    /// The drive's display name; nothing without a drive.
+    /// The drive's display name; `std::nullopt` without a drive.
     std::optional<std::string> deviceName() const;
-    /// The drive's dictionaries (keys in DRKeys.h); nothing without a drive.
+    /// The drive's dictionaries (keys in DRKeys.h); `std::nullopt` without a drive.
     std::optional<Dictionary> info() const;
     std::optional<Dictionary> status() const;
 
-    /// Whether the drive writes CDs; otherwise false.
+    /// Whether the drive writes CDs; false without a drive.
     bool cdBurnEnabled() const;
     bool isDiscInDevice() const;
-    /// A disc is being loaded or examined; otherwise false.
+    /// Whether a disc is being loaded or examined; false without a drive.
     bool isCheckingDisc() const;
-    /// In the service's unit, blocks per second (1x CD = 75); 0 when unknown.
+    /// The speed in blocks per second (1x CD = 75); 0 if unknown.
     float currentBurnSpeed() const;
-    /// Puts the disc out. A drive that refuses does so silently.
+    /// Ejects the disc. A failure is not reported.
     void eject();
 
     // --- DiscStatus: the disc in the drive ---
@@ -65,23 +65,23 @@ public:
     /// Whether the disc is a CD-ROM, CD-R or CD-RW.
     bool isCDDisc() const;
 
-    /// Play time in whole seconds, truncated; 0 when unknown.
+    /// Play time in whole seconds, truncated; 0 if unknown.
     std::uint64_t usedTimeOfDisc() const;
     std::uint64_t freeTimeOfDisc() const;
     /// The same as "00:12:34".
     std::string stringForUsedTimeOfDisc() const;
     std::string stringForFreeTimeOfDisc() const;
 
-    /// Bytes: blocks of 2048; 0 when unknown. Not derived from the times, which have a source of
-    /// their own.
+    /// Size in bytes, as blocks of 2048; 0 if unknown. The drive reports it separately from the
+    /// times above.
     std::uint64_t usedSizeOfDisc() const;
     std::uint64_t freeSizeOfDisc() const;
     /// The same as "702.8 MB".
     std::string stringForUsedSizeOfDisc() const;
     std::string stringForFreeSizeOfDisc() const;
 
-    /// The speeds at which the disc can be written, blocks per second, the fastest last; nothing
-    /// without a drive or a disc.
+    /// The write speeds of the disc in blocks per second, the fastest last; `std::nullopt` without
+    /// a drive or a disc.
     std::optional<Array> availableBurnSpeeds() const;
 
     // --- Called by the notification centre, never by a host ---
@@ -98,7 +98,7 @@ private:
 
     std::shared_ptr<DRDevice> _device;
     QuarnerDeviceDelegate* _delegate = nullptr;
-    // The one of the thread that made this handle: see the rule above.
+    // The centre of the run loop of the thread that made this handle.
     std::shared_ptr<DRNotificationCenter> _center;
 };
 

@@ -7,8 +7,8 @@
 
 namespace quarner {
 
-/// Through this interface a `QuarnerDevice` reports to its host. Every operation is optional and
-/// is called on the run loop of the thread that made the handle. The spelling is part of the
+/// The reports of a `QuarnerDevice` to its host. Every operation does nothing by default and is
+/// called from the run loop of the thread that made the handle. The spelling is part of the
 /// interface.
 class QUARNER_EXPORT QuarnerDeviceDelegate {
 public:
@@ -19,11 +19,11 @@ public:
     /// of speed is not reported: query `currentBurnSpeed` while a burn runs.
     virtual void deviceStatusDidChanged() {}
 
-    /// `deviceDidAppeared:` Any drive was attached: its display name.
+    /// `deviceDidAppeared:` A drive was attached: its display name. Called for every drive.
     virtual void deviceDidAppeared(const std::string& /*deviceName*/) {}
 
-    /// `deviceDidDisappeared:` Any drive was detached, the bound one included: its display name.
-    /// The handle stays bound to the detached drive.
+    /// `deviceDidDisappeared:` A drive was detached: its display name. The handle stays bound to a
+    /// detached drive.
     virtual void deviceDidDisappeared(const std::string& /*deviceName*/) {}
 };
 

@@ -3,18 +3,18 @@
 
 namespace quarner {
 
-/// The burn item record: the keys under which every item of a compilation, audio or data, carries
-/// what is known of its file. The path is always the resolved one; both sizes describe the same
-/// byte count, both durations the same count of seconds.
+/// The keys of the burn item record, which describes the file of every item of a compilation, audio
+/// or data. The path is always the resolved one. Both sizes describe the same byte count, both
+/// durations the same count of seconds.
 
 /// Text: the size for display, "4.1 MB".
 inline constexpr char kQuarnItemFileSizeKey[] = "itemFileSize";
 /// Signed 64-bit: the size in bytes.
 inline constexpr char kQuarnItemRealFileSizeKey[] = "itemRealFileSize";
-/// Text: the name as a user sees it.
+/// Text: the name shown to users.
 inline constexpr char kQuarnItemDisplayNameKey[] = "itemName";
-/// Text: the path as the host gave it, a relative one left relative, but what an alias stands for
-/// in its place. Whatever bytes it has. It identifies the file.
+/// Text: the path as the host gave it, also if it is relative, or the target if it is an alias. Its
+/// bytes are unchanged. It identifies the file.
 inline constexpr char kQuarnItemFilePathKey[] = "itemPath";
 /// Icon: names in the desktop's icon theme.
 inline constexpr char kQuarnItemIconKey[] = "itemIcon";

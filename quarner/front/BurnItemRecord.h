@@ -8,8 +8,8 @@
 
 namespace quarner {
 
-/// The seven entries of BurnItemKeys.h for a file at a resolved path that plays so many seconds.
-/// A size that cannot be read counts as 0. Any thread.
+/// Returns the seven entries of BurnItemKeys.h for a file at a resolved path with a play time of
+/// `seconds`. A size that cannot be read counts as 0. Any thread.
 Dictionary burnItemRecord(const std::string& path, std::int64_t seconds);
 
 } // namespace quarner

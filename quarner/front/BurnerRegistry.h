@@ -10,13 +10,13 @@ namespace quarner {
 
 class Quarner;
 
-/// The burner classes by name, so that the front makes a burner without knowing its class.
+/// The burner classes by name, so that `front` can make a burner without including its class.
 using BurnerMaker = std::function<std::shared_ptr<Quarner>()>;
 
-/// Enters a class; made for static objects: `const bool registered = registerBurner(...)`.
+/// Registers a class. Used by static objects: `const bool registered = registerBurner(...)`.
 bool registerBurner(std::string_view className, BurnerMaker maker);
 
-/// A new burner of a class, or null when no class of that name has been entered.
+/// Returns a new burner of a class, or null if no class with that name is registered.
 std::shared_ptr<Quarner> makeBurner(std::string_view className);
 
 } // namespace quarner

@@ -5,7 +5,7 @@
 
 namespace quarner {
 
-/// A class without operations of its own, kept for the hosts that name it.
+/// A class without operations, kept for hosts that use its name.
 class QUARNER_EXPORT OSXEnvironment {
 public:
     OSXEnvironment();

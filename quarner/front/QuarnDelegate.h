@@ -11,9 +11,9 @@
 
 namespace quarner {
 
-/// The report at the end of an add-files run: refused paths by reason. An audio burner gives both
+/// The report at the end of an add-files run: rejected paths by reason. An audio burner gives both
 /// keys below, a data burner only the second; look a key up before reading it. Paths that were
-/// refused before the run began stand as the caller wrote them, the others resolved.
+/// rejected before the run began are as the caller wrote them, the others are resolved.
 using EndReport = std::map<std::string, std::vector<std::string>, std::less<>>;
 
 /// Copy-protected media, and files that cannot be examined at all.
@@ -21,7 +21,7 @@ inline constexpr char protectedFilesReportKey[] = "protected-files";
 /// Files of an unsupported type, unreadable ones, and ones shorter than a second.
 inline constexpr char incompatibleFilesReportKey[] = "incompatible-files";
 
-/// Why a burn could not start or failed.
+/// The reason why a burn could not start or failed.
 struct BurnError {
     std::string domain; ///< always `burnErrorDomain`
     /// 0: the content does not fit (or the failure carried no code); otherwise the recording
@@ -33,11 +33,11 @@ struct BurnError {
 
 inline constexpr char burnErrorDomain[] = "Quarn";
 
-/// Through this interface a burner reports to its host. Every operation is optional: override
-/// those you want. The spelling of the names is part of the interface.
+/// The reports of a burner to its host. Every operation does nothing by default: override those
+/// that you want. The spelling of the names is part of the interface.
 ///
-/// The burner does not own its delegate, which must outlive every call that may reach it: set the
-/// burner's delegate to null, and let an add-files run that is under way end, before destroying it.
+/// The burner does not own its delegate, which must outlive every call to it. Before destroying a
+/// delegate, set the burner's delegate to null, and wait for the end of a running add-files run.
 ///
 /// An operation must not throw. On a background thread an exception ends the program.
 class QUARNER_EXPORT QuarnDelegate {
@@ -52,11 +52,11 @@ public:
     /// `burnItemDidDelete:` An item was removed by `removeItem`.
     virtual void burnItemDidDelete(const BurnItemRef& /*item*/) {}
 
-    /// `burnItemsDidDelete:` The list given to `removeItems`, whether or not anything of it was in
-    /// the compilation.
+    /// `burnItemsDidDelete:` The list passed to `removeItems`, whether or not any of its items was
+    /// in the compilation.
     virtual void burnItemsDidDelete(const BurnItemList& /*items*/) {}
 
-    /// `moveBurnItem` has ended; also sent when the order stayed the same.
+    /// `moveBurnItem` has ended; also called if the order stayed the same.
     virtual void burnItemDidSorted() {}
 
     // --- Adding files. Called on the background thread of the run, in this order; a run in which
@@ -67,8 +67,8 @@ public:
     /// First, once. It may come before the call of `addFiles` returns.
     virtual void addFilesProgressDidStarted() {}
 
-    /// `addFilesProgressDidChanged:index:of:` Once per file, before work on it begins: its display
-    /// name, its position from 1, and the number of files in the run.
+    /// `addFilesProgressDidChanged:index:of:` Called once per file, before the file is examined:
+    /// its display name, its position from 1, and the number of files in the run.
     virtual void addFilesProgressDidChanged(const std::string& /*displayName*/,
                                             std::int64_t /*index*/, std::uint64_t /*of*/) {}
 
@@ -117,7 +117,7 @@ public:
     /// The disc is written and verified. Ends the burn.
     virtual void burnProgressDidDone() {}
 
-    /// The burn was cancelled, by `stopBurn` for instance. Ends the burn.
+    /// The burn was cancelled, for example by `stopBurn`. Ends the burn.
     virtual void burnProgressDidCanceled() {}
 };
 

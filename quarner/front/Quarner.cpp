@@ -61,7 +61,7 @@ std::int64_t Quarner::getMovieDuration(const std::string& path) const {
     });
     if (duration.scale == 0)
         return 0;
-    if (duration.scale == -1) // the one divisor that can overflow
+    if (duration.scale == -1) // the only divisor that can overflow
         return static_cast<std::int64_t>(-static_cast<std::uint64_t>(duration.value));
     return duration.value / duration.scale;
 }

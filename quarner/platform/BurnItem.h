@@ -15,8 +15,8 @@ namespace quarner {
 /// by identity. An item is filled before it enters a compilation and never changes afterwards,
 /// so a host may read it on any thread.
 ///
-/// Every kind of item names its class: `className` answers the class of the very object,
-/// `isKindOfClass` is also true for each class that this one is derived from.
+/// `className` returns the name of the object's own class. `isKindOfClass` is true for that class
+/// and for every class that it is derived from.
 class QUARNER_EXPORT BurnItem {
 public:
     BurnItem() = default;

@@ -13,22 +13,21 @@ namespace quarner {
 /// The tracks of a disc, in order.
 using DRLayout = std::vector<std::shared_ptr<const DRTrack>>;
 
-/// One burn on one drive, made by `RecordingService::burnForDevice`. Good for one layout.
+/// One burn on one drive, made by `RecordingService::burnForDevice`. A burn writes one layout.
 ///
-/// The status of the burn is told through `DRBurnStatusChangedNotification`, sent by this object:
-/// see DRKeys.h for the record. The last record's state is Done or Failed, and there is exactly
-/// one such record. A burn goes on, and tells of itself, also when its last reference outside of
-/// the service is dropped.
+/// The burn reports its status with `DRBurnStatusChangedNotification`, whose object is the burn
+/// itself: see DRKeys.h for the record. Exactly one record has the state Done or Failed, and it is
+/// the last. A burn continues and keeps reporting after its caller has dropped the last reference.
 class QUARNER_EXPORT DRBurn : public DRObject {
 public:
-    /// The settings: the DRBurn...Key entries of DRKeys.h. To be given before the layout.
+    /// Sets the DRBurn...Key entries of DRKeys.h. Call it before `writeLayout`.
     virtual void setProperties(Dictionary properties) = 0;
 
-    /// Starts the burn and returns at once. Whatever is wrong, now or later, is told by a Failed
+    /// Starts the burn and returns at once. Every error, now or later, is reported by a Failed
     /// record. No record is delivered before the caller has returned to its run loop.
     virtual void writeLayout(DRLayout layout) = 0;
 
-    /// Asks the burn to stop; it then fails with `DRError::UserCanceled`, unless it is over
+    /// Requests the burn to stop. It then fails with `DRError::UserCanceled`, unless it is over
     /// already. Does nothing on a burn that was not started. Any thread.
     virtual void abort() = 0;
 };

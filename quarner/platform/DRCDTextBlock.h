@@ -28,7 +28,7 @@ public:
         _tracks[ofTrack].insert_or_assign(std::string(forKey), std::move(value));
     }
 
-    /// What is stored under a key for a track; an empty value when nothing is.
+    /// Returns the value stored under a key for a track, or an empty value if there is none.
     const Value& object(std::string_view forKey, std::int64_t ofTrack) const {
         static const Dictionary none;
         const auto track = _tracks.find(ofTrack);

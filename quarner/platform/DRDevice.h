@@ -10,35 +10,38 @@
 
 namespace quarner {
 
-/// One drive of the disc-recording service. The same object stands for the same drive for as
-/// long as it is attached, and goes on answering after it was unplugged. Every query may be made
-/// on any thread and never throws; what is unknown is answered with an empty text or dictionary,
-/// false, or nothing. A question for the disc asks the drive once for each disc, for which a real
-/// drive takes about a second, and as long as the drives that are asked before it; what another
-/// program holds is waited for half a second.
+/// One drive of the disc-recording service. A drive has one object for as long as it is attached;
+/// the object still returns values after the drive was unplugged. Every query may be called on any
+/// thread and never throws. An unknown value is returned as an empty text or dictionary, as false
+/// or as `std::nullopt`.
+///
+/// A query about the disc reads the drive once for each disc. That takes a real drive about a
+/// second, plus the time of the queries before it. A drive that another program has open is retried
+/// for half a second.
 class QUARNER_EXPORT DRDevice : public DRObject {
 public:
-    /// The name that a user sees. Two drives may bear the same.
+    /// The name shown to users. Two drives may have the same name.
     virtual std::string displayName() const = 0;
 
-    /// What does not change while the drive is attached: `DRDeviceCanWriteCDKey`.
+    /// Properties that do not change while the drive is attached: `DRDeviceCanWriteCDKey`.
     virtual Dictionary info() const = 0;
-    /// What does: `DRDeviceMediaInfoKey` (only with a disc), `DRStatusCurrentSpeedKey`.
+    /// Properties that change: `DRDeviceMediaInfoKey` (only with a disc),
+    /// `DRStatusCurrentSpeedKey`.
     virtual Dictionary status() const = 0;
 
     virtual bool mediaIsPresent() const = 0;
-    /// A disc is being loaded or examined.
+    /// True while a disc is being loaded or examined.
     virtual bool mediaIsTransitioning() const = 0;
     virtual bool mediaIsBlank() const = 0;
     virtual bool mediaIsAppendable() const = 0;
     virtual bool mediaIsErasable() const = 0;
     virtual bool mediaIsOverwritable() const = 0;
 
-    /// The recorded and the free length of the disc; nothing when it is unknown.
+    /// The recorded and the free length of the disc; `std::nullopt` if unknown.
     virtual std::optional<DRMSF> mediaSpaceUsed() const = 0;
     virtual std::optional<DRMSF> mediaSpaceFree() const = 0;
 
-    /// Puts the disc out. Answers whether that worked; a drive that is burning refuses.
+    /// Ejects the disc. Returns whether that worked; false while a burn uses the drive.
     virtual bool ejectMedia() = 0;
 };
 

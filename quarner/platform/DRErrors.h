@@ -8,15 +8,15 @@
 
 namespace quarner {
 
-/// The codes with which a burn fails: 32 bits, the top bit set. A delegate receives them read as
-/// signed, so as negative numbers (code − 2^32): see `signedCode`. Code 0 is
-/// not in the table: it is a burn refused before it started, or a failure without a code.
+/// The error codes of a failed burn: 32 bits, the top bit set. A delegate receives them as signed
+/// numbers, so negative (code − 2^32): see `signedCode`. Code 0 is not in this list: it stands for
+/// a burn that was refused before it started, or a failure without a code.
 enum class DRError : std::uint32_t {
     UserCanceled = 0x80020066, ///< `stopBurn`; arrives as `burnProgressDidCanceled`
 
     DeviceBusy = 0x8002F001,         ///< another burn or program is using the drive or its image
     DeviceVanished = 0x8002F002,     ///< the drive was unplugged
-    MediaNotPresent = 0x8002F003,    ///< no disc in the drive, or none that gets ready
+    MediaNotPresent = 0x8002F003,    ///< no disc in the drive, or it does not become ready
     MediaNotWritable = 0x8002F004,   ///< the disc is not blank and cannot be overwritten
     MediaTooSmall = 0x8002F005,      ///< the layout takes more sectors than the disc has
     WrongMedia = 0x8002F006,         ///< not a CD
@@ -25,23 +25,23 @@ enum class DRError : std::uint32_t {
     DeviceNotPermitted = 0x8002F009, ///< this user may not open the drive
 
     SourceMissing = 0x8002F011,    ///< a source file is gone or may not be read
-    SourceChanged = 0x8002F012,    ///< a source file is not the one that was added
+    SourceChanged = 0x8002F012,    ///< a source file was changed or replaced since it was added
     SourceUnreadable = 0x8002F013, ///< a source file cannot be read or decoded
 
-    NoSpace = 0x8002F021,          ///< the file system that takes the image is full
+    NoSpace = 0x8002F021,          ///< the file system of the image is full
     PermissionDenied = 0x8002F022, ///< the image may not be written there
-    WriteFailed = 0x8002F023,      ///< any other failure to write
+    WriteFailed = 0x8002F023,      ///< any other write error
     ReadBackFailed = 0x8002F024,   ///< what was written could not be read back
     VerifyFailed = 0x8002F025,     ///< what was read back differs from what was written
 
-    Internal = 0x8002F0FF, ///< a fault of the program, for instance out of memory
+    Internal = 0x8002F0FF, ///< an internal error, for instance out of memory
 };
 
-/// One sentence in English for a code that a delegate received (`BurnError::code`), made for
-/// messages to people; never empty. The text is static.
+/// Returns one English sentence for a code that a delegate received (`BurnError::code`), for
+/// messages to users. Never empty. The text is static.
 QUARNER_EXPORT std::string_view textForBurnErrorCode(std::int64_t code);
 
-/// A table code as a delegate receives it: read as signed 32-bit and widened.
+/// Returns a code as a delegate receives it: read as signed 32-bit and widened.
 constexpr std::int64_t signedCode(DRError error) {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(error));
 }

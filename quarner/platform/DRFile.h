@@ -9,7 +9,7 @@
 
 namespace quarner {
 
-/// A file node of a data disc: refers to one file on disk. Its property dictionary is the one for
+/// A file node of a data disc. It refers to one file on disk. Its property dictionary applies to
 /// all file systems (`DRAllFilesystems`).
 class QUARNER_EXPORT DRFile : public BurnItem {
 public:
@@ -21,10 +21,11 @@ public:
     std::string_view className() const override;
     bool isKindOfClass(std::string_view name) const override;
 
-    /// The path that the node was made from, letter for letter.
+    /// The path that the node was made from, unchanged.
     const std::string& sourcePath() const { return _sourcePath; }
 
-    /// The file as it was when the node was made: a recorder refuses to write another.
+    /// The file's stamp when the node was made. A recorder refuses to write a file with another
+    /// stamp.
     const FileStamp& stamp() const { return _stamp; }
 
 private:

@@ -12,11 +12,11 @@
 
 namespace quarner {
 
-/// The bit of a file-system mask that stands for Joliet (the supplementary volume descriptor of
-/// ECMA-119 with UCS-2 names).
+/// The bit of a file-system mask for Joliet (the supplementary volume descriptor of ECMA-119 with
+/// UCS-2 names).
 inline constexpr std::uint32_t DRFilesystemMaskJoliet = 2;
 
-/// The root folder of a data disc: bears the disc's name and holds file nodes.
+/// The root folder of a data disc. It has the disc's name and holds file nodes.
 class QUARNER_EXPORT DRFolder : public BurnItem {
 public:
     static constexpr std::string_view drClassName = "DRFolder";
@@ -26,14 +26,14 @@ public:
     std::string_view className() const override;
     bool isKindOfClass(std::string_view name) const override;
 
-    /// The name, letter for letter as it was given: nothing has tested it.
+    /// The name as given. It is not validated.
     const std::string& name() const { return _name; }
 
     const std::vector<std::shared_ptr<const DRFile>>& children() const { return _children; }
     void addChild(std::shared_ptr<const DRFile> child) { _children.push_back(std::move(child)); }
 
-    /// The file systems in which the folder and its children are visible. A service fails the burn
-    /// of a folder that asks for what it does not write.
+    /// The file systems in which the folder and its children are visible. A burn fails if the mask
+    /// asks for a file system that the recording service does not write.
     std::uint32_t explicitFilesystemMask() const { return _explicitFilesystemMask; }
     void setExplicitFilesystemMask(std::uint32_t mask) { _explicitFilesystemMask = mask; }
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-/// The names that the disc-recording service uses: notifications, states, and the keys of its
-/// dictionaries. All are compared by string equality.
+/// The names used by the disc-recording service: notifications, states, and the keys of its
+/// dictionaries. All are compared as strings.
 namespace quarner {
 
-// Notifications. The object of the first three is the DRDevice concerned, of the last the DRBurn.
+// Notifications. The object of the first three is a DRDevice, that of the last a DRBurn.
 inline constexpr char DRDeviceAppearedNotification[] = "DRDeviceAppearedNotification";
 inline constexpr char DRDeviceDisappearedNotification[] = "DRDeviceDisappearedNotification";
 inline constexpr char DRDeviceStatusChangedNotification[] = "DRDeviceStatusChangedNotification";
@@ -15,19 +15,19 @@ inline constexpr char DRBurnStatusChangedNotification[] = "DRBurnStatusChangedNo
 inline constexpr char DRDeviceCanWriteCDKey[] = "DRDeviceCanWriteCDKey"; ///< bool
 
 // A drive's status dictionary.
-/// Dictionary: what is known of the disc in the drive; absent without a disc.
+/// Dictionary: information about the disc in the drive. Absent without a disc.
 inline constexpr char DRDeviceMediaInfoKey[] = "DRDeviceMediaInfoKey";
-/// Number: the speed of writing or reading now, in blocks per second (1x CD = 75). Also stands in
-/// a burn's status record.
+/// Number: the current speed of writing or reading, in blocks per second (1x CD = 75). Also an
+/// entry of a burn's status record.
 inline constexpr char DRStatusCurrentSpeedKey[] = "DRStatusCurrentSpeedKey";
 
-// The media information within a drive's status.
+// The media information in a drive's status.
 inline constexpr char DRDeviceMediaTypeKey[] = "DRDeviceMediaTypeKey"; ///< one of the types below
 /// Numbers: blocks of 2048 bytes.
 inline constexpr char DRDeviceMediaBlocksUsedKey[] = "DRDeviceMediaBlocksUsedKey";
 inline constexpr char DRDeviceMediaBlocksFreeKey[] = "DRDeviceMediaBlocksFreeKey";
-/// Array of numbers: the speeds at which the disc can be written, in blocks per second,
-/// ascending, so that the last is the fastest.
+/// Array of numbers: the write speeds of the disc in blocks per second, ascending, so that the last
+/// is the fastest.
 inline constexpr char DRDeviceBurnSpeedsKey[] = "DRDeviceBurnSpeedsKey";
 
 // Media types. The first three are CDs.
@@ -49,18 +49,18 @@ inline constexpr char DRBurnRequestedSpeedKey[] = "DRBurnRequestedSpeedKey";
 
 // A burn's status record.
 inline constexpr char DRStatusStateKey[] = "DRStatusStateKey"; ///< one of the states below
-/// Number, 0.0 to 1.0; below 0 when unknown. Counts the phase under way: from 0 to 1 over the
-/// writing of the whole layout, and from 0 to 1 again over reading it back.
+/// Number, 0.0 to 1.0; below 0 if unknown. The fraction of the current phase: 0 to 1 while the
+/// whole layout is written, then 0 to 1 again while it is read back.
 inline constexpr char DRStatusPercentCompleteKey[] = "DRStatusPercentCompleteKey";
 inline constexpr char DRStatusCurrentTrackKey[] = "DRStatusCurrentTrackKey"; ///< number, from 1
 inline constexpr char DRStatusTotalTracksKey[] = "DRStatusTotalTracksKey";   ///< number
-/// Dictionary, in a failed burn's last record; its entry is an error code (see DRErrors.h).
+/// Dictionary in the last record of a failed burn. Its entry is an error code (see DRErrors.h).
 inline constexpr char DRErrorStatusKey[] = "DRErrorStatusKey";
 inline constexpr char DRErrorStatusErrorKey[] = "DRErrorStatusErrorKey";
-/// Text: what failed, and which file is to blame. The service writes it to the diagnostic log too.
+/// Text: what failed, and with which file. The service also writes it to the diagnostic log.
 inline constexpr char DRErrorStatusErrorInfoKey[] = "DRErrorStatusErrorInfoKey";
 
-// The states of a burn, in the order in which they come.
+// The states of a burn, in the order of their records.
 inline constexpr char DRStatusStatePreparing[] = "DRStatusStatePreparing";
 inline constexpr char DRStatusStateSessionOpen[] = "DRStatusStateSessionOpen";
 inline constexpr char DRStatusStateTrackOpen[] = "DRStatusStateTrackOpen";

@@ -16,7 +16,7 @@ public:
     /// `msf`: the time zero.
     static constexpr DRMSF msf() { return DRMSF(0); }
 
-    /// `msfWithFrames:`: the time of so many frames.
+    /// `msfWithFrames:`: a time of `frames` frames.
     static constexpr DRMSF msfWithFrames(std::uint32_t frames) { return DRMSF(frames); }
 
     /// `msfByAdding:`: the sum of this time and another, exact to the frame.

@@ -11,17 +11,16 @@
 
 namespace quarner {
 
-/// What a notification centre delivers. `object` is the sender: a DRDevice or a DRBurn.
+/// One notification. `object` is its sender: a DRDevice or a DRBurn.
 struct DRNotification {
     std::string name;
     std::shared_ptr<DRObject> object;
     Dictionary userInfo;
 };
 
-/// The notification centre of one thread's run loop
-/// (`RecordingService::currentRunLoopCenter`). Handlers registered with it are called by that
-/// run loop, one at a time, in the order in which the service sent the notifications, and never
-/// from within another call into the service.
+/// The notification centre of one run loop (`RecordingService::currentRunLoopCenter`). That run
+/// loop calls the registered handlers: one at a time, in the order in which the service sent the
+/// notifications, and never from within another call into the service.
 class QUARNER_EXPORT DRNotificationCenter {
 public:
     using Handler = std::function<void(const DRNotification&)>;
@@ -31,17 +30,17 @@ public:
     DRNotificationCenter(const DRNotificationCenter&) = delete;
     DRNotificationCenter& operator=(const DRNotificationCenter&) = delete;
 
-    /// `addObserver:selector:name:object:`: calls the handler for every notification of a name
-    /// from one sender, or from any when `object` is null. `observer` identifies the
-    /// registration for its removal and is never looked at. The same observer may register
-    /// several times and is then called as often. The centre does not keep the sender alive.
+    /// `addObserver:selector:name:object:`: calls `handler` for every notification called `name`
+    /// that `object` sends, or that any sender sends if `object` is null. `observer` identifies the
+    /// registration for its removal and is never dereferenced. An observer that registers several
+    /// times is called several times. The centre does not keep the sender alive.
     virtual void addObserver(const void* observer, Handler handler, std::string_view name,
                              const DRObject* object) = 0;
 
-    /// `removeObserver:name:object:`: drops the registrations of an observer for a name and a
-    /// sender; a null `object` drops those for the name whatever their sender. When this returns
-    /// on the run loop's own thread, the handlers are not called again, not even for
-    /// notifications that were already sent; on another thread a call may still be under way.
+    /// `removeObserver:name:object:`: removes the registrations of `observer` for `name` and
+    /// `object`; if `object` is null, those for `name` and any sender. After a call on the run
+    /// loop's own thread, the handlers are not called again, not even for notifications that were
+    /// already sent. After a call on another thread, a handler may still be running.
     virtual void removeObserver(const void* observer, std::string_view name,
                                 const DRObject* object) = 0;
 };

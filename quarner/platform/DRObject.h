@@ -5,7 +5,7 @@
 
 namespace quarner {
 
-/// What can send a notification: a drive or a burn. Compared by identity.
+/// A sender of notifications: a drive or a burn. Compared by identity.
 class QUARNER_EXPORT DRObject {
 public:
     DRObject() = default;

@@ -14,10 +14,10 @@
 
 namespace quarner {
 
-/// A track. An audio track is a plain record of the file that it is made from, its exact length and
-/// the pre-gap before it; a data track has a root folder instead of a file, and an estimate of the
-/// blocks that its file system takes. Made by the recording service (`trackForAudioFile`,
-/// `trackForRootFolder`) and read by the recorder that writes it.
+/// A track. An audio track records the file that it is made from, its exact length and its pre-gap.
+/// A data track has a root folder instead of a file, and an estimate of the blocks that its file
+/// system takes. The recording service makes tracks (`trackForAudioFile`, `trackForRootFolder`),
+/// and the recorder that writes them reads them.
 class QUARNER_EXPORT DRTrack : public BurnItem {
 public:
     static constexpr std::string_view drClassName = "DRTrack";
@@ -30,17 +30,18 @@ public:
     std::string_view className() const override;
     bool isKindOfClass(std::string_view name) const override;
 
-    /// The file that the track plays, as an absolute or working-directory-relative path.
+    /// The file that the track plays, as an absolute path or relative to the working directory.
     std::string path;
-    /// Exactly how many stereo samples at 44.1 kHz the file delivers.
+    /// The exact number of stereo samples at 44.1 kHz that the file decodes to.
     std::uint64_t sampleCount = 0;
-    /// The file as it was when the track was made: a recorder refuses to write another.
+    /// The file's stamp when the track was made. A recorder refuses to write a file with another
+    /// stamp.
     FileStamp stamp;
     /// The content of a data track; null for an audio track.
     std::shared_ptr<const DRFolder> rootFolder;
 
-    /// The play length: the samples in whole sectors, at least `minimumSectors`. The pre-gap is
-    /// not counted.
+    /// The play length: the samples rounded up to whole sectors, at least `minimumSectors`. The
+    /// pre-gap is not included.
     DRMSF length() const { return _length; }
     void setLength(DRMSF length) { _length = length; }
 
@@ -48,8 +49,8 @@ public:
     DRMSF preGap() const { return _preGap; }
     void setPreGap(DRMSF preGap) { _preGap = preGap; }
 
-    /// The blocks that the track takes on the disc: its length and its pre-gap, one block to a
-    /// frame, unless the maker of the track has set another estimate.
+    /// The blocks that the track takes on the disc: its length plus its pre-gap, one block per
+    /// frame, unless `setEstimateLength` was called.
     std::uint64_t estimateLength() const;
     void setEstimateLength(std::uint64_t blocks) {
         _laterEstimate.reset();
@@ -73,8 +74,8 @@ private:
     std::shared_ptr<LaterEstimate> _laterEstimate;
 };
 
-/// The sectors that so many stereo samples take as a track: whole sectors, the last one filled
-/// with silence, and at least `DRTrack::minimumSectors`. Saturates at 2^32 - 1.
+/// Returns the sectors of a track of `sampleCount` stereo samples: whole sectors, the last one
+/// filled with silence, and at least `DRTrack::minimumSectors`. Saturates at 2^32 - 1.
 QUARNER_EXPORT std::uint32_t sectorsForSamples(std::uint64_t sampleCount);
 
 } // namespace quarner

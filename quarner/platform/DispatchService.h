@@ -7,7 +7,7 @@
 
 namespace quarner {
 
-/// Work on other threads.
+/// Runs work on other threads.
 class QUARNER_EXPORT DispatchService {
 public:
     DispatchService() = default;
@@ -19,9 +19,9 @@ public:
     /// may start in any order and run at the same time as other work.
     virtual void asyncGlobal(std::function<void()> work) = 0;
 
-    /// Runs work on the main thread and waits until it has run. On the main thread itself the
-    /// work runs at once. When the main queue is shut down while the caller waits, the work is
-    /// dropped and the call returns.
+    /// Runs work on the main thread and returns after it has run. On the main thread the work runs
+    /// at once. If the main queue is shut down while the caller waits, the work is dropped and the
+    /// call returns.
     virtual void syncMain(std::function<void()> work) = 0;
 };
 

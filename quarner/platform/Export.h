@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-// Marks what the shared library shows to a host. Everything else is hidden: the libraries are
-// built with -fvisibility=hidden.
+// Marks what a shared library exports. Everything else is hidden: the libraries are built with
+// -fvisibility=hidden.
 #define QUARNER_EXPORT __attribute__((visibility("default")))

@@ -10,15 +10,15 @@
 
 namespace quarner {
 
-/// What the file manager knows of a file.
+/// The attributes of a file as a file manager reads them.
 struct FileAttributes {
     std::int64_t size = 0; ///< bytes
-    /// The classic four-character type code, most significant byte first; nothing where the file
-    /// has none.
+    /// The classic four-character type code, most significant byte first; `std::nullopt` if the
+    /// file has none.
     std::optional<std::uint32_t> hfsTypeCode;
 };
 
-/// The file services. Every operation may be called on any thread and never throws.
+/// Information about files. Every operation may be called on any thread and never throws.
 class QUARNER_EXPORT FileService {
 public:
     FileService() = default;
@@ -26,17 +26,19 @@ public:
     FileService(const FileService&) = delete;
     FileService& operator=(const FileService&) = delete;
 
-    /// The name of the file as a user sees it, valid UTF-8. A path at which nothing exists
-    /// gives its last component.
+    /// Returns the name of the file as shown to users, in valid UTF-8. If there is no file at
+    /// `path`, returns the path's last component.
     virtual std::string displayName(const std::string& path) = 0;
 
-    /// The attributes; nothing when they cannot be read (no such file, no permission).
+    /// Returns the attributes, or `std::nullopt` if they cannot be read (no such file, no
+    /// permission).
     virtual std::optional<FileAttributes> attributes(const std::string& path) = 0;
 
     virtual Icon icon(const std::string& path) = 0;
 
-    /// The path that an alias stands for, chains of aliases followed to the end. Nothing when the
-    /// file is not an alias, or what it stands for is gone. A symbolic link is not an alias.
+    /// Returns the path that an alias refers to, following a chain of aliases to its end. Returns
+    /// `std::nullopt` if the file is not an alias, or if its target is gone. A symbolic link is not
+    /// an alias.
     virtual std::optional<std::string> resolveAlias(const std::string& path) = 0;
 };
 

@@ -9,7 +9,8 @@
 
 namespace quarner {
 
-/// What tells whether a file on disk is still the one that was looked at before.
+/// Identifies one state of a file on disk. Two equal stamps mean that the file was neither changed
+/// nor replaced in between.
 struct FileStamp {
     std::uint64_t size = 0;           ///< bytes
     std::int64_t modifiedSeconds = 0; ///< since 1970-01-01 00:00 UTC

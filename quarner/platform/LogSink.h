@@ -15,8 +15,8 @@ public:
     LogSink(const LogSink&) = delete;
     LogSink& operator=(const LogSink&) = delete;
 
-    /// Writes one line, given without its line end. Any thread, also one that holds a lock: it must
-    /// not ask a drive anything.
+    /// Writes one line, given without a line end. Any thread, also one that holds a lock: an
+    /// implementation must not query a drive.
     virtual void log(const std::string& line) = 0;
 };
 

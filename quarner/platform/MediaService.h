@@ -11,11 +11,11 @@
 
 namespace quarner {
 
-/// A play time: `value` ticks of which `scale` make a second. A scale of 0: nothing is known.
+/// A play time: `value` ticks, `scale` of them per second. A scale of 0 means unknown.
 struct QTTime {
     std::int64_t value = 0;
     std::int64_t scale = 0;
-    std::int64_t flags = 0; ///< nothing in this library reads it
+    std::int64_t flags = 0; ///< not read by this library
 };
 
 /// An opened media file.
@@ -29,7 +29,7 @@ public:
     virtual QTTime duration() const = 0;
 };
 
-/// The media service: what can be played, and for how long.
+/// The media service: which files can be played, and their duration.
 class QUARNER_EXPORT MediaService {
 public:
     MediaService() = default;
@@ -37,8 +37,8 @@ public:
     MediaService(const MediaService&) = delete;
     MediaService& operator=(const MediaService&) = delete;
 
-    /// Opens a file; null when it is missing or not a media file with sound. Called on the main
-    /// thread.
+    /// Opens a file. Returns null if it is missing or is no media file with sound. Called on the
+    /// main thread.
     virtual std::unique_ptr<QTMovie> movieWithFile(const std::string& path) = 0;
 
     /// Asked often while a movie is prepared, on the same thread; false ends the work.
@@ -50,8 +50,8 @@ public:
     /// for a file that cannot be opened. Does nothing by default.
     virtual bool prepareMovie(const std::string& path, const MayContinue& mayContinue);
 
-    /// The types that can be opened, as file-name extensions and type codes in single quotes.
-    /// `flags` 0 asks for the common ones only.
+    /// Returns the types that can be opened, as file-name extensions and as type codes in single
+    /// quotes. `flags` 0 asks for the common ones only.
     virtual std::vector<std::string> movieFileTypes(std::uint32_t flags) = 0;
 };
 

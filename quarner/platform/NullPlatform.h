@@ -5,7 +5,7 @@
 
 namespace quarner {
 
-/// A platform in which there is nothing: see `Platform`.
+/// The platform without drives and media: see `Platform`.
 Platform nullPlatform();
 
 } // namespace quarner

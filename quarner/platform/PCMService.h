@@ -13,14 +13,14 @@
 
 namespace quarner {
 
-/// How long a file plays, exactly: without the silence that encoders put before and after.
+/// The exact length of a file, without the padding that encoders add at both ends.
 struct PCMLength {
     std::uint64_t sourceSamples = 0; ///< samples per channel at the file's own rate
     std::uint32_t sourceRate = 0;    ///< samples per second
     std::uint64_t discSamples = 0;   ///< stereo samples after conversion to 44.1 kHz
 };
 
-/// A file decoded to what a CD holds: 44.1 kHz, 16 bits, stereo, left sample first.
+/// A file decoded to the format of an audio CD: 44.1 kHz, 16 bits, stereo, left sample first.
 class QUARNER_EXPORT PCMStream {
 public:
     PCMStream() = default;
@@ -28,15 +28,16 @@ public:
     PCMStream(const PCMStream&) = delete;
     PCMStream& operator=(const PCMStream&) = delete;
 
-    /// Fills the buffer with stereo pairs in the byte order of this machine; its size is even.
-    /// Answers how many 16-bit values were filled: fewer than asked only at the end of the file.
-    /// The stream delivers exactly `PCMLength::discSamples` pairs: a damaged passage becomes
-    /// silence of the same length. Returns nothing if the file cannot be read any further.
+    /// Fills the buffer, whose size is even, with stereo pairs in the byte order of this machine.
+    /// Returns the number of 16-bit values that were filled: fewer than the buffer's size only at
+    /// the end of the file. The stream delivers exactly `PCMLength::discSamples` pairs; a damaged
+    /// passage becomes silence of the same length. Returns `std::nullopt` if the file cannot be
+    /// read any further.
     virtual std::optional<std::size_t> read(std::span<std::int16_t> samples) = 0;
 };
 
-/// Measures and decodes audio files. Every operation may be called on any thread, and several
-/// streams may be read at once, each on one thread at a time. Nothing throws.
+/// Measures and decodes audio files. Every operation may be called on any thread. Several streams
+/// may be read at the same time, each on one thread at a time. Nothing throws.
 class QUARNER_EXPORT PCMService {
 public:
     PCMService() = default;
@@ -57,8 +58,8 @@ public:
     virtual std::optional<PCMLength> measureWhile(const std::string& path,
                                                   const MayContinue& mayContinue);
 
-    /// Opens a file for decoding; null when that is not possible. What is wrong with the file may
-    /// be logged.
+    /// Opens a file for decoding. Returns null if that is not possible. May log what is wrong with
+    /// the file.
     virtual std::unique_ptr<PCMStream> open(const std::string& path) = 0;
 };
 

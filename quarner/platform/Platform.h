@@ -13,9 +13,10 @@
 
 namespace quarner {
 
-/// The services that the framework runs on. A service left null stands for its null form: no
-/// drives, nothing opens, no file has attributes, texts stay untranslated; background work runs
-/// on a thread of its own and work for the main thread runs at once on the caller's.
+/// The services that the framework runs on. A service left null is replaced by its null form: no
+/// drives, no file can be opened, no file has attributes, texts stay untranslated. Background work
+/// then runs on a thread of its own, and work for the main thread runs at once on the caller's
+/// thread.
 struct Platform {
     std::shared_ptr<RecordingService> recording = nullptr;
     std::shared_ptr<MediaService> media = nullptr;
@@ -25,16 +26,16 @@ struct Platform {
     std::shared_ptr<LogSink> log = nullptr;
 };
 
-/// Installs the platform of this process, once, before anything else of the framework is used
-/// (a test may replace it between two cases). Any thread.
+/// Installs the platform of this process. Call it once, before anything else of the framework is
+/// used (a test may replace it between two test cases). Any thread.
 ///
 /// Work that is under way asks for the platform at each step. An add-files run examines its next
 /// file with the services that are installed then, and waits for the main thread of that platform.
 /// A burn stays with the recorder that it was started on, and a `QuarnerDevice` with its drive.
 QUARNER_EXPORT void installPlatform(Platform platform);
 
-/// The platform that is installed, every service present. Before `installPlatform`, the null
-/// platform. Any thread.
+/// Returns the installed platform, in which every service is present. Before `installPlatform` this
+/// is the null platform. Any thread.
 QUARNER_EXPORT std::shared_ptr<const Platform> currentPlatform();
 
 } // namespace quarner

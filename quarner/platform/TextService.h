@@ -15,16 +15,17 @@ public:
     TextService(const TextService&) = delete;
     TextService& operator=(const TextService&) = delete;
 
-    /// Compares two texts by the user's locale, ignoring case: below 0, 0 or above 0 as `a` sorts
-    /// before, with or after `b`. A strict weak order, also for bytes that are not valid UTF-8.
+    /// Compares two texts by the user's locale, ignoring case. Returns a number below 0, 0 or above
+    /// 0 if `a` sorts before, with or after `b`. A strict weak order, also for bytes that are not
+    /// valid UTF-8.
     virtual int compareLocalizedCaseInsensitive(const std::string& a, const std::string& b) = 0;
 
-    /// A number with so many decimals ("%.*f") and the decimal separator of the user's locale,
-    /// without grouping.
+    /// Returns a number with `decimals` decimals ("%.*f") and the decimal separator of the user's
+    /// locale, without grouping.
     virtual std::string localizedNumber(double number, int decimals) = 0;
 
-    /// The translation of a key in the host application's default string table, or the key
-    /// itself where there is none.
+    /// Returns the translation of a key in the host application's default string table, or the key
+    /// itself if there is none.
     virtual std::string localizedString(const std::string& key) = 0;
 };
 

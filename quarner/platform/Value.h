@@ -23,21 +23,21 @@ class Value;
 /// An ordered list of values.
 using Array = std::vector<Value>;
 
-/// A property dictionary: strings to values. Look an entry up with `valueFor`, which answers an
-/// empty value where there is none, or with the map's own `find`.
+/// A property dictionary: strings to values. Look an entry up with `valueFor`, which returns an
+/// empty value if there is no entry, or with the map's own `find`.
 using Dictionary = std::map<std::string, Value, std::less<>>;
 
-/// A file's icon as names in the desktop's icon theme, the best match first. A host looks them
-/// up in order in its own toolkit. Empty when nothing is known of the file.
+/// A file's icon as names in the desktop's icon theme, the best match first. A host looks them up
+/// in this order in its own toolkit. Empty if the file's type is unknown.
 struct Icon {
     std::vector<std::string> names;
 
     bool operator==(const Icon&) const = default;
 };
 
-/// One value of a property dictionary: nothing, a truth value, a whole number, a real number, a
-/// text (UTF-8 by convention, but file names keep whatever bytes they have), an icon, a list, or
-/// a dictionary of its own. A plain value type: copying it is safe from any thread.
+/// One value of a property dictionary: empty, a truth value, a whole number, a real number, a text
+/// (UTF-8 by convention, but file names keep their bytes), an icon, a list or a dictionary. A plain
+/// value type: copying it is safe on any thread.
 class QUARNER_EXPORT Value {
 public:
     Value() = default;
@@ -61,10 +61,10 @@ public:
     bool isNull() const;
     bool isNumber() const; ///< A whole number, a real number or a truth value.
 
-    /// The number readings below answer 0 (false) for anything that is not a number, and never
-    /// convert out of range: a real number too large for the type gives the type's nearest limit,
-    /// a NaN gives 0. A whole number is taken modulo the width of the type, as a signed or an
-    /// unsigned reading of the same bits.
+    /// The following return 0 (false) for a value that is not a number, and never convert out of
+    /// range: a real number too large for the type gives the type's nearest limit, a NaN gives 0. A
+    /// whole number is taken modulo the width of the type, as a signed or an unsigned reading of
+    /// the same bits.
     bool asBool() const;
     std::int64_t asInt64() const;
     std::uint64_t asUInt64() const;
@@ -72,7 +72,8 @@ public:
     double asDouble() const;
     float asFloat() const; ///< Single precision; beyond its range an infinity of the same sign.
 
-    /// The text, list, dictionary or icon, owned by this value, or null for another kind of value.
+    /// The text, list, dictionary or icon, owned by this value; null if the value is of another
+    /// kind.
     const std::string* asString() const;
     const Array* asArray() const;
     const Dictionary* asDictionary() const;
@@ -81,8 +82,8 @@ public:
     /// Deep equality. A whole number equals a real number only if both are of the same kind.
     bool operator==(const Value& other) const;
 
-    /// A text for people, on one line: texts in double quotes, lists as (a, b), dictionaries as
-    /// {key = value; ...} in the order of their keys. Meant for the diagnostic log.
+    /// Returns a readable text on one line: texts in double quotes, lists as (a, b), dictionaries
+    /// as {key = value; ...} in the order of their keys. Meant for the diagnostic log.
     std::string description() const;
 
 private:
@@ -91,7 +92,7 @@ private:
         _value;
 };
 
-/// The entry under a key, or an empty value (valid for ever) where the dictionary has none.
+/// Returns the entry under a key, or an empty value (valid for ever) if there is none.
 QUARNER_EXPORT const Value& valueFor(const Dictionary& dictionary, std::string_view key);
 
 } // namespace quarner

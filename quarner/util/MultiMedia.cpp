@@ -30,7 +30,7 @@ std::string unitForm(const std::string& key, const std::string& number) {
     return translated(key, '@').withText(number);
 }
 
-/// Drops characters of UTF-8 text, not bytes: a decimal separator may take several.
+/// Drops characters of UTF-8 text, not bytes: a decimal separator may have several bytes.
 void dropLast(std::string& text, int characters) {
     for (; characters > 0 && !text.empty(); --characters) {
         while (text.size() > 1 && (static_cast<unsigned char>(text.back()) & 0xC0U) == 0x80U)

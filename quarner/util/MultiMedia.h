@@ -8,12 +8,12 @@
 
 namespace quarner {
 
-/// Numbers as display text. Both operations may be called on any thread and never fail.
+/// Formats numbers for display. Both operations may be called on any thread and never fail.
 class QUARNER_EXPORT MultiMedia {
 public:
-    /// `stringWithDuration:framesEnabled:` Whole seconds as hours, minutes and seconds, each of at
-    /// least two digits: 3661 is "01:01:01". Hours are neither wrapped nor capped; in a negative
-    /// duration each field bears its own sign. With frames, ".00" follows. Not localised.
+    /// `stringWithDuration:framesEnabled:` Returns whole seconds as hours, minutes and seconds,
+    /// each of at least two digits: 3661 is "01:01:01". Hours are neither wrapped nor capped. In a
+    /// negative duration each field has its own sign. With frames, ".00" follows. Not localised.
     static std::string stringWithDuration(std::int64_t duration, bool framesEnabled);
 
     /// `stringWithFilesize:` Bytes in binary units, trailing zeros dropped: 1572864 is "1.5 MB".

@@ -49,7 +49,7 @@ private:
     Steps& _steps;
 };
 
-/// A recording service that keeps what is asked of it, in order.
+/// A recording service that records its calls in order.
 class KeepingRecording : public RecordingService {
 public:
     KeepingRecording(Steps& steps, std::shared_ptr<RecordingService> other)
@@ -81,7 +81,7 @@ std::shared_ptr<ScriptedDrive> addWriter(ScriptedPlatform& platform) {
     return platform.addDrive({.name = "Writer", .disc = DiscScript{}});
 }
 
-/// What a burn does, step by step: the delegate's calls, and what the services are asked.
+/// The steps of a burn: the calls of the delegate and of the services.
 template <typename Burner>
 class BothBurnOrder : public BurnerTest<Burner> {
 protected:
@@ -105,7 +105,7 @@ protected:
         return std::exchange(steps, {});
     }
 
-    /// The steps up to the one that asks for the room on the disc.
+    /// The steps up to the query of the disc's free space.
     static Steps preparation() {
         if constexpr (BurnerTest<Burner>::isAudio)
             return {"burnProgressDidStarted", "burnForDevice", "status", "setProperties 4",

@@ -22,14 +22,14 @@ protected:
         this->platform.playBurns();
     }
 
-    /// How long the processor takes for work, this program's threads together.
+    /// The processor time of `work`, summed over this program's threads.
     static double secondsOf(const std::function<void()>& work) {
         const std::clock_t start = std::clock();
         work();
         return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
     }
 
-    /// The best of several times, of the more the shorter they are: others use the machine too.
+    /// The best of several times, of more if they are short, because the machine is shared.
     static double leastSecondsOf(const std::function<void()>& work) {
         constexpr int leastTimes = 3;
         constexpr double enough = 0.1;
@@ -51,7 +51,7 @@ protected:
         return paths;
     }
 
-    /// Begins a new compilation, of items that stand for so many files.
+    /// Starts a new compilation of `files` items.
     void compileNew(int files) {
         this->burner = std::make_shared<Burner>();
         for (int i = 0; i < files; ++i) {
@@ -61,7 +61,7 @@ protected:
         }
     }
 
-    /// Expects work with so many files, and with eight times as many, to take time in proportion.
+    /// Expects the time of `work` to grow in proportion from `files` to eight times as many files.
     void expectLinear(int files, const std::function<void(int)>& work) {
         compileNew(files);
         const double ofFew = leastSecondsOf([&] { work(files); });
@@ -117,7 +117,7 @@ TYPED_TEST(BothScale, RemovingThemOneByOneToo) {
 }
 
 TYPED_TEST(BothScale, MeasuringAndBurningToo) {
-    // Fewer: every track of an audio disc tells of its steps.
+    // Fewer files, because every track of an audio disc reports its steps.
     this->expectLinear(50, [this](int) {
         this->burner->usedCapacity();
         this->burner->burnWithDevice(QuarnerDevice("Writer"), "Disc");

@@ -102,7 +102,7 @@ TEST_F(BurnStatusTest, TheEstimateIsNotReset) {
 }
 
 TEST_F(BurnStatusTest, ABurnerWithoutAnEstimateAlwaysReportsNoTimeLeft) {
-    // What a burner that burns without setting the estimate reports.
+    // The report of a burner without an estimate.
     const auto plain = std::make_shared<OpenAudioCDBurner>();
     plain->setDelegate(&delegate);
     plain->burnStatusDidChange(

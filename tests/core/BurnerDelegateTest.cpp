@@ -17,7 +17,7 @@ void addDrives(ScriptedPlatform& platform) {
 template <typename Burner>
 class BothDelegate : public BurnerTest<Burner> {
 protected:
-    /// One of everything that a burner reports, under whatever delegate it has.
+    /// Sends one report of each kind, whatever the delegate.
     void tellAWholeStory() {
         this->putSongs({"/a.mp3", "/b.mp3", "/c.mp3"});
         addDrives(this->platform);

@@ -142,7 +142,7 @@ TEST_F(DataBurn, AStoppedBurnIsCancelled) {
     EXPECT_EQ(delegate.calls().back(), "burnProgressDidCanceled");
 }
 
-/// Overrides nothing of what a refused burn calls but its start.
+/// Overrides only the first call of a refused burn.
 class OnlyTheStart : public QuarnDelegate {
 public:
     int starts = 0;

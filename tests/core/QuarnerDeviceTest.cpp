@@ -14,7 +14,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// Keeps what is registered with it and removed.
+/// Records registrations and removals.
 class KeepingCenter : public DRNotificationCenter {
 public:
     void addObserver(const void*, Handler, std::string_view name, const DRObject* object) override {
@@ -26,7 +26,7 @@ public:
     std::vector<std::string> log;
 };
 
-/// A recording service of drives alone.
+/// A recording service with drives only.
 class DrivesAlone : public RecordingService {
 public:
     explicit DrivesAlone(std::vector<std::shared_ptr<DRDevice>> drives)

@@ -139,7 +139,7 @@ TEST_F(RunLoopCenterTest, AHandlerMayRemoveItself) {
         &observer,
         [this, alive = std::make_shared<std::string>("once")](const DRNotification&) {
             center.removeObserver(&observer, "name", nullptr);
-            heard.push_back(*alive); // what the handler holds lives until it returns
+            heard.push_back(*alive); // the handler's captures live until it returns
         },
         "name", nullptr);
     post();

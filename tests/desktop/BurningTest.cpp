@@ -23,7 +23,7 @@ protected:
         return addImageDrive({.path = folder.file(image), .minutes = 80});
     }
 
-    /// The calls of a burn without the progress, a call that repeats only once.
+    /// The calls of a burn without progress reports and repetitions.
     std::vector<std::string> states() const {
         std::vector<std::string> states = delegate.calls();
         std::erase_if(states, [](const std::string& call) {
@@ -123,7 +123,7 @@ TEST_F(DesktopBurning, UninstallingDuringABurnLeavesNoHalfImage) {
     burner->burnWithDevice(drive, std::nullopt);
     ASSERT_TRUE(runUntilCalled("burnProgressIsWriteingTrack(1, 1)"));
     uninstallDesktopPlatform();
-    // Nothing or all of it: the burn may have been quicker.
+    // No files or all files: the burn may have been faster.
     EXPECT_THAT(filesInFolder(),
                 AnyOf(ElementsAre("one.mp3"), ElementsAre("mix.bin", "mix.cue", "one.mp3")));
 }

@@ -34,7 +34,7 @@ protected:
     std::string addDrive() const { return addImageDrive({.path = image(), .minutes = 80}); }
     std::string image() const { return folder.file("mix.iso"); }
 
-    /// The calls of a burn without the progress, a call that repeats only once.
+    /// The calls of a burn without progress reports and repetitions.
     std::vector<std::string> states() const {
         std::vector<std::string> states = delegate.calls();
         std::erase_if(states, [](const std::string& call) {
@@ -43,7 +43,7 @@ protected:
         states.erase(std::unique(states.begin(), states.end()), states.end());
         return states;
     }
-    /// The name of the volume in the Joliet descriptor, without its padding; of ASCII characters.
+    /// The volume name in the Joliet descriptor, without padding; ASCII only.
     std::string volumeName() const {
         constexpr std::size_t descriptor = 17 * 2048;
         constexpr std::size_t place = 40;

@@ -22,8 +22,8 @@
 
 namespace quarner::testing {
 
-/// A host with the desktop platform, on a machine whose only drives are those of the test: this
-/// thread is the main one, and runs the default loop.
+/// A host with the desktop platform, on a machine whose only drives are the test's. This thread is
+/// the main thread and runs the default loop.
 class DesktopTest : public ::testing::Test {
 protected:
     DesktopTest() {
@@ -33,7 +33,7 @@ protected:
     }
     ~DesktopTest() override { uninstallDesktopPlatform(); }
 
-    /// Runs the loop until a condition holds; answers false after a minute without it.
+    /// Runs the loop until a condition is true. Returns false after a minute.
     static bool runUntil(const std::function<bool()>& condition) {
         const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
         while (!condition()) {
@@ -45,18 +45,18 @@ protected:
         return true;
     }
 
-    /// Runs the loop until the delegate has had a call so many times.
+    /// Runs the loop until the delegate has received a call `times` times.
     bool runUntilCalled(const std::string& call, std::size_t times = 1) {
         return runUntil([&] { return delegate.count(call) >= times; });
     }
 
-    /// Turns the loop for a while, for what is not to happen.
+    /// Turns the loop for `time`, to check that something does not happen.
     static void runFor(std::chrono::milliseconds time) {
         const auto end = std::chrono::steady_clock::now() + time;
         runUntil([&] { return std::chrono::steady_clock::now() > end; });
     }
 
-    /// Puts a song of those made for these tests into the folder, under a name of its own.
+    /// Copies one of the generated songs into the folder under a name of its own.
     std::string put(const std::string& song, const std::string& name) const {
         std::filesystem::copy_file(TEST_SONGS + song, folder.file(name));
         return folder.file(name);
@@ -81,7 +81,7 @@ protected:
         return paths;
     }
 
-    OpticalBed machine; // before the platform, which looks at it
+    OpticalBed machine; // before the platform, which lists its drives
     const TemporaryFolder folder;
     RecordingDelegate delegate;
     std::shared_ptr<Quarner> burner = Quarner::audioCDBurner();

@@ -116,7 +116,7 @@ TEST_F(DesktopDrives, ChangesAreHeardThroughTheLoopAndNotInline) {
     drive.setDelegate(&report);
     const std::string other = add("other.cue");
     drive.eject();
-    insertBlankDisc(other); // refused, and not the bound drive's affair
+    insertBlankDisc(other); // refused, and not about the bound drive
     insertBlankDisc(name);
     removeImageDrive(other);
     EXPECT_THAT(report.calls, IsEmpty());

@@ -14,7 +14,7 @@ class OpticalDriveTest : public DesktopTest {
 protected:
     static constexpr char name[] = "QUARNER DISC RECORDER";
 
-    /// Plugs a recorder in, and waits until the platform knows it.
+    /// Plugs a recorder in and waits until the platform lists it.
     std::shared_ptr<EmulatedRecorder> plug(const RecorderDescription& description = {}) {
         auto recorder = machine.plug(description);
         waitForDrive();
@@ -24,7 +24,7 @@ protected:
         runUntil([] { return QuarnerDevice::devices() == std::vector<std::string>{name}; });
     }
 
-    /// Burns what was added, and answers how that ended.
+    /// Burns the added files and returns the delegate's last call.
     std::string burn() {
         delegate.forget();
         burner->burnWithDevice(QuarnerDevice(name), "Mix");

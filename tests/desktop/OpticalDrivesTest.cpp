@@ -22,7 +22,7 @@ using ::testing::IsEmpty;
 
 class DesktopOpticalDrives : public OpticalDriveTest {
 protected:
-    /// Begins to burn a minute of sound, slowly.
+    /// Starts a slow burn of a minute of sound.
     std::shared_ptr<EmulatedRecorder> burnSlowly() {
         const auto recorder = plug({.delay = std::chrono::milliseconds(2)});
         compile({put("60.00.mp3", "one.mp3")});
@@ -100,7 +100,7 @@ void openToGroup(const std::string& node) {
     EXPECT_EQ(chown((root / node).c_str(), 0, cdrom == nullptr ? 0 : cdrom->gr_gid), 0);
 }
 
-/// What a function answers in a process of a user without any rights.
+/// Returns a function's result in a process of a user without any rights.
 std::string askedWithoutRights(const std::function<std::string()>& function) {
     std::array<int, 2> ends = {};
     if (pipe(ends.data()) != 0)
@@ -152,7 +152,7 @@ TEST_F(DesktopOpticalDrives, ThatAreAskedForSomethingHaveNoProblem) {
     const auto recorder = plug();
     std::atomic<bool> isAsked = false;
     recorder->setCommandHook([&](std::uint8_t) { isAsked = true; });
-    recorder->setDelay(std::chrono::milliseconds(30)); // for each command of a question
+    recorder->setDelay(std::chrono::milliseconds(30)); // for each command of a query
     std::thread asking([] { EXPECT_TRUE(QuarnerDevice(name).device()->mediaIsPresent()); });
     EXPECT_TRUE(runUntil([&] { return isAsked.load(); }));
     EXPECT_EQ(driveAccessProblem(name), "");
@@ -164,7 +164,7 @@ TEST_F(DesktopOpticalDrives, AreHeardOfOnlyWhereTheSystemTellsOfThem) {
     if (access("/run/udev/control", F_OK) == 0)
         GTEST_SKIP() << "the device manager runs here, so they are heard of from the beginning";
     EXPECT_FALSE(hearsOfDrives());
-    plug(); // of which the test bed tells as the device manager does
+    plug(); // which the test bed reports as the device manager does
     EXPECT_TRUE(runUntil([] { return hearsOfDrives(); }));
     uninstallDesktopPlatform();
     EXPECT_FALSE(hearsOfDrives());

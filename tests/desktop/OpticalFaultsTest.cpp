@@ -9,7 +9,7 @@ namespace {
 
 using ::testing::StartsWith;
 
-/// What a host hears when a burn on a real drive goes wrong, and that the next one works.
+/// The reports of a failing burn on a real drive, and the success of the next one.
 class OpticalFaults : public OpticalDriveTest, public ::testing::WithParamInterface<bool> {
 protected:
     OpticalFaults() {
@@ -24,7 +24,7 @@ protected:
         ASSERT_EQ(count(), 2U);
     }
 
-    /// The end of the burn is the only one, an error with this code, and the drive is free.
+    /// The burn has one end, an error with this code, and the drive is released.
     void expectFailure(const std::string& end, DRError error) {
         ASSERT_THAT(end, StartsWith("burnProgressDidError("));
         EXPECT_EQ(delegate.errors().back().code, signedCode(error)) << end;

@@ -23,7 +23,7 @@ std::string outputOf(const std::vector<std::string>& arguments) {
     return result.output;
 }
 
-/// A command on a CUE sheet for programs that look for the BIN in the working directory.
+/// A command for programs that look for the BIN of a CUE sheet in the working directory.
 std::vector<std::string> besideFile(const std::string& cue, std::vector<std::string> command) {
     const std::filesystem::path path(cue);
     command.insert(command.begin(), {"env", "-C", path.parent_path().string()});
@@ -39,7 +39,7 @@ std::vector<std::string> linesOf(const std::string& text) {
     return lines;
 }
 
-/// The number in every line of a pattern as for `sscanf`.
+/// The numbers in all lines that match a pattern of `sscanf`.
 std::vector<std::uint64_t> numbersIn(const std::string& text, const char* pattern) {
     std::vector<std::uint64_t> numbers;
     for (const std::string& line : linesOf(text)) {

@@ -13,14 +13,14 @@ namespace quarner::testing {
 /// A file of the disc.
 struct DiscFile {
     std::string path;
-    /// The stereo samples at 44.1 kHz of what was encoded; nothing where the file does not tell.
+    /// The stereo samples at 44.1 kHz of the source; `std::nullopt` if unknown.
     std::optional<std::uint64_t> sourceSamples;
 };
 
-/// Files of every kind under every kind of name, burnt to an image by the program.
+/// Files of every kind with every kind of name, burned to an image by the program.
 class MixedDisc {
 public:
-    /// Burns the disc; throws when that fails.
+    /// Burns the disc. Throws if that fails.
     MixedDisc();
 
     /// The files in the order of their tracks.

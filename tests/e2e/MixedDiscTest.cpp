@@ -21,8 +21,8 @@ std::vector<std::int16_t> values(const std::string& bytes) {
     return result;
 }
 
-/// The sound that a track must hold: what the ffmpeg program decodes its file to, as long as the
-/// source was before it was encoded.
+/// The expected sound of a track: its file as the ffmpeg program decodes it, with the length of the
+/// source before it was encoded.
 std::vector<std::int16_t> expectedSound(const DiscFile& file) {
     std::vector<std::int16_t> sound = decodedByFFmpeg(file.path);
     if (file.sourceSamples) {
@@ -32,7 +32,7 @@ std::vector<std::int16_t> expectedSound(const DiscFile& file) {
     return sound;
 }
 
-/// Where the tracks must lie, from nothing but the length of their sounds.
+/// The expected positions of the tracks, computed only from the lengths of their sounds.
 std::vector<TrackPlace> expectedPlaces(const MixedDisc& disc) {
     std::vector<TrackPlace> places;
     for (const DiscFile& file : disc.files()) {

@@ -2,8 +2,8 @@
 //
 // usage: libburn_reads FILE.cue
 //
-// Writes how many sectors each track has in the eyes of libburn, the silence before it included,
-// one number a line.
+// Prints the number of sectors of each track as libburn reads the sheet, including the silence
+// before it, one number per line.
 #include <stdint.h>
 #include <stdio.h>
 #include <sys/types.h>

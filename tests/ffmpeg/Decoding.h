@@ -9,8 +9,8 @@
 
 namespace quarner::testing {
 
-/// All that a stream delivers, read in pieces of so many values; nothing when the file cannot be
-/// opened or read to its end.
+/// Returns all values of a stream, read in parts of a fixed number of values; `std::nullopt` if the
+/// file cannot be opened or read to its end.
 std::optional<std::vector<std::int16_t>> decoded(PCMService& service, const std::string& path,
                                                  std::size_t valuesAtOnce = 4704);
 

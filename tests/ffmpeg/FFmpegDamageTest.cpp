@@ -19,12 +19,12 @@ constexpr std::size_t codecMemory = 2 * 3 * 2048; // values that damage behind i
 
 class FFmpegDamage : public ::testing::Test {
 protected:
-    /// Writes the content under a name and answers its path.
+    /// Writes the content under a name and returns its path.
     std::string write(const std::string& content, const std::string& name = "a.mp3") const {
         return folder.write(name, content);
     }
 
-    /// Decodes a file and expects it to be as long as it was measured.
+    /// Decodes a file and expects the measured length.
     std::vector<std::int16_t> decodedAsMeasured(const std::string& path) const {
         const auto length = service->measure(path);
         const auto samples = decoded(*service, path);
@@ -53,7 +53,7 @@ protected:
     const std::shared_ptr<PCMService> service = makeFFmpegPCMService();
 };
 
-/// The content with everything between two shares of it overwritten.
+/// The content with the bytes between two shares of it overwritten.
 std::string overwritten(std::string content, double from, double to) {
     const auto size = static_cast<double>(content.size());
     for (auto i = static_cast<std::size_t>(from * size); i < static_cast<std::size_t>(to * size);
@@ -188,7 +188,7 @@ TEST_F(FFmpegDamage, MeasuringLogsNothing) {
     const std::string mp3 = contentOf(audioFixture(untaggedMP3Recipe()));
     const std::string alac = contentOf(audioFixture(alacRecipe()));
     AudioRecipe bare = aacRecipe();
-    bare.name = "bare.aac"; // which has to be decoded to be measured
+    bare.name = "bare.aac"; // which can be measured only by decoding
     const std::string aac = contentOf(audioFixture(bare));
     for (const std::string& path : {write(overwritten(mp3, 0.45, 0.5), "damaged.mp3"),
                                     write(overwritten(aac, 0.45, 0.5), "damaged.aac"),

@@ -15,7 +15,7 @@ namespace {
 struct Kind {
     std::string name;
     AudioRecipe recipe;
-    bool isTrimmed = true;       ///< tells how much the encoder added
+    bool isTrimmed = true;       ///< notes the encoder's padding
     std::uint32_t codecRate = 0; ///< where the codec has a rate of its own
 
     std::uint32_t rate() const { return codecRate != 0 ? codecRate : recipe.rate; }

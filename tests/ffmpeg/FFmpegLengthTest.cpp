@@ -78,7 +78,7 @@ TEST(FFmpegLengths, TheCacheKeepsOnlyTheLastFilesAndOnlyWhileTheyStayTheSame) {
     EXPECT_TRUE(cache.find("b", other) && cache.find("c", stamp));
 }
 
-/// What the resampler really makes of so many samples of silence.
+/// The real output of the resampler for `samples` samples of silence.
 std::uint64_t resampled(int samples, std::uint32_t rate) {
     AVCodecContext* layout = avcodec_alloc_context3(nullptr);
     layout->sample_fmt = AV_SAMPLE_FMT_FLTP;

@@ -15,7 +15,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Waited for by several threads, opened by one.
+/// A gate at which several threads wait until one opens it.
 class Gate {
 public:
     void open() {
@@ -155,7 +155,7 @@ TEST(GlibDispatch, ShuttingDownReleasesWhoWaitsForTheMainThreadAndDropsTheWork) 
     const int afterShutDown = returned;
     runPendingTurns();
     EXPECT_GE(afterShutDown, 1);
-    EXPECT_EQ(returned, afterShutDown); // none is left behind
+    EXPECT_EQ(returned, afterShutDown); // all callers have returned
     EXPECT_FALSE(hasRun);
 }
 
@@ -207,7 +207,7 @@ TEST(GlibDispatch, AcceptedBackgroundWorkOutlivesTheService) {
     std::atomic<int> over = 0;
     for (int i = 0; i < 20; ++i)
         dispatch->asyncGlobal([&over, held = dispatch] { ++over; });
-    dispatch.reset(); // the last reference goes on a thread of its own pool
+    dispatch.reset(); // the last reference is dropped on a thread of its own pool
     EXPECT_TRUE(runLoopUntil([&] { return over == 20; }));
 }
 

@@ -24,7 +24,7 @@ bool hasExtendedAttributes(const TemporaryFolder& folder) {
     return setTypeCode(folder.write("probe"), "test");
 }
 
-/// Runs something without the rights of the superuser. Answers false when that is impossible.
+/// Runs `action` without root's rights. Returns false if that is impossible.
 bool runUnprivileged(const std::function<void()>& action) {
     if (geteuid() != 0) {
         action();
@@ -33,7 +33,7 @@ bool runUnprivileged(const std::function<void()>& action) {
     bool isUnprivileged = false;
     std::thread([&] {
         constexpr unsigned nobody = 65534;
-        // The system call itself, unlike the C library's function, concerns this thread alone.
+        // Unlike the C library's function, the system call affects this thread only.
         isUnprivileged = syscall(SYS_setresuid, -1, nobody, -1) == 0;
         if (isUnprivileged)
             action();

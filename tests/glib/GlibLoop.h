@@ -8,7 +8,7 @@
 
 namespace quarner {
 
-/// Runs a context's loop until a condition holds; answers false after ten seconds without it.
+/// Runs a context's loop until a condition is true. Returns false after ten seconds.
 inline bool runLoopUntil(const std::function<bool()>& condition, GMainContext* context = nullptr) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     while (!condition()) {
@@ -20,7 +20,7 @@ inline bool runLoopUntil(const std::function<bool()>& condition, GMainContext* c
     return true;
 }
 
-/// Turns a context's loop for as long as it has anything to do at once.
+/// Turns a context's loop while it has work to do at once.
 inline int runPendingTurns(GMainContext* context = nullptr) {
     int turns = 0;
     while (g_main_context_iteration(context, FALSE))

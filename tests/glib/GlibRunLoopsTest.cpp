@@ -19,7 +19,7 @@ int numberIn(const DRNotification& notification) {
     return static_cast<int>(valueFor(notification.userInfo, "number").asInt64());
 }
 
-/// A thread with a GMainContext of its own, as its default, and a running loop.
+/// A thread with its own default GMainContext and a running loop.
 class LoopThread {
 public:
     explicit LoopThread(std::function<void()> prepare)
@@ -56,7 +56,7 @@ private:
     std::thread _thread;
 };
 
-/// A context of this thread's, its default for as long as this lives.
+/// A context that is this thread's default while the object exists.
 class DefaultContext {
 public:
     DefaultContext() { g_main_context_push_thread_default(_context); }
@@ -232,7 +232,7 @@ TEST(GlibRunLoops, DeliveryIsOnTheThreadWhoseDefaultContextItWas) {
     });
     const std::thread::id otherId = other.id();
     center->post(numbered(5));
-    EXPECT_TRUE(runLoopUntil([&] { return received == 5; })); // this loop has no part in it
+    EXPECT_TRUE(runLoopUntil([&] { return received == 5; })); // this loop does not deliver it
     other.end();
     EXPECT_EQ(deliveredOn, otherId);
 }
@@ -276,7 +276,7 @@ TEST(GlibRunLoops, ACentreMayOutliveItsContext) {
     {
         LoopThread other([&] { center = held = loops->currentCenter(); });
     }
-    held->post(numbered(1)); // its loop is gone: nothing happens
+    held->post(numbered(1)); // its loop is gone: has no effect
     held.reset();
     EXPECT_TRUE(center.expired());
     loops->postToAll(numbered(2));

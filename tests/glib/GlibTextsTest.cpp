@@ -22,7 +22,7 @@ extern "C" QUARNER_EXPORT const char* __lsan_default_suppressions() {
 namespace quarner {
 namespace {
 
-/// An environment that names a locale, for as long as this lives.
+/// An environment that names a locale while the object exists.
 class LocaleEnvironment {
 public:
     explicit LocaleEnvironment(const char* locale) {
@@ -81,7 +81,7 @@ TEST(GlibTexts, ComposedAndDecomposedLettersAreTheSame) {
               0);
 }
 
-/// Names from a small alphabet that has everything in it which makes a comparison stumble.
+/// Names from a small alphabet of characters that are difficult to compare.
 std::vector<std::string> awkwardNames() {
     const std::vector<std::string> parts = {
         "a", "A",      "b",  "ä", "a\u0308", "\xFF", "\xC3",     "\uFFFD",   "-",    " ",
@@ -168,7 +168,7 @@ TEST(GlibTexts, SizesReadAsTheUserWritesNumbers) {
 
 class GlibTranslations : public testing::Test {
 protected:
-    /// As a host does it that has translations.
+    /// Sets up translations as a host does.
     GlibTranslations() {
         std::setlocale(LC_ALL, "");
         bindtextdomain("quarner-glib-tests", TEST_CATALOGUES);

@@ -93,7 +93,7 @@ INSTANTIATE_TEST_SUITE_P(InCue, FlippedByteTest,
                          testing::ValuesIn(flawsAt(cueFormat(), "cue.part", {6, -2})));
 INSTANTIATE_TEST_SUITE_P(InLastCue, FlippedByteTest,
                          testing::ValuesIn(flawsAt(cueFormat(), "cue.last.part", {7})));
-// In the system area, in a descriptor, in a file, and in what fills up its last block.
+// In the system area, in a descriptor, in a file, and in the padding of its last block.
 INSTANTIATE_TEST_SUITE_P(InIso, FlippedByteTest,
                          testing::ValuesIn(flawsAt(isoFormat(), ".iso.part",
                                                    {0, 2048 * 17 + 40, 2048 * 1024, -2048, -1})));

@@ -9,8 +9,7 @@
 
 namespace quarner {
 
-/// A file system that hands everything on to another: a test overrides the call that is to go
-/// wrong.
+/// A file system that forwards every call to another one. A test overrides the call that must fail.
 class ForwardingFiles : public FileSystem {
 public:
     explicit ForwardingFiles(std::shared_ptr<FileSystem> files = posixFileSystem())

@@ -19,7 +19,7 @@ using testing::IsEmpty;
 
 class ImageFault : public AnyImageTest {
 protected:
-    /// Burns an image that the faults below must not harm.
+    /// Burns an image that the following faults must not harm.
     Paths burnOldImage() {
         Paths paths = makeSources({1000, 588 * 400});
         EXPECT_TRUE(burn(paths).isDone);
@@ -30,7 +30,7 @@ protected:
         EXPECT_TRUE(imageHolds(old)) << "the old image is kept";
         EXPECT_EQ(filesInFolder(), stage->filesOfImage());
     }
-    /// Burns to a symbolic link that leads to the stage's image.
+    /// Burns to a symbolic link to the stage's image.
     void expectBurntThroughALink() {
         const TemporaryFolder elsewhere;
         const std::string link =
@@ -114,7 +114,7 @@ TEST_P(ImageFault, AFailureToPublishKeepsTheOldImage) {
     expectOldImage(old);
 }
 
-/// A folder whose names cannot be brought to the disk once the image has got its own.
+/// A folder whose names cannot be synced after the image was renamed.
 class NothingSyncedInTheEnd : public ForwardingFiles {
 public:
     std::string image;
@@ -185,7 +185,7 @@ TEST_P(ImageFault, TheLongestNameThatAFileMayHaveIsGoodForAnImage) {
     EXPECT_EQ(filesInFolder().size(), 2 * stage->filesOfImage().size());
 }
 
-/// A file system of one megabyte at a folder, for the length of a test.
+/// A file system of one megabyte, mounted at a folder for the duration of a test.
 class SmallDisk {
 public:
     explicit SmallDisk(std::string folder) : _folder(std::move(folder)) {

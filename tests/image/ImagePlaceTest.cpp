@@ -17,7 +17,8 @@ class ImagePlace : public AnyImageTest {
 protected:
     std::string pathOf(const std::string& name) const { return stage->imageNamed(name); }
 
-    /// With what a burn there fails for its place: told before, and by the burn in the same words.
+    /// Returns the failure of a burn to this path, as reported before the burn and, in the same
+    /// words, by the burn.
     BurnFailure problemAt(const std::string& path) {
         const std::optional<BurnFailure> problem = problemOfPlace(path);
         const Outcome outcome = burn(_layout, stage->recorder()->add({.path = path}));

@@ -34,12 +34,12 @@ inline ImageFormat isoFormat() {
             [](ImageRecorderParts parts) { return std::make_unique<IsoStage>(std::move(parts)); }};
 }
 
-/// Burns to an image called mix in a folder of the test's own.
+/// Burns to an image called mix in a folder of its own.
 class ImageTest : public testing::Test {
 protected:
     explicit ImageTest(ImageFormat format) : _format(std::move(format)) {}
 
-    /// How a burn ended.
+    /// The result of a burn.
     struct Outcome {
         bool isDone;
         std::uint32_t code;
@@ -47,7 +47,7 @@ protected:
         std::vector<std::string> states;
     };
 
-    /// Puts another machine under the recorder. Before anything else.
+    /// Replaces parts of the recorder. Call it first.
     void useParts(ImageRecorderParts parts) { stage = _format.makeStage(std::move(parts)); }
 
     Paths makeSources(std::initializer_list<std::uint64_t> pairs) {
@@ -86,7 +86,7 @@ protected:
         return names;
     }
 
-    /// Whether the image holds these sources, and nothing else.
+    /// Returns whether the image contains these sources and nothing else.
     bool imageHolds(const Paths& paths) const {
         return stage->contentsOnDisc() == stage->expectedContentsOf(paths);
     }
@@ -98,7 +98,7 @@ protected:
     std::unique_ptr<ImageStage> stage = _format.makeStage({});
 };
 
-/// For what all kinds of images have in common.
+/// For the common behaviour of all kinds of images.
 class AnyImageTest : public ImageTest, public testing::WithParamInterface<ImageFormat> {
 protected:
     AnyImageTest() : ImageTest(GetParam()) {}
@@ -109,7 +109,7 @@ protected:
     INSTANTIATE_TEST_SUITE_P(, Suite, testing::Values(cueFormat(), isoFormat()),                   \
                              [](const auto& tested) { return tested.param.name; })
 
-/// For what only audio images have.
+/// For audio images only.
 class CueTest : public ImageTest {
 protected:
     CueTest() : ImageTest(cueFormat()) {}
@@ -124,7 +124,7 @@ protected:
         return track;
     }
 
-    /// What a layout makes of the disc: each track's sound, filled up to its sectors.
+    /// Returns the tracks of a layout: each track's sound, padded to its sectors.
     std::vector<std::string> tracksOf(const DRLayout& layout) const {
         std::vector<std::string> tracks;
         for (const auto& track : layout) {

@@ -15,7 +15,7 @@
 namespace quarner {
 namespace {
 
-/// Kills the process when it is about to change the disk for the so-manieth time.
+/// Kills the process before its n-th change of the disk.
 class KillingFiles : public ForwardingFiles {
 public:
     KillingFiles(int calls, bool canLink) : _callsLeft(calls), _canLink(canLink) {}
@@ -75,7 +75,7 @@ private:
 
 class KilledBurn : public AnyImageTest {
 protected:
-    /// Burns in a process of its own, which `kill` may end; answers whether it came to its end.
+    /// Burns in a child process, which `kill` may end. Returns whether it ended normally.
     bool burnInChild(const Paths& paths, const std::shared_ptr<FileSystem>& files,
                      const std::function<void(pid_t)>& kill = {}) {
         const pid_t child = fork();
@@ -107,10 +107,10 @@ protected:
         return log.isDone();
     }
 
-    /// All burns are made in other processes: one that has had threads is not forked again.
+    /// All burns run in child processes: a process that has had threads must not fork again.
     void burnWhole(const Paths& paths) { ASSERT_TRUE(burnInChild(paths, posixFileSystem())); }
 
-    /// The image is the old one, or the new one, or (without an old one) not there at all.
+    /// The image is the old one or the new one, or does not exist if there was no old one.
     void expectOldOrNew(const Paths& old, const Paths& fresh) {
         if (old.empty() && !std::filesystem::exists(stage->image()))
             return;
@@ -126,7 +126,7 @@ protected:
             std::filesystem::remove(path);
     }
 
-    /// Kills a burn before each of its steps in turn, from a folder with or without an old image.
+    /// Kills a burn before each of its steps in turn, in a folder with or without an old image.
     void killAtEveryStep(const Paths& old, bool canLink) {
         const Paths fresh = makeSources({2000, 1000});
         bool isDone = false;
@@ -172,7 +172,7 @@ TEST_P(KilledBurn, AtARandomMomentLeavesTheOldImageOrTheNew) {
 
 INSTANTIATE_IMAGE_SUITE(KilledBurn);
 
-/// Where a file can have one name only, which is of interest to a BIN file.
+/// On a file system without hard links, which matters for a BIN file.
 class KilledBurnWithoutSecondNames : public KilledBurn {};
 
 TEST_P(KilledBurnWithoutSecondNames, AtAnyStepOfAReplacementLeavesTheOldImageOrTheNew) {

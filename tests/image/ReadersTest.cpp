@@ -12,7 +12,7 @@ namespace {
 using testing::AllOf;
 using testing::HasSubstr;
 
-/// What a command line prints, on either stream.
+/// Returns what a command line prints on both streams.
 std::string outputOf(const std::string& command) {
     std::string output;
     FILE* const pipe = popen((command + " 2>&1").c_str(), "r");
@@ -37,7 +37,7 @@ std::string quotedForShell(const std::string& text) {
     return quoted + '\'';
 }
 
-/// Programs that were not written here read an image of three tracks, whatever it is called.
+/// Independent programs read an image of three tracks, whatever its name.
 class ImageReaders : public CueTest, public testing::WithParamInterface<const char*> {
 protected:
     void burnImage() {

@@ -18,7 +18,7 @@ class DataScale : public ImageTest {
 protected:
     DataScale() : ImageTest(isoFormat()) {}
 
-    /// So many new files of so many bytes, all zeros, that take no room.
+    /// Makes `count` sparse files of `size` bytes.
     Paths makeHoles(std::size_t count, std::uintmax_t size) {
         Paths paths;
         for (std::size_t i = 0; i < count; ++i) {
@@ -28,7 +28,7 @@ protected:
         return paths;
     }
 
-    /// How long the processor takes to make nodes of the files and to lay them out, twice.
+    /// Returns the processor time to make nodes of the files and to lay them out, twice.
     double secondsToLayOut(const Paths& paths) {
         const std::clock_t start = std::clock();
         const DRLayout layout = stage->layoutOf(paths);
@@ -37,12 +37,12 @@ protected:
         return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
     }
 
-    /// The better of two: others use the machine too.
+    /// Returns the better of two results, because the machine is shared.
     double leastSecondsToLayOut(const Paths& paths) {
         return std::min(secondsToLayOut(paths), secondsToLayOut(paths));
     }
 
-    /// The most memory, in KiB, that a process had which burnt one file of so many bytes.
+    /// Returns the peak memory, in KiB, of a process that burned one file of `size` bytes.
     long peakOfBurning(std::uintmax_t size) {
         const Paths paths = makeHoles(1, size);
         const pid_t child = fork();

@@ -16,7 +16,7 @@ using testing::IsEmpty;
 
 class SourceFault : public AnyImageTest {
 protected:
-    /// Burns two sources and does something to the second one's file when it is being read.
+    /// Burns two sources and calls `disturb` with the second one's path while it is being read.
     Outcome burnAndDisturb(const std::function<void(const std::string&)>& disturb) {
         const Paths paths = makeSources({588 * 400, 588 * 2000});
         path = paths[1];

@@ -15,7 +15,7 @@ namespace {
 using testing::ProgramResult;
 using testing::runProgram;
 
-/// Random bytes, so that no two files are alike and none repeats itself.
+/// Random bytes, so that no two files are equal and none repeats itself.
 std::string noise(std::size_t size, std::uint32_t seed) {
     std::string bytes(size, '\0');
     for (char& byte : bytes)
@@ -62,7 +62,7 @@ protected:
         EXPECT_TRUE(discs->trackForRootFolder(root)->isEstimateBelow(blocks + 1));
     }
 
-    /// Reads the disc in pieces of an awkward size and answers the image's path.
+    /// Reads the disc in buffers of an odd size and returns the image's path.
     std::string burn() {
         track = discs->trackForRootFolder(root);
         DiscContent content = discs->contentOf(*track);
@@ -79,7 +79,7 @@ protected:
         return target.write("disc.iso", image);
     }
 
-    /// What a program extracts from the image into an empty folder.
+    /// Returns what a program extracts from the image into an empty folder.
     std::vector<std::string> extractedBy(const std::vector<std::string>& program) {
         const ProgramResult result = runProgram(program);
         EXPECT_EQ(result.status, 0) << result.output;
@@ -94,7 +94,7 @@ protected:
     std::shared_ptr<DRTrack> track;
 };
 
-/// A folder of names that are hard on file systems and readers.
+/// A folder with names that are difficult for file systems and readers.
 class DifficultNames : public JolietDisc {
 protected:
     DifficultNames() {

@@ -23,8 +23,8 @@ constexpr gid_t groupOfOthers = 24; // not the one that the tests' user gets
 constexpr uid_t nobody = 65534;
 constexpr char advice[] = " (an administrator can change that; then log in anew)";
 
-/// What a function answers in a process of its own, that of a user without any rights who is a
-/// member of one group.
+/// Returns a function's result in a child process of a user without any rights who is a member of
+/// one group.
 std::string asNobody(gid_t group, const std::function<std::string()>& function) {
     std::array<int, 2> ends = {};
     if (pipe(ends.data()) != 0)
@@ -54,7 +54,7 @@ protected:
         if (chown(node.c_str(), 0, groupOfOthers) != 0)
             GTEST_SKIP() << "no file of another group here";
     }
-    /// The problem that a user has with a node of a mode; "none" without one.
+    /// The problem of a user with a node of this mode; "none" if there is none.
     std::string problem(mode_t mode, gid_t group) {
         chmod(node.c_str(), mode);
         return asNobody(group, [&] { return accessProblem(node).value_or("none"); });
@@ -86,7 +86,7 @@ TEST_F(AccessProblem, NamesThePermissionThatIsMissing) {
     EXPECT_EQ(problem(0060, groupOfOthers), text) << "a member, but the owner has no rights";
 }
 
-/// What keeps a drive from being opened, whatever the mode of its node is.
+/// Problems with opening a drive that do not depend on its node's mode.
 class DriveProblem : public testing::Test {
 protected:
     /// The problem while the next attempts to open the drive fail.

@@ -20,7 +20,7 @@ using testing::Contains;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-/// A drive that other programs use too, or that may not be used at all.
+/// A drive that other programs use, or that this user may not use.
 class BusyDrive : public testing::Test, public DriveStage {
 protected:
     static std::chrono::steady_clock::time_point now() { return std::chrono::steady_clock::now(); }
@@ -101,7 +101,7 @@ TEST_F(BusyDrive, IsLeftAloneByQuestionsWhileItBurns) {
         if (BurnLog::stateOf(record) != DRStatusStateTrackClose)
             return;
         commands = recorder->commands().size();
-        drive->mediaChanged(); // whatever is heard meanwhile
+        drive->mediaChanged(); // an event between two queries
         EXPECT_TRUE(drive->mediaIsPresent());
         EXPECT_TRUE(drive->mediaIsBlank());
         EXPECT_EQ(drive->mediaSpaceFree(), DRMSF::msfWithFrames(359'847));

@@ -11,8 +11,8 @@
 
 namespace quarner {
 
-/// What the notification centre of this thread tells of drives, as a text for each: "+ NAME" for
-/// one that appeared, "- NAME" for one that disappeared, "~ NAME" for another status.
+/// Records the notifications of this thread's centre as texts: "+ NAME" for a drive that appeared,
+/// "- NAME" for one that disappeared, "~ NAME" for a status change.
 class DeviceNotes {
 public:
     explicit DeviceNotes(std::shared_ptr<DRNotificationCenter> center)

@@ -13,8 +13,8 @@
 
 namespace quarner {
 
-/// A machine whose devices are what a test says, for programs that are linked with umockdev's
-/// preload library: sysfs, device files and udev's events. No device file answers anything.
+/// An emulated machine with the devices that a test adds, for programs linked with umockdev's
+/// preload library: sysfs, device files and udev's events. The device files do not respond.
 class DriveBed {
 public:
     using Properties = std::vector<std::pair<std::string, std::string>>;
@@ -25,13 +25,13 @@ public:
     DriveBed(const DriveBed&) = delete;
     DriveBed& operator=(const DriveBed&) = delete;
 
-    /// What udev finds out of a writer.
+    /// The udev properties of a writer.
     static Properties writer(const std::string& vendor, const std::string& model) {
         return {
             {"ID_CDROM", "1"}, {"ID_CDROM_CD_R", "1"}, {"ID_VENDOR", vendor}, {"ID_MODEL", model}};
     }
 
-    /// Plugs a block device in, as udev tells of it. Answers its path in sysfs.
+    /// Plugs a block device in, as udev reports it. Returns its path in sysfs.
     std::string plug(const std::string& name, const Properties& properties,
                      const std::string& parent = {}) {
         std::string text = "P: " + parent + "/devices/" + name + "\nN: " + name +
@@ -42,7 +42,7 @@ public:
         return "/sys" + parent + "/devices/" + name;
     }
 
-    /// Adds a SCSI device as the kernel describes it. Answers its path within sysfs.
+    /// Adds a SCSI device as the kernel describes it. Returns its path in sysfs.
     std::string addScsi(const std::string& name, const std::string& type, const std::string& vendor,
                         const std::string& model) {
         addFromText("P: /devices/" + name +
@@ -61,7 +61,7 @@ public:
         unplugSilently(sysPath);
     }
 
-    /// As on a machine where udev does not run.
+    /// As on a machine without udev: sends no event.
     void unplugSilently(const std::string& sysPath) {
         for (const char* const place : {"dev", "sys/class/block", "sys/block"})
             std::filesystem::remove(root() / place / std::filesystem::path(sysPath).filename());
@@ -77,7 +77,7 @@ public:
         send(sysPath, "change");
     }
 
-    /// A file that stands before the one of the machine, below /proc too.
+    /// A file that replaces the machine's own, also below /proc.
     void writeFile(const std::string& path, const std::string& text) const {
         std::filesystem::create_directories((root() / path).parent_path());
         std::ofstream(root() / path) << text;

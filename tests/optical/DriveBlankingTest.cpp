@@ -9,7 +9,7 @@
 namespace quarner {
 namespace {
 
-/// Burns over a rewritable disc, and what comes in between.
+/// Burns over a rewritable disc, and interruptions of that.
 class DriveBlanking : public testing::Test, public DriveStage {
 protected:
     DriveBlanking() { insert(rewritable()); }
@@ -17,7 +17,7 @@ protected:
     std::unique_ptr<BurnLog> burnOver(const DRLayout& layout) {
         return burn(layout, {{DRBurnOverwriteDiscKey, true}});
     }
-    /// The same, and acts at the command of which `isIt` says so.
+    /// The same, and calls `act` at the command for which `isIt` returns true.
     std::unique_ptr<BurnLog> burnOverAndAct(const std::function<bool(std::uint8_t)>& isIt,
                                             const std::function<void(EngineBurn&)>& act) {
         const auto burning = makeBurn();
@@ -32,7 +32,7 @@ protected:
         recorder->setCommandHook({});
         return log;
     }
-    /// Acts at the first time that libburn asks whether the disc is blank yet.
+    /// Calls `act` when libburn first asks whether the disc is blank.
     std::unique_ptr<BurnLog> burnOverAndMeanwhile(const std::function<void(EngineBurn&)>& act) {
         bool isBlanking = false;
         const auto isFirstQuestion = [&](std::uint8_t sent) {

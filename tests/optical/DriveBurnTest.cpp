@@ -13,7 +13,7 @@ using testing::Gt;
 
 using Bytes = std::vector<std::byte>;
 
-/// The bytes that a disc must hold of an audio track: filled up with silence to whole sectors.
+/// The expected bytes of an audio track on the disc, padded with silence to whole sectors.
 Bytes contentOf(const DRTrack& track) {
     std::ifstream file(track.path, std::ios::binary);
     const std::string text((std::istreambuf_iterator<char>(file)), {});

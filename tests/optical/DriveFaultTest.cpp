@@ -11,12 +11,12 @@ namespace {
 
 using testing::HasSubstr;
 
-/// What goes wrong with a burn, and that the drive is as good as new afterwards.
+/// Failing burns. The drive must work again afterwards.
 class DriveFault : public testing::TestWithParam<bool>, public DriveStage {
 protected:
     DRLayout layout() { return GetParam() ? audio({320, 320}) : data(1'100'000); }
 
-    /// Burns, and acts when a state is told.
+    /// Burns, and calls `act` when a state is reported.
     std::unique_ptr<BurnLog> burnAndDo(const char* state, std::function<void()> act) {
         loops->setInStep(true);
         const auto burning = makeBurn();
@@ -33,7 +33,7 @@ protected:
         log->onRecord = nullptr;
         return log;
     }
-    /// Cancels the burn whenever a state is told, while the burn waits for that.
+    /// Cancels the burn when a state is reported, while the burn waits for the delivery.
     std::unique_ptr<BurnLog> burnAndCancelIn(const char* state) {
         loops->setInStep(true);
         const auto burning = makeBurn();
@@ -57,8 +57,7 @@ protected:
         return log;
     }
 
-    /// Cancels the burn while the fourth of these commands is carried out; from then on each
-    /// command takes its time.
+    /// Cancels the burn during the fourth of these commands; from then on each command is slow.
     std::unique_ptr<BurnLog> burnAndCancelAtFourth(std::uint8_t operation) {
         const auto burning = makeBurn();
         auto log = observe(burning);
@@ -76,7 +75,7 @@ protected:
         return log;
     }
 
-    /// The drive is free, and burns a new disc.
+    /// Expects the drive to be released, and to burn a new disc.
     void expectAsGoodAsNew() {
         expectReleased();
         insert(Medium::blankCDR());
@@ -150,7 +149,7 @@ TEST_P(DriveFault, ADriveThatIsHeardOfAsUnpluggedFailsTheBurnAlsoWhileItStillAns
 }
 
 TEST_P(DriveFault, ADiscThatCannotBeReadBackFailsTheBurn) {
-    for (const std::int32_t sector : {3, 500}) { // 3: among the first sound
+    for (const std::int32_t sector : {3, 500}) { // within the first audio
         const auto log = burnWith([&](UnitFaults& faults) { faults.readErrorAt = sector; });
         EXPECT_EQ(log->code(), codeOf(DRError::ReadBackFailed)) << sector << log->info();
         expectAsGoodAsNew();

@@ -16,7 +16,7 @@ namespace {
 
 using ::testing::ElementsAre;
 
-/// Writes down what it is told.
+/// Records its calls.
 class Notes : public DriveListener {
 public:
     void driveIsThere(const DriveRecord& record) override { note("there " + record.node); }
@@ -24,7 +24,7 @@ public:
     void mediaChanged(const std::string& sysPath) override { note("media " + sysPath); }
     void eventsWereLost() override { note("lost"); }
 
-    /// The first notes, as many as are asked for, waiting for them.
+    /// Waits for `count` records and returns them.
     std::vector<std::string> first(std::size_t count) {
         std::unique_lock lock(_mutex);
         _noted.wait_for(lock, std::chrono::seconds(10), [&] { return _notes.size() >= count; });

@@ -21,7 +21,7 @@ Medium pressed() {
 
 class DriveRefusal : public testing::Test, public DriveStage {
 protected:
-    /// The code with which a burn fails before the drive was told anything of it.
+    /// Returns the code of a burn that fails before the drive receives a command.
     std::uint32_t codeFor(const DRLayout& layout, Dictionary properties = {}) {
         properties.emplace(DRBurnOverwriteDiscKey, true);
         const std::size_t before = wasTold();

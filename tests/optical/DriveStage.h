@@ -40,7 +40,7 @@ inline Medium rewritable() {
     return medium;
 }
 
-/// An emulated recorder, the drive that stands for it, and burns of noise on it.
+/// An emulated recorder, its `OpticalDrive`, and burns of noise on it.
 class DriveStage {
 public:
     explicit DriveStage(const RecorderDescription& description = {})
@@ -59,7 +59,7 @@ public:
             loops, hearsOfChanges, [this] { return time; });
     }
 
-    /// Puts in a disc, and lets the drive hear of it.
+    /// Inserts a disc and notifies the drive.
     void insert(Medium medium) {
         recorder->insert(std::move(medium));
         drive->mediaChanged();
@@ -72,7 +72,7 @@ public:
                              rawNoise((bytes + 3) / 4, _sources).substr(0, std::size_t(bytes)));
     }
 
-    /// Audio tracks of so many sectors of noise, each after two seconds of silence.
+    /// Audio tracks with these numbers of sectors of noise, each after two seconds of silence.
     DRLayout audio(std::initializer_list<std::uint32_t> sectors) {
         DRLayout layout;
         for (const std::uint32_t length : sectors)
@@ -89,7 +89,7 @@ public:
         return track;
     }
 
-    /// A data disc with one file of so many bytes.
+    /// A data disc with one file of `bytes` bytes.
     DRLayout data(std::uint64_t bytes) {
         const std::string path = makeSource(bytes);
         const auto root = std::make_shared<DRFolder>("Disc");
@@ -102,7 +102,7 @@ public:
     std::unique_ptr<BurnLog> observe(const std::shared_ptr<EngineBurn>& burn) {
         return std::make_unique<BurnLog>(loops->currentCenter(), burn.get());
     }
-    /// Burns with these settings; answers the records.
+    /// Burns with these settings and returns the records.
     std::unique_ptr<BurnLog> burn(const DRLayout& layout, Dictionary properties = {}) {
         const auto burn = makeBurn();
         auto log = observe(burn);
@@ -112,13 +112,14 @@ public:
         return log;
     }
 
-    /// How often a command was sent, by its first byte.
+    /// The number of times that a command was sent, by its first byte.
     std::size_t countOf(std::uint8_t operation) const {
         const std::vector<std::uint8_t> sent = recorder->commands();
         return std::size_t(std::count(sent.begin(), sent.end(), operation));
     }
 
-    /// The drive is closed, and its tray free: what must hold whenever nothing is burnt.
+    /// Expects the node to be closed and the tray unlocked, as it must be whenever nothing is
+    /// burned.
     void expectReleased() const {
         EXPECT_EQ(recorder->openCount(), 0);
         EXPECT_FALSE(recorder->isTrayLocked());

@@ -30,7 +30,7 @@ protected:
         udev_monitor_enable_receiving(monitor.get());
     }
 
-    /// What was told since the last call, and is told until there are so many: the action, the
+    /// Waits until there are `count` events since the last call and returns them: the action, the
     /// device, and whether its disc has changed.
     std::vector<std::string> events(std::size_t count) {
         constexpr int longest = 10'000; // ms

@@ -19,7 +19,7 @@ inline std::uint64_t blocksOf(const OpticalDrive& drive, const char* key) {
     return valueFor(mediaOf(drive), key).asUInt64();
 }
 
-/// What is said of a disc, in one line.
+/// Returns the properties of a disc on one line.
 inline std::string factsOf(const OpticalDrive& drive) {
     std::string facts = typeOf(drive).substr(std::string("DRDeviceMediaType").size());
     for (const auto& [isSo, name] : {std::pair(drive.mediaIsBlank(), " blank"),

@@ -38,7 +38,7 @@ struct FreeOptions {
     void operator()(burn_write_opts* options) const { burn_write_opts_free(options); }
 };
 
-/// What is still to be read of a track.
+/// The part of a track that is not read yet.
 struct Rest {
     std::span<const std::byte> bytes;
     WritingThread& reader;
@@ -60,7 +60,7 @@ off_t sizeOfRest(burn_source* source) {
 int refuseSize(burn_source*, off_t) { return 0; }
 void freeRest(burn_source* source) { delete &restOf(source); }
 
-/// A source of libburn's own kind, which it frees when its last user did.
+/// A source for libburn, which libburn frees after its last use.
 burn_source* sourceOf(const std::vector<std::byte>& content, WritingThread& reader) {
     auto* source = static_cast<burn_source*>(std::calloc(1, sizeof(burn_source)));
     source->refcount = 1;

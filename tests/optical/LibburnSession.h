@@ -10,13 +10,13 @@
 
 namespace quarner {
 
-/// What a session of libburn with one drive can do, for tests of the drive: nothing but libburn
-/// stands between. One at a time in a process.
+/// A session of libburn with one drive, for tests of the emulated drive without this project's
+/// adapter. One at a time in a process.
 class LibburnSession {
 public:
-    /// Takes the drive of a node; `isGrabbed` tells whether that worked.
+    /// Opens the drive of a node; `isGrabbed` returns whether that worked.
     explicit LibburnSession(const std::string& node);
-    /// Gives it back.
+    /// Releases the drive.
     ~LibburnSession();
     LibburnSession(const LibburnSession&) = delete;
     LibburnSession& operator=(const LibburnSession&) = delete;
@@ -24,27 +24,27 @@ public:
     bool isGrabbed() const;
     std::string vendor() const;
     std::string product() const;
-    /// The number of the MMC standard for the kind of disc; 0 without one.
+    /// The profile number (MMC) of the disc; 0 without one.
     int profile() const;
     bool isBlank() const;
     bool isAppendable() const;
     bool isFull() const;
     bool isErasable() const;
-    /// Sectors that a blank or appendable disc still takes.
+    /// The free sectors of a blank or appendable disc.
     std::int64_t freeSectors() const;
     /// In kB/s, as libburn lists them.
     std::vector<int> writeSpeeds() const;
-    /// Where the tracks on the disc start, and at last the lead-out.
+    /// The start of each track on the disc and of the lead-out.
     std::vector<int> trackStarts() const;
 
     struct Track {
         std::vector<std::byte> content;
         bool isAudio = true;
-        int preGap = 0; ///< beyond the one that the first track has anyway
+        int preGap = 0; ///< in addition to the first track's own
     };
-    /// Writes a session, and answers whether libburn takes it for written well.
+    /// Writes a session. Returns whether libburn reports success.
     bool burn(const std::vector<Track>& tracks, bool isAtOnce, bool isMultiSession = false);
-    /// Makes a rewritable disc blank.
+    /// Blanks a rewritable disc.
     bool blank();
     void eject();
 

@@ -9,7 +9,7 @@
 namespace quarner {
 namespace {
 
-/// A drive that still loads its disc, or examines it.
+/// A drive that is still loading or examining its disc.
 class LoadingDisc : public testing::Test, public DriveStage {
 protected:
     void setNotReady(unsigned times) {

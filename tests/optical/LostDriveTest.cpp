@@ -12,8 +12,8 @@ namespace {
 
 class LostDrive : public testing::Test, public DriveStage {
 protected:
-    /// Lets something use the drive, which is pulled out after no command, after `step` commands
-    /// and so on, until it comes to its end. Answers how many commands were enough.
+    /// Calls `use` repeatedly and unplugs the drive during it: after no command, after `step`
+    /// commands and so on, until `use` completes. Returns the number of commands that it needed.
     unsigned pullInTheMidstOf(const std::function<void()>& use, unsigned step,
                               const Medium& disc = Medium::blankCDR()) {
         for (unsigned commands = 0;; commands += step) {

@@ -185,12 +185,12 @@ TEST_F(OpticalRecorderTest, WithoutUdevADriveIsListedAsSoonAsItIsThere) {
     EXPECT_THAT(notes->all(), ElementsAre("+ V M"));
 }
 
-/// On a machine whose kernel has no table of the drive.
+/// On a machine whose kernel does not list the drive in its table.
 class LateUdevTest : public OpticalRecorderTest {
 protected:
-    /// Plugs in a drive that udev has not come to.
+    /// Plugs in a drive that udev has not processed yet.
     std::string plugUnseen() { return bed.plug("sr97", {}, bed.addScsi("1:0:0:0", "5", "V", "M")); }
-    /// Lets udev tell something else of a drive.
+    /// Makes udev report other properties of a drive.
     void findOut(const std::string& sysPath, const DriveBed::Properties& properties) {
         for (const auto& [key, value] : properties)
             bed.setProperty(sysPath, key, value);

@@ -8,7 +8,7 @@
 
 namespace quarner {
 
-/// While it lives, another program has the drive for itself.
+/// While the object exists, another program has the drive open exclusively.
 class OtherProgram {
 public:
     explicit OtherProgram(const std::string& node)

@@ -15,14 +15,14 @@
 namespace quarner {
 namespace {
 
-constexpr int events = 1000; ///< of plugging in and pulling out
+constexpr int events = 1000; ///< of plugging and unplugging
 constexpr int roundsPerDisc = 10;
 constexpr int told = events + events / 2 / roundsPerDisc;
 
 constexpr std::uint64_t sectorsToBurn = 4000;
 
-/// One drive burns, another one is plugged in and pulled out, now and then with another disc in it,
-/// and two threads ask for all of them. The sound to be burnt comes as the storm goes on.
+/// One drive burns while another one is plugged and unplugged, sometimes with another disc, and two
+/// threads query both. The events are spread over the burn.
 class PlugStorm : public testing::Test {
 protected:
     ~PlugStorm() override { end(); }
@@ -66,8 +66,8 @@ protected:
         }
     }
 
-    /// On the reading thread: a part of the sound is read when that part of the storm is over, and
-    /// the last tenth after all of it.
+    /// Called on the reading thread: each part of the sound is read after a part of the events, and
+    /// the last tenth after all of them.
     void holdBack(std::uint64_t pairs) {
         isBurning = true;
         const double part = static_cast<double>(pairs) / (588.0 * sectorsToBurn * 0.9);

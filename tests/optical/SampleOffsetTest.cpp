@@ -25,7 +25,7 @@ Samples noise(std::int64_t count, std::uint32_t state = 1) {
     return samples;
 }
 
-/// A tone of which 100 samples are one period, from a zero on.
+/// A tone with a period of 100 samples that begins at zero.
 Samples tone(std::int64_t count) {
     Samples samples;
     for (std::int64_t i = 0; i < count; ++i) {

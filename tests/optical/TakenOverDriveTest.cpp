@@ -16,7 +16,7 @@ namespace {
 
 using testing::ElementsAre;
 
-/// Drives that can be asked, and what the recorder takes over of udev.
+/// Responding drives, and the recorder's updates from udev.
 class TakenOverDrive : public testing::Test {
 protected:
     void start(bool isUdevRunning) {
@@ -28,7 +28,7 @@ protected:
     bool hearNotes(std::size_t count) {
         return loops->runUntil([&] { return notes->all().size() >= count; });
     }
-    /// Lets udev find out another name of the first drive.
+    /// Makes udev report another name for the first drive.
     void rename(const std::string& product) {
         bed.retell(0, {{"ID_CDROM", "1"}, {"ID_VENDOR", "QUARNER"}, {"ID_MODEL", product}});
     }
@@ -54,7 +54,7 @@ TEST_F(TakenOverDrive, StaysWhileItBurnsAndIsReplacedAfterwards) {
             return;
         rename("BETTER");
         bed.plug({.product = "MARKER"});
-        while (recorder->devices().size() == 1) // heard of after what was heard before
+        while (recorder->devices().size() == 1) // reported after the earlier events
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
     });
     burn->writeLayout({recorder->trackForAudioFile(path)});

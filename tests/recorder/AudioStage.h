@@ -9,7 +9,7 @@
 
 namespace quarner {
 
-/// Makes a stage one for audio discs of raw sound, whose tracks have pre-gaps of two seconds.
+/// Turns a stage into one for audio discs of raw sound, whose tracks have pre-gaps of two seconds.
 template <class Stage>
 class AudioStage : public Stage {
 public:
@@ -28,13 +28,13 @@ public:
     DRLayout hugeLayout() override {
         return {trackOfBlocks(0x80000000U), trackOfBlocks(0x80000000U)};
     }
-    /// A track of a new short file that takes so many sectors.
+    /// Returns a track of a new short file that takes `blocks` sectors.
     std::shared_ptr<DRTrack> trackOfBlocks(std::uint32_t blocks) {
         auto track = makeTrack(*this->service(), this->makeSource(1000));
         track->setLength(DRMSF::msfWithFrames(blocks));
         return track;
     }
-    /// The sound, filled up with silence to whole sectors, and to four seconds.
+    /// The sound, padded with silence to whole sectors and to at least four seconds.
     std::string expectedContentOf(const std::string& path) override {
         std::string content = contentOf(path);
         const std::size_t sectors = (content.size() + sectorSize - 1) / sectorSize;

@@ -15,10 +15,10 @@
 
 namespace quarner {
 
-/// The status records of one burn, kept as they come.
+/// Records the status records of one burn.
 class BurnLog {
 public:
-    /// Called with each record, after it was kept.
+    /// Called with each record after it was stored.
     std::function<void(const Dictionary&)> onRecord;
 
     BurnLog(std::shared_ptr<DRNotificationCenter> center, const DRBurn* burn)
@@ -54,7 +54,7 @@ public:
         return found;
     }
 
-    /// The states in order, each run of equal ones once; track states with their number.
+    /// The states in order, without repetitions; track states with their number.
     std::vector<std::string> states() const {
         std::vector<std::string> names;
         for (const Dictionary& record : _records) {

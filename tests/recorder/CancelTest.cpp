@@ -15,7 +15,7 @@ constexpr std::array statesBeforeTheEnd = {DRStatusStatePreparing,  DRStatusStat
 
 class RecorderCancel : public Recorder {
 protected:
-    /// What a burn that was cancelled did to the disc. There is a blank one afterwards.
+    /// Replaces the disc of a cancelled burn by a blank one.
     void renewDisc() {
         if (stage->sparesDiscs())
             EXPECT_TRUE(stage->drive()->mediaIsBlank());

@@ -12,7 +12,7 @@
 
 namespace quarner {
 
-/// Makes a stage one for data discs.
+/// Turns a stage into one for data discs.
 template <class Stage>
 class DataStage : public Stage {
 public:

@@ -9,7 +9,7 @@ namespace {
 
 using testing::ElementsAre;
 
-/// The drives that a notification told of, in order.
+/// The drives of the notifications with one name, in order.
 class DriveLog {
 public:
     DriveLog(std::shared_ptr<DRNotificationCenter> center, std::string name)

@@ -13,7 +13,7 @@
 
 namespace quarner {
 
-/// The image recorder in a folder of its own, with one drive for images of one kind.
+/// The image recorder in its own folder, with one drive for images of one kind.
 class ImageStage : public SourceStage {
 public:
     std::shared_ptr<RecordingService> service() override { return _recorder; }
@@ -28,7 +28,7 @@ public:
     std::shared_ptr<ImageRecorder> recorder() { return _recorder; }
     std::shared_ptr<ImageDrive> imageDrive() { return _drive; }
 
-    /// A recorder of the same kind on another file system; the parts' own kind is put in.
+    /// A recorder of the same kind with other parts.
     std::shared_ptr<ImageRecorder> makeRecorder(std::shared_ptr<RunLoops> loops,
                                                 ImageRecorderParts parts = {}) {
         parts.dataDiscs = _dataDiscs;
@@ -38,16 +38,16 @@ public:
     /// The image of the stage's drive.
     std::string image() const { return imageNamed("mix"); }
     std::string imageNamed(const std::string& name) const { return folder.file(name + _extension); }
-    /// What any image in the folder holds, source by source.
+    /// The content of any image in the folder, source by source.
     virtual std::vector<std::string> contentsOf(const std::string& imagePath) const = 0;
-    /// The names of the files that an image called mix consists of, in order.
+    /// The names of the files of an image called mix, in order.
     virtual std::vector<std::string> filesOfImage() const = 0;
-    /// The end of the name of the file that the sectors are written to first.
+    /// The suffix of the file that the sectors are first written to.
     virtual std::string partEnding() const = 0;
     virtual std::uint64_t blockSize() const = 0;
 
-    /// Calls a function on the reading thread, again and again, while a source is being read: when
-    /// some of it was read, and not all. The source is more than half of the disc.
+    /// Calls a function on the reading thread repeatedly while a source is read: after its first
+    /// and before its last bytes. The source is more than half of the disc.
     virtual void whileReading(const std::string& path, std::function<void()> function) = 0;
     /// Calls a function on the reading thread before anything is read.
     virtual void beforeReading(std::function<void()> function) = 0;

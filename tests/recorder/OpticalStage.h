@@ -37,7 +37,7 @@ public:
     bool sparesDiscs() const override { return false; }
     void shutDown() override { _recorder.reset(); }
 
-    /// What the drive was sent.
+    /// The disc that the drive has written.
     Medium disc() const { return emulated->writtenDisc().value(); }
 
     OpticalBed bed;
@@ -50,7 +50,7 @@ protected:
               OpticalRecorderParts{.dataDiscs = std::move(dataDiscs), .isUdevRunning = true})),
           _drive(_recorder->devices().at(0)) {}
 
-    /// What lies on a track, without what surrounds it.
+    /// The content of a track without its pre-gap and run-out.
     static std::string bytesOf(const Medium& medium, const MediumTrack& track) {
         const std::vector<std::byte> bytes = medium.contentOf(track);
         return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
@@ -64,8 +64,7 @@ private:
     std::shared_ptr<DRDevice> _drive;
 };
 
-/// Events are told of one after the other: when those of a further drive were heard, so were all
-/// before them.
+/// Events are reported in order: after those of another drive, all earlier ones have been reported.
 inline void OpticalStage::settle() {
     bed.finishEvents();
     std::shared_ptr<EmulatedRecorder> marker;
@@ -74,7 +73,7 @@ inline void OpticalStage::settle() {
     waitFor(DRDeviceDisappearedNotification, "QUARNER MARKER", [&] { marker->unplug(); });
 }
 
-/// Lets something happen to a drive, and turns the run loop until it told of that.
+/// Calls `event`, and turns the run loop until the drive's notification arrives.
 inline void OpticalStage::waitFor(const char* notification, const std::string& drive,
                                   const std::function<void()>& event) {
     bool isHeard = false;

@@ -14,13 +14,13 @@
 
 namespace quarner {
 
-/// A PCM service for files that hold the samples as they stand: 44.1 kHz, 16 bits, stereo, in the
-/// byte order of this machine.
+/// A PCM service for files of raw samples: 44.1 kHz, 16 bits, stereo, in the byte order of this
+/// machine.
 class RawSound : public PCMService {
 public:
     static constexpr std::size_t bytesPerPair = 4;
 
-    /// Called on the reading thread before each reading: the path and the pairs read so far.
+    /// Called on the reading thread before each read: the path and the pairs read so far.
     using ReadHook = std::function<void(const std::string&, std::uint64_t)>;
     void setReadHook(ReadHook hook) { _hook = std::move(hook); }
 
@@ -63,8 +63,8 @@ private:
     ReadHook _hook;
 };
 
-/// So many pairs of noise that differs with the seed, as a file for `RawSound`. Repeats itself
-/// after a time that has no divisor in common with a sector.
+/// Returns `pairs` stereo samples of noise that depends on the seed, as a file for `RawSound`. The
+/// noise repeats after a time that has no divisor in common with a sector.
 inline std::string rawNoise(std::uint64_t pairs, std::uint32_t seed) {
     constexpr std::size_t period = 65'521 * RawSound::bytesPerPair;
     std::string bytes(static_cast<std::size_t>(pairs) * RawSound::bytesPerPair, '\0');

@@ -13,8 +13,8 @@ namespace quarner {
 
 using Paths = std::vector<std::string>;
 
-/// A recorder for one kind of disc, with one drive and a blank 80-minute disc in it, for the
-/// behavioural suite: what the suite needs beyond the service's own interface.
+/// A recorder for one kind of disc, with one drive and a blank 80-minute disc, and the operations
+/// that the behavioural suite needs in addition to the service's interface.
 class RecorderStage {
 public:
     RecorderStage() = default;
@@ -26,32 +26,32 @@ public:
     virtual TurnedLoops& loops() = 0;
     virtual std::shared_ptr<DRDevice> drive() = 0;
 
-    /// A new file of so many stereo samples, four bytes each.
+    /// Makes a file of `pairs` stereo samples, four bytes each.
     virtual std::string makeSource(std::uint64_t pairs) = 0;
-    /// A disc of these files, in this order.
+    /// Returns the layout of a disc with these files, in this order.
     virtual DRLayout layoutOf(const Paths& paths) = 0;
-    /// The layout of a disc that takes so many blocks.
+    /// Returns the layout of a disc that takes `blocks` blocks.
     virtual DRLayout layoutOfBlocks(std::uint32_t blocks) = 0;
-    /// The layout of a disc whose size no 32 bits hold.
+    /// Returns the layout of a disc whose size does not fit 32 bits.
     virtual DRLayout hugeLayout() = 0;
 
     virtual void insertBlank() = 0;
     virtual void unplug() = 0;
     virtual void plugAnother() = 0;
-    /// Returns when whatever has happened so far, also outside this process, was told of.
+    /// Returns after all changes so far, also outside this process, were reported.
     virtual void settle() { loops().runPending(); }
-    /// Whether a burn that ends early leaves the disc as it was. Otherwise it may be spoilt.
+    /// Whether a burn that ends early leaves the disc unchanged.
     virtual bool sparesDiscs() const = 0;
-    /// Drops the recorder, as the end of the process does.
+    /// Destroys the recorder, as the end of the process does.
     virtual void shutDown() = 0;
 };
 
 /// A recorder that reads files from disk and writes sectors.
 class WritingStage : public RecorderStage {
 public:
-    /// What the disc in the drive holds of each source, in the order in which they were made.
+    /// Returns the content of each source on the disc, in the order in which the sources were made.
     virtual std::vector<std::string> contentsOnDisc() = 0;
-    /// What it must hold of a source.
+    /// Returns the expected content of a source.
     virtual std::string expectedContentOf(const std::string& path) = 0;
     virtual std::uint64_t blocksOnDisc() = 0;
 

@@ -12,20 +12,19 @@
 
 namespace quarner {
 
-/// A recorder's name and how to set its stage.
+/// A recorder's name and the maker of its stage.
 struct RecorderChoice {
     std::string name;
     RecorderStageMaker makeStage;
 };
 inline void PrintTo(const RecorderChoice& choice, std::ostream* out) { *out << choice.name; }
 
-/// What every recorder must do, whatever its drives and discs are. Instantiated once for each
-/// recorder.
+/// The behaviour of every recorder. Instantiated once for each recorder.
 class Recorder : public testing::TestWithParam<RecorderChoice> {
 protected:
     void TearDown() override { stage->loops().setInStep(false); }
 
-    /// A disc of new files; `paths` names them afterwards.
+    /// Makes the layout of a disc with new files; `paths` then names the files.
     DRLayout makeLayout(std::initializer_list<std::uint64_t> pairs) {
         paths.clear();
         for (const std::uint64_t count : pairs)
@@ -46,15 +45,15 @@ protected:
     Paths paths;
 };
 
-/// What every recorder must do that reads files from disk and writes sectors.
+/// The behaviour of every recorder that reads files from disk and writes sectors.
 class WritingRecorder : public Recorder {
 protected:
     WritingStage& writing = dynamic_cast<WritingStage&>(*stage);
 };
 
-/// The recorders that the suite is for: one line for each.
+/// The recorders that the suite tests: one line for each.
 std::vector<RecorderChoice> recorders();
-/// Those of them that read files from disk and write sectors, and of these those for audio discs.
+/// Those that read files from disk and write sectors, and of these those for audio discs.
 std::vector<RecorderChoice> writingRecorders();
 std::vector<RecorderChoice> audioWritingRecorders();
 

@@ -15,11 +15,11 @@ using testing::HasSubstr;
 
 constexpr std::uint32_t blocksOf80Minutes = 359'847;
 
-/// Of a recorder of any kind, or of one that writes.
+/// For any recorder, or for one that writes.
 template <class Base>
 class Refusal : public Base {
 protected:
-    /// Burns a layout and answers the code of its failure.
+    /// Burns a layout and returns the code of its failure.
     std::uint32_t codeFor(const DRLayout& layout) {
         const auto burn = this->makeBurn();
         const auto log = this->observe(burn);
@@ -101,7 +101,7 @@ TEST_P(RecorderWritingRefusal, OfASourceThatWasWrittenAnew) {
     EXPECT_THAT(info, HasSubstr(paths[0]));
 }
 
-/// With a platform that keeps its log.
+/// With a platform that records its log.
 class RecorderFailureLog : public RecorderWritingRefusal {
 protected:
     RecorderFailureLog() { installPlatform({.log = kept}); }

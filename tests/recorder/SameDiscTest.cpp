@@ -17,7 +17,7 @@ namespace {
 
 using ::testing::ElementsAre;
 
-/// The same files, burnt to an image and onto the disc of an emulated drive.
+/// The same files burned to an image and onto the disc of an emulated drive.
 template <class ImageStage, class OpticalStage>
 class SameDisc : public ::testing::Test {
 protected:

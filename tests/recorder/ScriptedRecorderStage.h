@@ -11,13 +11,13 @@
 
 namespace quarner {
 
-/// The run loops of a scripted platform. None turns once the platform is gone.
+/// The run loops of a scripted platform. They stop once the platform is destroyed.
 class ScriptedTurnedLoops : public TurnedLoops {
 public:
     explicit ScriptedTurnedLoops(const std::unique_ptr<ScriptedPlatform>& platform)
         : _platform(platform) {}
 
-    void setInStep(bool /*isInStep*/) override {} // a scripted burn is never out of step
+    void setInStep(bool /*isInStep*/) override {} // a scripted burn is always in step
     bool runUntil(const std::function<bool()>& condition) override {
         return _platform ? _platform->runUntil(condition, std::chrono::minutes(1)) : condition();
     }
@@ -30,7 +30,7 @@ private:
     const std::unique_ptr<ScriptedPlatform>& _platform;
 };
 
-/// A scripted platform with one drive, on which every burn plays by itself. Nothing is written.
+/// A scripted platform with one drive. Every burn plays by itself, and nothing is written.
 class ScriptedRecorderStage : public RecorderStage {
 public:
     ScriptedRecorderStage() { _platform->playBurns(); }

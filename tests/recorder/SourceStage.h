@@ -22,12 +22,12 @@ inline std::string contentOf(const std::string& path) {
     return content;
 }
 
-/// What the stages have in common: run loops turned by hand, and files of noise to burn.
+/// The common part of the stages: run loops turned by hand, and files of noise to burn.
 class SourceStage : public WritingStage {
 public:
     StepLoops& loops() override { return *_loops; }
     DRLayout layoutOf(const Paths& paths) override { return layoutThrough(*service(), paths); }
-    /// The same disc through another recorder of the same kind.
+    /// Returns the layout of the same disc made by another recorder of the same kind.
     virtual DRLayout layoutThrough(RecordingService& recorder, const Paths& paths) = 0;
     std::string makeSource(std::uint64_t pairs) override {
         std::array<char, 32> name = {};

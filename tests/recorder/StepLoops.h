@@ -14,9 +14,8 @@
 
 namespace quarner {
 
-/// Run loops that a test turns by hand. In step, whoever posts to one from another thread goes on
-/// only when the notification was delivered, so that a handler acts at exactly the moment that a
-/// record tells of.
+/// Run loops that a test turns by hand. In step, a thread that posts to another thread's loop waits
+/// until the notification was delivered, so that a handler acts exactly when the record is sent.
 class StepLoops : public RunLoops, public TurnedLoops {
 public:
     std::shared_ptr<RunLoopCenter> currentCenter() override {
@@ -45,7 +44,7 @@ public:
     bool runUntil(const std::function<bool()>& condition) override {
         return runUntil(condition, std::chrono::minutes(1));
     }
-    /// The same with another limit.
+    /// The same with another timeout.
     bool runUntil(const std::function<bool()>& condition, std::chrono::seconds limit) {
         const auto center = currentCenter();
         const auto end = std::chrono::steady_clock::now() + limit;

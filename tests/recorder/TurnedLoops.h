@@ -5,8 +5,8 @@
 
 namespace quarner {
 
-/// The run loops of a recorder under test, which turn only when the test says so. Each thread
-/// turns its own.
+/// The run loops of a recorder under test, which turn only when the test says so. Each thread turns
+/// its own.
 class TurnedLoops {
 public:
     TurnedLoops() = default;
@@ -14,13 +14,13 @@ public:
     TurnedLoops(const TurnedLoops&) = delete;
     TurnedLoops& operator=(const TurnedLoops&) = delete;
 
-    /// In step, a burn goes on only when its last record was delivered, so that a handler acts at
-    /// exactly the moment that a record tells of.
+    /// In step, a burn waits until its last record was delivered, so that a handler acts exactly
+    /// when the record is sent.
     virtual void setInStep(bool isInStep) = 0;
-    /// Turns the loop of this thread until the condition holds, for a minute at most; answers
-    /// whether it came to hold.
+    /// Turns the loop of this thread until the condition is true, for at most a minute. Returns
+    /// whether it is.
     virtual bool runUntil(const std::function<bool()>& condition) = 0;
-    /// Delivers what is waiting on this thread.
+    /// Delivers all notifications that are queued for this thread.
     virtual void runPending() = 0;
 };
 

@@ -23,7 +23,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* soundVersion = "1"; // to be raised when the sound below changes
+constexpr const char* soundVersion = "1"; // increase it if the sound below changes
 
 std::vector<std::int16_t> soundOf(const AudioRecipe& recipe) {
     std::vector<std::int16_t> values;
@@ -82,7 +82,8 @@ void encode(const AudioRecipe& recipe, const std::string& target) {
     fs::rename(target + ".part", target);
 }
 
-/// One folder for each recipe, so that a changed recipe makes a new file.
+/// Returns the folder of a recipe. Each recipe has its own, so that a changed recipe makes a new
+/// file.
 fs::path folderOf(const AudioRecipe& recipe) {
     std::ostringstream text;
     text << soundVersion << recipe.rate << '/' << recipe.channels << '/' << recipe.samples << '/'
@@ -94,7 +95,7 @@ fs::path folderOf(const AudioRecipe& recipe) {
     return fs::path(AUDIO_FIXTURES) / name.str();
 }
 
-/// Keeps other processes out of a folder.
+/// Locks a folder against other processes.
 class FolderLock {
 public:
     explicit FolderLock(const fs::path& folder)

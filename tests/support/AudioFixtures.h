@@ -7,8 +7,8 @@
 
 namespace quarner::testing {
 
-/// A sound to be encoded: noise over a rising tone, the same at every run and unlike itself at any
-/// offset.
+/// A sound to encode: noise over a rising tone. It is the same in every run, and differs from
+/// itself at any offset.
 struct AudioRecipe {
     std::string name;                 ///< of the file; its extension names the container
     std::vector<std::string> encoder; ///< options of the ffmpeg program
@@ -20,7 +20,7 @@ struct AudioRecipe {
     std::uint64_t samplesAtDiscRate() const { return samples * 44100 / rate; }
 };
 
-/// Recipes for the usual encoders; only the sound remains to be chosen.
+/// Recipes for the usual encoders. Only the sound is left to choose.
 AudioRecipe mp3Recipe();         ///< constant bit rate, with an encoder tag
 AudioRecipe variableMP3Recipe(); ///< variable bit rate, with an encoder tag
 AudioRecipe untaggedMP3Recipe(); ///< constant bit rate, nothing but frames
@@ -28,17 +28,18 @@ AudioRecipe untaggedVBRRecipe(); ///< variable bit rate, nothing but frames
 AudioRecipe aacRecipe();
 AudioRecipe alacRecipe();
 
-/// The path of the encoded file. It is made at the first call and kept with the build; calls from
-/// several processes at once are fine. The file must not be changed. Throws when ffmpeg fails.
+/// Returns the path of the encoded file. The first call makes it, and it is kept with the build;
+/// several processes may call at the same time. The file must not be changed. Throws if ffmpeg
+/// fails.
 std::string audioFixture(const AudioRecipe& recipe);
 
-/// What the ffmpeg program decodes a file to: 44.1 kHz, 16 bits, stereo, left first.
+/// Returns the file as the ffmpeg program decodes it: 44.1 kHz, 16 bits, stereo, left first.
 std::vector<std::int16_t> decodedByFFmpeg(const std::string& path);
 
 std::string contentOf(const std::string& path);
 void writeContent(const std::string& path, const std::string& content);
 
-/// The largest difference between two runs of samples, as far as both reach.
+/// Returns the largest difference between two runs of samples, up to the end of the shorter one.
 int largestDifference(const std::vector<std::int16_t>& one, const std::vector<std::int16_t>& other,
                       std::size_t from = 0);
 

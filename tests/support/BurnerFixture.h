@@ -18,7 +18,7 @@
 
 namespace quarner::testing {
 
-/// An audio burner that shows what it keeps to itself.
+/// An audio burner with its protected members made public.
 class OpenAudioCDBurner : public AudioCDBurner {
 public:
     using AudioCDBurner::_burner;
@@ -28,7 +28,7 @@ public:
     using AudioCDBurner::_textBlock;
 };
 
-/// A data burner that shows what it keeps to itself.
+/// A data burner with its protected members made public.
 class OpenDataCDBurner : public DataCDBurner {
 public:
     using DataCDBurner::_burner;
@@ -38,7 +38,7 @@ public:
     using DataCDBurner::_textBlock;
 };
 
-/// A burner with a recording delegate on a scripted platform. This thread is the main one.
+/// A burner with a recording delegate on a scripted platform. This thread is the main thread.
 template <typename Burner>
 class BurnerTest : public ::testing::Test {
 protected:
@@ -46,23 +46,23 @@ protected:
 
     BurnerTest() { burner->setDelegate(&delegate); }
 
-    /// Turns the run loop until every run has ended.
+    /// Turns the run loop until every run of `addFiles` has ended.
     void finishRuns() { ASSERT_TRUE(platform.runUntilIdle()); }
 
-    /// Adds files and waits for the run; the delegate has forgotten it afterwards.
+    /// Adds files and waits for the run. The calls so far are removed from the delegate.
     void compile(const std::vector<std::string>& paths) {
         burner->addFiles(paths);
         finishRuns();
         delegate.forget();
     }
 
-    /// Puts songs of so many seconds at these paths.
+    /// Puts songs of `seconds` seconds at these paths.
     void putSongs(const std::vector<std::string>& paths, double seconds = 10.0) {
         for (const std::string& path : paths)
             platform.putSong(path, {.seconds = seconds});
     }
 
-    /// An item of the burner's own kind that did not come from a file, with a name.
+    /// Returns an item of the burner's kind, with a name and without a file.
     static std::shared_ptr<BurnItem> makeItem(const std::string& name = "item") {
         std::shared_ptr<BurnItem> item;
         if constexpr (isAudio)
@@ -73,7 +73,7 @@ protected:
         return item;
     }
 
-    /// The report of a run in which no file was protected and these were not compatible.
+    /// Returns the report of a run without protected files and with these incompatible ones.
     static EndReport reportOf(const std::vector<std::string>& incompatible) {
         EndReport report = {{"incompatible-files", incompatible}};
         if constexpr (isAudio)
@@ -81,7 +81,7 @@ protected:
         return report;
     }
 
-    /// A track that did not come from a file.
+    /// Returns a track without a file.
     static std::shared_ptr<DRTrack> trackOf(std::uint32_t frames, std::uint32_t preGapFrames) {
         auto track = std::make_shared<DRTrack>();
         track->setLength(DRMSF::msfWithFrames(frames));
@@ -101,12 +101,12 @@ protected:
         return paths;
     }
 
-    RecordingDelegate delegate; // outlives the runs, which end with the platform
+    RecordingDelegate delegate; // must outlive the runs, which end with the platform
     ScriptedPlatform platform;
     std::shared_ptr<Burner> burner = std::make_shared<Burner>();
 };
 
-/// Both burners, and their names, for the suites of what they do alike.
+/// Both burners and their names, for suites of common behaviour.
 using Burners = ::testing::Types<OpenAudioCDBurner, OpenDataCDBurner>;
 struct BurnerNames {
     template <typename Burner>

@@ -6,7 +6,7 @@
 
 namespace quarner {
 
-/// What a drive's status tells of its disc; empty where it tells nothing.
+/// Returns the media information of a drive's status; empty if it has none.
 inline Dictionary mediaOf(const DRDevice& drive) {
     const Dictionary status = drive.status();
     const Dictionary* media = valueFor(status, DRDeviceMediaInfoKey).asDictionary();

@@ -7,7 +7,7 @@
 
 namespace quarner {
 
-/// Acts as an ordinary user for the length of a scope. Files are made by root in most containers.
+/// Acts as an ordinary user for the duration of a scope. In most containers tests run as root.
 class OrdinaryUser {
 public:
     OrdinaryUser() : _before(geteuid()) {

@@ -14,7 +14,7 @@ namespace quarner::testing {
 
 namespace {
 
-/// Starts the program with its output in a pipe. Answers its process, or -1.
+/// Starts the program with its output in a pipe. Returns its process id, or -1.
 pid_t start(const std::vector<std::string>& arguments, int output) {
     std::vector<char*> words;
     for (const std::string& argument : arguments)

@@ -13,8 +13,8 @@
 
 namespace quarner::testing {
 
-/// A delegate that keeps every call as a text, as in "burnProgressDidChanaged(0.5, 500)", with the
-/// arguments that are too long for it beside. Any thread.
+/// A delegate that records every call as a text, as in "burnProgressDidChanaged(0.5, 500)".
+/// Arguments that are too long for the text are kept separately. Any thread.
 class RecordingDelegate : public QuarnDelegate {
 public:
     struct Call {
@@ -45,7 +45,7 @@ public:
         _calls.clear();
     }
 
-    /// Called after each call was kept, on the same thread, with its text.
+    /// Called after each call was recorded, on the same thread, with its text.
     std::function<void(const std::string&)> whenCalled;
 
     std::vector<Dictionary> added() const { return copyOf(_added); }
@@ -118,7 +118,7 @@ private:
     void keep(const std::string& text) {
         std::function<void(const std::string&)> reaction;
         {
-            // Whoever has seen the call may set another reaction.
+            // Another thread that sees the call may set another reaction.
             const std::lock_guard lock(_mutex);
             _calls.push_back({text, std::this_thread::get_id()});
             reaction = whenCalled;

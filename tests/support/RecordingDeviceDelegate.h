@@ -9,7 +9,7 @@
 
 namespace quarner::testing {
 
-/// A drive delegate that keeps every call as a text, as in "deviceDidAppeared(Writer)".
+/// A drive delegate that records every call as a text, as in "deviceDidAppeared(Writer)".
 class RecordingDeviceDelegate : public QuarnerDeviceDelegate {
 public:
     void deviceStatusDidChanged() override { keep("deviceStatusDidChanged"); }
@@ -21,7 +21,7 @@ public:
     }
 
     std::vector<std::string> calls;
-    /// Called after each call was kept.
+    /// Called after each call was recorded.
     std::function<void()> whenCalled;
 
 private:

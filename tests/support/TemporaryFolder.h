@@ -10,7 +10,7 @@
 
 namespace quarner {
 
-/// A new, empty folder for one test, removed with all that is in it.
+/// A new, empty folder for one test. It is removed with its content.
 class TemporaryFolder {
 public:
     TemporaryFolder() {
@@ -28,10 +28,10 @@ public:
 
     const std::filesystem::path& path() const { return _path; }
 
-    /// The path of a name in this folder, whether or not there is anything.
+    /// Returns the path of a name in this folder, whether or not the file exists.
     std::string file(std::string_view name) const { return (_path / name).string(); }
 
-    /// Writes a file and answers its path.
+    /// Writes a file and returns its path.
     std::string write(std::string_view name, std::string_view content = {}) const {
         const std::string path = file(name);
         std::ofstream out(path, std::ios::binary);

@@ -108,7 +108,7 @@ void EmulatedRecorder::pressEject() {
     tellOfMedium();
 }
 
-/// As udev's own rules give them to a drive of this kind.
+/// Returns the properties that udev's rules set for a drive of this kind.
 UdevBed::Properties EmulatedRecorder::properties() const {
     UdevBed::Properties all = {{"ID_CDROM", "1"},
                                {"ID_CDROM_CD", "1"},
@@ -156,7 +156,7 @@ std::optional<ScsiReply> EmulatedRecorder::execute(const ScsiCommand& command) {
     return _unit.isUnplugged() ? std::nullopt : std::optional(reply);
 }
 
-/// Whoever watches the drive hears of what commands and faults did to it.
+/// Sends the events for what commands and faults did to the drive.
 void EmulatedRecorder::afterCommand(bool hadMedium) {
     const auto self = shared_from_this();
     if (_unit.isUnplugged())
@@ -176,7 +176,7 @@ int EmulatedRecorder::driveStatus() {
     return _unit.hasMedium() ? CDS_DISC_OK : CDS_NO_DISC;
 }
 
-/// As the kernel does: it unlocks the tray first, but not while anybody else has the node open.
+/// As the kernel: unlocks the tray first, but not while the node has another user.
 int EmulatedRecorder::eject() {
     {
         const std::lock_guard lock(_mutex);

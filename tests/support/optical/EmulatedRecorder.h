@@ -17,7 +17,7 @@
 
 namespace quarner {
 
-/// How a recorder is when it is plugged in.
+/// The properties of a recorder when it is plugged in.
 struct RecorderDescription {
     std::string vendor = "QUARNER";
     std::string product = "DISC RECORDER";
@@ -25,17 +25,16 @@ struct RecorderDescription {
     int readOffset = 0; ///< samples, see `OpticalUnit::readOffset`
     std::vector<std::uint32_t> writeSpeeds = {4234, 2822, 1411, 706}; ///< kB/s, the highest first
     UnitFaults faults = {};
-    std::chrono::microseconds delay{0}; ///< before each command is answered
+    std::chrono::microseconds delay{0}; ///< the duration of each command
 };
 
-/// A recorder in an `OpticalBed`: a node in /dev that takes the system calls and SCSI commands that
-/// a real one takes, a device in /sys with the properties that udev gives it, and an event for
-/// whatever happens to it. Every operation may be called on any thread, also while another one
-/// sends commands.
+/// A recorder in an `OpticalBed`: a node in /dev that takes the system calls and SCSI commands of a
+/// real one, a device in /sys with the properties that udev sets, and a udev event for each change.
+/// Every operation may be called on any thread, also while another thread sends commands.
 class EmulatedRecorder : public SystemCallTarget,
                          public std::enable_shared_from_this<EmulatedRecorder> {
 public:
-    /// Not plugged in yet: `OpticalBed::plug` makes them.
+    /// Makes an unplugged recorder; called by `OpticalBed::plug`.
     EmulatedRecorder(UdevBed& udev, unsigned number, const RecorderDescription& description);
 
     /// "/dev/sr0"
@@ -43,39 +42,39 @@ public:
     /// The path of the device in /sys.
     std::string sysPath() const { return UdevBed::sysPathOf(_name); }
 
-    /// Pulls the cable; nothing happens when it is not plugged in. What was sent to the recorder is
-    /// still there.
+    /// Unplugs it; does nothing if it is not plugged in. The data sent to the recorder is kept.
     void unplug();
-    /// Plugs it in again, under the same name, with the same disc.
+    /// Plugs it in again with the same name and disc.
     void replug();
 
-    /// Puts a disc into the tray, in place of any other, and closes it. An event tells of it.
+    /// Puts a disc into the tray, replacing any other, and closes the tray. Sends an event.
     void insert(Medium medium);
-    /// Takes the disc out by force, whether or not the tray is locked. An event tells of it.
+    /// Removes the disc, even if the tray is locked. Sends an event.
     void removeMedium();
-    /// What the button on the drive does: opens the tray, unless it is locked.
+    /// Presses the button of the drive: opens the tray unless it is locked.
     void pressEject();
 
     void setFaults(const UnitFaults& faults);
     void setReadOffset(int samples);
-    /// How long each command takes.
+    /// Sets the duration of each command.
     void setDelay(std::chrono::microseconds delay);
-    /// Makes the next attempts of this process to open the node fail as those do while another
-    /// program has the drive for itself; 0 ends it.
+    /// Makes the next `attempts` attempts of this process to open the node fail, as while another
+    /// program has the drive open exclusively. 0 ends it.
     void setBusy(unsigned attempts);
-    /// Called with the first byte of each command before it is executed, on the thread that answers
-    /// the commands of all recorders. Must not send commands itself.
+    /// Sets a function that is called with the first byte of each command before it is executed, on
+    /// the thread that executes the commands of all recorders. It must not send commands itself.
     void setCommandHook(std::function<void(std::uint8_t)> hook);
 
     bool isTrayOpen() const;
     bool isTrayLocked() const;
-    /// How many times this process has its node open.
+    /// The number of times that this process has the node open.
     int openCount() const;
-    /// Whether this process has let go of it: the node not open, and the tray not locked.
+    /// Whether this process has released the drive: the node is not open, and the tray is not
+    /// locked.
     bool isReleased() const;
-    /// The write speed that was last asked for, in kB/s; 0xFFFF stands for the highest.
+    /// The last requested write speed in kB/s; 0xFFFF is the highest.
     std::uint32_t writeSpeed() const;
-    /// The disc with what was written to it; nothing without one.
+    /// The disc with its written content; `std::nullopt` without a disc.
     std::optional<Medium> writtenDisc() const;
     /// The first bytes of all commands so far, in order.
     std::vector<std::uint8_t> commands() const;

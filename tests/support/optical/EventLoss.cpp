@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 //
-// The functions below stand before those of the test bed, which stand before libc's.
+// The functions below are interposed before the test bed's, which are interposed before libc's.
 #include "tests/support/optical/EventLoss.h"
 
 #include <dlfcn.h>
@@ -35,7 +35,7 @@ int wantedReceiveRoom() { return wantedRoom; }
 
 extern "C" {
 
-/// Who reads events looks first how long the next one is.
+/// A reader of events asks for the next event's length first.
 QUARNER_EXPORT ssize_t recv(int socket, void* buffer, size_t size, int flags) {
     const auto receive = quarner::following<quarner::Receive>("recv");
     if ((flags & MSG_PEEK) == 0 || !quarner::isNextLost.exchange(false))

@@ -3,11 +3,12 @@
 
 namespace quarner {
 
-/// Takes the next event of udev that this process reads away from it, and lets the reading fail
-/// with ENOBUFS: as the kernel does it when the socket has no room for an event. Any thread.
+/// Drops the next udev event that this process receives, and makes the receive fail with ENOBUFS,
+/// as the kernel does if the socket's buffer is full. Any thread.
 void loseNextEvent();
 
-/// The room in bytes that this process last asked for on a socket that receives; 0 so far.
+/// Returns the receive buffer size in bytes that this process last requested for a socket; 0 if
+/// none.
 int wantedReceiveRoom();
 
 } // namespace quarner

@@ -10,7 +10,7 @@
 namespace quarner {
 namespace {
 
-/// Between two sessions lie the lead-out of the one and the lead-in of the other.
+/// The lead-out of one session and the lead-in of the next.
 constexpr std::int32_t sectorsBetweenSessions = 6750 + 4500;
 
 void write(const std::string& path, std::span<const std::byte> bytes) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 //
-// The functions below stand before those of the test bed, which stand before libc's.
+// The functions below are interposed before the test bed's, which are interposed before libc's.
 #include "tests/support/optical/NodeAccess.h"
 
 #include <dlfcn.h>
@@ -26,8 +26,8 @@ struct Node {
     std::map<int, bool> open; ///< the descriptors, and which of them are exclusive
 };
 
-// The functions of libc are called at any moment, also before `main` and by the runtime library of
-// a sanitizer in the middle of a report. So what does not concern a node gets by without the mutex.
+// The functions of libc may be called at any moment, also before `main` and by a sanitizer in the
+// middle of a report. So calls that do not concern a node do not lock the mutex.
 
 bool mayBeNode(const char* path) {
     constexpr std::string_view folder = "/dev/";
@@ -40,7 +40,7 @@ bool mayBeNode(const char* path) {
 
 constexpr int mostDescriptors = 4096;
 std::array<std::atomic<bool>, mostDescriptors> isOfNode;
-std::array<std::atomic<bool>, mostDescriptors> isReplaced; ///< was one, and is another file now
+std::array<std::atomic<bool>, mostDescriptors> isReplaced; ///< was a node, and is another file now
 
 std::mutex mutex;
 std::map<std::string, Node>& nodes() {
@@ -52,7 +52,7 @@ Node* nodeOf(const std::string& path) {
     return found == nodes().end() ? nullptr : &found->second;
 }
 
-/// More slashes than one mean the same as one.
+/// Removes repeated slashes.
 std::string plain(const char* path) {
     std::string name = path;
     const auto isSecond = [](char a, char b) { return a == '/' && b == '/'; };
@@ -60,8 +60,8 @@ std::string plain(const char* path) {
     return name;
 }
 
-/// The error that an attempt to open a node ends with; 0 when it may go on. The test bed itself
-/// must not be asked for a node that is not there: it would count it among the open ones for good.
+/// Returns the error of an attempt to open a node; 0 if it succeeds. The test bed must not be asked
+/// for a node that does not exist: it would count it as open for good.
 int refusalOf(Node& node, int flags) {
     if (!node.isThere)
         return ENOENT;
@@ -82,7 +82,7 @@ bool isDenied(const char* path) {
     return node != nullptr && node->refusals > 0 && node->error == EACCES;
 }
 
-/// Opens a path by a function, unless it is a node that refuses.
+/// Opens a path with a function, unless it is a node that refuses.
 template <class Function>
 int openWatched(const char* path, int flags, Function function) {
     if (!mayBeNode(path))
@@ -115,8 +115,8 @@ void forget(int descriptor) {
         node.open.erase(descriptor);
 }
 
-/// Closes by a function. Under the mutex, as opening is, for the test bed keeps the open nodes in a
-/// table without a lock.
+/// Closes a descriptor with a function. Locks the mutex, as opening does, because the test bed
+/// keeps the open nodes in a table without a lock.
 template <class Function>
 int closeWatched(int descriptor, Function function) {
     if (!isOneOf(isOfNode, descriptor) && !isOneOf(isReplaced, descriptor))
@@ -127,7 +127,7 @@ int closeWatched(int descriptor, Function function) {
     return function();
 }
 
-/// The test bed is not told of it: it goes on answering for the descriptor, until that is closed.
+/// The test bed is not informed: it keeps handling the descriptor until that is closed.
 void replaceWatched(int descriptor) {
     if (!isOneOf(isOfNode, descriptor))
         return;
@@ -239,7 +239,7 @@ QUARNER_EXPORT int access(const char* path, int mode) {
     return following<int (*)(const char*, int)>("access")(path, mode);
 }
 
-/// The test bed knows only the older `access`.
+/// The test bed interposes only the older `access`.
 QUARNER_EXPORT int faccessat(int folder, const char* path, int mode, int flags) {
     using Check = int (*)(int, const char*, int, int);
     if (folder != AT_FDCWD)

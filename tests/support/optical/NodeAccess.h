@@ -6,25 +6,24 @@
 
 namespace quarner {
 
-// How this process opens the nodes of emulated drives. The functions of libc for it are taken over
-// in every program that holds this. Any thread.
+// Interposes the functions of libc that open the nodes of emulated drives, in every program that
+// links this file. Any thread.
 
-/// From now on a path, which begins with "/dev/sr", behaves as a drive's node does: while it is
-/// open with O_EXCL, opening it so again fails with EBUSY. Nothing is open and nothing refused at
-/// first.
+/// Makes a path, which begins with "/dev/sr", behave as a drive's node: while it is open with
+/// O_EXCL, opening it again with O_EXCL fails with EBUSY. At first nothing is open or refused.
 void watchNode(const std::string& path);
 
-/// Calls a function that makes a watched path appear or vanish, while nobody opens or closes one.
-/// Where it has appeared it is that of another device than before: nobody has it for himself, but
-/// what is open of the old one still counts as open.
+/// Calls a function that makes a watched path appear or vanish, while no other thread opens or
+/// closes one. A path that has appeared belongs to a new device: it is not open exclusively, but
+/// descriptors of the old one still count as open.
 void changeNode(const std::string& path, bool isThere, const std::function<void()>& change);
 
-/// How many times this process has a watched path open.
+/// Returns the number of times that this process has a watched path open.
 int openCountOf(const std::string& path);
 
-/// Makes the next `times` attempts to open a watched path fail with an error of errno: EBUSY is
-/// what the kernel answers while another program has a drive for itself, EACCES is for a user
-/// without rights. 0 times ends it. While it is EACCES the path also counts as not accessible.
+/// Makes the next `times` attempts to open a watched path fail with `error`: EBUSY as while another
+/// program has the drive open exclusively, EACCES as for a user without rights. 0 times ends it.
+/// While it is EACCES the path is not accessible either.
 void refuseOpening(const std::string& path, int error, unsigned times);
 
 } // namespace quarner

@@ -11,54 +11,53 @@
 
 namespace quarner {
 
-/// What shall go wrong, and where. Addresses are sectors as the recorder is sent them.
+/// The faults of a recorder. Addresses are sectors as the recorder receives them.
 struct UnitFaults {
     std::optional<std::int32_t> writeErrorAt = {};   ///< this sector cannot be written
     std::optional<std::int32_t> readErrorAt = {};    ///< this sector cannot be read
     std::optional<std::int32_t> removeMediumAt = {}; ///< the disc is gone when this sector comes
     std::optional<std::int32_t> unplugAt = {};       ///< the drive is gone when this sector comes
-    std::optional<unsigned> unplugAfter = {};        ///< the drive is gone after so many commands
-    /// So many commands that need the disc, and questions for the drive's status, find the drive
-    /// not ready yet.
+    std::optional<unsigned> unplugAfter = {}; ///< the drive is gone after this number of commands
+    /// The number of commands that need the disc, and of status queries, that find the drive not
+    /// ready.
     unsigned notReady = 0;
     bool refusesCueSheet = false;
-    unsigned onlookers = 0;   ///< so many times the kernel says that others have the drive open too
-    bool isTrayStuck = false; ///< the tray stays closed, and no command fails for it
+    unsigned onlookers = 0;   ///< the number of ejects that fail because the node has another user
+    bool isTrayStuck = false; ///< the tray stays closed, although no command fails
 };
 
-/// A CD recorder without its cable: commands in, answers out, as the MMC standard has it. Knows
-/// session-at-once with a cue sheet and track-at-once, rewritable and appendable discs, and is
-/// strict: sectors out of order, of the wrong size or beyond the disc are refused. Not safe to be
-/// used by two threads at once.
+/// A CD recorder as the MMC standard describes it: takes commands, returns replies. Supports
+/// session-at-once with a cue sheet, track-at-once, rewritable and appendable discs. It is strict:
+/// sectors out of order, of the wrong size or beyond the disc are refused. Not thread-safe.
 class OpticalUnit {
 public:
     OpticalUnit(std::string vendor, std::string product)
         : _vendor(std::move(vendor)), _product(std::move(product)) {}
 
     ScsiReply execute(const ScsiCommand& command);
-    /// What happens when the power comes on: the tray is free, and the disc is new to the drive.
+    /// Powers the drive on: the tray is unlocked, and the disc counts as changed.
     void start();
 
     const std::string& vendor() const { return _vendor; }
     const std::string& product() const { return _product; }
 
-    /// The disc in the tray, whether it is open or closed.
+    /// The disc in the tray, open or closed.
     const std::optional<Medium>& medium() const { return _medium; }
-    /// Puts a disc in, or takes it out, in whatever state the drive is. Closes the tray.
+    /// Inserts or removes a disc, whatever the state of the drive. Closes the tray.
     void changeMedium(std::optional<Medium> medium);
     bool hasMedium() const { return _medium.has_value() && !_isTrayOpen; }
     bool isTrayOpen() const { return _isTrayOpen; }
     void setTrayOpen(bool isOpen);
     bool isTrayLocked() const { return _isTrayLocked; }
-    /// The speeds that were last asked for, in kB/s; 0xFFFF stands for the highest.
+    /// The last requested speed in kB/s; 0xFFFF is the highest.
     std::uint32_t writeSpeed() const { return _writeSpeed; }
-    /// Whether the drive has been unplugged by its fault.
+    /// Whether a fault has unplugged the drive.
     bool isUnplugged() const { return _isUnplugged; }
 
-    /// The speeds of writing in kB/s, the highest first.
+    /// The write speeds in kB/s, the highest first.
     std::vector<std::uint32_t> writeSpeeds = {4234};
-    /// How many samples later than on the disc the sound is read that a sector holds: sample 0 of
-    /// what is read for sector 0 is this sample of the disc. May be negative.
+    /// The read offset in samples: sample 0 of what is read for sector 0 is sample `readOffset` of
+    /// the disc. May be negative.
     int readOffset = 0;
     UnitFaults faults;
 
@@ -130,10 +129,10 @@ private:
     bool _isTrayOpen = false;
     bool _isTrayLocked = false;
     bool _isUnplugged = false;
-    bool _hasChanged = false;    ///< a new disc that no command was told of yet
-    unsigned _blankingSteps = 0; ///< so many questions until the disc is blank
+    bool _hasChanged = false;    ///< a new disc that no command has reported yet
+    unsigned _blankingSteps = 0; ///< the number of queries until the disc is blank
     std::uint32_t _writeSpeed = 0xFFFF;
-    /// The write parameters page, as it was last set.
+    /// The write parameters page as last set.
     std::vector<std::uint8_t> _writeParameters = std::vector<std::uint8_t>(52);
     std::optional<PlannedSession> _planned; ///< announced by a cue sheet
     std::optional<MediumTrack> _openTrack;  ///< track-at-once

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 //
-// What the drive tells of its disc.
+// Queries about the disc.
 #include <algorithm>
 #include <map>
 
@@ -13,7 +13,7 @@ using Bytes = std::vector<std::uint8_t>;
 
 std::uint8_t controlOf(const MediumTrack& track) { return track.isAudio ? 0x10 : 0x14; }
 
-/// An address as a list of contents has it: as time or as number.
+/// Writes an address of a table of contents: as time or as number.
 void putAddress(Bytes& bytes, std::size_t at, std::int32_t address, bool isTime) {
     if (isTime)
         putTime(bytes, at + 1, address);
@@ -36,7 +36,7 @@ std::optional<std::int32_t> OpticalUnit::nextWritable() const {
     case Medium::State::Appendable:
         return _medium->nextStart();
     case Medium::State::Incomplete:
-        // A track at once may follow others; what was to be written at once is lost.
+        // Track-at-once may append a track; an interrupted session-at-once is lost.
         return isAtOnce() ? std::nullopt : std::optional(_medium->nextStart());
     case Medium::State::Closed:
         break;
@@ -145,7 +145,7 @@ ScsiReply OpticalUnit::contents(const ScsiCommand& command) {
     case 2:
         return fullContents();
     default:
-        return sense::invalidField; // there is no text on these discs
+        return sense::invalidField; // these discs have no CD-Text
     }
 }
 

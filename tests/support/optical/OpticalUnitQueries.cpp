@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 //
-// What the drive tells of itself.
+// Queries about the drive.
 #include <algorithm>
 
 #include "tests/support/optical/OpticalUnit.h"
@@ -50,7 +50,7 @@ Bytes profileList(std::uint16_t current) {
 ScsiReply OpticalUnit::inquiry(const ScsiCommand&) {
     Bytes answer(36);
     answer[0] = 5;    // a CD or DVD drive
-    answer[1] = 0x80; // whose disc can be taken out
+    answer[1] = 0x80; // with removable discs
     answer[2] = 5;
     answer[3] = 0x32;
     answer[4] = 31;
@@ -100,8 +100,8 @@ Bytes OpticalUnit::capabilities() const {
     page[1] = static_cast<std::uint8_t>(page.size() - 2);
     page[2] = 0x1B; // reads CD-R, CD-RW, DVD
     page[3] = 0x03; // writes CD-R, CD-RW
-    page[4] = 0x80; // does not run dry
-    page[5] = 0x03; // reads sound
+    page[4] = 0x80; // buffer underrun protection
+    page[5] = 0x03; // reads audio
     page[6] = static_cast<std::uint8_t>(0x29 | (_isTrayLocked ? 0x02 : 0));
     put16(page, 8, fastestReading);
     put16(page, 12, bufferBytes >> 10);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 //
-// How the drive reads.
+// Reading.
 #include <algorithm>
 #include <cstring>
 
@@ -43,7 +43,7 @@ ScsiReply OpticalUnit::readBlocks(const ScsiCommand& command) {
     return reply;
 }
 
-/// The samples that the drive takes for those of a sector.
+/// Returns the samples that the drive reads for a sector.
 std::vector<std::byte> OpticalUnit::soundAt(std::int32_t address) const {
     const std::int64_t from = std::int64_t{address} * samplesOfSector + readOffset;
     std::int64_t sector = from / samplesOfSector - (from % samplesOfSector < 0 ? 1 : 0);

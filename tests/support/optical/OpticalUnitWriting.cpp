@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 //
-// How the drive records.
+// Writing.
 #include <algorithm>
 
 #include "tests/support/optical/OpticalUnit.h"
@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t cueEntrySize = 8;
 constexpr unsigned leadOut = 0xAA;
-/// A drive ends a track that was written at once with two sectors that link to nothing.
+/// A drive ends a track written track-at-once with two run-out sectors.
 constexpr std::uint32_t sectorsOfRunOut = 2;
 
 struct CueEntry {
@@ -32,7 +32,7 @@ std::vector<CueEntry> entriesOf(std::span<const std::byte> sheet) {
     return entries;
 }
 
-/// The tracks that a sheet tells of, the lead-in and lead-out left out.
+/// Returns the tracks of a cue sheet without the lead-in and lead-out.
 std::vector<MediumTrack> tracksOf(const std::vector<CueEntry>& entries, const Medium& disc) {
     std::vector<MediumTrack> tracks;
     std::int32_t gapStart = 0;
@@ -65,7 +65,7 @@ std::vector<MediumTrack> tracksOf(const std::vector<CueEntry>& entries, const Me
 ScsiReply OpticalUnit::modeSelect(const ScsiCommand& command) {
     constexpr std::size_t header = 8;
     if (command.sent.size() < header + 5 || std::to_integer<unsigned>(command.sent[header]) != 5)
-        return sense::good; // another page, which changes nothing here
+        return sense::good; // another page, which is ignored
     std::vector<std::uint8_t> page;
     for (const std::byte byte : command.sent.subspan(header))
         page.push_back(std::to_integer<std::uint8_t>(byte));
@@ -126,7 +126,7 @@ ScsiReply OpticalUnit::write(const ScsiCommand& command) {
     return {};
 }
 
-/// Checks that writing may go on here, and opens a track where none was announced.
+/// Checks that writing may continue at an address, and opens a track if there is none.
 ScsiSense OpticalUnit::beginTrack(std::int32_t address) {
     if (!_medium->isCD())
         return sense::incompatibleMedium;

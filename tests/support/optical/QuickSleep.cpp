@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 //
-// libburn gives a drive half a second or more for each step before it asks whether it is ready.
-// These drives are, so its naps end early: the functions stand before libc's in every program that
-// holds them.
+// libburn waits half a second or more after each step before it asks whether a drive is ready. The
+// emulated drives are ready at once, so these functions, interposed before libc's in every program
+// that links this file, end its delays early.
 #include <algorithm>
 #include <chrono>
 #include <thread>

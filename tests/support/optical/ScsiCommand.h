@@ -9,10 +9,10 @@
 
 namespace quarner {
 
-/// One command as a drive gets it. Numbers in it are big-endian.
+/// One command as a drive receives it. Numbers in it are big-endian.
 struct ScsiCommand {
     std::span<const std::uint8_t> block; ///< the command itself; the first byte names it
-    std::span<const std::byte> sent;     ///< the data that came with it
+    std::span<const std::byte> sent;     ///< the data sent with it
 
     std::uint8_t operation() const { return at(0); }
     std::uint8_t at(std::size_t byte) const { return byte < block.size() ? block[byte] : 0; }
@@ -23,15 +23,15 @@ struct ScsiCommand {
     std::uint32_t at32(std::size_t byte) const { return at16(byte) << 16 | at16(byte + 2); }
 };
 
-/// Why a command failed. A key of 0 means that it did not.
+/// The sense data of a command: why it failed. A key of 0 means success.
 struct ScsiSense {
     std::uint8_t key = 0;
     std::uint8_t code = 0;
     std::uint8_t qualifier = 0;
-    std::uint16_t progress = 0; ///< of what the drive is busy with, of 65536; 0: not told
+    std::uint16_t progress = 0; ///< of the current operation, of 65536; 0: not reported
 
     bool isGood() const { return key == 0; }
-    /// In the fixed format of 18 bytes.
+    /// Returns the fixed format of 18 bytes.
     std::vector<std::uint8_t> bytes() const {
         const std::uint8_t isProgress = progress > 0 ? 0x80 : 0;
         return {0x70,
@@ -77,7 +77,7 @@ constexpr ScsiSense wrongTrackMode{0x5, 0x64, 0x00};
 constexpr ScsiSense mediumChanged{0x6, 0x28, 0x00};
 } // namespace sense
 
-/// What a drive answers.
+/// The reply of a drive.
 struct ScsiReply {
     ScsiSense sense;
     std::vector<std::uint8_t> data;
@@ -95,7 +95,7 @@ inline void put32(std::vector<std::uint8_t>& bytes, std::size_t at, std::uint32_
     put16(bytes, at, value >> 16);
     put16(bytes, at + 2, value & 0xFFFF);
 }
-/// An address as minutes, seconds and frames, three bytes.
+/// Writes an address as minutes, seconds and frames, three bytes.
 inline void putTime(std::vector<std::uint8_t>& bytes, std::size_t at, std::int32_t address) {
     const std::int32_t frames = address + 150 + (address < -150 ? 450'000 : 0);
     bytes.at(at) = static_cast<std::uint8_t>(frames / 75 / 60);

@@ -7,18 +7,18 @@
 
 namespace quarner {
 
-/// What stands behind a node in /dev. Called on one thread that all nodes share.
+/// The implementation of a node in /dev. Called on one thread that all nodes share.
 class SystemCallTarget {
 public:
     virtual ~SystemCallTarget();
 
-    /// Executes a command; nothing when the drive is unplugged.
+    /// Executes a command. Returns `std::nullopt` if the drive is unplugged.
     virtual std::optional<ScsiReply> execute(const ScsiCommand& command) = 0;
-    /// The answer to CDROM_DRIVE_STATUS.
+    /// Returns the result of CDROM_DRIVE_STATUS.
     virtual int driveStatus() = 0;
-    /// Carries out CDROMEJECT; answers the error, 0 when the drive did it.
+    /// Executes CDROMEJECT. Returns its error, or 0.
     virtual int eject() = 0;
-    /// Carries out CDROM_LOCKDOOR; answers whether the drive did it.
+    /// Executes CDROM_LOCKDOOR. Returns whether it succeeded.
     virtual bool lockTray(bool isLocked) = 0;
 };
 

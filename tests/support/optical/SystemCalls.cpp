@@ -33,7 +33,7 @@ std::vector<std::uint8_t> bytesAt(UMockdevIoctlData* data, std::size_t offset, s
     return {part->data, part->data + part->data_len};
 }
 
-/// Overwrites what a pointer in the data points to.
+/// Overwrites the target of a pointer in the data.
 void putBytes(UMockdevIoctlData* data, std::size_t offset, std::vector<std::uint8_t> bytes) {
     if (bytes.empty())
         return;
@@ -46,13 +46,13 @@ void putBytes(UMockdevIoctlData* data, std::size_t offset, std::vector<std::uint
 constexpr gulong getIdAndUnit = 0x5382;
 constexpr gulong getBusNumber = 0x5386;
 
-/// The answer of a system call.
+/// The result of a system call.
 struct CallResult {
     long value = 0;
     int error = 0;
 };
 
-/// Puts the answer where the caller of SG_IO expects it.
+/// Stores the reply in the caller's SG_IO header.
 void deliver(UMockdevIoctlData* data, sg_io_hdr header, const ScsiReply& reply) {
     constexpr unsigned char checkCondition = 2;
     constexpr unsigned short driverHasSense = 8;
@@ -104,7 +104,7 @@ CallResult fillIn(UMockdevIoctlClient* client, std::vector<std::uint8_t> bytes) 
 
 CallResult resultOf(int error) { return error == 0 ? CallResult() : CallResult{-1, error}; }
 
-/// The argument of a call that takes a number.
+/// Returns the argument of a call that takes a number.
 std::uintptr_t numberIn(const UMockdevIoctlData* argument) {
     std::uintptr_t number = 0;
     std::memcpy(&number, argument->data, std::min(sizeof number, std::size_t(argument->data_len)));
@@ -131,8 +131,8 @@ CallResult answer(UMockdevIoctlClient* client, SystemCallTarget& target) {
     }
 }
 
-/// Who answers the calls of which node. Not handed to the signal as its data, for the locks of GLib
-/// that would guard it on its way to the other thread are not seen by a thread checker.
+/// The target of each node. A global rather than the signal's data, because ThreadSanitizer does
+/// not see GLib's locks, which would guard the data between the threads.
 class Targets {
 public:
     void set(const UMockdevIoctlBase* calls, const std::shared_ptr<SystemCallTarget>& target) {

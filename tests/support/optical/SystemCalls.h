@@ -9,8 +9,8 @@
 
 namespace quarner {
 
-/// Hands the system calls on a node to a target for as long as that lives; afterwards they fail as
-/// those of a drive that is gone.
+/// Passes the system calls on a node to a target while the target exists; afterwards they fail as
+/// those on an unplugged drive.
 void answerSystemCalls(UMockdevIoctlBase* calls, const std::shared_ptr<SystemCallTarget>& target);
 
 } // namespace quarner

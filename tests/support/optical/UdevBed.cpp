@@ -57,8 +57,8 @@ public:
         return path.get();
     }
 
-    /// The properties are the lines of a file of the device, from which events take them too.
-    /// Whoever reads it meanwhile sees all of the old ones, or of the new ones.
+    /// The properties are the lines of a file of the device; events read them too. A concurrent
+    /// reader sees either all old or all new ones.
     void writeProperties(const std::string& name, const Properties& properties) {
         const std::string path = root().string() + sysPathOf(name) + "/uevent";
         std::ofstream file(path + ".new");
@@ -68,8 +68,7 @@ public:
         std::filesystem::rename(path + ".new", path);
     }
 
-    /// Once for each name and for good: an open node whose calls nobody answers any more ends the
-    /// program.
+    /// Once for each name: an open node without a handler ends the program.
     void answerCalls(const std::string& name, const std::shared_ptr<SystemCallTarget>& target) {
         if (!_answered.insert(name).second)
             return;
@@ -89,7 +88,7 @@ public:
         _changed.notify_all();
     }
 
-    std::mutex mutex; ///< the test bed itself takes one call at a time
+    std::mutex mutex; ///< the test bed supports one call at a time
     const std::unique_ptr<UMockdevTestbed, Unref> testbed{umockdev_testbed_new()};
 
 private:
@@ -132,12 +131,12 @@ void UdevBed::attach(const std::string& name, unsigned minor, const Properties& 
     _bed->answerCalls(name, target);
     if (!umockdev_testbed_add_from_string(_bed->testbed.get(), device.c_str(), nullptr))
         throw std::logic_error("no such device: " + device);
-    // An "add" event is part of it.
+    // This also sends an "add" event.
 }
 
 void UdevBed::detach(const std::string& name) {
     const std::lock_guard lock(_bed->mutex);
-    // When the event comes, the device is gone already: only its own folder is still needed.
+    // At the time of the event the device is already gone: only its own folder is needed.
     for (const char* place : {"dev/", "sys/class/block/", "sys/block/"})
         std::filesystem::remove(_bed->root() / (place + name));
     _bed->tell(name, "remove");
