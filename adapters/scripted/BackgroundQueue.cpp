@@ -10,7 +10,7 @@ thread_local bool isWorkerThread = false;
 
 } // namespace
 
-BackgroundQueue::BackgroundQueue(std::shared_ptr<Pulse> pulse) : _pulse(std::move(pulse)) {}
+BackgroundQueue::BackgroundQueue(std::shared_ptr<Ticker> ticker) : _ticker(std::move(ticker)) {}
 
 BackgroundQueue::~BackgroundQueue() { close(); }
 
@@ -94,12 +94,12 @@ void BackgroundQueue::joinEnded() {
 void BackgroundQueue::run(std::function<void()> work) {
     isWorkerThread = true;
     work();
-    work = nullptr; // what it holds counts as running
+    work = nullptr; // destroyed before the work counts as done
     {
         const std::lock_guard lock(_mutex);
         --_running;
     }
-    _pulse->beat();
+    _ticker->tick();
 }
 
 } // namespace quarner

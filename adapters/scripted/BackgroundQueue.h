@@ -9,24 +9,24 @@
 #include <thread>
 #include <vector>
 
-#include "adapters/scripted/Pulse.h"
+#include "adapters/scripted/Ticker.h"
 #include "quarner/scripted/ScriptedQueue.h"
 
 namespace quarner {
 
-/// The concurrent queue: every piece of work runs on a thread of its own.
+/// The concurrent queue: every item of work runs on its own thread.
 class BackgroundQueue : public ScriptedQueue {
 public:
-    explicit BackgroundQueue(std::shared_ptr<Pulse> pulse);
+    explicit BackgroundQueue(std::shared_ptr<Ticker> ticker);
     ~BackgroundQueue() override;
 
     void submit(std::function<void()> work);
     std::size_t running() const;
 
-    /// Drops the work that waits and waits for the work that runs; nothing is taken afterwards.
+    /// Drops the work that has not begun, rejects new work, and waits for running work to end.
     void close();
 
-    /// Whether the calling thread runs work of such a queue.
+    /// Whether the calling thread is running work of a `BackgroundQueue`.
     static bool isOnItsThread();
 
     void hold() override;
@@ -44,7 +44,7 @@ private:
     void joinEnded();
     void run(std::function<void()> work);
 
-    const std::shared_ptr<Pulse> _pulse;
+    const std::shared_ptr<Ticker> _ticker;
     mutable std::mutex _mutex;
     bool _isHeld = false;
     bool _isClosed = false;

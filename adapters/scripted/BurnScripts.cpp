@@ -7,25 +7,26 @@
 namespace quarner {
 namespace {
 
-/// Builds the records of a burn that goes well.
-class Storyteller {
+/// Builds the records of a successful burn.
+class RecordBuilder {
 public:
-    Storyteller(const BurnStory& story, const DRLayout& layout) : _story(story), _layout(layout) {
+    RecordBuilder(const BurnScript& script, const DRLayout& layout)
+        : _script(script), _layout(layout) {
         for (const auto& track : layout)
             _blocks += track->estimateLength();
     }
 
-    std::vector<BurnRecord> tell() {
+    std::vector<BurnRecord> build() {
         add({.state = DRStatusStatePreparing});
         add({.state = DRStatusStateSessionOpen});
         for (std::size_t i = 0; i < _layout.size(); ++i)
             writeTrack(i);
         add({.state = DRStatusStateSessionClose});
         add({.state = DRStatusStateFinishing});
-        for (int i = 0; _story.verifies && i <= _story.progressReports; ++i)
+        for (int i = 0; _script.verifies && i <= _script.progressReports; ++i)
             add({.state = DRStatusStateVerifying,
-                 .fraction = partOf(static_cast<double>(i), _story.progressReports),
-                 .speed = _story.speed});
+                 .fraction = partOf(static_cast<double>(i), _script.progressReports),
+                 .speed = _script.speed});
         add({.state = DRStatusStateDone});
         return std::move(_records);
     }
@@ -36,10 +37,11 @@ private:
     static double partOf(double done, double all) { return all > 0.0 ? done / all : 1.0; }
 
     void writeTrack(std::size_t index) {
-        BurnRecord record = {.speed = _story.speed,
+        BurnRecord record = {.speed = _script.speed,
                              .track = static_cast<std::int64_t>(index) + 1,
                              .of = static_cast<std::int64_t>(_layout.size())};
-        const auto say = [&](const char* state, std::optional<double> fraction = std::nullopt) {
+        const auto addState = [&](const char* state,
+                                  std::optional<double> fraction = std::nullopt) {
             record.state = state;
             record.fraction = fraction;
             add(record);
@@ -48,28 +50,30 @@ private:
             return partOf(blocks, static_cast<double>(_blocks));
         };
         const auto length = static_cast<double>(_layout[index]->estimateLength());
-        say(DRStatusStateTrackOpen);
-        for (int i = 1; i <= _story.progressReports; ++i)
-            say(DRStatusStateTrackWrite, part(_written + length * i / _story.progressReports));
+        addState(DRStatusStateTrackOpen);
+        for (int i = 1; i <= _script.progressReports; ++i)
+            addState(DRStatusStateTrackWrite,
+                     part(_written + length * i / _script.progressReports));
         _written += length;
-        say(DRStatusStateTrackClose);
+        addState(DRStatusStateTrackClose);
     }
 
-    const BurnStory& _story;
+    const BurnScript& _script;
     const DRLayout& _layout;
     std::uint64_t _blocks = 0;
     double _written = 0.0;
     std::vector<BurnRecord> _records;
 };
 
-/// Where the story turns bad: the first record that is not sent any more.
-std::vector<BurnRecord>::iterator turn(std::vector<BurnRecord>& records, const BurnStory& story) {
+/// Returns the first record that is not sent because the burn fails before it.
+std::vector<BurnRecord>::iterator firstNotSent(std::vector<BurnRecord>& records,
+                                               const BurnScript& script) {
     const auto isBeyondFraction = [&](const BurnRecord& record) {
-        return story.failsAt && record.state != DRStatusStateVerifying &&
-               record.fraction.value_or(-1.0) > *story.failsAt;
+        return script.failsAt && record.state != DRStatusStateVerifying &&
+               record.fraction.value_or(-1.0) > *script.failsAt;
     };
     const auto isInState = [&](const BurnRecord& record) {
-        return story.failsIn && record.state == story.failsIn;
+        return script.failsIn && record.state == script.failsIn;
     };
     const auto beyond = std::find_if(records.begin(), records.end(), isBeyondFraction);
     const auto inState = std::find_if(records.begin(), records.end(), isInState);
@@ -94,16 +98,16 @@ Dictionary BurnRecord::dictionary() const {
     return record;
 }
 
-std::vector<BurnRecord> recordsOf(const BurnStory& story, const DRLayout& layout) {
-    std::vector<BurnRecord> records = Storyteller(story, layout).tell();
-    const bool isBad = story.failsAt || story.failsIn;
-    if (!isBad)
+std::vector<BurnRecord> recordsOf(const BurnScript& script, const DRLayout& layout) {
+    std::vector<BurnRecord> records = RecordBuilder(script, layout).build();
+    const bool isFailing = script.failsAt || script.failsIn;
+    if (!isFailing)
         return records;
-    records.erase(turn(records, story), records.end());
+    records.erase(firstNotSent(records, script), records.end());
     if (!records.empty() && records.back().state == DRStatusStateDone)
         records.pop_back();
     records.push_back(
-        {.state = DRStatusStateFailed, .error = static_cast<std::uint32_t>(story.code)});
+        {.state = DRStatusStateFailed, .error = static_cast<std::uint32_t>(script.code)});
     return records;
 }
 

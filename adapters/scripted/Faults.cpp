@@ -33,7 +33,7 @@ bool Faults::fails(ServiceCall call, const std::string& subject) {
         ++_calls[call];
         action = _actions[call];
     }
-    if (action) // without the lock: it may well make calls of its own
+    if (action) // without the lock: the action may make calls itself
         action(subject);
     const std::lock_guard lock(_mutex);
     return takesFault(call, subject);

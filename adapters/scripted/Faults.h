@@ -12,7 +12,7 @@
 
 namespace quarner {
 
-/// Which calls of a scripted platform are to fail, and what has been called. Any thread.
+/// The faults, actions and call counts of a scripted platform. Any thread.
 class Faults {
 public:
     using Action = std::function<void(const std::string&)>;
@@ -22,7 +22,7 @@ public:
     void setAction(ServiceCall call, Action action);
     std::size_t calls(ServiceCall call) const;
 
-    /// Counts a call, runs its action, and answers whether it is to fail.
+    /// Counts a call, runs its action, and returns whether the call must fail.
     bool fails(ServiceCall call, const std::string& subject);
 
 private:

@@ -6,7 +6,7 @@
 
 namespace quarner {
 
-MainQueue::MainQueue(std::shared_ptr<Pulse> pulse) : _pulse(std::move(pulse)) {}
+MainQueue::MainQueue(std::shared_ptr<Ticker> ticker) : _ticker(std::move(ticker)) {}
 
 void MainQueue::runAndWait(std::function<void()> work, bool isCallerInBackground) {
     const auto item = std::make_shared<Item>();
@@ -18,7 +18,7 @@ void MainQueue::runAndWait(std::function<void()> work, bool isCallerInBackground
             return;
         _items.push_back(item);
     }
-    _pulse->beat();
+    _ticker->tick();
     std::unique_lock lock(_mutex);
     _changed.wait(lock, [&] { return item->isDone || (_isClosed && !item->isBegun); });
 }
@@ -81,7 +81,7 @@ void MainQueue::release() {
         const std::lock_guard lock(_mutex);
         _isHeld = false;
     }
-    _pulse->beat();
+    _ticker->tick();
 }
 
 bool MainQueue::releaseOne(std::size_t place) {
@@ -95,7 +95,7 @@ bool MainQueue::releaseOne(std::size_t place) {
             return false;
         (*item)->isLetThrough = true;
     }
-    _pulse->beat();
+    _ticker->tick();
     return true;
 }
 

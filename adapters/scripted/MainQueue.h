@@ -7,30 +7,27 @@
 #include <memory>
 #include <mutex>
 
-#include "adapters/scripted/Pulse.h"
+#include "adapters/scripted/Ticker.h"
 #include "quarner/scripted/ScriptedQueue.h"
 
 namespace quarner {
 
-/// The main queue: work waits here until the main thread serves it, and its caller waits for
-/// that.
+/// The main queue. Work waits until the main thread runs it, and its caller waits too.
 class MainQueue : public ScriptedQueue {
 public:
-    explicit MainQueue(std::shared_ptr<Pulse> pulse);
+    explicit MainQueue(std::shared_ptr<Ticker> ticker);
 
-    /// Puts work in the line and waits until it has run, or until the queue is closed before it
-    /// has begun.
+    /// Queues work. Returns after it has run, or once the queue is closed before it has begun.
     void runAndWait(std::function<void()> work, bool isCallerInBackground);
 
-    /// Runs the first piece of work that is not held back. False when there is none. Only on the
-    /// main thread.
+    /// Runs the first item that is not held. Returns false if there is none. Main thread only.
     bool serveOne();
-    bool hasWork() const; ///< that is not held back
+    bool hasWork() const; ///< whether an item is not held
 
-    /// How many threads of the background queue wait for work that is held back.
+    /// The number of background threads that wait for held work.
     std::size_t heldBackgroundCallers() const;
 
-    /// Lets all callers go; work that has not begun is dropped, now and later.
+    /// Wakes all callers and drops all work that has not begun, now and later.
     void close();
 
     void hold() override;
@@ -51,7 +48,7 @@ private:
     bool isHeldBack(const Item& item) const { return _isHeld && !item.isLetThrough; }
     ItemRef takeNext();
 
-    const std::shared_ptr<Pulse> _pulse;
+    const std::shared_ptr<Ticker> _ticker;
     mutable std::mutex _mutex;
     std::condition_variable _changed;
     bool _isHeld = false;

@@ -5,18 +5,16 @@
 
 namespace quarner {
 
-ScriptedQueue::~ScriptedQueue() = default;
-
-ScriptedDispatch::ScriptedDispatch(std::shared_ptr<ScriptedStage> stage)
-    : background(stage->pulse), main(stage->pulse), _stage(std::move(stage)) {}
+ScriptedDispatch::ScriptedDispatch(std::shared_ptr<ScriptedContext> context)
+    : background(context->ticker), main(context->ticker), _context(std::move(context)) {}
 
 void ScriptedDispatch::asyncGlobal(std::function<void()> work) {
-    if (!_stage->fails(ServiceCall::AsyncGlobal))
+    if (!_context->fails(ServiceCall::AsyncGlobal))
         background.submit(std::move(work));
 }
 
 void ScriptedDispatch::syncMain(std::function<void()> work) {
-    if (_stage->fails(ServiceCall::SyncMain))
+    if (_context->fails(ServiceCall::SyncMain))
         return;
     if (isMainThread())
         work();

@@ -6,33 +6,33 @@
 
 #include "adapters/scripted/BackgroundQueue.h"
 #include "adapters/scripted/MainQueue.h"
-#include "adapters/scripted/ScriptedStage.h"
+#include "adapters/scripted/ScriptedContext.h"
 #include "quarner/platform/DispatchService.h"
 
 namespace quarner {
 
-/// The dispatch service over two queues that can be held. The thread that makes it is the main
+/// The dispatch service on two queues that can be held. The thread that constructs it is the main
 /// thread.
 class ScriptedDispatch : public DispatchService {
 public:
-    explicit ScriptedDispatch(std::shared_ptr<ScriptedStage> stage);
+    explicit ScriptedDispatch(std::shared_ptr<ScriptedContext> context);
 
     void asyncGlobal(std::function<void()> work) override;
     void syncMain(std::function<void()> work) override;
 
     bool isMainThread() const { return std::this_thread::get_id() == _mainThread; }
 
-    /// Whether background work runs that does not wait for a held main queue.
+    /// Whether background work is running that does not wait for a held main queue.
     bool isBackgroundBusy() const;
 
-    /// Drops what waits, and waits for what runs.
+    /// Drops the work that has not begun and waits for running work to end.
     void close();
 
     BackgroundQueue background;
     MainQueue main;
 
 private:
-    const std::shared_ptr<ScriptedStage> _stage;
+    const std::shared_ptr<ScriptedContext> _context;
     const std::thread::id _mainThread = std::this_thread::get_id();
 };
 

@@ -53,18 +53,19 @@ std::uint64_t samplesOf(const MediaScript& media) {
     return media.samples.value_or(static_cast<std::uint64_t>(samples));
 }
 
-ScriptedFiles::ScriptedFiles(std::shared_ptr<ScriptedStage> stage, std::shared_ptr<FileStore> store)
-    : _stage(std::move(stage)), _store(std::move(store)) {}
+ScriptedFiles::ScriptedFiles(std::shared_ptr<ScriptedContext> context,
+                             std::shared_ptr<FileStore> store)
+    : _context(std::move(context)), _store(std::move(store)) {}
 
 std::string ScriptedFiles::displayName(const std::string& path) {
-    const bool isFailing = _stage->fails(ServiceCall::DisplayName, path);
+    const bool isFailing = _context->fails(ServiceCall::DisplayName, path);
     const std::optional<FileScript> file = _store->file(path);
     return isFailing || !file ? lastComponent(path)
                               : file->displayName.value_or(lastComponent(path));
 }
 
 std::optional<FileAttributes> ScriptedFiles::attributes(const std::string& path) {
-    const bool isFailing = _stage->fails(ServiceCall::Attributes, path);
+    const bool isFailing = _context->fails(ServiceCall::Attributes, path);
     const std::optional<FileScript> file = _store->file(path);
     if (isFailing || !file || !file->isReadable)
         return std::nullopt;
@@ -72,12 +73,12 @@ std::optional<FileAttributes> ScriptedFiles::attributes(const std::string& path)
 }
 
 Icon ScriptedFiles::icon(const std::string& path) {
-    const bool isFailing = _stage->fails(ServiceCall::IconOfFile, path);
+    const bool isFailing = _context->fails(ServiceCall::IconOfFile, path);
     return isFailing ? Icon() : _store->file(path).value_or(FileScript{}).icon;
 }
 
 std::optional<std::string> ScriptedFiles::resolveAlias(const std::string& path) {
-    const bool isFailing = _stage->fails(ServiceCall::ResolveAlias, path);
+    const bool isFailing = _context->fails(ServiceCall::ResolveAlias, path);
     std::optional<FileScript> file = _store->file(path);
     if (isFailing || !file || !file->aliasOf)
         return std::nullopt;
@@ -85,7 +86,7 @@ std::optional<std::string> ScriptedFiles::resolveAlias(const std::string& path) 
     std::set<std::string> visited;
     while (file && file->aliasOf) {
         if (!visited.insert(target).second)
-            return std::nullopt; // aliases that lead back to themselves
+            return std::nullopt; // the aliases form a cycle
         target = *file->aliasOf;
         file = _store->file(target);
     }

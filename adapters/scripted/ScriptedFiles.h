@@ -8,13 +8,13 @@
 #include <optional>
 #include <string>
 
-#include "adapters/scripted/ScriptedStage.h"
+#include "adapters/scripted/ScriptedContext.h"
 #include "quarner/platform/FileService.h"
 #include "quarner/scripted/Scripts.h"
 
 namespace quarner {
 
-/// The files of a scripted platform and what they play. Any thread.
+/// The files of a scripted platform and their media. Any thread.
 class FileStore {
 public:
     void putFile(const std::string& path, FileScript file);
@@ -30,13 +30,13 @@ private:
     std::map<std::string, MediaScript> _media;
 };
 
-/// The stereo samples at 44.1 kHz that a file plays.
+/// Returns the stereo samples at 44.1 kHz of a file.
 std::uint64_t samplesOf(const MediaScript& media);
 
-/// The file services over a store.
+/// The file service on a `FileStore`.
 class ScriptedFiles : public FileService {
 public:
-    ScriptedFiles(std::shared_ptr<ScriptedStage> stage, std::shared_ptr<FileStore> store);
+    ScriptedFiles(std::shared_ptr<ScriptedContext> context, std::shared_ptr<FileStore> store);
 
     std::string displayName(const std::string& path) override;
     std::optional<FileAttributes> attributes(const std::string& path) override;
@@ -44,7 +44,7 @@ public:
     std::optional<std::string> resolveAlias(const std::string& path) override;
 
 private:
-    const std::shared_ptr<ScriptedStage> _stage;
+    const std::shared_ptr<ScriptedContext> _context;
     const std::shared_ptr<FileStore> _store;
 };
 

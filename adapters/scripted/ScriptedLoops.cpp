@@ -4,7 +4,7 @@
 namespace quarner {
 namespace {
 
-// The id of a thread is used again after its end, an object of its own is not.
+// A thread's id is reused after its end; the address of a live object is not.
 const std::shared_ptr<const void>& currentThread() {
     static thread_local const std::shared_ptr<const void> identity = std::make_shared<char>();
     return identity;
@@ -18,7 +18,7 @@ std::shared_ptr<RunLoopCenter> ScriptedLoops::currentCenter() {
     for (const Loop& loop : _loops)
         if (loop.thread.lock() == thread)
             return loop.center;
-    auto center = std::make_shared<RunLoopCenter>([pulse = _pulse] { pulse->beat(); });
+    auto center = std::make_shared<RunLoopCenter>([ticker = _ticker] { ticker->tick(); });
     _loops.push_back({thread, center});
     return center;
 }

@@ -7,19 +7,19 @@
 #include <vector>
 
 #include "adapters/runloop/RunLoopCenter.h"
-#include "adapters/scripted/Pulse.h"
+#include "adapters/scripted/Ticker.h"
 
 namespace quarner {
 
-/// The run loops of a scripted platform, one for each thread that asks.
+/// The run loops of a scripted platform: one for each thread that asks for its own.
 class ScriptedLoops : public RunLoops {
 public:
-    explicit ScriptedLoops(std::shared_ptr<Pulse> pulse) : _pulse(std::move(pulse)) {}
+    explicit ScriptedLoops(std::shared_ptr<Ticker> ticker) : _ticker(std::move(ticker)) {}
 
     std::shared_ptr<RunLoopCenter> currentCenter() override;
     void postToAll(const DRNotification& notification) override;
 
-    /// Lets go of all loops; what is posted from now on is lost.
+    /// Releases all loops. Notifications posted afterwards are lost.
     void close();
 
 private:
@@ -30,7 +30,7 @@ private:
 
     void forgetEndedThreads();
 
-    const std::shared_ptr<Pulse> _pulse;
+    const std::shared_ptr<Ticker> _ticker;
     std::mutex _mutex;
     std::vector<Loop> _loops;
     bool _isClosed = false;

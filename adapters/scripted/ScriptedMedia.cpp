@@ -24,11 +24,12 @@ QTTime timeOf(const MediaScript& media) {
 
 } // namespace
 
-ScriptedMedia::ScriptedMedia(std::shared_ptr<ScriptedStage> stage, std::shared_ptr<FileStore> files)
-    : _stage(std::move(stage)), _files(std::move(files)) {}
+ScriptedMedia::ScriptedMedia(std::shared_ptr<ScriptedContext> context,
+                             std::shared_ptr<FileStore> files)
+    : _context(std::move(context)), _files(std::move(files)) {}
 
 std::unique_ptr<QTMovie> ScriptedMedia::movieWithFile(const std::string& path) {
-    const bool isFailing = _stage->fails(ServiceCall::MovieWithFile, path);
+    const bool isFailing = _context->fails(ServiceCall::MovieWithFile, path);
     const std::optional<MediaScript> media = _files->media(path);
     if (isFailing || !media || !media->isPlayable)
         return nullptr;
@@ -36,7 +37,7 @@ std::unique_ptr<QTMovie> ScriptedMedia::movieWithFile(const std::string& path) {
 }
 
 std::vector<std::string> ScriptedMedia::movieFileTypes(std::uint32_t /*flags*/) {
-    if (_stage->fails(ServiceCall::MovieFileTypes))
+    if (_context->fails(ServiceCall::MovieFileTypes))
         return {};
     const std::lock_guard lock(_mutex);
     return _types;

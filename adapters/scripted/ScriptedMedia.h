@@ -6,16 +6,16 @@
 #include <string>
 #include <vector>
 
+#include "adapters/scripted/ScriptedContext.h"
 #include "adapters/scripted/ScriptedFiles.h"
-#include "adapters/scripted/ScriptedStage.h"
 #include "quarner/platform/MediaService.h"
 
 namespace quarner {
 
-/// The media service over a store.
+/// The media service on a `FileStore`.
 class ScriptedMedia : public MediaService {
 public:
-    ScriptedMedia(std::shared_ptr<ScriptedStage> stage, std::shared_ptr<FileStore> files);
+    ScriptedMedia(std::shared_ptr<ScriptedContext> context, std::shared_ptr<FileStore> files);
 
     std::unique_ptr<QTMovie> movieWithFile(const std::string& path) override;
     std::vector<std::string> movieFileTypes(std::uint32_t flags) override;
@@ -23,7 +23,7 @@ public:
     void setMovieFileTypes(std::vector<std::string> types);
 
 private:
-    const std::shared_ptr<ScriptedStage> _stage;
+    const std::shared_ptr<ScriptedContext> _context;
     const std::shared_ptr<FileStore> _files;
     std::mutex _mutex;
     std::vector<std::string> _types;

@@ -14,19 +14,19 @@
 namespace quarner {
 
 struct ScriptedPlatform::Services {
-    std::shared_ptr<ScriptedStage> stage = std::make_shared<ScriptedStage>();
+    std::shared_ptr<ScriptedContext> context = std::make_shared<ScriptedContext>();
     std::shared_ptr<FileStore> store = std::make_shared<FileStore>();
     std::shared_ptr<ScriptedRecording> recording =
-        std::make_shared<ScriptedRecording>(stage, store);
-    std::shared_ptr<ScriptedMedia> media = std::make_shared<ScriptedMedia>(stage, store);
-    std::shared_ptr<ScriptedFiles> files = std::make_shared<ScriptedFiles>(stage, store);
-    std::shared_ptr<ScriptedDispatch> dispatch = std::make_shared<ScriptedDispatch>(stage);
-    std::shared_ptr<ScriptedTexts> text = std::make_shared<ScriptedTexts>(stage);
+        std::make_shared<ScriptedRecording>(context, store);
+    std::shared_ptr<ScriptedMedia> media = std::make_shared<ScriptedMedia>(context, store);
+    std::shared_ptr<ScriptedFiles> files = std::make_shared<ScriptedFiles>(context, store);
+    std::shared_ptr<ScriptedDispatch> dispatch = std::make_shared<ScriptedDispatch>(context);
+    std::shared_ptr<ScriptedTexts> text = std::make_shared<ScriptedTexts>(context);
     std::shared_ptr<ScriptedLog> log = std::make_shared<ScriptedLog>();
 };
 
 ScriptedPlatform::ScriptedPlatform() : _services(std::make_unique<Services>()) {
-    _services->stage->loops.currentCenter(); // hears whatever is posted from now on
+    _services->context->loops.currentCenter(); // makes the centre, so that no notification is lost
     installPlatform({.recording = _services->recording,
                      .media = _services->media,
                      .files = _services->files,
@@ -37,7 +37,7 @@ ScriptedPlatform::ScriptedPlatform() : _services(std::make_unique<Services>()) {
 
 ScriptedPlatform::~ScriptedPlatform() {
     _services->dispatch->close();
-    _services->stage->loops.close();
+    _services->context->loops.close();
     const bool isInstalled = currentPlatform()->recording == _services->recording;
     if (isInstalled)
         installPlatform({});
@@ -59,7 +59,7 @@ void ScriptedPlatform::unplug(const std::shared_ptr<ScriptedDrive>& drive) {
 }
 
 void ScriptedPlatform::post(const DRNotification& notification) {
-    _services->stage->post(notification);
+    _services->context->post(notification);
 }
 
 void ScriptedPlatform::putFile(const std::string& path, FileScript file) {
@@ -101,7 +101,8 @@ void ScriptedPlatform::setCollation(
 std::vector<std::string> ScriptedPlatform::log() const { return _services->log->lines(); }
 
 std::vector<std::shared_ptr<ScriptedBurn>> ScriptedPlatform::burns() const {
-    return _services->recording->burns();
+    const auto all = _services->recording->burns();
+    return {all.begin(), all.end()};
 }
 
 std::shared_ptr<ScriptedBurn> ScriptedPlatform::lastBurn() const {
@@ -109,23 +110,23 @@ std::shared_ptr<ScriptedBurn> ScriptedPlatform::lastBurn() const {
     return all.empty() ? nullptr : all.back();
 }
 
-void ScriptedPlatform::playBurns(const BurnStory& story) {
-    _services->stage->setStoryOfNewBurns(story);
+void ScriptedPlatform::playBurns(const BurnScript& script) {
+    _services->context->setScriptOfNewBurns(script);
 }
 
 void ScriptedPlatform::fail(ServiceCall call, const Fault& fault) {
-    _services->stage->faults.add(call, fault);
+    _services->context->faults.add(call, fault);
 }
 
-void ScriptedPlatform::mend(ServiceCall call) { _services->stage->faults.clear(call); }
+void ScriptedPlatform::repair(ServiceCall call) { _services->context->faults.clear(call); }
 
 std::size_t ScriptedPlatform::calls(ServiceCall call) const {
-    return _services->stage->faults.calls(call);
+    return _services->context->faults.calls(call);
 }
 
 void ScriptedPlatform::onCall(ServiceCall call,
                               std::function<void(const std::string& subject)> action) {
-    _services->stage->faults.setAction(call, std::move(action));
+    _services->context->faults.setAction(call, std::move(action));
 }
 
 ScriptedQueue& ScriptedPlatform::backgroundQueue() { return _services->dispatch->background; }
@@ -135,24 +136,24 @@ ScriptedQueue& ScriptedPlatform::mainQueue() { return _services->dispatch->main;
 bool ScriptedPlatform::runOnce() {
     if (_services->dispatch->isMainThread() && _services->dispatch->main.serveOne())
         return true;
-    const auto center = _services->stage->loops.currentCenter();
+    const auto center = _services->context->loops.currentCenter();
     return center->deliverOne() ||
            (!center->hasPending() && _services->recording->playNextRecord());
 }
 
 bool ScriptedPlatform::runUntil(const std::function<bool()>& predicate,
                                 std::chrono::milliseconds timeout) {
-    // The predicate may watch what does not make the pulse beat.
+    // The predicate may depend on something that does not tick.
     constexpr std::chrono::milliseconds look(2);
     const auto deadline = std::chrono::steady_clock::now() + timeout;
     for (;;) {
-        const std::uint64_t counted = _services->stage->pulse->count();
+        const std::uint64_t counted = _services->context->ticker->count();
         if (predicate())
             return true;
         if (std::chrono::steady_clock::now() >= deadline)
             return false;
         if (!runOnce())
-            _services->stage->pulse->waitBeyond(counted, look);
+            _services->context->ticker->waitBeyond(counted, look);
     }
 }
 
@@ -161,12 +162,12 @@ bool ScriptedPlatform::runUntilIdle(std::chrono::milliseconds timeout) {
 }
 
 bool ScriptedPlatform::isIdle() const {
-    // Background work first: it may leave something behind for the others.
+    // Background work first: it may queue work or notifications.
     if (_services->dispatch->isBackgroundBusy())
         return false;
     const bool hasMainWork =
         _services->dispatch->isMainThread() && _services->dispatch->main.hasWork();
-    return !hasMainWork && !_services->stage->loops.currentCenter()->hasPending() &&
+    return !hasMainWork && !_services->context->loops.currentCenter()->hasPending() &&
            !_services->recording->isAnyPlaying();
 }
 

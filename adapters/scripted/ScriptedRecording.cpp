@@ -8,7 +8,7 @@
 namespace quarner {
 namespace {
 
-/// The content of the files alone, in whole blocks.
+/// Returns the size of the files alone, in whole blocks.
 std::uint64_t blocksOf(const DRFolder& folder) {
     constexpr std::uint64_t blockSize = 2048;
     std::uint64_t blocks = 0;
@@ -19,12 +19,12 @@ std::uint64_t blocksOf(const DRFolder& folder) {
 
 } // namespace
 
-ScriptedRecording::ScriptedRecording(std::shared_ptr<ScriptedStage> stage,
+ScriptedRecording::ScriptedRecording(std::shared_ptr<ScriptedContext> context,
                                      std::shared_ptr<FileStore> files)
-    : _stage(std::move(stage)), _files(std::move(files)) {}
+    : _context(std::move(context)), _files(std::move(files)) {}
 
 std::vector<std::shared_ptr<DRDevice>> ScriptedRecording::devices() {
-    if (_stage->fails(ServiceCall::Devices))
+    if (_context->fails(ServiceCall::Devices))
         return {};
     const std::lock_guard lock(_mutex);
     return {_drives.begin(), _drives.end()};
@@ -32,16 +32,16 @@ std::vector<std::shared_ptr<DRDevice>> ScriptedRecording::devices() {
 
 std::shared_ptr<DRBurn> ScriptedRecording::burnForDevice(std::shared_ptr<DRDevice> device) {
     const std::string name = device ? device->displayName() : std::string();
-    if (_stage->fails(ServiceCall::BurnForDevice, name))
+    if (_context->fails(ServiceCall::BurnForDevice, name))
         device.reset();
-    const auto burn = std::make_shared<ScriptedBurn>(_stage, std::move(device));
+    const auto burn = std::make_shared<ScriptedBurnImpl>(_context, std::move(device));
     const std::lock_guard lock(_mutex);
     _burns.push_back(burn);
     return burn;
 }
 
 std::shared_ptr<DRTrack> ScriptedRecording::trackForAudioFile(const std::string& path) {
-    const bool isFailing = _stage->fails(ServiceCall::TrackForAudioFile, path);
+    const bool isFailing = _context->fails(ServiceCall::TrackForAudioFile, path);
     const std::optional<MediaScript> media = _files->media(path);
     if (isFailing || !media || !media->makesTrack)
         return nullptr;
@@ -60,7 +60,7 @@ std::shared_ptr<DRTrack> ScriptedRecording::trackForAudioFile(const std::string&
 
 std::shared_ptr<DRFile> ScriptedRecording::fileWithPath(const std::string& path) {
     const std::optional<FileScript> file = _files->file(path);
-    if (_stage->fails(ServiceCall::FileWithPath, path) || !file || !file->makesNode)
+    if (_context->fails(ServiceCall::FileWithPath, path) || !file || !file->makesNode)
         return nullptr;
     if (file->nodeThrows)
         throw std::runtime_error(path + ": no node can be made of it");
@@ -72,7 +72,7 @@ std::shared_ptr<DRFile> ScriptedRecording::fileWithPath(const std::string& path)
 
 std::shared_ptr<DRTrack>
 ScriptedRecording::trackForRootFolder(std::shared_ptr<const DRFolder> folder) {
-    if (_stage->fails(ServiceCall::TrackForRootFolder, folder->name()))
+    if (_context->fails(ServiceCall::TrackForRootFolder, folder->name()))
         return nullptr;
     auto track = std::make_shared<DRTrack>();
     track->setEstimateLength(dataEstimate().value_or(blocksOf(*folder)));
@@ -91,30 +91,31 @@ std::optional<std::uint64_t> ScriptedRecording::dataEstimate() const {
 }
 
 std::shared_ptr<DRNotificationCenter> ScriptedRecording::currentRunLoopCenter() {
-    return _stage->loops.currentCenter();
+    return _context->loops.currentCenter();
 }
 
 std::shared_ptr<ScriptedDrive> ScriptedRecording::attach(DriveScript script) {
-    auto drive = std::make_shared<ScriptedDrive>(_stage, std::move(script));
+    auto drive = std::make_shared<ScriptedDriveImpl>(_context, std::move(script));
     const std::lock_guard lock(_mutex);
     _drives.push_back(drive);
     return drive;
 }
 
 bool ScriptedRecording::detach(const std::shared_ptr<ScriptedDrive>& drive) {
+    const auto attached = std::dynamic_pointer_cast<ScriptedDriveImpl>(drive);
     {
         const std::lock_guard lock(_mutex);
-        if (std::erase(_drives, drive) == 0)
+        if (std::erase(_drives, attached) == 0)
             return false;
     }
-    drive->setDetached();
+    attached->setDetached();
     for (const auto& burn : burns())
         if (burn->device() == drive)
-            burn->failStory(DRError::DeviceVanished);
+            burn->failScript(DRError::DeviceVanished);
     return true;
 }
 
-std::vector<std::shared_ptr<ScriptedBurn>> ScriptedRecording::burns() const {
+std::vector<std::shared_ptr<ScriptedBurnImpl>> ScriptedRecording::burns() const {
     const std::lock_guard lock(_mutex);
     return _burns;
 }

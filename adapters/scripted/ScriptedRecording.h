@@ -6,18 +6,18 @@
 #include <optional>
 #include <vector>
 
+#include "adapters/scripted/ScriptedBurnImpl.h"
+#include "adapters/scripted/ScriptedContext.h"
+#include "adapters/scripted/ScriptedDriveImpl.h"
 #include "adapters/scripted/ScriptedFiles.h"
-#include "adapters/scripted/ScriptedStage.h"
 #include "quarner/platform/RecordingService.h"
-#include "quarner/scripted/ScriptedBurn.h"
-#include "quarner/scripted/ScriptedDrive.h"
 
 namespace quarner {
 
-/// The recording service over scripted drives.
+/// The recording service on scripted drives.
 class ScriptedRecording : public RecordingService {
 public:
-    ScriptedRecording(std::shared_ptr<ScriptedStage> stage, std::shared_ptr<FileStore> files);
+    ScriptedRecording(std::shared_ptr<ScriptedContext> context, std::shared_ptr<FileStore> files);
 
     std::vector<std::shared_ptr<DRDevice>> devices() override;
     std::shared_ptr<DRBurn> burnForDevice(std::shared_ptr<DRDevice> device) override;
@@ -29,23 +29,23 @@ public:
     void setDataEstimate(std::uint64_t blocks);
 
     std::shared_ptr<ScriptedDrive> attach(DriveScript script);
-    /// False for a drive that is not attached.
+    /// Returns false if the drive is not attached.
     bool detach(const std::shared_ptr<ScriptedDrive>& drive);
 
-    std::vector<std::shared_ptr<ScriptedBurn>> burns() const;
-    /// Lets one of the burns that play send its next record. False when none plays.
+    std::vector<std::shared_ptr<ScriptedBurnImpl>> burns() const;
+    /// Makes one of the playing burns send its next record. Returns false if none is playing.
     bool playNextRecord();
     bool isAnyPlaying() const;
 
 private:
     std::optional<std::uint64_t> dataEstimate() const;
 
-    const std::shared_ptr<ScriptedStage> _stage;
+    const std::shared_ptr<ScriptedContext> _context;
     const std::shared_ptr<FileStore> _files;
     mutable std::mutex _mutex;
     std::optional<std::uint64_t> _dataEstimate;
-    std::vector<std::shared_ptr<ScriptedDrive>> _drives;
-    std::vector<std::shared_ptr<ScriptedBurn>> _burns;
+    std::vector<std::shared_ptr<ScriptedDriveImpl>> _drives;
+    std::vector<std::shared_ptr<ScriptedBurnImpl>> _burns;
 };
 
 } // namespace quarner

@@ -18,10 +18,11 @@ std::string lowered(std::string text) {
 
 } // namespace
 
-ScriptedTexts::ScriptedTexts(std::shared_ptr<ScriptedStage> stage) : _stage(std::move(stage)) {}
+ScriptedTexts::ScriptedTexts(std::shared_ptr<ScriptedContext> context)
+    : _context(std::move(context)) {}
 
 int ScriptedTexts::compareLocalizedCaseInsensitive(const std::string& a, const std::string& b) {
-    if (_stage->fails(ServiceCall::CompareTexts, a))
+    if (_context->fails(ServiceCall::CompareTexts, a))
         return 0;
     Collation collation;
     {
@@ -32,7 +33,7 @@ int ScriptedTexts::compareLocalizedCaseInsensitive(const std::string& a, const s
 }
 
 std::string ScriptedTexts::localizedNumber(double number, int decimals) {
-    if (_stage->fails(ServiceCall::LocalizedNumber))
+    if (_context->fails(ServiceCall::LocalizedNumber))
         return {};
     std::array<char, 400> digits = {}; // the largest number has 309 of them before the point
     const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number,
@@ -45,7 +46,7 @@ std::string ScriptedTexts::localizedNumber(double number, int decimals) {
 }
 
 std::string ScriptedTexts::localizedString(const std::string& key) {
-    if (_stage->fails(ServiceCall::LocalizedString, key))
+    if (_context->fails(ServiceCall::LocalizedString, key))
         return key;
     const std::lock_guard lock(_mutex);
     const auto entry = _table.find(key);

@@ -8,18 +8,18 @@
 #include <string>
 #include <vector>
 
-#include "adapters/scripted/ScriptedStage.h"
+#include "adapters/scripted/ScriptedContext.h"
 #include "quarner/platform/LogSink.h"
 #include "quarner/platform/TextService.h"
 
 namespace quarner {
 
-/// The text service over a string table, a separator and an order of texts.
+/// The text service, with a string table, a decimal separator and a collation.
 class ScriptedTexts : public TextService {
 public:
     using Collation = std::function<int(const std::string&, const std::string&)>;
 
-    explicit ScriptedTexts(std::shared_ptr<ScriptedStage> stage);
+    explicit ScriptedTexts(std::shared_ptr<ScriptedContext> context);
 
     int compareLocalizedCaseInsensitive(const std::string& a, const std::string& b) override;
     std::string localizedNumber(double number, int decimals) override;
@@ -30,14 +30,14 @@ public:
     void setCollation(Collation collation);
 
 private:
-    const std::shared_ptr<ScriptedStage> _stage;
+    const std::shared_ptr<ScriptedContext> _context;
     std::mutex _mutex;
     std::map<std::string, std::string> _table;
     std::string _separator = ".";
     Collation _collation;
 };
 
-/// Keeps the lines of the log.
+/// A log that keeps its lines.
 class ScriptedLog : public LogSink {
 public:
     void log(const std::string& line) override;

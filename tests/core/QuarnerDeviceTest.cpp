@@ -141,7 +141,7 @@ TEST_F(QuarnerDeviceTest, EjectPutsTheDiscOutAndIgnoresARefusal) {
     platform.fail(ServiceCall::EjectMedia);
     handle.eject();
     EXPECT_TRUE(handle.isDiscInDevice());
-    platform.mend(ServiceCall::EjectMedia);
+    platform.repair(ServiceCall::EjectMedia);
     handle.eject();
     EXPECT_FALSE(handle.isDiscInDevice());
     EXPECT_EQ(platform.calls(ServiceCall::EjectMedia), 2U);

@@ -44,7 +44,7 @@ TEST(ScriptedPlatform, LetsWorkThatWaitsForTheMainThreadGoWhenItIsDestroyed) {
         burner->setDelegate(&delegate);
         burner->addFiles({"/a.mp3"});
         // The run waits for the main thread, which never serves it.
-        const auto deadline = std::chrono::steady_clock::now() + ScriptedPlatform::patience;
+        const auto deadline = std::chrono::steady_clock::now() + ScriptedPlatform::defaultTimeout;
         while (delegate.count("addFilesProgressDidChanged(a.mp3, 1, 1)") == 0 &&
                std::chrono::steady_clock::now() < deadline)
             std::this_thread::yield();
@@ -189,7 +189,7 @@ TEST_F(ScriptedPlatformTest, AFaultStrikesItsSubjectAndAsOftenAsItIsTold) {
     EXPECT_TRUE(files->attributes("/a.mp3"));
     platform.fail(ServiceCall::Attributes);
     EXPECT_FALSE(files->attributes("/b.mp3"));
-    platform.mend(ServiceCall::Attributes);
+    platform.repair(ServiceCall::Attributes);
     EXPECT_TRUE(files->attributes("/b.mp3"));
     EXPECT_EQ(platform.calls(ServiceCall::Attributes), 5U);
 }

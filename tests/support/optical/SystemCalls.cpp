@@ -166,8 +166,6 @@ gboolean onCall(UMockdevIoctlBase* calls, UMockdevIoctlClient* client, gpointer)
 
 } // namespace
 
-SystemCallTarget::~SystemCallTarget() = default;
-
 void answerSystemCalls(UMockdevIoctlBase* calls, const std::shared_ptr<SystemCallTarget>& target) {
     targets().set(calls, target);
     const auto forget = [](gpointer of, GClosure*) { targets().forget(of); };

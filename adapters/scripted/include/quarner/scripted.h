@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-/// Everything that a host's tests need of the scripted platform: see `ScriptedPlatform`.
+/// Includes everything that a host's tests need of the scripted platform: see `ScriptedPlatform`.
 
 #include "quarner/scripted/BurnScripts.h"
 #include "quarner/scripted/ScriptedBurn.h"

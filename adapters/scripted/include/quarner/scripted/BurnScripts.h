@@ -14,7 +14,7 @@
 
 namespace quarner {
 
-/// One status record of a burn; an entry that is not given is missing from it.
+/// One status record of a burn. An entry without a value is left out of it.
 struct QUARNER_EXPORT BurnRecord {
     std::optional<std::string> state = std::nullopt; ///< a DRStatusState... of DRKeys.h, or any
     std::optional<double> fraction = std::nullopt;   ///< 0.0 to 1.0, below 0 for unknown
@@ -23,25 +23,26 @@ struct QUARNER_EXPORT BurnRecord {
     std::optional<std::int64_t> of = std::nullopt;
     std::optional<std::uint32_t> error = std::nullopt; ///< the service's code
 
-    /// The record as the service delivers it.
+    /// The record as the recording service delivers it.
     Dictionary dictionary() const;
 };
 
-/// How a burn plays by itself: a plausible sequence of records from preparing to done.
-struct BurnStory {
+/// The records that a burn sends by itself: a plausible sequence from Preparing to Done.
+struct BurnScript {
     double speed = 1800.0; ///< blocks per second
-    /// How many progress records each track, and the verification, sends.
+    /// The number of progress records of each track and of the verification.
     int progressReports = 2;
-    /// Whether the disc is read back. Never when the burn's properties say no.
+    /// Whether the disc is read back. Ignored if the burn's properties switch verification off.
     bool verifies = true;
     /// The fraction of the writing at which the burn fails with `code`.
     std::optional<double> failsAt = std::nullopt;
-    /// The state in which the burn fails with `code`, right after its first record.
+    /// The burn fails with `code` right after the first record with this state.
     std::optional<std::string> failsIn = std::nullopt;
     DRError code = DRError::WriteFailed;
 };
 
-/// The records of a story for a layout, in order. The last one, and no other, is Done or Failed.
-QUARNER_EXPORT std::vector<BurnRecord> recordsOf(const BurnStory& story, const DRLayout& layout);
+/// Returns the records that a script sends for a layout, in order. The last one, and no other, is
+/// Done or Failed.
+QUARNER_EXPORT std::vector<BurnRecord> recordsOf(const BurnScript& script, const DRLayout& layout);
 
 } // namespace quarner

@@ -20,9 +20,9 @@
 
 namespace quarner {
 
-/// A platform made of data, for a host's own tests. It installs itself when it is made, and the
-/// null platform takes its place when it is destroyed. The thread that makes it is the main
-/// thread. Nothing happens by itself: the test plugs drives, lets burns speak, and turns the run
+/// A platform described by data, for a host's own tests. The constructor installs it; the
+/// destructor installs the null platform instead. The thread that constructs it is the main thread.
+/// Nothing happens by itself: the test plugs drives in, makes burns send records, and turns the run
 /// loop.
 ///
 ///     ScriptedPlatform platform;
@@ -32,11 +32,11 @@ namespace quarner {
 ///     platform.lastBurn()->play({.failsAt = 0.4});
 ///     ASSERT_TRUE(platform.runUntilIdle());
 ///
-/// Background work runs on real threads. Destroying the platform drops the work that has not
-/// begun, lets callers that wait for the main thread return, and waits for the threads to end:
-/// whatever such work uses (a delegate above all) must be destroyed after the platform.
+/// Background work runs on real threads. The destructor drops the work that has not begun, lets
+/// callers that wait for the main thread return, and waits for the threads to end. Whatever such
+/// work uses (above all a delegate) must be destroyed after the platform.
 ///
-/// Every operation may be called on any thread, except where its comment says otherwise.
+/// Every operation may be called on any thread, unless its comment says otherwise.
 class QUARNER_EXPORT ScriptedPlatform {
 public:
     ScriptedPlatform();
@@ -46,93 +46,94 @@ public:
 
     // --- Drives ---
 
-    /// A drive that has always been there: nothing is announced. Drives are listed in the order
-    /// in which they came.
+    /// Adds a drive without a notification. Drives are listed in the order in which they were
+    /// added.
     std::shared_ptr<ScriptedDrive> addDrive(DriveScript script);
 
-    /// Attaches a drive, and sends `DRDeviceAppearedNotification`.
+    /// Attaches a drive and sends `DRDeviceAppearedNotification`.
     std::shared_ptr<ScriptedDrive> plug(DriveScript script);
 
-    /// Detaches a drive, and sends `DRDeviceDisappearedNotification`. Burns that play on it fail
-    /// with `DRError::DeviceVanished`. Does nothing for a drive that is not attached.
+    /// Detaches a drive and sends `DRDeviceDisappearedNotification`. Burns that are playing on it
+    /// fail with `DRError::DeviceVanished`. Does nothing if the drive is not attached.
     void unplug(const std::shared_ptr<ScriptedDrive>& drive);
 
-    /// Sends any notification to every run loop.
+    /// Sends a notification to every run loop.
     void post(const DRNotification& notification);
 
     // --- Files, media and texts ---
 
-    /// Puts a file at a path, in place of one that is there. A file that has no media is none.
+    /// Puts a file at a path, replacing the file there. A file without media is no media file.
     void putFile(const std::string& path, FileScript file = {});
     void putMedia(const std::string& path, MediaScript media);
-    /// Both at once.
+    /// Puts the file and its media.
     void putSong(const std::string& path, MediaScript media, FileScript file = {});
-    /// Takes away the file and what it plays.
+    /// Removes the file and its media.
     void removeFile(const std::string& path);
 
-    /// The blocks that every data track is estimated at, instead of those of its files.
+    /// Sets the estimate of every data track, in blocks. The default is the sum of its files.
     void setDataEstimate(std::uint64_t blocks);
 
-    /// The types that the media service says it can open.
+    /// Sets the types that the media service can open.
     void setMovieFileTypes(std::vector<std::string> types);
 
-    /// An entry of the host's string table.
+    /// Adds an entry to the host's string table.
     void setText(const std::string& key, const std::string& translation);
     void setDecimalSeparator(const std::string& separator);
-    /// The order of texts, in place of the comparison of bytes that ignores the case of ASCII
-    /// letters; negative, 0 or positive.
+    /// Sets the comparison of texts, which returns a negative number, 0 or a positive number. The
+    /// default compares bytes and ignores the case of ASCII letters.
     void setCollation(std::function<int(const std::string&, const std::string&)> compare);
 
-    /// The lines written to the diagnostic log so far.
+    /// Returns the lines written to the diagnostic log so far.
     std::vector<std::string> log() const;
 
     // --- Burns ---
 
-    /// All burns made so far, the unstarted ones included, in order. The last one, or null.
+    /// Returns all burns made so far, in order, including those not started.
     std::vector<std::shared_ptr<ScriptedBurn>> burns() const;
     std::shared_ptr<ScriptedBurn> lastBurn() const;
 
-    /// Every burn that is started from now on plays this story by itself. One that no recorder
-    /// would begin fails at once instead: with `DRError::EmptyLayout`, `DeviceVanished` on a drive
-    /// that was unplugged, `DeviceBusy` while another burn is under way there, `MediaNotPresent`,
-    /// or `MediaTooSmall` where the tracks take more blocks than the disc says that it has free.
-    void playBurns(const BurnStory& story = {});
+    /// Every burn that is started from now on plays `script` by itself. A burn that no recorder
+    /// would start fails at once instead: with `DRError::EmptyLayout`; with `DeviceVanished` on a
+    /// drive that was unplugged; with `DeviceBusy` while another burn is under way there; with
+    /// `MediaNotPresent`; or with `MediaTooSmall` if the tracks take more blocks than the disc has
+    /// free.
+    void playBurns(const BurnScript& script = {});
 
     // --- Calls into the services ---
 
-    /// Makes calls fail: what each then answers stands with `ServiceCall`. Several faults add up.
+    /// Makes calls fail: `ServiceCall` lists what each then returns. Several faults add up.
     void fail(ServiceCall call, const Fault& fault = {});
-    /// Takes all faults of a call back.
-    void mend(ServiceCall call);
-    /// How many calls there were, failed ones included.
+    /// Removes all faults of a call.
+    void repair(ServiceCall call);
+    /// The number of calls, including failed ones.
     std::size_t calls(ServiceCall call) const;
-    /// Runs an action at the beginning of every such call from now on, on the calling thread and
-    /// with the subject of the call: the way to let something happen at one exact moment. An
-    /// empty action ends that.
+    /// Runs `action` at the beginning of every such call from now on, on the calling thread and
+    /// with the subject of the call. It lets something happen at one exact moment. An empty action
+    /// removes it.
     void onCall(ServiceCall call, std::function<void(const std::string& subject)> action);
 
     // --- Queues and run loops ---
 
-    /// The global concurrent queue, and the main queue, which `runOnce` serves.
+    /// The global concurrent queue, and the main queue, whose work `runOnce` runs.
     ScriptedQueue& backgroundQueue();
     ScriptedQueue& mainQueue();
 
-    /// One turn of the calling thread's run loop: on the main thread a piece of work of the main
-    /// queue, otherwise a notification, otherwise the next record of a burn that plays. False when
-    /// there was nothing to do.
+    /// Turns the calling thread's run loop once. On the main thread that runs one item of the main
+    /// queue; otherwise it delivers one notification; otherwise a burn that is playing sends its
+    /// next record. Returns false if there was nothing to do.
     bool runOnce();
 
-    static constexpr std::chrono::milliseconds patience = std::chrono::seconds(20);
+    static constexpr std::chrono::milliseconds defaultTimeout = std::chrono::seconds(20);
 
-    /// Turns the calling thread's run loop until the predicate, asked before every turn, is true.
-    /// False when that has not come within the timeout.
+    /// Turns the calling thread's run loop until `predicate`, called before every turn, returns
+    /// true. Returns false after `timeout`.
     bool runUntil(const std::function<bool()>& predicate,
-                  std::chrono::milliseconds timeout = patience);
+                  std::chrono::milliseconds timeout = defaultTimeout);
 
-    /// Turns the calling thread's run loop until nothing can go on without a verb of the test: no
-    /// notification waits for this loop, no burn plays, and no background work runs, except for
-    /// work that waits for a held main queue. False when that has not come within the timeout.
-    bool runUntilIdle(std::chrono::milliseconds timeout = patience);
+    /// Turns the calling thread's run loop until nothing can happen without the test: no
+    /// notification waits for this loop, no burn is playing, and no background work runs, except
+    /// work that waits for a held main queue. Returns false after `timeout`.
+    bool runUntilIdle(std::chrono::milliseconds timeout = defaultTimeout);
 
 private:
     struct Services;

@@ -7,8 +7,7 @@
 
 namespace quarner {
 
-/// A dispatch queue that can be held, so that a test decides when each piece of work begins. Any
-/// thread.
+/// A dispatch queue that a test can hold, to decide when each item of work begins. Any thread.
 class QUARNER_EXPORT ScriptedQueue {
 public:
     ScriptedQueue() = default;
@@ -16,16 +15,16 @@ public:
     ScriptedQueue(const ScriptedQueue&) = delete;
     ScriptedQueue& operator=(const ScriptedQueue&) = delete;
 
-    /// From now on work waits; work that has begun goes on.
+    /// Holds all work that has not begun.
     virtual void hold() = 0;
 
-    /// Lets everything that waits go, and holds no more.
+    /// Releases all held work and stops holding.
     virtual void release() = 0;
 
-    /// Lets one piece of waiting work go, by its place in the line. False when there is none.
+    /// Releases one item of held work by its position in the queue. Returns false if there is none.
     virtual bool releaseOne(std::size_t place = 0) = 0;
 
-    /// How many pieces of work are held back.
+    /// The number of items that are held.
     virtual std::size_t waiting() const = 0;
 };
 

@@ -6,18 +6,18 @@
 
 namespace quarner {
 
-/// The calls into a scripted platform that can be counted, watched and told to fail. The subject
-/// is the path, text, key or display name that a call is about.
+/// The calls into a scripted platform that can be counted, watched and made to fail. The subject of
+/// a call is a path, text, key or display name.
 enum class ServiceCall {
-    // The recording service. A call that fails answers:
+    // The recording service. A failing call returns:
     Devices,            ///< no drives; no subject
     BurnForDevice,      ///< a burn without a drive, which fails when started; subject: the drive
     TrackForAudioFile,  ///< no track; subject: the path
     FileWithPath,       ///< no node; subject: the path
     TrackForRootFolder, ///< no track; subject: the folder's name
     WriteLayout,        ///< a burn that fails with `DRError::WriteFailed`; subject: the drive
-    Abort,              ///< nothing happens; subject: the drive
-    DriveInfo,          ///< an empty dictionary; subject: the drive, also of the next ones
+    Abort,              ///< has no effect; subject: the drive
+    DriveInfo,          ///< an empty dictionary; subject: the drive, as for the next two
     DriveStatus,        ///< an empty dictionary
     EjectMedia,         ///< false, and the disc stays
 
@@ -25,11 +25,11 @@ enum class ServiceCall {
     MovieWithFile,  ///< null; subject: the path
     MovieFileTypes, ///< an empty list; no subject
 
-    // The file services; subject: the path
+    // The file service; subject: the path
     DisplayName,  ///< the last component
-    Attributes,   ///< nothing
-    IconOfFile,   ///< no names
-    ResolveAlias, ///< nothing
+    Attributes,   ///< `std::nullopt`
+    IconOfFile,   ///< an icon without names
+    ResolveAlias, ///< `std::nullopt`
 
     // The dispatch service; no subject
     AsyncGlobal, ///< the work is dropped
@@ -41,11 +41,11 @@ enum class ServiceCall {
     LocalizedString, ///< the key; subject: the key
 };
 
-/// Which of the calls fail: all, unless this narrows them.
+/// Selects the calls that fail. By default all do.
 struct Fault {
-    /// Only calls about this.
+    /// Only calls with this subject.
     std::optional<std::string> subject = std::nullopt;
-    /// Only so many of them from now on.
+    /// Only the next `times` of them.
     std::optional<int> times = std::nullopt;
 };
 

@@ -8,11 +8,11 @@
 
 namespace quarner {
 
-/// Wakes whoever waits for something to happen on the platform. Any thread.
-class Pulse {
+/// Counts the events on a scripted platform and wakes the threads that wait for one. Any thread.
+class Ticker {
 public:
-    /// Something has happened.
-    void beat() {
+    /// Counts an event and wakes all waiting threads.
+    void tick() {
         {
             const std::lock_guard lock(_mutex);
             ++_count;
@@ -25,7 +25,7 @@ public:
         return _count;
     }
 
-    /// Waits until more has happened than was counted, or until the time is over.
+    /// Waits until an event has happened since the count was `counted`, or until `timeout`.
     void waitBeyond(std::uint64_t counted, std::chrono::milliseconds timeout) const {
         std::unique_lock lock(_mutex);
         _happened.wait_for(lock, timeout, [&] { return _count != counted; });

@@ -7,39 +7,39 @@
 #include <string>
 
 #include "adapters/scripted/Faults.h"
-#include "adapters/scripted/Pulse.h"
 #include "adapters/scripted/ScriptedLoops.h"
+#include "adapters/scripted/Ticker.h"
 #include "quarner/scripted/BurnScripts.h"
 
 namespace quarner {
 
-/// What the services, drives and burns of one scripted platform share. It outlives the platform
-/// for as long as a host holds on to a drive or a burn, which then goes on answering in silence.
-class ScriptedStage {
+/// State shared by the services, drives and burns of one scripted platform. It outlives the
+/// platform for as long as a host keeps a drive or a burn, whose queries then still return values.
+class ScriptedContext {
 public:
-    /// Counts a call, runs what was set to happen with it, and answers whether it is to fail.
+    /// Counts a call, runs its action, and returns whether the call must fail.
     bool fails(ServiceCall call, const std::string& subject = {}) {
         return faults.fails(call, subject);
     }
 
     void post(const DRNotification& notification) { loops.postToAll(notification); }
 
-    std::optional<BurnStory> storyOfNewBurns() const {
+    std::optional<BurnScript> scriptOfNewBurns() const {
         const std::lock_guard lock(_mutex);
-        return _story;
+        return _script;
     }
-    void setStoryOfNewBurns(const BurnStory& story) {
+    void setScriptOfNewBurns(const BurnScript& script) {
         const std::lock_guard lock(_mutex);
-        _story = story;
+        _script = script;
     }
 
-    const std::shared_ptr<Pulse> pulse = std::make_shared<Pulse>();
+    const std::shared_ptr<Ticker> ticker = std::make_shared<Ticker>();
     Faults faults;
-    ScriptedLoops loops{pulse};
+    ScriptedLoops loops{ticker};
 
 private:
     mutable std::mutex _mutex;
-    std::optional<BurnStory> _story;
+    std::optional<BurnScript> _script;
 };
 
 } // namespace quarner
