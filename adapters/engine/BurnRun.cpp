@@ -26,9 +26,6 @@ private:
 
 } // namespace
 
-SectorWriter::~SectorWriter() = default;
-BurnTarget::~BurnTarget() = default;
-
 BurnRun::BurnRun(std::shared_ptr<BurnTarget> target, std::shared_ptr<StopSignal> stop,
                  StatusReporter report, Clock clock, BurnSettings settings)
     : _target(std::move(target)), _stop(std::move(stop)), _report(std::move(report)),

@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include <memory>
-
 #include "adapters/engine/DiscPlan.h"
 #include "adapters/engine/TrackSource.h"
-#include "quarner/platform/DRFolder.h"
-#include "quarner/platform/DRTrack.h"
 
 namespace quarner {
 
@@ -14,24 +10,6 @@ namespace quarner {
 struct DiscContent {
     DiscPlan plan;
     TrackSources sources;
-};
-
-/// Makes file systems for data discs. Any thread.
-class DataDiscService {
-public:
-    DataDiscService() = default;
-    virtual ~DataDiscService();
-    DataDiscService(const DataDiscService&) = delete;
-    DataDiscService& operator=(const DataDiscService&) = delete;
-
-    /// A data track of a folder. Its estimate is the exact number of blocks of the folder's file
-    /// system, laid out when the estimate is first asked for; it is 0 if the file system cannot be
-    /// laid out then, in which case `contentOf` says why.
-    virtual std::shared_ptr<DRTrack> trackForRootFolder(std::shared_ptr<const DRFolder> folder) = 0;
-
-    /// Returns the file system of a track made by this service, block by block. Throws
-    /// `BurnFailure`.
-    virtual DiscContent contentOf(const DRTrack& track) = 0;
 };
 
 } // namespace quarner

@@ -30,8 +30,6 @@ DiscContent contentOf(const DRLayout& layout, const std::shared_ptr<PCMService>&
 
 } // namespace
 
-DataDiscService::~DataDiscService() = default;
-
 EngineBurn::EngineBurn(BurnServices services, std::shared_ptr<BurnTarget> target)
     : _services(std::move(services)), _target(std::move(target)) {}
 

@@ -7,7 +7,7 @@
 #include "adapters/engine/BurnTarget.h"
 #include "adapters/engine/BurnThreads.h"
 #include "adapters/engine/Clock.h"
-#include "adapters/engine/DiscContent.h"
+#include "adapters/engine/DataDiscService.h"
 #include "adapters/engine/StopSignal.h"
 #include "adapters/runloop/RunLoopCenter.h"
 #include "quarner/platform/DRBurn.h"

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "adapters/engine/BurnFailure.h"
+#include "adapters/posix/FileStamps.h"
 
 namespace quarner {
 namespace {
@@ -33,8 +34,6 @@ void makeLittleEndian(std::span<std::byte> samples, std::endian order) {
         for (std::size_t i = 0; i + 1 < samples.size(); i += 2)
             std::swap(samples[i], samples[i + 1]);
 }
-
-TrackSource::~TrackSource() = default;
 
 PCMTrackSource::PCMTrackSource(std::shared_ptr<PCMService> service,
                                std::shared_ptr<const DRTrack> track)

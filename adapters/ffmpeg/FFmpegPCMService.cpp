@@ -5,6 +5,7 @@
 #include "adapters/ffmpeg/FFmpegServices.h"
 #include "adapters/ffmpeg/LengthCache.h"
 #include "adapters/ffmpeg/SoundFile.h"
+#include "adapters/posix/FileStamps.h"
 
 namespace quarner {
 

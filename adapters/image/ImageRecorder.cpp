@@ -13,6 +13,7 @@
 #include "adapters/image/CueSheet.h"
 #include "adapters/image/ImageNames.h"
 #include "adapters/image/IsoNames.h"
+#include "adapters/posix/FileStamps.h"
 #include "adapters/posix/SystemCall.h"
 #include "quarner/platform/DRKeys.h"
 

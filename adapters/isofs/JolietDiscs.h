@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "adapters/engine/DiscContent.h"
+#include "adapters/engine/DataDiscService.h"
 
 namespace quarner {
 

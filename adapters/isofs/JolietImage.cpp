@@ -15,6 +15,7 @@
 #include "adapters/isofs/IsofsTree.h"
 #include "adapters/isofs/JolietDirectory.h"
 #include "adapters/isofs/JolietNames.h"
+#include "adapters/posix/FileStamps.h"
 
 namespace quarner {
 namespace {

@@ -6,8 +6,6 @@
 
 namespace quarner {
 
-QuarnerDeviceDelegate::~QuarnerDeviceDelegate() = default;
-
 std::vector<std::string> QuarnerDevice::devices() {
     std::vector<std::string> names;
     for (const auto& drive : currentPlatform()->recording->devices())

@@ -2,10 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
-#include <string>
-
-#include "quarner/platform/Export.h"
 
 namespace quarner {
 
@@ -20,9 +16,5 @@ struct FileStamp {
 
     bool operator==(const FileStamp&) const = default;
 };
-
-/// The stamp of the regular file at a path (symbolic links followed), or nothing when there is
-/// none. Any thread.
-QUARNER_EXPORT std::optional<FileStamp> stampOfFile(const std::string& path);
 
 } // namespace quarner

@@ -6,41 +6,7 @@
 #include <cstdio>
 #include <thread>
 
-#include "quarner/platform/PCMService.h"
-
 namespace quarner {
-
-DRObject::~DRObject() = default;
-DRNotificationCenter::~DRNotificationCenter() = default;
-RecordingService::~RecordingService() = default;
-QTMovie::~QTMovie() = default;
-MediaService::~MediaService() = default;
-PCMStream::~PCMStream() = default;
-PCMService::~PCMService() = default;
-FileService::~FileService() = default;
-DispatchService::~DispatchService() = default;
-TextService::~TextService() = default;
-LogSink::~LogSink() = default;
-
-bool MediaService::prepareMovie(const std::string& /*path*/, const MayContinue& /*mayContinue*/) {
-    return true;
-}
-
-std::optional<PCMLength> PCMService::measureWhile(const std::string& path,
-                                                  const MayContinue& /*mayContinue*/) {
-    return measure(path);
-}
-
-std::shared_ptr<DRFile> RecordingService::fileWithPath(const std::string& /*path*/) {
-    return nullptr;
-}
-
-std::shared_ptr<DRTrack>
-// NOLINTNEXTLINE(performance-unnecessary-value-param): a service that knows data discs keeps it
-RecordingService::trackForRootFolder(std::shared_ptr<const DRFolder> /*folder*/) {
-    return nullptr;
-}
-
 namespace {
 
 class NullBurn : public DRBurn {

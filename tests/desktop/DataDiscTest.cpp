@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "adapters/isofs/JolietDiscs.h"
+#include "adapters/posix/FileStamps.h"
 #include "quarner/data/DataCDBurner.h"
 #include "tests/desktop/DesktopFixture.h"
 #include "tests/support/Program.h"

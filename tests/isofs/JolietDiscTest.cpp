@@ -6,6 +6,7 @@
 
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/isofs/JolietDiscs.h"
+#include "adapters/posix/FileStamps.h"
 #include "tests/support/Program.h"
 #include "tests/support/TemporaryFolder.h"
 

@@ -14,6 +14,7 @@
 #include "adapters/engine/EngineBurn.h"
 #include "adapters/isofs/JolietDiscs.h"
 #include "adapters/optical/OpticalDrive.h"
+#include "adapters/posix/FileStamps.h"
 #include "quarner/platform/DRFile.h"
 #include "tests/recorder/BurnLog.h"
 #include "tests/recorder/RawSound.h"

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstring>
 
+#include "adapters/posix/FileStamps.h"
 #include "adapters/posix/RegularFile.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Watchdog.h"

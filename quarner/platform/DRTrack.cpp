@@ -1,19 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include <sys/stat.h>
+#include "quarner/platform/DRTrack.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <limits>
 #include <mutex>
 #include <utility>
 
-#include "quarner/platform/DRFile.h"
-#include "quarner/platform/DRFolder.h"
-#include "quarner/platform/DRTrack.h"
-
 namespace quarner {
-
-BurnItem::~BurnItem() = default;
 
 std::string_view DRTrack::className() const { return drClassName; }
 
@@ -49,35 +42,12 @@ std::uint64_t DRTrack::estimateLength() const {
     return _estimateLength.value_or(blocks);
 }
 
-std::string_view DRFile::className() const { return drClassName; }
-
-bool DRFile::isKindOfClass(std::string_view name) const { return name == drClassName; }
-
-std::string_view DRFolder::className() const { return drClassName; }
-
-bool DRFolder::isKindOfClass(std::string_view name) const { return name == drClassName; }
-
 std::uint32_t sectorsForSamples(std::uint64_t sampleCount) {
     const std::uint64_t whole = sampleCount / DRTrack::samplesPerSector;
     const std::uint64_t sectors = whole + (sampleCount % DRTrack::samplesPerSector != 0 ? 1 : 0);
     constexpr std::uint64_t least = DRTrack::minimumSectors;
     constexpr std::uint64_t most = std::numeric_limits<std::uint32_t>::max();
     return static_cast<std::uint32_t>(std::clamp(sectors, least, most));
-}
-
-std::optional<FileStamp> stampOfFile(const std::string& path) {
-    struct stat status = {};
-    int outcome = 0;
-    do
-        outcome = stat(path.c_str(), &status);
-    while (outcome != 0 && errno == EINTR);
-    if (outcome != 0 || !S_ISREG(status.st_mode))
-        return std::nullopt;
-    return FileStamp{.size = static_cast<std::uint64_t>(status.st_size),
-                     .modifiedSeconds = status.st_mtim.tv_sec,
-                     .modifiedNanoseconds = status.st_mtim.tv_nsec,
-                     .device = status.st_dev,
-                     .inode = status.st_ino};
 }
 
 } // namespace quarner

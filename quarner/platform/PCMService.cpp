@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "quarner/platform/PCMService.h"
+
+namespace quarner {
+
+PCMStream::~PCMStream() = default;
+
+PCMService::~PCMService() = default;
+
+std::optional<PCMLength> PCMService::measureWhile(const std::string& path,
+                                                  const MayContinue& /*mayContinue*/) {
+    return measure(path);
+}
+
+} // namespace quarner
