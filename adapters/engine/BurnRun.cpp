@@ -50,7 +50,7 @@ std::optional<BurnFailure> BurnRun::attempt(const ContentMaker& makeContent) {
 }
 
 void BurnRun::burn(const ContentMaker& makeContent) {
-    tell(DRStatusStatePreparing);
+    report(DRStatusStatePreparing);
     DiscContent content = makeContent();
     std::optional<std::uint64_t> written;
     _writer = _target->claim(content.plan, _settings, _stop);
@@ -66,13 +66,13 @@ void BurnRun::burnContent(DiscContent& content) {
     for (const auto& source : content.sources)
         source->check();
     _writer->openSession(content.plan);
-    tell(DRStatusStateSessionOpen);
+    report(DRStatusStateSessionOpen);
     writeDisc(content);
     _writer->closeSession();
-    tell(DRStatusStateSessionClose);
-    tell(DRStatusStateFinishing);
+    report(DRStatusStateSessionClose);
+    report(DRStatusStateFinishing);
     _writer->finish();
-    if (_settings.isVerified)
+    if (_settings.verify)
         verify(content.plan);
     _stop->seal();
     _writer->commit();
@@ -91,23 +91,23 @@ void BurnRun::writeDisc(DiscContent& content) {
 }
 
 void BurnRun::writeTrack(const TrackPlan& track, ReadAhead& source) {
-    tellOfTrack(DRStatusStateTrackOpen);
-    tellOfTrack(DRStatusStateTrackWrite, progressToReport());
+    reportTrack(DRStatusStateTrackOpen);
+    reportTrack(DRStatusStateTrackWrite, progressToReport());
     writeSilence(track.preGap);
     while (true) {
-        const std::span<const std::byte> piece = source.next();
+        const std::span<const std::byte> sectors = source.next();
         _stop->throwIfRequested();
-        if (piece.empty())
+        if (sectors.empty())
             break;
-        write(piece);
+        write(sectors);
     }
-    tellOfTrack(DRStatusStateTrackClose);
+    reportTrack(DRStatusStateTrackClose);
 }
 
 void BurnRun::writeSilence(std::uint64_t sectors) {
-    const std::vector<std::byte> silence(std::size_t(ReadAhead::sectorsPerPiece) * _sectorSize);
+    const std::vector<std::byte> silence(std::size_t(ReadAhead::sectorsPerBuffer) * _sectorSize);
     while (sectors > 0) {
-        const std::uint64_t part = std::min<std::uint64_t>(sectors, ReadAhead::sectorsPerPiece);
+        const std::uint64_t part = std::min<std::uint64_t>(sectors, ReadAhead::sectorsPerBuffer);
         _stop->throwIfRequested();
         write(std::span(silence).first(std::size_t(part * _sectorSize)));
         sectors -= part;
@@ -119,12 +119,12 @@ void BurnRun::write(std::span<const std::byte> sectors) {
     _checksums->add(sectors);
     _meter->advance(sectors.size() / _sectorSize);
     if (const std::optional<BurnProgress> progress = progressToReport())
-        tellOfTrack(DRStatusStateTrackWrite, progress);
+        reportTrack(DRStatusStateTrackWrite, progress);
 }
 
 void BurnRun::verify(const DiscPlan& plan) {
     startPhase(plan);
-    tell(DRStatusStateVerifying, progressToReport());
+    report(DRStatusStateVerifying, progressToReport());
     Verifier verifier(plan, *_checksums, *_writer, *_stop, [this](std::uint64_t sectors) {
         _meter->advance(sectors);
         if (const std::optional<BurnProgress> progress = progressToReport())
@@ -137,12 +137,12 @@ void BurnRun::verify(const DiscPlan& plan) {
 void BurnRun::startPhase(const DiscPlan& plan) { _meter.emplace(_clock, plan.sectors()); }
 
 /// A receiver of a record may stop the burn before the next step.
-void BurnRun::tell(const char* state, std::optional<BurnProgress> progress) const {
+void BurnRun::report(const char* state, std::optional<BurnProgress> progress) const {
     _report.state(state, progress);
     _stop->throwIfRequested();
 }
 
-void BurnRun::tellOfTrack(const char* state, std::optional<BurnProgress> progress) const {
+void BurnRun::reportTrack(const char* state, std::optional<BurnProgress> progress) const {
     _report.trackState(state, _track, _tracks, progress);
     _stop->throwIfRequested();
 }

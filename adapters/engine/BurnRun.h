@@ -43,8 +43,8 @@ private:
     void verify(const DiscPlan& plan);
 
     void startPhase(const DiscPlan& plan);
-    void tell(const char* state, std::optional<BurnProgress> progress = std::nullopt) const;
-    void tellOfTrack(const char* state, std::optional<BurnProgress> progress = std::nullopt) const;
+    void report(const char* state, std::optional<BurnProgress> progress = std::nullopt) const;
+    void reportTrack(const char* state, std::optional<BurnProgress> progress = std::nullopt) const;
     std::optional<BurnProgress> progressToReport();
 
     const std::shared_ptr<BurnTarget> _target;

@@ -6,9 +6,9 @@
 namespace quarner {
 namespace {
 
-bool boolean(const Dictionary& properties, const char* key, bool otherwise) {
+bool boolean(const Dictionary& properties, const char* key, bool byDefault) {
     const Value& value = valueFor(properties, key);
-    return value.isNumber() ? value.asBool() : otherwise;
+    return value.isNumber() ? value.asBool() : byDefault;
 }
 
 std::optional<double> speed(const Dictionary& properties) {
@@ -19,10 +19,10 @@ std::optional<double> speed(const Dictionary& properties) {
 } // namespace
 
 BurnSettings burnSettings(const Dictionary& properties) {
-    const BurnSettings otherwise;
-    return {.isVerified = boolean(properties, DRBurnVerifyDiscKey, otherwise.isVerified),
-            .overwritesDisc = boolean(properties, DRBurnOverwriteDiscKey, otherwise.overwritesDisc),
-            .staysAppendable = boolean(properties, DRBurnAppendableKey, otherwise.staysAppendable),
+    const BurnSettings defaults;
+    return {.verify = boolean(properties, DRBurnVerifyDiscKey, defaults.verify),
+            .overwrite = boolean(properties, DRBurnOverwriteDiscKey, defaults.overwrite),
+            .appendable = boolean(properties, DRBurnAppendableKey, defaults.appendable),
             .requestedSpeed = speed(properties)};
 }
 

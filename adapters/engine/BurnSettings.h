@@ -11,11 +11,11 @@ namespace quarner {
 /// missing entries.
 struct BurnSettings {
     /// Read the written disc back and compare it.
-    bool isVerified = true;
+    bool verify = true;
     /// Erase the content of a rewritable disc first.
-    bool overwritesDisc = false;
+    bool overwrite = false;
     /// Leave the disc open for further sessions.
-    bool staysAppendable = false;
+    bool appendable = false;
     /// The write speed in blocks per second; `std::nullopt` is the fastest that the drive and the
     /// disc support.
     std::optional<double> requestedSpeed;

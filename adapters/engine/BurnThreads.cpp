@@ -10,18 +10,18 @@ namespace quarner {
 BurnThreads::~BurnThreads() { shutDown(); }
 
 bool BurnThreads::run(std::function<void()> work, std::shared_ptr<StopSignal> stop) {
-    Entries over; // joined after the lock is released
+    Entries ended; // joined after the lock is released
     const std::lock_guard lock(_mutex);
     if (_isShutDown)
         return false;
-    over = takeOver();
+    ended = removeEnded();
     Entry& entry = _entries.emplace_back();
     entry.stop = std::move(stop);
     try {
         entry.thread = std::jthread([this, &entry, work = std::move(work)]() mutable {
             std::exchange(work, nullptr)();
             const std::lock_guard ending(_mutex);
-            entry.isOver = true;
+            entry.hasEnded = true;
         });
         return true;
     } catch (const std::system_error&) {
@@ -30,15 +30,15 @@ bool BurnThreads::run(std::function<void()> work, std::shared_ptr<StopSignal> st
     }
 }
 
-BurnThreads::Entries BurnThreads::takeOver() {
-    Entries over;
+BurnThreads::Entries BurnThreads::removeEnded() {
+    Entries ended;
     for (auto entry = _entries.begin(); entry != _entries.end();) {
         const auto next = std::next(entry);
-        if (entry->isOver)
-            over.splice(over.end(), _entries, entry);
+        if (entry->hasEnded)
+            ended.splice(ended.end(), _entries, entry);
         entry = next;
     }
-    return over;
+    return ended;
 }
 
 void BurnThreads::shutDown() {

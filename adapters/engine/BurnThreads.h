@@ -30,13 +30,13 @@ public:
 private:
     struct Entry {
         std::shared_ptr<StopSignal> stop;
-        bool isOver = false;
+        bool hasEnded = false;
         std::jthread thread; // the last member: joined before the flag, which its thread writes, is
                              // destroyed
     };
     using Entries = std::list<Entry>;
 
-    Entries takeOver();
+    Entries removeEnded();
 
     std::mutex _mutex;
     Entries _entries;

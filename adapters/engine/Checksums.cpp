@@ -22,34 +22,34 @@ private:
 };
 
 Checksums::Checksums(std::uint32_t sectorSize)
-    : _blockSize(std::size_t(sectorSize) * sectorsPerBlock), _state(std::make_unique<State>()) {}
+    : _chunkSize(std::size_t(sectorSize) * sectorsPerChunk), _state(std::make_unique<State>()) {}
 
 Checksums::~Checksums() = default;
 
 void Checksums::add(std::span<const std::byte> bytes) {
     while (!bytes.empty()) {
-        const auto part = bytes.first(std::min(bytes.size(), _blockSize - _bytesInBlock));
+        const auto part = bytes.first(std::min(bytes.size(), _chunkSize - _bytesInChunk));
         _state->add(part);
-        _bytesInBlock += part.size();
-        if (_bytesInBlock == _blockSize)
-            endBlock();
+        _bytesInChunk += part.size();
+        if (_bytesInChunk == _chunkSize)
+            endChunk();
         bytes = bytes.subspan(part.size());
     }
 }
 
-void Checksums::endBlock() {
+void Checksums::endChunk() {
     _sums.push_back(_state->sum());
     _state->reset();
-    _bytesInBlock = 0;
+    _bytesInChunk = 0;
 }
 
 void Checksums::finish() {
-    if (_bytesInBlock > 0)
-        endBlock();
+    if (_bytesInChunk > 0)
+        endChunk();
 }
 
-bool Checksums::matches(std::size_t block, std::span<const std::byte> bytes) const {
-    return XXH3_64bits(bytes.data(), bytes.size()) == _sums.at(block);
+bool Checksums::matches(std::size_t chunk, std::span<const std::byte> bytes) const {
+    return XXH3_64bits(bytes.data(), bytes.size()) == _sums.at(chunk);
 }
 
 } // namespace quarner

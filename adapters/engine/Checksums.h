@@ -15,7 +15,7 @@ namespace quarner {
 class Checksums {
 public:
     /// Sectors in a chunk. For both sector sizes a chunk is a multiple of 4096 bytes.
-    static constexpr std::uint32_t sectorsPerBlock = 1024;
+    static constexpr std::uint32_t sectorsPerChunk = 1024;
 
     explicit Checksums(std::uint32_t sectorSize);
     ~Checksums();
@@ -25,18 +25,18 @@ public:
     /// Ends the last chunk. Nothing may be added afterwards.
     void finish();
 
-    std::size_t blocks() const { return _sums.size(); }
+    std::size_t chunks() const { return _sums.size(); }
     /// Returns whether `bytes` are the whole chunk as it was sent. Any thread, after `finish`.
-    bool matches(std::size_t block, std::span<const std::byte> bytes) const;
+    bool matches(std::size_t chunk, std::span<const std::byte> bytes) const;
 
 private:
     class State;
 
-    void endBlock();
+    void endChunk();
 
-    const std::size_t _blockSize;
+    const std::size_t _chunkSize;
     std::unique_ptr<State> _state;
-    std::size_t _bytesInBlock = 0;
+    std::size_t _bytesInChunk = 0;
     std::vector<std::uint64_t> _sums;
 };
 

@@ -9,8 +9,8 @@ namespace quarner {
 
 ReadAhead::ReadAhead(const DiscPlan& plan, TrackSources& sources, unsigned threads,
                      std::stop_token stop)
-    : _pieceSize(std::size_t(plan.sectorSize) * sectorsPerPiece),
-      _kept(threads > 1 ? pieces / 8 : 0), _sources(sources), _tracks(plan.tracks.size()) {
+    : _bufferSize(std::size_t(plan.sectorSize) * sectorsPerBuffer),
+      _reserved(threads > 1 ? buffers / 8 : 0), _sources(sources), _tracks(plan.tracks.size()) {
     for (std::size_t i = 0; i < _tracks.size(); ++i)
         _tracks[i].bytes = std::uint64_t(plan.tracks[i].length) * plan.sectorSize;
     _stopWithBurn.emplace(std::move(stop), [this] { _stop.request_stop(); });
@@ -48,7 +48,7 @@ std::optional<std::size_t> ReadAhead::claimTrack() {
 void ReadAhead::readTrack(std::size_t index) {
     std::exception_ptr failure;
     try {
-        readPieces(index);
+        readBuffers(index);
     } catch (...) {
         failure = std::current_exception();
     }
@@ -58,42 +58,42 @@ void ReadAhead::readTrack(std::size_t index) {
     _changed.notify_all();
 }
 
-void ReadAhead::readPieces(std::size_t index) {
+void ReadAhead::readBuffers(std::size_t index) {
     TrackSource& source = *_sources[index];
     std::uint64_t left = _tracks[index].bytes;
     while (left > 0) {
-        std::unique_ptr<Piece> piece = takeFree(index);
-        if (!piece)
+        std::unique_ptr<Buffer> buffer = takeFree(index);
+        if (!buffer)
             return;
-        piece->size = std::size_t(std::min<std::uint64_t>(_pieceSize, left));
-        source.read(piece->buffer.bytes().first(piece->size));
-        left -= piece->size;
-        deliver(index, std::move(piece));
+        buffer->size = std::size_t(std::min<std::uint64_t>(_bufferSize, left));
+        source.read(buffer->memory.bytes().first(buffer->size));
+        left -= buffer->size;
+        deliver(index, std::move(buffer));
     }
     source.close();
     source.check();
 }
 
-std::unique_ptr<ReadAhead::Piece> ReadAhead::takeFree(std::size_t index) {
+std::unique_ptr<ReadAhead::Buffer> ReadAhead::takeFree(std::size_t index) {
     std::unique_lock lock(_mutex);
     const auto mayTake = [&] {
-        const std::size_t available = _free.size() + (pieces - _made);
-        return available > (index == _nextToWrite ? 0 : _kept);
+        const std::size_t available = _free.size() + (buffers - _allocated);
+        return available > (index == _nextToWrite ? 0 : _reserved);
     };
     if (!_changed.wait(lock, _stop.get_token(), mayTake) || _stop.stop_requested())
         return nullptr;
     if (_free.empty()) {
-        ++_made;
-        return std::make_unique<Piece>(Piece{SectorBuffer(_pieceSize)});
+        ++_allocated;
+        return std::make_unique<Buffer>(Buffer{SectorBuffer(_bufferSize)});
     }
-    std::unique_ptr<Piece> piece = std::move(_free.back());
+    std::unique_ptr<Buffer> buffer = std::move(_free.back());
     _free.pop_back();
-    return piece;
+    return buffer;
 }
 
-void ReadAhead::deliver(std::size_t index, std::unique_ptr<Piece> piece) {
+void ReadAhead::deliver(std::size_t index, std::unique_ptr<Buffer> buffer) {
     const std::lock_guard lock(_mutex);
-    _tracks[index].ready.push_back(std::move(piece));
+    _tracks[index].ready.push_back(std::move(buffer));
     _changed.notify_all();
 }
 
@@ -108,7 +108,7 @@ std::span<const std::byte> ReadAhead::next() {
     if (!track.ready.empty()) {
         _given = std::move(track.ready.front());
         track.ready.pop_front();
-        return _given->buffer.bytes().first(_given->size);
+        return _given->memory.bytes().first(_given->size);
     }
     if (track.failure)
         std::rethrow_exception(track.failure);

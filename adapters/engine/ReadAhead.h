@@ -34,9 +34,9 @@ namespace quarner {
 class ReadAhead {
 public:
     /// Sectors in a buffer.
-    static constexpr std::uint32_t sectorsPerPiece = 256;
+    static constexpr std::uint32_t sectorsPerBuffer = 256;
     /// 27.6 MiB for an audio disc. All of it is used only if the writer is slower than the reading.
-    static constexpr std::size_t pieces = 48;
+    static constexpr std::size_t buffers = 48;
 
     /// Starts reading on at most `threads` threads. The sources must outlive this object.
     ReadAhead(const DiscPlan& plan, TrackSources& sources, unsigned threads, std::stop_token stop);
@@ -52,13 +52,13 @@ public:
     std::span<const std::byte> next();
 
 private:
-    struct Piece {
-        SectorBuffer buffer;
+    struct Buffer {
+        SectorBuffer memory;
         std::size_t size = 0;
     };
     struct Track {
         std::uint64_t bytes = 0;
-        std::deque<std::unique_ptr<Piece>> ready;
+        std::deque<std::unique_ptr<Buffer>> ready;
         bool isRead = false;
         std::exception_ptr failure;
     };
@@ -67,23 +67,23 @@ private:
     void readTracks();
     std::optional<std::size_t> claimTrack();
     void readTrack(std::size_t index);
-    void readPieces(std::size_t index);
-    std::unique_ptr<Piece> takeFree(std::size_t index);
-    void deliver(std::size_t index, std::unique_ptr<Piece> piece);
+    void readBuffers(std::size_t index);
+    std::unique_ptr<Buffer> takeFree(std::size_t index);
+    void deliver(std::size_t index, std::unique_ptr<Buffer> buffer);
     void recycle();
 
-    const std::size_t _pieceSize;
-    const std::size_t _kept;
+    const std::size_t _bufferSize;
+    const std::size_t _reserved;
     TrackSources& _sources;
 
     std::mutex _mutex;
     std::condition_variable_any _changed;
     std::vector<Track> _tracks;
-    std::vector<std::unique_ptr<Piece>> _free;
-    std::size_t _made = 0;
+    std::vector<std::unique_ptr<Buffer>> _free;
+    std::size_t _allocated = 0;
     std::size_t _nextToRead = 0;
     std::size_t _nextToWrite = 0;
-    std::unique_ptr<Piece> _given; // used by the burn thread only
+    std::unique_ptr<Buffer> _given; // used by the burn thread only
 
     std::stop_source _stop;
     std::optional<std::stop_callback<std::function<void()>>> _stopWithBurn;

@@ -43,7 +43,7 @@ public:
     virtual unsigned readers() const { return 1; }
 
     /// Fills `buffer` with the sectors from `firstSector` on, read from the medium itself and not
-    /// from a copy in memory. `firstSector` is a multiple of `Checksums::sectorsPerBlock`. The
+    /// from a copy in memory. `firstSector` is a multiple of `Checksums::sectorsPerChunk`. The
     /// buffer is as aligned as a `SectorBuffer`. Called on any thread, in any order, by as many
     /// threads at once as `readers` allows.
     virtual void readBack(std::uint64_t firstSector, std::span<std::byte> buffer) = 0;

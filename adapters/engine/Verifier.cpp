@@ -29,9 +29,9 @@ void Verifier::verify() {
 
 void Verifier::work() {
     try {
-        SectorBuffer buffer(std::size_t(Checksums::sectorsPerBlock) * _plan.sectorSize);
-        while (const std::optional<std::size_t> block = claimBlock())
-            verifyBlock(*block, buffer.bytes());
+        SectorBuffer buffer(std::size_t(Checksums::sectorsPerChunk) * _plan.sectorSize);
+        while (const std::optional<std::size_t> chunk = claimChunk())
+            verifyChunk(*chunk, buffer.bytes());
     } catch (...) {
         const std::lock_guard lock(_mutex);
         if (!_failure)
@@ -39,21 +39,21 @@ void Verifier::work() {
     }
 }
 
-std::optional<std::size_t> Verifier::claimBlock() {
+std::optional<std::size_t> Verifier::claimChunk() {
     const std::lock_guard lock(_mutex);
-    if (_failure || _nextBlock == _checksums.blocks())
+    if (_failure || _nextChunk == _checksums.chunks())
         return std::nullopt;
-    return _nextBlock++;
+    return _nextChunk++;
 }
 
-void Verifier::verifyBlock(std::size_t block, std::span<std::byte> buffer) {
+void Verifier::verifyChunk(std::size_t chunk, std::span<std::byte> buffer) {
     _stop.throwIfRequested();
-    const std::uint64_t firstSector = std::uint64_t(block) * Checksums::sectorsPerBlock;
+    const std::uint64_t firstSector = std::uint64_t(chunk) * Checksums::sectorsPerChunk;
     const std::uint64_t sectors =
-        std::min<std::uint64_t>(Checksums::sectorsPerBlock, _plan.sectors() - firstSector);
+        std::min<std::uint64_t>(Checksums::sectorsPerChunk, _plan.sectors() - firstSector);
     const auto bytes = buffer.first(std::size_t(sectors * _plan.sectorSize));
     _writer.readBack(firstSector, bytes);
-    if (!_checksums.matches(block, bytes))
+    if (!_checksums.matches(chunk, bytes))
         fail(firstSector, sectors);
     const std::lock_guard lock(_mutex);
     _verified(sectors);

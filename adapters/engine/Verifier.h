@@ -28,8 +28,8 @@ public:
 
 private:
     void work();
-    std::optional<std::size_t> claimBlock();
-    void verifyBlock(std::size_t block, std::span<std::byte> buffer);
+    std::optional<std::size_t> claimChunk();
+    void verifyChunk(std::size_t chunk, std::span<std::byte> buffer);
     [[noreturn]] void fail(std::uint64_t firstSector, std::uint64_t sectors) const;
 
     const DiscPlan& _plan;
@@ -39,7 +39,7 @@ private:
     const std::function<void(std::uint64_t)> _verified;
 
     std::mutex _mutex;
-    std::size_t _nextBlock = 0;
+    std::size_t _nextChunk = 0;
     std::exception_ptr _failure;
 };
 

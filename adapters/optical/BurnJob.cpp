@@ -125,7 +125,7 @@ BurnDisc makeDisc(const DiscPlan& plan, SectorPipe& pipe, WritingThread& thread)
 Options makeOptions(burn::burn_drive* drive, const BurnSettings& settings) {
     Options options = made(Options(burn::burn_write_opts_new(drive)));
     burn::burn_write_opts_set_write_type(options.get(), burn::BURN_WRITE_SAO, burn::BURN_BLOCK_SAO);
-    burn::burn_write_opts_set_multi(options.get(), settings.staysAppendable ? 1 : 0);
+    burn::burn_write_opts_set_multi(options.get(), settings.appendable ? 1 : 0);
     burn::burn_write_opts_set_underrun_proof(options.get(), 1);
     return options;
 }

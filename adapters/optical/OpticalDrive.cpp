@@ -37,7 +37,7 @@ std::optional<BurnFailure> refusal(const DiscFacts& disc, const DiscPlan& plan,
         return BurnFailure(DRError::MediaNotWritable, "the disc cannot be recorded any more");
     if (disc.type != DRDeviceMediaTypeCDR && disc.type != DRDeviceMediaTypeCDRW)
         return BurnFailure(DRError::WrongMedia, "the disc is no CD: " + disc.type);
-    if (disc.state != State::Blank && !(disc.isErasable && settings.overwritesDisc))
+    if (disc.state != State::Blank && !(disc.isErasable && settings.overwrite))
         return BurnFailure(DRError::MediaNotWritable, "the disc is not blank");
     if (plan.sectors() > disc.freeBlocks)
         return BurnFailure(DRError::MediaTooSmall,

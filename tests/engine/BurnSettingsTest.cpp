@@ -10,9 +10,9 @@ namespace {
 
 TEST(BurnSettings, OfNoPropertiesVerifyAndReplaceNothing) {
     const BurnSettings settings = burnSettings({});
-    EXPECT_TRUE(settings.isVerified);
-    EXPECT_FALSE(settings.overwritesDisc);
-    EXPECT_FALSE(settings.staysAppendable);
+    EXPECT_TRUE(settings.verify);
+    EXPECT_FALSE(settings.overwrite);
+    EXPECT_FALSE(settings.appendable);
     EXPECT_EQ(settings.requestedSpeed, std::nullopt);
 }
 
@@ -21,9 +21,9 @@ TEST(BurnSettings, AreWhatThePropertiesSay) {
                                                 {DRBurnOverwriteDiscKey, true},
                                                 {DRBurnAppendableKey, true},
                                                 {DRBurnRequestedSpeedKey, 1200}});
-    EXPECT_FALSE(settings.isVerified);
-    EXPECT_TRUE(settings.overwritesDisc);
-    EXPECT_TRUE(settings.staysAppendable);
+    EXPECT_FALSE(settings.verify);
+    EXPECT_TRUE(settings.overwrite);
+    EXPECT_TRUE(settings.appendable);
     EXPECT_EQ(settings.requestedSpeed, 1200.0);
 }
 
@@ -31,8 +31,8 @@ TEST(BurnSettings, TakeEntriesOfAnotherKindAsMissing) {
     const BurnSettings settings = burnSettings({{DRBurnVerifyDiscKey, "no"},
                                                 {DRBurnOverwriteDiscKey, Value()},
                                                 {DRBurnRequestedSpeedKey, "fast"}});
-    EXPECT_TRUE(settings.isVerified);
-    EXPECT_FALSE(settings.overwritesDisc);
+    EXPECT_TRUE(settings.verify);
+    EXPECT_FALSE(settings.overwrite);
     EXPECT_EQ(settings.requestedSpeed, std::nullopt);
 }
 

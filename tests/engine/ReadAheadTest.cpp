@@ -53,7 +53,7 @@ private:
 class ReadAheadTest : public testing::Test {
 protected:
     static constexpr std::uint32_t sectorSize = 16;
-    static constexpr std::uint64_t pieceSize = ReadAhead::sectorsPerPiece * sectorSize;
+    static constexpr std::uint64_t bufferSize = ReadAhead::sectorsPerBuffer * sectorSize;
 
     void makeTracks(std::initializer_list<std::uint32_t> lengths) {
         plan.sectorSize = sectorSize;
@@ -104,7 +104,7 @@ TEST_F(ReadAheadTest, ReadsASecondTrackMeanwhileAndNoFurtherThanItsMemory) {
     source(0).waitsFor = &source(1);
     ReadAhead ahead(plan, sources, 2, stop.get_token());
     EXPECT_FALSE(ahead.next().empty());
-    EXPECT_LE(settledBytes(), ReadAhead::pieces * pieceSize);
+    EXPECT_LE(settledBytes(), ReadAhead::buffers * bufferSize);
 }
 
 TEST_F(ReadAheadTest, AnEighthOfTheMemoryIsLeftToTheTrackThatIsBeingWritten) {
@@ -114,7 +114,7 @@ TEST_F(ReadAheadTest, AnEighthOfTheMemoryIsLeftToTheTrackThatIsBeingWritten) {
     while (source(1).bytesRead == 0)
         std::this_thread::sleep_for(1ms);
     constexpr std::size_t held = 1; // by the first track, which waits with it
-    EXPECT_EQ(settledBytes(), (ReadAhead::pieces - ReadAhead::pieces / 8 - held) * pieceSize);
+    EXPECT_EQ(settledBytes(), (ReadAhead::buffers - ReadAhead::buffers / 8 - held) * bufferSize);
     source(0).letGo();
     while (!ahead.next().empty()) {
     }
@@ -129,7 +129,7 @@ TEST_F(ReadAheadTest, OneThreadReadsOneTrackAtATimeAndUsesAllTheMemory) {
     source(0).letGo();
     while (source(1).bytesRead == 0)
         std::this_thread::sleep_for(1ms);
-    EXPECT_EQ(settledBytes(), sectorSize + (ReadAhead::pieces - 1) * pieceSize);
+    EXPECT_EQ(settledBytes(), sectorSize + (ReadAhead::buffers - 1) * bufferSize);
 }
 
 TEST_F(ReadAheadTest, TheTrackThatIsBeingWrittenMayUseAllTheMemory) {
@@ -137,7 +137,7 @@ TEST_F(ReadAheadTest, TheTrackThatIsBeingWrittenMayUseAllTheMemory) {
     const ReadAhead ahead(plan, sources, 2, stop.get_token());
     while (bytesRead() == 0)
         std::this_thread::sleep_for(1ms);
-    EXPECT_EQ(settledBytes(), ReadAhead::pieces * pieceSize);
+    EXPECT_EQ(settledBytes(), ReadAhead::buffers * bufferSize);
 }
 
 TEST_F(ReadAheadTest, TheSameMemoryIsUsedAgain) {
@@ -146,7 +146,7 @@ TEST_F(ReadAheadTest, TheSameMemoryIsUsedAgain) {
     std::set<const std::byte*> places;
     for (auto piece = ahead.next(); !piece.empty(); piece = ahead.next())
         places.insert(piece.data());
-    EXPECT_LE(places.size(), ReadAhead::pieces);
+    EXPECT_LE(places.size(), ReadAhead::buffers);
 }
 
 TEST_F(ReadAheadTest, AfterAStopOnlyThePieceUnderWayIsRead) {
@@ -159,14 +159,14 @@ TEST_F(ReadAheadTest, AfterAStopOnlyThePieceUnderWayIsRead) {
         stop.request_stop();
         source(0).letGo();
     }
-    EXPECT_EQ(source(0).bytesRead, pieceSize);
+    EXPECT_EQ(source(0).bytesRead, bufferSize);
 }
 
 /// Without the reserve, the second track takes each buffer that the writer returns.
 TEST_F(ReadAheadTest, TheTrackBeingWrittenGetsMemoryHoweverFarTheNextOneIsReadAhead) {
-    makeTracks({10'000, 10'000, 10'000});
+    makeTracks({15'000, 15'000, 15'000});
     source(0).waitsFor = &source(1);
-    source(0).waitsForBytes = (ReadAhead::pieces - ReadAhead::pieces / 8 - 1) * pieceSize;
+    source(0).waitsForBytes = (ReadAhead::buffers - ReadAhead::buffers / 8 - 1) * bufferSize;
     ReadAhead ahead(plan, sources, 2, stop.get_token());
     const std::jthread watchdog([this](const std::stop_token& isOver) {
         std::mutex mutex;
@@ -178,7 +178,7 @@ TEST_F(ReadAheadTest, TheTrackBeingWrittenGetsMemoryHoweverFarTheNextOneIsReadAh
     std::uint64_t bytes = 0;
     for (auto piece = ahead.next(); !piece.empty(); piece = ahead.next())
         bytes += piece.size();
-    EXPECT_EQ(bytes, 10'000U * sectorSize) << "the first track waits for memory";
+    EXPECT_EQ(bytes, 15'000U * sectorSize) << "the first track waits for memory";
 }
 
 TEST_F(ReadAheadTest, AFailureComesOutAfterWhatWasRead) {
