@@ -72,8 +72,8 @@ Name parted(const std::u32string& name) {
 
 /// Returns the name, shortened to the limit, with `mark` between stem and extension.
 std::string composed(const Name& name, const std::u32string& mark) {
-    const std::size_t room = jolietNameLimit - unitsOf(name.extension) - unitsOf(mark);
-    return encoded(cut(name.stem, room) + mark + name.extension);
+    const std::size_t limit = jolietNameLimit - unitsOf(name.extension) - unitsOf(mark);
+    return encoded(cut(name.stem, limit) + mark + name.extension);
 }
 
 Name legalName(const std::string& fileName) {

@@ -67,9 +67,9 @@ TEST_F(DataBurn, TheSettingsHaveTheDrivesLastSpeed) {
 }
 
 TEST_F(DataBurn, TheSpeedIsTheLastOfASecondAnswer) {
-    int answers = 0;
+    int queries = 0;
     platform.onCall(ServiceCall::DriveStatus, [&](const std::string&) {
-        if (++answers == 2)
+        if (++queries == 2)
             drive->change([](DriveScript& script) { script.disc->speeds = Array{75, 150}; });
     });
     burn();

@@ -201,7 +201,7 @@ TEST_F(ScriptedPlatformTest, EveryCallCanFail) {
     platform.setText("key", "Text");
     const auto drive = platform.addDrive({.currentSpeed = 1.0, .disc = DiscScript{}});
     const auto services = currentPlatform();
-    const auto answers = [&] {
+    const auto results = [&] {
         bool hasRun = false;
         services->dispatch->syncMain([&] { hasRun = true; });
         return std::vector<bool>{
@@ -223,7 +223,7 @@ TEST_F(ScriptedPlatformTest, EveryCallCanFail) {
             services->text->localizedString("key") == "Text",
             drive->ejectMedia()};
     };
-    EXPECT_THAT(answers(), ::testing::Each(true));
+    EXPECT_THAT(results(), ::testing::Each(true));
     drive->insert({});
     for (const ServiceCall call :
          {ServiceCall::Devices, ServiceCall::BurnForDevice, ServiceCall::TrackForAudioFile,
@@ -233,7 +233,7 @@ TEST_F(ScriptedPlatformTest, EveryCallCanFail) {
           ServiceCall::AsyncGlobal, ServiceCall::SyncMain, ServiceCall::CompareTexts,
           ServiceCall::LocalizedNumber, ServiceCall::LocalizedString})
         platform.fail(call);
-    EXPECT_THAT(answers(), ::testing::Each(false));
+    EXPECT_THAT(results(), ::testing::Each(false));
     services->dispatch->asyncGlobal([] { FAIL(); });
 }
 

@@ -61,7 +61,7 @@ TEST_F(DriveEjection, FailsWhenTheDriveKeepsItsDisc) {
 
 TEST_F(DriveEjection, WaitsForThoseWhoOnlyLookAtTheDrive) {
     UnitFaults faults;
-    faults.onlookers = 3;
+    faults.observers = 3;
     recorder->setFaults(faults);
     EXPECT_TRUE(drive->ejectMedia());
     EXPECT_TRUE(recorder->isTrayOpen());
@@ -69,7 +69,7 @@ TEST_F(DriveEjection, WaitsForThoseWhoOnlyLookAtTheDrive) {
 
 TEST_F(DriveEjection, FailsWhenTheyStay) {
     UnitFaults faults;
-    faults.onlookers = 1000;
+    faults.observers = 1000;
     recorder->setFaults(faults);
     EXPECT_FALSE(drive->ejectMedia());
     expectReleased();

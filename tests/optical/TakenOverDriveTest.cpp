@@ -30,7 +30,8 @@ protected:
     }
     /// Makes udev report another name for the first drive.
     void rename(const std::string& product) {
-        bed.retell(0, {{"ID_CDROM", "1"}, {"ID_VENDOR", "QUARNER"}, {"ID_MODEL", product}});
+        bed.overrideProperties(
+            0, {{"ID_CDROM", "1"}, {"ID_VENDOR", "QUARNER"}, {"ID_MODEL", product}});
     }
     std::string name() { return recorder->devices().at(0)->displayName(); }
 

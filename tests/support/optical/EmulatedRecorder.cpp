@@ -180,8 +180,8 @@ int EmulatedRecorder::driveStatus() {
 int EmulatedRecorder::eject() {
     {
         const std::lock_guard lock(_mutex);
-        if (_unit.faults.onlookers > 0) {
-            --_unit.faults.onlookers;
+        if (_unit.faults.observers > 0) {
+            --_unit.faults.observers;
             return EBUSY;
         }
     }

@@ -29,7 +29,7 @@ public:
     std::shared_ptr<EmulatedRecorder> plug(const RecorderDescription& description = {});
 
     /// Makes udev report properties for a recorder, by its number, that differ from its own.
-    void retell(unsigned number, const UdevBed::Properties& properties) {
+    void overrideProperties(unsigned number, const UdevBed::Properties& properties) {
         _udev.change("sr" + std::to_string(number), number, properties, {});
     }
 

@@ -22,7 +22,7 @@ struct UnitFaults {
     /// ready.
     unsigned notReady = 0;
     bool refusesCueSheet = false;
-    unsigned onlookers = 0;   ///< the number of ejects that fail because the node has another user
+    unsigned observers = 0;   ///< the number of ejects that fail because the node has another user
     bool isTrayStuck = false; ///< the tray stays closed, although no command fails
 };
 

@@ -45,7 +45,7 @@ std::optional<std::int32_t> OpticalUnit::nextWritable() const {
 }
 
 ScsiReply OpticalUnit::discInformation(const ScsiCommand&) {
-    Bytes answer(34);
+    Bytes reply(34);
     const Medium& disc = *_medium;
     const auto [status, lastSession] = [&]() -> std::pair<unsigned, unsigned> {
         switch (disc.state) {
@@ -62,24 +62,24 @@ ScsiReply OpticalUnit::discInformation(const ScsiCommand&) {
     }();
     const bool isClosed = disc.state == Medium::State::Closed;
     const unsigned openTracks = isClosed ? 0 : 1;
-    answer[2] =
+    reply[2] =
         static_cast<std::uint8_t>((disc.isErasable() ? 0x10U : 0U) | lastSession << 2 | status);
-    answer[3] = 1;
-    answer[4] = static_cast<std::uint8_t>(disc.sessions + openTracks);
+    reply[3] = 1;
+    reply[4] = static_cast<std::uint8_t>(disc.sessions + openTracks);
     const auto first = std::find_if(disc.tracks.begin(), disc.tracks.end(), [&](const auto& t) {
         return t.session == disc.sessions + openTracks;
     });
     const auto trackCount = static_cast<unsigned>(disc.tracks.size());
-    answer[5] = static_cast<std::uint8_t>(first == disc.tracks.end() ? trackCount + openTracks
-                                                                     : first->number);
-    answer[6] = static_cast<std::uint8_t>(trackCount + openTracks);
-    std::fill_n(answer.begin() + 16, 8, std::uint8_t{0xFF});
+    reply[5] = static_cast<std::uint8_t>(first == disc.tracks.end() ? trackCount + openTracks
+                                                                    : first->number);
+    reply[6] = static_cast<std::uint8_t>(trackCount + openTracks);
+    std::fill_n(reply.begin() + 16, 8, std::uint8_t{0xFF});
     if (!isClosed) {
-        answer[16] = answer[20] = 0;
-        putTime(answer, 17, disc.state == Medium::State::Blank ? -11'634 : disc.nextStart() - 4500);
-        putTime(answer, 21, static_cast<std::int32_t>(disc.capacity));
+        reply[16] = reply[20] = 0;
+        putTime(reply, 17, disc.state == Medium::State::Blank ? -11'634 : disc.nextStart() - 4500);
+        putTime(reply, 21, static_cast<std::int32_t>(disc.capacity));
     }
-    return finished(std::move(answer));
+    return finished(std::move(reply));
 }
 
 ScsiReply OpticalUnit::trackInformation(const ScsiCommand& command) {
@@ -94,39 +94,39 @@ ScsiReply OpticalUnit::trackInformation(const ScsiCommand& command) {
     const bool isNext = found == disc.tracks.end();
     if (isNext && isByNumber && which != 0xFF && which != next)
         return sense::invalidField;
-    Bytes answer(36);
+    Bytes reply(36);
     if (!isNext) {
-        answer[2] = static_cast<std::uint8_t>(found->number);
-        answer[3] = static_cast<std::uint8_t>(found->session);
-        answer[5] = static_cast<std::uint8_t>(controlOf(*found) & 0x0FU);
-        answer[6] = found->isAudio ? 0x0F : 0x01;
-        put32(answer, 8, static_cast<std::uint32_t>(found->start));
-        put32(answer, 24, found->length);
-        return finished(std::move(answer));
+        reply[2] = static_cast<std::uint8_t>(found->number);
+        reply[3] = static_cast<std::uint8_t>(found->session);
+        reply[5] = static_cast<std::uint8_t>(controlOf(*found) & 0x0FU);
+        reply[6] = found->isAudio ? 0x0F : 0x01;
+        put32(reply, 8, static_cast<std::uint32_t>(found->start));
+        put32(reply, 24, found->length);
+        return finished(std::move(reply));
     }
     const std::optional<std::int32_t> address = nextWritable();
     if (!address && disc.state == Medium::State::Closed)
         return sense::invalidField;
-    answer[2] = static_cast<std::uint8_t>(next);
-    answer[3] = static_cast<std::uint8_t>(disc.sessions + 1);
-    answer[5] = 0x04;
-    answer[6] = 0x41; // nothing in it yet
+    reply[2] = static_cast<std::uint8_t>(next);
+    reply[3] = static_cast<std::uint8_t>(disc.sessions + 1);
+    reply[5] = 0x04;
+    reply[6] = 0x41; // nothing in it yet
     if (address) {
         const std::int32_t free = static_cast<std::int32_t>(disc.capacity) - *address;
-        answer[7] = 1;
-        put32(answer, 8, static_cast<std::uint32_t>(_openTrack ? _openTrack->start : *address));
-        put32(answer, 12, static_cast<std::uint32_t>(*address));
-        put32(answer, 16, static_cast<std::uint32_t>(std::max(0, free)));
-        put32(answer, 24, static_cast<std::uint32_t>(std::max(0, free)));
+        reply[7] = 1;
+        put32(reply, 8, static_cast<std::uint32_t>(_openTrack ? _openTrack->start : *address));
+        put32(reply, 12, static_cast<std::uint32_t>(*address));
+        put32(reply, 16, static_cast<std::uint32_t>(std::max(0, free)));
+        put32(reply, 24, static_cast<std::uint32_t>(std::max(0, free)));
     }
-    return finished(std::move(answer));
+    return finished(std::move(reply));
 }
 
 ScsiReply OpticalUnit::capacity(const ScsiCommand&) {
-    Bytes answer(8);
-    put32(answer, 0, static_cast<std::uint32_t>(std::max(0, _medium->end() - 1)));
-    put32(answer, 4, 2048);
-    return answer;
+    Bytes reply(8);
+    put32(reply, 0, static_cast<std::uint32_t>(std::max(0, _medium->end() - 1)));
+    put32(reply, 4, 2048);
+    return reply;
 }
 
 ScsiReply OpticalUnit::contents(const ScsiCommand& command) {
@@ -152,16 +152,16 @@ ScsiReply OpticalUnit::contents(const ScsiCommand& command) {
 Bytes OpticalUnit::simpleContents(const ScsiCommand& command) const {
     const bool isTime = (command.at(1) & 2U) != 0;
     const auto tracks = _medium->tracks;
-    Bytes answer = {0, 0, 1, static_cast<std::uint8_t>(tracks.size())};
+    Bytes reply = {0, 0, 1, static_cast<std::uint8_t>(tracks.size())};
     const auto add = [&](unsigned number, std::uint8_t control, std::int32_t address) {
-        answer.insert(answer.end(), {0, control, static_cast<std::uint8_t>(number), 0, 0, 0, 0, 0});
-        putAddress(answer, answer.size() - 4, address, isTime);
+        reply.insert(reply.end(), {0, control, static_cast<std::uint8_t>(number), 0, 0, 0, 0, 0});
+        putAddress(reply, reply.size() - 4, address, isTime);
     };
     for (const MediumTrack& track : tracks)
         if (track.number >= command.at(6))
             add(track.number, controlOf(track), track.start);
     add(0xAA, controlOf(tracks.back()), _medium->end());
-    return finished(std::move(answer));
+    return finished(std::move(reply));
 }
 
 Bytes OpticalUnit::sessionContents() const {
@@ -169,29 +169,29 @@ Bytes OpticalUnit::sessionContents() const {
     const auto first = std::find_if(tracks.begin(), tracks.end(), [&](const MediumTrack& track) {
         return track.session == _medium->sessions;
     });
-    Bytes answer = {0,
-                    0,
-                    1,
-                    static_cast<std::uint8_t>(_medium->sessions),
-                    0,
-                    controlOf(*first),
-                    static_cast<std::uint8_t>(first->number),
-                    0,
-                    0,
-                    0,
-                    0,
-                    0};
-    put32(answer, 8, static_cast<std::uint32_t>(first->start));
-    return finished(std::move(answer));
+    Bytes reply = {0,
+                   0,
+                   1,
+                   static_cast<std::uint8_t>(_medium->sessions),
+                   0,
+                   controlOf(*first),
+                   static_cast<std::uint8_t>(first->number),
+                   0,
+                   0,
+                   0,
+                   0,
+                   0};
+    put32(reply, 8, static_cast<std::uint32_t>(first->start));
+    return finished(std::move(reply));
 }
 
 Bytes OpticalUnit::fullContents() const {
-    Bytes answer = {0, 0, 1, static_cast<std::uint8_t>(_medium->sessions)};
+    Bytes reply = {0, 0, 1, static_cast<std::uint8_t>(_medium->sessions)};
     const auto add = [&](const MediumTrack& of, unsigned point) -> std::size_t {
         const auto session = static_cast<std::uint8_t>(of.session);
-        answer.insert(answer.end(), {session, controlOf(of), 0, static_cast<std::uint8_t>(point), 0,
-                                     0, 0, 0, 0, 0, 0});
-        return answer.size() - 3;
+        reply.insert(reply.end(), {session, controlOf(of), 0, static_cast<std::uint8_t>(point), 0,
+                                   0, 0, 0, 0, 0, 0});
+        return reply.size() - 3;
     };
     std::map<unsigned, std::vector<MediumTrack>> sessions;
     for (const MediumTrack& track : _medium->tracks)
@@ -200,22 +200,22 @@ Bytes OpticalUnit::fullContents() const {
     for (const auto& [number, tracks] : sessions) {
         const MediumTrack& first = tracks.front();
         const MediumTrack& last = tracks.back();
-        answer[add(first, 0xA0)] = static_cast<std::uint8_t>(first.number);
-        answer[add(last, 0xA1)] = static_cast<std::uint8_t>(last.number);
-        putTime(answer, add(last, 0xA2), last.end());
+        reply[add(first, 0xA0)] = static_cast<std::uint8_t>(first.number);
+        reply[add(last, 0xA1)] = static_cast<std::uint8_t>(last.number);
+        putTime(reply, add(last, 0xA2), last.end());
         for (const MediumTrack& track : tracks)
-            putTime(answer, add(track, track.number), track.start);
+            putTime(reply, add(track, track.number), track.start);
     }
-    return finished(std::move(answer));
+    return finished(std::move(reply));
 }
 
 Bytes OpticalUnit::preGroove() const {
-    Bytes answer(28);
-    answer[2] = 0xC0;
-    answer[6] = static_cast<std::uint8_t>(0x80 | (_medium->isErasable() ? 0x40 : 0));
-    putTime(answer, 8, -11'634);
-    putTime(answer, 12, static_cast<std::int32_t>(_medium->capacity));
-    return finished(std::move(answer));
+    Bytes reply(28);
+    reply[2] = 0xC0;
+    reply[6] = static_cast<std::uint8_t>(0x80 | (_medium->isErasable() ? 0x40 : 0));
+    putTime(reply, 8, -11'634);
+    putTime(reply, 12, static_cast<std::int32_t>(_medium->capacity));
+    return finished(std::move(reply));
 }
 
 } // namespace quarner

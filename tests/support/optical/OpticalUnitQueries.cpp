@@ -48,16 +48,16 @@ Bytes profileList(std::uint16_t current) {
 } // namespace
 
 ScsiReply OpticalUnit::inquiry(const ScsiCommand&) {
-    Bytes answer(36);
-    answer[0] = 5;    // a CD or DVD drive
-    answer[1] = 0x80; // with removable discs
-    answer[2] = 5;
-    answer[3] = 0x32;
-    answer[4] = 31;
-    putText(answer, 8, 8, _vendor);
-    putText(answer, 16, 16, _product);
-    putText(answer, 32, 4, "1.0");
-    return answer;
+    Bytes reply(36);
+    reply[0] = 5;    // a CD or DVD drive
+    reply[1] = 0x80; // with removable discs
+    reply[2] = 5;
+    reply[3] = 0x32;
+    reply[4] = 31;
+    putText(reply, 8, 8, _vendor);
+    putText(reply, 16, 16, _product);
+    putText(reply, 32, 4, "1.0");
+    return reply;
 }
 
 std::uint16_t OpticalUnit::profile() const {
@@ -81,17 +81,17 @@ std::uint16_t OpticalUnit::profile() const {
 ScsiReply OpticalUnit::configuration(const ScsiCommand&) {
     const std::uint16_t current = profile();
     const bool isWritableCD = current == profileCDR || current == profileCDRW;
-    Bytes answer(8);
-    put16(answer, 6, current);
-    addFeature(answer, 0x0000, true, profileList(current));
-    addFeature(answer, 0x0001, true, {0, 0, 0, 1, 1, 0, 0, 0});      // core
-    addFeature(answer, 0x0003, true, {0x29, 0, 0, 0});               // tray, lock, eject
-    addFeature(answer, 0x001E, hasMedium(), {0, 0, 0, 0});           // reads CDs
-    addFeature(answer, 0x002D, isWritableCD, {0x42, 0, 0, 1});       // track-at-once
-    addFeature(answer, 0x002E, isWritableCD, {0x62, 0, 0x0C, 0x00}); // session-at-once
-    addFeature(answer, 0x0037, current == profileCDRW, {0, 7, 0, 0});
-    put32(answer, 0, static_cast<std::uint32_t>(answer.size()) - 4);
-    return answer;
+    Bytes reply(8);
+    put16(reply, 6, current);
+    addFeature(reply, 0x0000, true, profileList(current));
+    addFeature(reply, 0x0001, true, {0, 0, 0, 1, 1, 0, 0, 0});      // core
+    addFeature(reply, 0x0003, true, {0x29, 0, 0, 0});               // tray, lock, eject
+    addFeature(reply, 0x001E, hasMedium(), {0, 0, 0, 0});           // reads CDs
+    addFeature(reply, 0x002D, isWritableCD, {0x42, 0, 0, 1});       // track-at-once
+    addFeature(reply, 0x002E, isWritableCD, {0x62, 0, 0x0C, 0x00}); // session-at-once
+    addFeature(reply, 0x0037, current == profileCDRW, {0, 7, 0, 0});
+    put32(reply, 0, static_cast<std::uint32_t>(reply.size()) - 4);
+    return reply;
 }
 
 Bytes OpticalUnit::capabilities() const {
@@ -132,10 +132,10 @@ ScsiReply OpticalUnit::modeSense(const ScsiCommand& command) {
     default:
         return sense::invalidField;
     }
-    Bytes answer(8);
-    answer.insert(answer.end(), page.begin(), page.end());
-    put16(answer, 0, static_cast<std::uint32_t>(answer.size()) - 2);
-    return answer;
+    Bytes reply(8);
+    reply.insert(reply.end(), page.begin(), page.end());
+    put16(reply, 0, static_cast<std::uint32_t>(reply.size()) - 2);
+    return reply;
 }
 
 ScsiReply OpticalUnit::performance(const ScsiCommand& command) {
@@ -143,16 +143,16 @@ ScsiReply OpticalUnit::performance(const ScsiCommand& command) {
     const std::uint32_t end = hasMedium() ? _medium->capacity : 0;
     const std::size_t wanted = command.at16(8);
     const std::size_t count = std::min(wanted, isOfWriting ? writeSpeeds.size() : std::size_t{1});
-    Bytes answer(8 + 16 * count);
+    Bytes reply(8 + 16 * count);
     const std::size_t whole = 8 + 16 * (isOfWriting ? writeSpeeds.size() : 1);
-    put32(answer, 0, static_cast<std::uint32_t>(whole - 4));
+    put32(reply, 0, static_cast<std::uint32_t>(whole - 4));
     for (std::size_t i = 0; i < count; ++i) {
         const std::size_t at = 8 + 16 * i;
-        put32(answer, at + 4, isOfWriting ? end : 0);
-        put32(answer, at + 8, isOfWriting ? fastestReading : end);
-        put32(answer, at + 12, isOfWriting ? writeSpeeds[i] : fastestReading);
+        put32(reply, at + 4, isOfWriting ? end : 0);
+        put32(reply, at + 8, isOfWriting ? fastestReading : end);
+        put32(reply, at + 12, isOfWriting ? writeSpeeds[i] : fastestReading);
     }
-    return answer;
+    return reply;
 }
 
 ScsiReply OpticalUnit::eventStatus(const ScsiCommand& command) {
@@ -168,11 +168,11 @@ ScsiReply OpticalUnit::eventStatus(const ScsiCommand& command) {
 }
 
 ScsiReply OpticalUnit::bufferCapacity(const ScsiCommand&) {
-    Bytes answer(12);
-    put16(answer, 0, 10);
-    put32(answer, 4, bufferBytes);
-    put32(answer, 8, bufferBytes);
-    return answer;
+    Bytes reply(12);
+    put16(reply, 0, 10);
+    put32(reply, 4, bufferBytes);
+    put32(reply, 8, bufferBytes);
+    return reply;
 }
 
 } // namespace quarner

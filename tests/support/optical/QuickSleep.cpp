@@ -8,7 +8,7 @@
 #include <thread>
 
 namespace {
-void nap(std::chrono::microseconds time) {
+void delay(std::chrono::microseconds time) {
     constexpr std::chrono::microseconds longest(2000);
     std::this_thread::sleep_for(std::min(time, longest));
 }
@@ -17,12 +17,12 @@ void nap(std::chrono::microseconds time) {
 extern "C" {
 
 [[gnu::visibility("default")]] int usleep(unsigned microseconds) {
-    nap(std::chrono::microseconds(microseconds));
+    delay(std::chrono::microseconds(microseconds));
     return 0;
 }
 
 [[gnu::visibility("default")]] unsigned sleep(unsigned seconds) {
-    nap(std::chrono::seconds(seconds));
+    delay(std::chrono::seconds(seconds));
     return 0;
 }
 }

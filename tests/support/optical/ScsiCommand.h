@@ -84,7 +84,7 @@ struct ScsiReply {
 
     ScsiReply() = default;
     ScsiReply(const ScsiSense& failure) : sense(failure) {}
-    ScsiReply(std::vector<std::uint8_t> answer) : data(std::move(answer)) {}
+    ScsiReply(std::vector<std::uint8_t> reply) : data(std::move(reply)) {}
 };
 
 inline void put16(std::vector<std::uint8_t>& bytes, std::size_t at, std::uint32_t value) {

@@ -56,13 +56,13 @@ struct CallResult {
 void deliver(UMockdevIoctlData* data, sg_io_hdr header, const ScsiReply& reply) {
     constexpr unsigned char checkCondition = 2;
     constexpr unsigned short driverHasSense = 8;
-    std::vector<std::uint8_t> answer = reply.data;
-    if (answer.size() > header.dxfer_len)
-        answer.resize(header.dxfer_len);
+    std::vector<std::uint8_t> bytes = reply.data;
+    if (bytes.size() > header.dxfer_len)
+        bytes.resize(header.dxfer_len);
     const bool isRead = header.dxfer_direction == SG_DXFER_FROM_DEV;
     if (isRead)
-        putBytes(data, offsetof(sg_io_hdr, dxferp), answer);
-    header.resid = isRead ? static_cast<int>(header.dxfer_len - answer.size()) : 0;
+        putBytes(data, offsetof(sg_io_hdr, dxferp), bytes);
+    header.resid = isRead ? static_cast<int>(header.dxfer_len - bytes.size()) : 0;
     header.status = header.masked_status = 0;
     header.host_status = header.driver_status = 0;
     header.sb_len_wr = 0;
@@ -111,7 +111,7 @@ std::uintptr_t numberIn(const UMockdevIoctlData* argument) {
     return number;
 }
 
-CallResult answer(UMockdevIoctlClient* client, SystemCallTarget& target) {
+CallResult handle(UMockdevIoctlClient* client, SystemCallTarget& target) {
     switch (umockdev_ioctl_client_get_request(client)) {
     case SG_IO:
         return sendCommand(client, target);
@@ -159,14 +159,14 @@ Targets& targets() {
 
 gboolean onCall(UMockdevIoctlBase* calls, UMockdevIoctlClient* client, gpointer) {
     const std::shared_ptr<SystemCallTarget> target = targets().of(calls);
-    const CallResult result = target ? answer(client, *target) : CallResult{-1, ENODEV};
+    const CallResult result = target ? handle(client, *target) : CallResult{-1, ENODEV};
     umockdev_ioctl_client_complete(client, result.value, result.error);
     return TRUE;
 }
 
 } // namespace
 
-void answerSystemCalls(UMockdevIoctlBase* calls, const std::shared_ptr<SystemCallTarget>& target) {
+void handleSystemCalls(UMockdevIoctlBase* calls, const std::shared_ptr<SystemCallTarget>& target) {
     targets().set(calls, target);
     const auto forget = [](gpointer of, GClosure*) { targets().forget(of); };
     g_signal_connect_data(calls, "handle-ioctl", G_CALLBACK(onCall), calls, forget,

@@ -11,6 +11,6 @@ namespace quarner {
 
 /// Passes the system calls on a node to a target while the target exists; afterwards they fail as
 /// those on an unplugged drive.
-void answerSystemCalls(UMockdevIoctlBase* calls, const std::shared_ptr<SystemCallTarget>& target);
+void handleSystemCalls(UMockdevIoctlBase* calls, const std::shared_ptr<SystemCallTarget>& target);
 
 } // namespace quarner

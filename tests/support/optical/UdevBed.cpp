@@ -69,11 +69,11 @@ public:
     }
 
     /// Once for each name: an open node without a handler ends the program.
-    void answerCalls(const std::string& name, const std::shared_ptr<SystemCallTarget>& target) {
+    void handleCalls(const std::string& name, const std::shared_ptr<SystemCallTarget>& target) {
         if (!_answered.insert(name).second)
             return;
         const std::unique_ptr<UMockdevIoctlBase, Unref> calls(umockdev_ioctl_base_new());
-        answerSystemCalls(calls.get(), target);
+        handleSystemCalls(calls.get(), target);
         umockdev_testbed_attach_ioctl(testbed.get(), ("/dev/" + name).c_str(), calls.get(),
                                       nullptr);
     }
@@ -128,7 +128,7 @@ void UdevBed::attach(const std::string& name, unsigned minor, const Properties& 
         device += "E: " + key + '=' + value + '\n';
     device += "A: removable=1\n\n";
     const std::lock_guard lock(_bed->mutex);
-    _bed->answerCalls(name, target);
+    _bed->handleCalls(name, target);
     if (!umockdev_testbed_add_from_string(_bed->testbed.get(), device.c_str(), nullptr))
         throw std::logic_error("no such device: " + device);
     // This also sends an "add" event.
