@@ -130,7 +130,7 @@ void BurnRun::verify(const DiscPlan& plan) {
         if (const std::optional<BurnProgress> progress = progressToReport())
             _report.state(DRStatusStateVerifying, progress);
     });
-    _writer->verifyTableOfContents();
+    _writer->beginVerification();
     verifier.verify();
 }
 

@@ -11,7 +11,7 @@ namespace quarner {
 
 /// Takes the sectors of one burn and returns them for verification. Called in this order:
 /// `openSession`, `write` until the plan is complete, `closeSession`, `finish`; if the burn is
-/// verified, `verifyTableOfContents`, then `readBack` for each part of the disc; last `commit`.
+/// verified, `beginVerification`, then `readBack` for each part of the disc; last `commit`.
 /// Called on the burn's thread, except `readBack`. Each operation throws `BurnFailure` if it fails;
 /// no other follows then. Destroying a writer that was not committed abandons the burn: what can
 /// be undone is undone, and nothing stays locked or held.
@@ -37,7 +37,7 @@ public:
     virtual void finish() = 0;
 
     /// Compares what `closeSession` added with what it should be, and prepares reading back.
-    virtual void verifyTableOfContents() = 0;
+    virtual void beginVerification() = 0;
 
     /// The number of threads that may call `readBack` at once.
     virtual unsigned readers() const { return 1; }

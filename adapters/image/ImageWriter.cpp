@@ -76,7 +76,7 @@ void ImageWriter::readBack(std::uint64_t firstSector, std::span<std::byte> buffe
     _bin->read(firstSector * _plan.sectorSize, buffer);
 }
 
-void ImageWriter::verifyTableOfContents() {
+void ImageWriter::beginVerification() {
     verifySheet(_names.cuePart, _firstBin);
     if (needsSecondStep())
         verifySheet(_names.lastCuePart, _names.plainBin);

@@ -32,7 +32,7 @@ public:
     void finish() override;
     unsigned readers() const override { return 2; }
     void readBack(std::uint64_t firstSector, std::span<std::byte> buffer) override;
-    void verifyTableOfContents() override;
+    void beginVerification() override;
     void commit() override;
 
 private:

@@ -102,7 +102,7 @@ void OpticalWriter::finish() {
         fail(DRError::WriteFailed, "closing the disc");
 }
 
-void OpticalWriter::verifyTableOfContents() {
+void OpticalWriter::beginVerification() {
     const std::string difference = differenceFromPlan(*_drive, _plan);
     if (!difference.empty())
         fail(DRError::VerifyFailed, "the table of contents of the disc has " + difference);

@@ -38,7 +38,7 @@ public:
     void closeSession() override;
     void finish() override;
     void readBack(std::uint64_t firstSector, std::span<std::byte> buffer) override;
-    void verifyTableOfContents() override;
+    void beginVerification() override;
     void commit() override {}
 
 private:

@@ -22,7 +22,7 @@ public:
     void write(std::span<const std::byte>) override {}
     void closeSession() override {}
     void finish() override {}
-    void verifyTableOfContents() override {}
+    void beginVerification() override {}
     void commit() override {}
     void readBack(std::uint64_t firstSector, std::span<std::byte> buffer) override {
         std::fill(buffer.begin(), buffer.end(), std::byte(0));
