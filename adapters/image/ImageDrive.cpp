@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "adapters/engine/BurnFailure.h"
-#include "adapters/image/ImageNames.h"
-#include "adapters/image/ImageWriter.h"
+#include "adapters/image/CueNames.h"
+#include "adapters/image/CueWriter.h"
 #include "adapters/image/IsoNames.h"
 #include "adapters/image/IsoWriter.h"
 #include "quarner/platform/DRKeys.h"
@@ -124,8 +124,8 @@ std::unique_ptr<SectorWriter> ImageDrive::writerFor(const DiscPlan& plan,
             return std::make_unique<IsoWriter>(_files, std::move(*names), stop);
         throw BurnFailure(DRError::WrongMedia, _path + ": a data disc needs the extension iso");
     }
-    if (std::optional<ImageNames> names = imageNames(_path))
-        return std::make_unique<ImageWriter>(_files, std::move(*names), stop);
+    if (std::optional<CueNames> names = cueNames(_path))
+        return std::make_unique<CueWriter>(_files, std::move(*names), stop);
     throw BurnFailure(DRError::WrongMedia, _path + ": an audio disc needs the extension cue");
 }
 

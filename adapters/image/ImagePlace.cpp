@@ -22,7 +22,7 @@ void refuseClosedFolder(const std::string& folder) {
 
 } // namespace
 
-void refuseUnfitPlace(const ImageNames& names) {
+void refuseUnfitPlace(const CueNames& names) {
     for (const std::string* file : {&names.cue, &names.plainBin, &names.newBin})
         refuseIrreplaceable(*file);
     refuseClosedFolder(names.folder);
@@ -35,7 +35,7 @@ void refuseUnfitPlace(const IsoNames& names) {
 
 std::optional<BurnFailure> problemOfPlace(const std::string& path) {
     try {
-        if (const std::optional<ImageNames> names = imageNames(path))
+        if (const std::optional<CueNames> names = cueNames(path))
             refuseUnfitPlace(*names);
         else if (const std::optional<IsoNames> data = isoNames(path))
             refuseUnfitPlace(*data);

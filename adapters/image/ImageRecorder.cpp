@@ -10,8 +10,8 @@
 
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/engine/Utf8.h"
+#include "adapters/image/CueNames.h"
 #include "adapters/image/CueSheet.h"
-#include "adapters/image/ImageNames.h"
 #include "adapters/image/IsoNames.h"
 #include "adapters/posix/FileStamps.h"
 #include "adapters/posix/SystemCall.h"
@@ -40,7 +40,7 @@ bool isFileThere(const std::string& path) {
 
 /// Returns the blocks of the BIN that a CUE sheet refers to if it consists of whole audio sectors;
 /// 0 if they are unknown.
-std::uint64_t blocksOfImage(FileSystem& files, const ImageNames& names) {
+std::uint64_t blocksOfImage(FileSystem& files, const CueNames& names) {
     const std::optional<std::string> sheet = files.content(names.cue);
     const std::optional<std::string> bin = sheet ? binNamedBy(*sheet) : std::nullopt;
     const std::optional<FileStamp> found =
@@ -57,8 +57,7 @@ std::uint64_t blocksOfImage(const IsoNames& names) {
 /// contains.
 ImageDrive::Disc existingDisc(FileSystem& files, const std::string& path) {
     try {
-        if (const std::optional<ImageNames> names = imageNames(path);
-            names && isFileThere(names->cue))
+        if (const std::optional<CueNames> names = cueNames(path); names && isFileThere(names->cue))
             return {.isBlank = false, .usedBlocks = blocksOfImage(files, *names)};
         if (const std::optional<IsoNames> names = isoNames(path); names && isFileThere(names->iso))
             return {.isBlank = false, .usedBlocks = blocksOfImage(*names)};
@@ -84,7 +83,7 @@ ImageRecorder::~ImageRecorder() {
 
 std::shared_ptr<ImageDrive> ImageRecorder::add(const ImageDriveSettings& settings) {
     const std::optional<std::uint32_t> capacity = blocksOf(settings.minutes);
-    if (!capacity || (!imageNames(settings.path) && !isoNames(settings.path)))
+    if (!capacity || (!cueNames(settings.path) && !isoNames(settings.path)))
         return nullptr;
     const ImageDrive::Disc disc =
         settings.loadExisting ? existingDisc(*_files, settings.path) : ImageDrive::Disc{};
@@ -102,7 +101,7 @@ std::shared_ptr<ImageDrive> ImageRecorder::add(const ImageDriveSettings& setting
 }
 
 std::string ImageRecorder::uniqueName(const std::string& path) const {
-    return uniqueDriveName(readableName(ImageNames::baseName(path)), [this](const auto& name) {
+    return uniqueDriveName(readableName(CueNames::baseName(path)), [this](const auto& name) {
         return std::any_of(_drives.begin(), _drives.end(),
                            [&](const auto& drive) { return drive->displayName() == name; });
     });

@@ -15,7 +15,7 @@ namespace quarner {
 
 /// The settings of a new drive.
 struct ImageDriveSettings {
-    /// The path of the image. It ends in .cue for audio discs (see `ImageNames` for the BIN beside
+    /// The path of the image. It ends in .cue for audio discs (see `CueNames` for the BIN beside
     /// it) or in .iso for data discs. A relative path is resolved against the current working
     /// directory when the drive is added.
     std::string path;

@@ -14,7 +14,7 @@ namespace quarner {
 /// distinguish such names. Bytes that are not UTF-8 are kept. All tested readers accept names of up
 /// to 120 bytes; a few fail at longer ones. If a name would be longer than the file system allows,
 /// a hash replaces the end of its stem; the CUE's own name never changes.
-struct ImageNames {
+struct CueNames {
     std::string folder;   ///< absolute
     std::string cue;      ///< the image's own path
     std::string plainBin; ///< the final name of the BIN: mix.bin
@@ -34,6 +34,6 @@ struct ImageNames {
 
 /// Returns the names for an image at a path, following symbolic links; `std::nullopt` if the path
 /// does not end in a file name with the extension cue.
-std::optional<ImageNames> imageNames(const std::string& cuePath);
+std::optional<CueNames> cueNames(const std::string& cuePath);
 
 } // namespace quarner

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "adapters/image/ImageWriter.h"
+#include "adapters/image/CueWriter.h"
 
 #include <optional>
 #include <utility>
@@ -11,11 +11,11 @@
 
 namespace quarner {
 
-ImageWriter::ImageWriter(std::shared_ptr<FileSystem> files, ImageNames names,
-                         std::shared_ptr<const StopSignal> stop)
+CueWriter::CueWriter(std::shared_ptr<FileSystem> files, CueNames names,
+                     std::shared_ptr<const StopSignal> stop)
     : _files(std::move(files)), _names(std::move(names)), _stop(std::move(stop)) {}
 
-ImageWriter::~ImageWriter() {
+CueWriter::~CueWriter() {
     _bin.reset();
     try {
         if (_lock)
@@ -25,7 +25,7 @@ ImageWriter::~ImageWriter() {
     }
 }
 
-void ImageWriter::openSession(const DiscPlan& plan) {
+void CueWriter::openSession(const DiscPlan& plan) {
     refuseUnfitPlace(_names);
     _lock = _files->lock(_names.lock, *_stop);
     removeParts();
@@ -36,25 +36,25 @@ void ImageWriter::openSession(const DiscPlan& plan) {
     _bin->reserve(plan.bytes());
 }
 
-void ImageWriter::removeParts() {
+void CueWriter::removeParts() {
     for (const std::string* part :
          {&_names.binPart, &_names.linkPart, &_names.cuePart, &_names.lastCuePart})
         _files->remove(*part);
 }
 
 /// The file whose permissions the new BIN gets: the sheet's where there is no BIN of ours.
-std::string ImageWriter::replacedBin() const {
+std::string CueWriter::replacedBin() const {
     if (sheetNames(_names.newBin))
         return _names.newBin;
     return isThere(_names.plainBin) ? _names.plainBin : _names.cue;
 }
 
-bool ImageWriter::sheetNames(const std::string& binPath) const {
+bool CueWriter::sheetNames(const std::string& binPath) const {
     const std::optional<std::string> sheet = _files->content(_names.cue);
-    return sheet && binNamedBy(*sheet) == ImageNames::baseName(binPath);
+    return sheet && binNamedBy(*sheet) == CueNames::baseName(binPath);
 }
 
-void ImageWriter::closeSession() {
+void CueWriter::closeSession() {
     // A file with the BIN's name, whoever wrote it, is kept until the sheet is replaced.
     const bool isFree = sheetNames(_names.newBin) || !isThere(_names.plainBin);
     _firstBin = isFree ? _names.plainBin : _names.newBin;
@@ -63,31 +63,31 @@ void ImageWriter::closeSession() {
         writeSheet(_names.lastCuePart, _names.plainBin);
 }
 
-void ImageWriter::writeSheet(const std::string& path, const std::string& binPath) {
-    const std::string sheet = cueSheet(_plan, ImageNames::baseName(binPath));
+void CueWriter::writeSheet(const std::string& path, const std::string& binPath) {
+    const std::string sheet = cueSheet(_plan, CueNames::baseName(binPath));
     const std::unique_ptr<ImageFile> file = _files->create(path, _names.cue);
     file->append(std::as_bytes(std::span(sheet)));
     file->sync();
 }
 
-void ImageWriter::finish() { _bin->sync(); }
+void CueWriter::finish() { _bin->sync(); }
 
-void ImageWriter::readBack(std::uint64_t firstSector, std::span<std::byte> buffer) {
+void CueWriter::readBack(std::uint64_t firstSector, std::span<std::byte> buffer) {
     _bin->read(firstSector * _plan.sectorSize, buffer);
 }
 
-void ImageWriter::beginVerification() {
+void CueWriter::beginVerification() {
     verifySheet(_names.cuePart, _firstBin);
     if (needsSecondStep())
         verifySheet(_names.lastCuePart, _names.plainBin);
 }
 
-void ImageWriter::verifySheet(const std::string& path, const std::string& binPath) {
-    if (_files->content(path) != cueSheet(_plan, ImageNames::baseName(binPath)))
+void CueWriter::verifySheet(const std::string& path, const std::string& binPath) {
+    if (_files->content(path) != cueSheet(_plan, CueNames::baseName(binPath)))
         throw BurnFailure(DRError::VerifyFailed, path + " differs from what was written");
 }
 
-void ImageWriter::commit() {
+void CueWriter::commit() {
     _bin.reset();
     switchOver();
     try {
@@ -99,7 +99,7 @@ void ImageWriter::commit() {
     }
 }
 
-void ImageWriter::switchOver() {
+void CueWriter::switchOver() {
     _files->rename(_names.binPart, _firstBin);
     try {
         _files->syncFolder(_names.folder);
@@ -111,7 +111,7 @@ void ImageWriter::switchOver() {
 }
 
 /// Throws nothing: the reason why it has to go is the one to be told.
-void ImageWriter::removeFirstBin() {
+void CueWriter::removeFirstBin() {
     try {
         _files->remove(_firstBin);
     } catch (const BurnFailure&) {
@@ -120,7 +120,7 @@ void ImageWriter::removeFirstBin() {
 }
 
 /// The BIN has both names while the CUE is replaced by one that refers to the other name.
-void ImageWriter::moveToPlainName() {
+void CueWriter::moveToPlainName() {
     if (!needsSecondStep()) {
         _files->remove(_names.newBin);
     } else if (_files->link(_names.newBin, _names.linkPart)) {

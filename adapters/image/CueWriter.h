@@ -5,8 +5,8 @@
 #include <string>
 
 #include "adapters/engine/SectorWriter.h"
+#include "adapters/image/CueNames.h"
 #include "adapters/image/FileSystem.h"
-#include "adapters/image/ImageNames.h"
 
 namespace quarner {
 
@@ -20,11 +20,11 @@ namespace quarner {
 /// 3. It renames the sheet to mix.cue, which replaces the image in one step.
 /// 4. A BIN called mix.bin.new gets mix.bin as a second name, a sheet that refers to mix.bin
 /// replaces the first one, and the name mix.bin.new is removed. Without hard links it is kept.
-class ImageWriter : public SectorWriter {
+class CueWriter : public SectorWriter {
 public:
-    ImageWriter(std::shared_ptr<FileSystem> files, ImageNames names,
-                std::shared_ptr<const StopSignal> stop);
-    ~ImageWriter() override;
+    CueWriter(std::shared_ptr<FileSystem> files, CueNames names,
+              std::shared_ptr<const StopSignal> stop);
+    ~CueWriter() override;
 
     void openSession(const DiscPlan& plan) override;
     void write(std::span<const std::byte> sectors) override { _bin->append(sectors); }
@@ -47,7 +47,7 @@ private:
     void moveToPlainName();
 
     const std::shared_ptr<FileSystem> _files;
-    const ImageNames _names;
+    const CueNames _names;
     const std::shared_ptr<const StopSignal> _stop;
     std::unique_ptr<ImageLock> _lock;
     DiscPlan _plan;

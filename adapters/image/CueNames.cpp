@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "adapters/image/ImageNames.h"
+#include "adapters/image/CueNames.h"
 
 #include <algorithm>
 #include <string_view>
@@ -35,11 +35,11 @@ std::string binExtension(const std::string& cuePath) {
 
 } // namespace
 
-std::string ImageNames::baseName(const std::string& path) {
+std::string CueNames::baseName(const std::string& path) {
     return path.substr(path.find_last_of('/') + 1);
 }
 
-std::optional<ImageNames> imageNames(const std::string& cuePath) {
+std::optional<CueNames> cueNames(const std::string& cuePath) {
     const std::optional<ImagePath> parts = imagePath(cuePath, ".cue");
     if (!parts)
         return std::nullopt;
@@ -50,15 +50,15 @@ std::optional<ImageNames> imageNames(const std::string& cuePath) {
     const std::string binStem = fittingStem(stem, longest - extension.size());
     const std::string shortStem = fittingStem(stem, longest - longestAddition.size());
     const std::string hidden = base + '.' + shortStem;
-    return ImageNames{.folder = parts->folder,
-                      .cue = parts->path,
-                      .plainBin = base + binStem + extension,
-                      .newBin = base + shortStem + extension + ".new",
-                      .lock = hidden + ".bin.lock",
-                      .binPart = hidden + ".bin.part",
-                      .linkPart = hidden + ".bin.link.part",
-                      .cuePart = hidden + ".cue.part",
-                      .lastCuePart = hidden + ".cue.last.part"};
+    return CueNames{.folder = parts->folder,
+                    .cue = parts->path,
+                    .plainBin = base + binStem + extension,
+                    .newBin = base + shortStem + extension + ".new",
+                    .lock = hidden + ".bin.lock",
+                    .binPart = hidden + ".bin.part",
+                    .linkPart = hidden + ".bin.link.part",
+                    .cuePart = hidden + ".cue.part",
+                    .lastCuePart = hidden + ".cue.last.part"};
 }
 
 } // namespace quarner
