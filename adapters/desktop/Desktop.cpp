@@ -102,9 +102,9 @@ std::string driveAccessProblem(const std::string& displayName) {
     return drive ? drive->accessProblem().value_or("") : "";
 }
 
-bool hearsOfDrives() {
+bool receivesDriveEvents() {
     const auto desktop = current();
-    return desktop && desktop->recorder().optical().hearsOfChanges();
+    return desktop && desktop->recorder().optical().receivesEvents();
 }
 
 } // namespace quarner

@@ -49,18 +49,18 @@ std::optional<BurnFailure> refusal(const DiscFacts& disc, const DiscPlan& plan,
 } // namespace
 
 OpticalDrive::OpticalDrive(DriveRecord record, std::string displayName,
-                           std::weak_ptr<RunLoops> runLoops, bool hearsOfChanges, Clock clock)
+                           std::weak_ptr<RunLoops> runLoops, bool receivesEvents, Clock clock)
     : _record(std::move(record)), _displayName(std::move(displayName)),
-      _runLoops(std::move(runLoops)), _hearsOfChanges(hearsOfChanges), _clock(std::move(clock)) {}
+      _runLoops(std::move(runLoops)), _receivesEvents(receivesEvents), _clock(std::move(clock)) {}
 
 void OpticalDrive::mediaChanged() {
     {
         const std::lock_guard lock(_mutex);
         ++_changes;
         if (!_burning)
-            _known.reset();
+            _cached.reset();
     }
-    tellOfChange();
+    reportChange();
 }
 
 void OpticalDrive::unplug() {
@@ -82,43 +82,43 @@ bool OpticalDrive::unplugUnlessBurning() {
 }
 
 /// Returns what is known without querying the drive; `std::nullopt` if it must be queried.
-std::optional<DiscFacts> OpticalDrive::knownDisc() const {
+std::optional<DiscFacts> OpticalDrive::cachedDisc() const {
     const std::lock_guard lock(_mutex);
     if (!_isAttached)
         return DiscFacts();
     if (_burning)
-        return _known ? _known->disc : DiscFacts();
-    if (!_known)
+        return _cached ? _cached->disc : DiscFacts();
+    if (!_cached)
         return std::nullopt;
-    const bool isKept = _hearsOfChanges && !_known->isMomentary;
-    if (isKept || _clock() - _known->since < keptFor)
-        return _known->disc;
+    const bool isKept = _receivesEvents && !_cached->isTransient;
+    if (isKept || _clock() - _cached->since < keptFor)
+        return _cached->disc;
     return std::nullopt;
 }
 
 DiscFacts OpticalDrive::disc() const {
-    if (std::optional<DiscFacts> known = knownDisc())
+    if (std::optional<DiscFacts> known = cachedDisc())
         return std::move(*known);
-    const std::lock_guard asking(_asking);
-    if (std::optional<DiscFacts> known = knownDisc()) // another thread has just queried it
+    const std::lock_guard asking(_querying);
+    if (std::optional<DiscFacts> known = cachedDisc()) // another thread has just queried it
         return std::move(*known);
-    return ask();
+    return query();
 }
 
-DiscFacts OpticalDrive::ask() const {
+DiscFacts OpticalDrive::query() const {
     const std::uint64_t changes = changeCount();
     DiscFacts disc;
-    bool isMomentary = true;
+    bool isTransient = true;
     try {
         const GrabbedDrive drive(_record, {questionPatience, {}}, nullptr);
         disc = readDiscFacts(drive);
-        isMomentary = disc.state == DiscFacts::State::NotReady;
+        isTransient = disc.state == DiscFacts::State::NotReady;
     } catch (const DiscIsLoading&) {
         disc.state = DiscFacts::State::NotReady;
     } catch (const std::exception& failure) {
         currentPlatform()->log->log(_displayName + ": " + failure.what());
     }
-    learn(disc, isMomentary, changes);
+    updateCache(disc, isTransient, changes);
     return disc;
 }
 
@@ -128,15 +128,16 @@ std::uint64_t OpticalDrive::changeCount() const {
 }
 
 /// Results read while the disc was changed are dropped.
-void OpticalDrive::learn(const DiscFacts& disc, bool isMomentary, std::uint64_t changes) const {
+void OpticalDrive::updateCache(const DiscFacts& disc, bool isTransient,
+                               std::uint64_t changes) const {
     const std::lock_guard lock(_mutex);
     if (changes == _changes)
-        _known = Known{disc, _clock(), isMomentary};
+        _cached = Cached{disc, _clock(), isTransient};
 }
 
 std::optional<std::string> OpticalDrive::accessProblem() const {
-    const std::lock_guard asking(_asking); // a query has it open too
-    return mayAsk() ? quarner::accessProblem(_record.node) : std::nullopt;
+    const std::lock_guard asking(_querying); // a query has it open too
+    return mayQuery() ? quarner::accessProblem(_record.node) : std::nullopt;
 }
 
 Dictionary OpticalDrive::info() const { return {{DRDeviceCanWriteCDKey, _record.canWriteCD}}; }
@@ -187,20 +188,20 @@ std::optional<DRMSF> OpticalDrive::mediaSpaceFree() const {
 bool OpticalDrive::ejectMedia() {
     bool isOut = false;
     {
-        const std::lock_guard asking(_asking);
-        isOut = mayAsk() && putOut();
+        const std::lock_guard asking(_querying);
+        isOut = mayQuery() && eject();
     }
     if (isOut)
         mediaChanged();
     return isOut;
 }
 
-bool OpticalDrive::mayAsk() const {
+bool OpticalDrive::mayQuery() const {
     const std::lock_guard lock(_mutex);
     return _isAttached && !_burning;
 }
 
-bool OpticalDrive::putOut() {
+bool OpticalDrive::eject() {
     try {
         return DriveNode(_record.node, questionPatience, nullptr).openTray();
     } catch (const std::exception& failure) {
@@ -215,15 +216,15 @@ std::unique_ptr<SectorWriter> OpticalDrive::claim(const DiscPlan& plan,
     reserve(stop);
     std::unique_ptr<SectorWriter> writer;
     try {
-        const std::lock_guard asking(_asking); // waits for the end of a running query
+        const std::lock_guard asking(_querying); // waits for the end of a running query
         writer = open(plan, settings, stop);
     } catch (...) {
         const std::lock_guard lock(_mutex);
         _burning.reset();
-        _known.reset(); // the disc may have been changed by the attempt
+        _cached.reset(); // the disc may have been changed by the attempt
         throw;
     }
-    tellOfChange();
+    reportChange();
     return writer;
 }
 
@@ -242,7 +243,7 @@ std::unique_ptr<SectorWriter> OpticalDrive::open(const DiscPlan& plan, const Bur
     auto drive = std::make_unique<GrabbedDrive>(
         _record, DrivePatience{burnPatience, loadingPatience}, stop.get());
     const DiscFacts disc = readDiscFacts(*drive);
-    learn(disc, false, changes);
+    updateCache(disc, false, changes);
     stop->throwIfRequested();
     if (const std::optional<BurnFailure> failure = refusal(disc, plan, settings))
         throw BurnFailure(causeBehind(failure->error(), *drive, _record, *stop),
@@ -260,13 +261,13 @@ void OpticalDrive::release(std::optional<std::uint64_t>) {
     {
         const std::lock_guard lock(_mutex);
         _burning.reset();
-        _known.reset();
+        _cached.reset();
         _speed = 0.0;
     }
-    tellOfChange();
+    reportChange();
 }
 
-void OpticalDrive::tellOfChange() {
+void OpticalDrive::reportChange() {
     if (const auto runLoops = _runLoops.lock())
         runLoops->postToAll({DRDeviceStatusChangedNotification, shared_from_this(), {}});
 }

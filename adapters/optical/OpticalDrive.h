@@ -36,9 +36,9 @@ class OpticalDrive : public DRDevice,
 public:
     static constexpr std::chrono::milliseconds keptFor{2000};
 
-    /// `hearsOfChanges` says that `mediaChanged` will be called for every change of the disc.
+    /// `receivesEvents` says that `mediaChanged` will be called for every change of the disc.
     OpticalDrive(DriveRecord record, std::string displayName, std::weak_ptr<RunLoops> runLoops,
-                 bool hearsOfChanges, Clock clock = std::chrono::steady_clock::now);
+                 bool receivesEvents, Clock clock = std::chrono::steady_clock::now);
 
     const DriveRecord& record() const { return _record; }
 
@@ -77,35 +77,35 @@ public:
     void release(std::optional<std::uint64_t> writtenSectors) override;
 
 private:
-    struct Known {
+    struct Cached {
         DiscFacts disc;
         std::chrono::steady_clock::time_point since;
-        bool isMomentary = false; ///< not cached: the drive was busy, or the disc being loaded
+        bool isTransient = false; ///< not cached: the drive was busy, or the disc being loaded
     };
 
     DiscFacts disc() const;
-    std::optional<DiscFacts> knownDisc() const;
-    DiscFacts ask() const;
-    bool mayAsk() const;
-    bool putOut();
+    std::optional<DiscFacts> cachedDisc() const;
+    DiscFacts query() const;
+    bool mayQuery() const;
+    bool eject();
     std::uint64_t changeCount() const;
-    void learn(const DiscFacts& disc, bool isMomentary, std::uint64_t changes) const;
+    void updateCache(const DiscFacts& disc, bool isTransient, std::uint64_t changes) const;
     void reserve(const std::shared_ptr<StopSignal>& stop);
     std::unique_ptr<SectorWriter> open(const DiscPlan& plan, const BurnSettings& settings,
                                        const std::shared_ptr<StopSignal>& stop);
-    void tellOfChange();
+    void reportChange();
 
     const DriveRecord _record;
     const std::string _displayName;
     /// Weak, because a queued notification in one of the loops owns this drive.
     const std::weak_ptr<RunLoops> _runLoops;
-    const bool _hearsOfChanges;
+    const bool _receivesEvents;
     const Clock _clock;
 
     /// Held while the drive is open for a query. Locked before `_mutex`.
-    mutable std::mutex _asking;
+    mutable std::mutex _querying;
     mutable std::mutex _mutex;
-    mutable std::optional<Known> _known;
+    mutable std::optional<Cached> _cached;
     std::uint64_t _changes = 0; ///< the number of reported changes of the disc
     bool _isAttached = true;
     std::shared_ptr<StopSignal> _burning; ///< of the running burn, otherwise null

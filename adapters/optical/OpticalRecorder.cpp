@@ -19,7 +19,7 @@ std::string nameOf(const DriveRecord& record) {
 /// Returns whether a record has new information about a known drive. Missing information is
 /// ignored: udev leaves out what it cannot read from a busy drive, and nearly everything when the
 /// eject button is pressed.
-bool tellsMore(const DriveRecord& record, const DriveRecord& known) {
+bool hasNewInformation(const DriveRecord& record, const DriveRecord& known) {
     const bool hasName = !record.vendor.empty() || !record.product.empty();
     return (record.canWriteCD && !known.canWriteCD) || (hasName && nameOf(record) != nameOf(known));
 }
@@ -31,7 +31,7 @@ OpticalRecorder::OpticalRecorder(std::shared_ptr<RunLoops> runLoops,
     : EngineRecorder(std::move(runLoops), std::move(pcm), std::move(parts.dataDiscs), parts.clock),
       _clock(std::move(parts.clock)) {
     const std::lock_guard lock(_updating); // the monitor's thread waits until the drives are listed
-    _hearsOfChanges = _monitor.start(*this) && parts.isUdevRunning;
+    _receivesEvents = _monitor.start(*this) && parts.isUdevRunning;
     for (const DriveRecord& record : listDrives())
         attach(record);
 }
@@ -43,16 +43,16 @@ OpticalRecorder::~OpticalRecorder() {
 }
 
 std::vector<std::shared_ptr<DRDevice>> OpticalRecorder::devices() {
-    if (!_hearsOfChanges)
-        lookAfresh();
+    if (!_receivesEvents)
+        rescan();
     const std::lock_guard lock(_mutex);
     return {_drives.begin(), _drives.end()};
 }
 
 void OpticalRecorder::driveIsThere(const DriveRecord& record) {
     const std::lock_guard lock(_updating);
-    _hearsOfChanges = true; // first, so that the drive attached now expects reports of its changes
-    takeOver(record);
+    _receivesEvents = true; // first, so that the drive attached now expects reports of its changes
+    adopt(record);
 }
 
 void OpticalRecorder::driveIsGone(const std::string& sysPath) {
@@ -68,13 +68,13 @@ void OpticalRecorder::mediaChanged(const std::string& sysPath) {
 
 void OpticalRecorder::eventsWereLost() {
     const std::vector<Drive> before = drives();
-    lookAfresh();
+    rescan();
     for (const Drive& drive : drives())
         if (std::find(before.begin(), before.end(), drive) != before.end())
             drive->mediaChanged(); // one of the lost events may have been about its disc
 }
 
-void OpticalRecorder::lookAfresh() {
+void OpticalRecorder::rescan() {
     const std::lock_guard lock(_updating);
     const std::vector<DriveRecord> found = listDrives();
     for (const Drive& drive : drives())
@@ -83,12 +83,12 @@ void OpticalRecorder::lookAfresh() {
             }))
             detach(drive);
     for (const DriveRecord& record : found)
-        takeOver(record);
+        adopt(record);
 }
 
-void OpticalRecorder::takeOver(const DriveRecord& record) {
+void OpticalRecorder::adopt(const DriveRecord& record) {
     const Drive known = driveAt(record.sysPath);
-    if (known && (!tellsMore(record, known->record()) || !known->unplugUnlessBurning()))
+    if (known && (!hasNewInformation(record, known->record()) || !known->unplugUnlessBurning()))
         return;
     if (known)
         detach(known);
@@ -100,7 +100,7 @@ void OpticalRecorder::attach(const DriveRecord& record) {
     {
         const std::lock_guard lock(_mutex);
         drive = std::make_shared<OpticalDrive>(record, uniqueName(record), runLoops(),
-                                               _hearsOfChanges, _clock);
+                                               _receivesEvents, _clock);
         const auto place = std::upper_bound(
             _drives.begin(), _drives.end(), record,
             [](const DriveRecord& a, const Drive& b) { return comesBefore(a, b->record()); });

@@ -45,7 +45,7 @@ public:
 
     /// Whether drives that come and go, and changes of discs, are reported without calling
     /// `devices`.
-    bool hearsOfChanges() const { return _hearsOfChanges; }
+    bool receivesEvents() const { return _receivesEvents; }
 
 private:
     using Drive = std::shared_ptr<OpticalDrive>;
@@ -55,8 +55,8 @@ private:
     void mediaChanged(const std::string& sysPath) override;
     void eventsWereLost() override;
 
-    void lookAfresh();
-    void takeOver(const DriveRecord& record);
+    void rescan();
+    void adopt(const DriveRecord& record);
     void attach(const DriveRecord& record);
     void detach(const Drive& drive);
     Drive driveAt(const std::string& sysPath);
@@ -69,7 +69,7 @@ private:
     std::mutex _updating;
     std::mutex _mutex;
     std::vector<Drive> _drives;
-    std::atomic<bool> _hearsOfChanges = false;
+    std::atomic<bool> _receivesEvents = false;
     DriveMonitor _monitor; // the last member: its thread, which uses the others, must end before
                            // they are destroyed
 };

@@ -13,7 +13,7 @@ bool SectorPipe::give(std::span<const std::byte> bytes, const std::stop_token& s
     _lent = bytes;
     _changed.notify_all();
     const auto isSettled = [&] { return _lent.empty() || _isClosed; };
-    while (!_changed.wait_for(lock, stop, lookInterval, isSettled)) {
+    while (!_changed.wait_for(lock, stop, checkInterval, isSettled)) {
         lock.unlock();
         const bool goesOn = !stop.stop_requested() && isTaken();
         lock.lock();

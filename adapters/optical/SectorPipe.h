@@ -21,7 +21,7 @@ namespace quarner {
 class SectorPipe {
 public:
     /// The interval at which a waiting `give` calls `isTaken`.
-    static constexpr std::chrono::milliseconds lookInterval{50};
+    static constexpr std::chrono::milliseconds checkInterval{50};
 
     /// Waits until all bytes are taken and returns true. Returns false if the pipe is closed, if a
     /// stop is requested, or if `isTaken`, which is called repeatedly, returns false. On one

@@ -291,7 +291,7 @@ TEST_F(DriveBurnTest, ADriveThatMayNotBeOpenedIsListedWithTheReason) {
 }
 
 TEST_F(DriveBurnTest, WatchSaysWhenNothingCanBeHeard) {
-    host.hearsOfDrives = false;
+    host.receivesDriveEvents = false;
     interruptWhen([] { return true; });
     EXPECT_EQ(host.run({"watch"}), 130);
     EXPECT_THAT(host.err(), HasSubstr("udev"));

@@ -55,7 +55,7 @@ public:
                   [this](std::function<void()> handler) { _interruption = std::move(handler); },
                   [this] { ++platformEndings; },
                   [this](const std::string& name) { return accessProblem(name); },
-                  [this] { return hearsOfDrives; },
+                  [this] { return receivesDriveEvents; },
                   terminal()};
         return static_cast<int>(runCommand(host, std::get<Command>(parsed)));
     }
@@ -83,7 +83,7 @@ public:
     /// What the commands are told of the machine, where they read answers, and whether a question
     /// is seen there.
     std::map<std::string, std::string> accessProblems;
-    bool hearsOfDrives = true;
+    bool receivesDriveEvents = true;
     std::optional<int> keyboard;
     bool isTerminalSeen = true;
 

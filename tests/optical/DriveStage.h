@@ -54,10 +54,10 @@ public:
     DriveStage& operator=(const DriveStage&) = delete;
 
     std::shared_ptr<OpticalDrive> makeDrive(const EmulatedRecorder& of,
-                                            bool hearsOfChanges = true) const {
+                                            bool receivesEvents = true) const {
         return std::make_shared<OpticalDrive>(
             DriveRecord{of.node(), of.sysPath(), "QUARNER", "DISC RECORDER", true}, "Recorder",
-            loops, hearsOfChanges, [this] { return time; });
+            loops, receivesEvents, [this] { return time; });
     }
 
     /// Inserts a disc and notifies the drive.

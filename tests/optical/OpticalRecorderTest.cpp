@@ -148,7 +148,7 @@ TEST_F(OpticalRecorderTest, AnotherDiscIsANewStatusOfItsDrive) {
 TEST_F(OpticalRecorderTest, WhereUdevRunsADriveStaysUntilUdevTellsOfItsEnd) {
     const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
     start();
-    EXPECT_TRUE(recorder->hearsOfChanges());
+    EXPECT_TRUE(recorder->receivesEvents());
     bed.unplugSilently(sysPath);
     EXPECT_THAT(names(), ElementsAre("V M"));
 }
@@ -157,7 +157,7 @@ TEST_F(OpticalRecorderTest, WithoutUdevTheListIsThatOfTheMoment) {
     const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
     bed.plug("sr1", DriveBed::writer("V", "N"));
     start(false);
-    EXPECT_FALSE(recorder->hearsOfChanges());
+    EXPECT_FALSE(recorder->receivesEvents());
     EXPECT_THAT(names(), ElementsAre("V M", "V N"));
     const auto other = recorder->devices().at(1);
     bed.unplugSilently(sysPath);
@@ -170,7 +170,7 @@ TEST_F(OpticalRecorderTest, OnThisMachineTheListIsThatOfTheMomentUnlessUdevRuns)
     const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
     recorder = std::make_shared<OpticalRecorder>(loops, std::make_shared<RawSound>());
     const bool isUdevRunning = std::filesystem::exists("/run/udev/control");
-    EXPECT_EQ(recorder->hearsOfChanges(), isUdevRunning);
+    EXPECT_EQ(recorder->receivesEvents(), isUdevRunning);
     bed.unplugSilently(sysPath);
     EXPECT_EQ(names().empty(), !isUdevRunning);
 }

@@ -77,7 +77,7 @@ TEST_F(TakenOverDrive, ThatIsTheFirstOneHeardOfIsNotAskedAgainAfterAWhile) {
     start(false);
     const auto writer = bed.plug();
     ASSERT_TRUE(hearNotes(1));
-    EXPECT_TRUE(recorder->hearsOfChanges());
+    EXPECT_TRUE(recorder->receivesEvents());
     const auto drive = recorder->devices().at(0);
     EXPECT_TRUE(drive->mediaIsPresent());
     const std::size_t asked = writer->commands().size();

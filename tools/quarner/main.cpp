@@ -92,7 +92,7 @@ ExitStatus runOnDesktop(Console& console, const Command& command) {
               [&](std::function<void()> handler) { interruptions.setHandler(std::move(handler)); },
               uninstallDesktopPlatform,
               driveAccessProblem,
-              hearsOfDrives,
+              receivesDriveEvents,
               command.json ? std::nullopt : terminalOfStandardInput(console)};
     return runCommand(host, command);
 }

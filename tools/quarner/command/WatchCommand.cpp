@@ -42,7 +42,7 @@ ExitStatus WatchCommand::run() {
             _host.console.line(safeText(name) + ": " + discOrProblem(_host, drive->device));
     if (!_json && _drives.empty())
         _host.console.line("There is no drive yet.");
-    if (!_host.hearsOfDrives())
+    if (!_host.receivesDriveEvents())
         _host.console.error("quarner: the device manager (udev) does not run here: nothing will be "
                             "heard of optical drives and their discs");
     if (!_host.console.isBroken())

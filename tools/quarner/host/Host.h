@@ -41,7 +41,7 @@ struct Host {
     /// where nothing is in the way. May take half a second.
     std::function<std::string(const std::string&)> accessProblem;
     /// Whether the platform hears of drives that come and go, and of discs.
-    std::function<bool()> hearsOfDrives;
+    std::function<bool()> receivesDriveEvents;
     /// Where somebody is asked; nothing where nobody is there.
     std::optional<Terminal> terminal = std::nullopt;
 };

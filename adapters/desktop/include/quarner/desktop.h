@@ -97,6 +97,6 @@ QUARNER_EXPORT std::string driveAccessProblem(const std::string& displayName);
 
 /// Whether a `QuarnerDeviceDelegate` is notified of optical drives and discs that come and go.
 /// False if the device manager (udev) is not running: then a host must query the drives again.
-QUARNER_EXPORT bool hearsOfDrives();
+QUARNER_EXPORT bool receivesDriveEvents();
 
 } // namespace quarner
