@@ -39,20 +39,20 @@ bool BurnLibrary::startUnlocked() {
 
 void BurnLibrary::driveWasReleased() {
     --_takenDrives;
-    clearAway();
+    cleanUp();
 }
 
 void BurnLibrary::driveWasNotTaken(const NodeDescriptors& before) {
     const std::set<int> left = before.openedSince();
     ++_failures;
-    takeAway(left, before.place());
+    replaceByEmptyFile(left, before.path());
     _left.insert(left.begin(), left.end());
-    clearAway();
+    cleanUp();
 }
 
 /// Restarts the library, which empties its list. The descriptors are closed afterwards, because the
 /// library closes those that it still knows.
-void BurnLibrary::clearAway() {
+void BurnLibrary::cleanUp() {
     if (_takenDrives > 0 || _failures == 0)
         return;
     logMessages();
@@ -60,7 +60,7 @@ void BurnLibrary::clearAway() {
         const std::lock_guard lock(_mutex); // no messages are queried while the library restarts
         burn::burn_finish();
     }
-    closeTakenAway(std::exchange(_left, {}));
+    closeReplaced(std::exchange(_left, {}));
     _failures = 0;
 }
 

@@ -53,7 +53,7 @@ public:
 private:
     BurnLibrary() = default;
     ~BurnLibrary() = default;
-    void clearAway();
+    void cleanUp();
     static bool startUnlocked();
     void keep(LibraryMessage message);
 

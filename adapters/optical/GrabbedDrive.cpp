@@ -19,9 +19,9 @@ namespace {
 
 /// Also returns the path of the node's file.
 bool isLoading(const std::string& path, std::chrono::milliseconds patience, const StopSignal* stop,
-               std::string& place) {
+               std::string& nodePath) {
     const DriveNode node(path, patience, stop);
-    place = NodeDescriptors::placeOf(node.descriptor());
+    nodePath = NodeDescriptors::pathOf(node.descriptor());
     return node.isLoading();
 }
 
@@ -48,12 +48,12 @@ GrabbedDrive::GrabbedDrive(const DriveRecord& record, const DrivePatience& patie
     const auto loadingEnd = Clock::now() + patience.loading;
     auto busyEnd = Clock::now() + patience.busy;
     while (true) {
-        std::string place;
-        if (isLoading(_node, patience.busy, stop, place)) {
+        std::string nodePath;
+        if (isLoading(_node, patience.busy, stop, nodePath)) {
             if (Clock::now() >= loadingEnd)
                 throw DiscIsLoading(record.node);
             busyEnd = Clock::now() + patience.busy;
-        } else if (grab(place)) {
+        } else if (grab(nodePath)) {
             return;
         } else if (Clock::now() >= busyEnd) {
             throw BurnFailure(DRError::DeviceBusy, record.node + ": libburn cannot open it");
@@ -62,20 +62,20 @@ GrabbedDrive::GrabbedDrive(const DriveRecord& record, const DrivePatience& patie
     }
 }
 
-bool GrabbedDrive::grab(const std::string& place) {
+bool GrabbedDrive::grab(const std::string& nodePath) {
     BurnLibrary& library = BurnLibrary::shared();
     {
         const std::lock_guard lock(library.drives());
         if (!library.start())
             throw BurnFailure(DRError::Internal, "libburn cannot be started");
-        const NodeDescriptors descriptors(place);
+        const NodeDescriptors descriptors(nodePath);
         std::string address = library.untriedAddress(_node);
         if (address.empty())
             return false;
         if (burn::burn_drive_scan_and_grab(&_found, address.data(), 0) == 1) {
             _handle = _found->drive;
             _descriptors = descriptors.openedSince();
-            _place = place;
+            _nodePath = nodePath;
             library.driveWasTaken();
         } else {
             burn::burn_drive_info_free(std::exchange(_found, nullptr));
@@ -104,7 +104,7 @@ bool GrabbedDrive::hasDisc() const {
 }
 
 void GrabbedDrive::abandon() {
-    if (!takeAway(_descriptors, _place))
+    if (!replaceByEmptyFile(_descriptors, _nodePath))
         return;
     const SharedNode node(_node);
     ioctl(node.descriptor, CDROM_LOCKDOOR, 0);

@@ -60,13 +60,13 @@ public:
     void abandon();
 
 private:
-    bool grab(const std::string& place);
+    bool grab(const std::string& nodePath);
 
     const std::string _node;
     burn::burn_drive_info* _found = nullptr;
     burn::burn_drive* _handle = nullptr;
     std::set<int> _descriptors; ///< libburn's descriptors of this drive
-    std::string _place;         ///< where they lead
+    std::string _nodePath;      ///< where they lead
 };
 
 /// Returns whether the system still lists the drive, whatever its state.

@@ -22,15 +22,15 @@ constexpr const char* emptyFile = "quarner-lost-drive";
 
 } // namespace
 
-NodeDescriptors::NodeDescriptors(std::string place) : _place(std::move(place)), _before(open()) {}
+NodeDescriptors::NodeDescriptors(std::string path) : _path(std::move(path)), _before(open()) {}
 
-std::string NodeDescriptors::placeOf(int descriptor) {
+std::string NodeDescriptors::pathOf(int descriptor) {
     std::error_code error;
     const std::string link = descriptorFolder + '/' + std::to_string(descriptor);
-    std::string place = std::filesystem::read_symlink(link, error).string();
-    if (place.ends_with(removed))
-        place.resize(place.size() - removed.size());
-    return place;
+    std::string path = std::filesystem::read_symlink(link, error).string();
+    if (path.ends_with(removed))
+        path.resize(path.size() - removed.size());
+    return path;
 }
 
 /// Reads the names of the descriptors, because other threads may close theirs at any moment.
@@ -40,7 +40,7 @@ std::set<int> NodeDescriptors::open() const {
     std::filesystem::directory_iterator entry(descriptorFolder, error);
     for (; entry != std::filesystem::directory_iterator(); entry.increment(error)) {
         const int descriptor = std::atoi(entry->path().filename().c_str());
-        if (!_place.empty() && placeOf(descriptor) == _place)
+        if (!_path.empty() && pathOf(descriptor) == _path)
             found.insert(descriptor);
     }
     return found;
@@ -53,20 +53,20 @@ std::set<int> NodeDescriptors::openedSince() const {
     return opened;
 }
 
-bool takeAway(const std::set<int>& descriptors, const std::string& place) {
+bool replaceByEmptyFile(const std::set<int>& descriptors, const std::string& path) {
     const int nothing = memfd_create(emptyFile, MFD_CLOEXEC);
     if (nothing < 0)
         return false;
     for (const int descriptor : descriptors)
-        if (NodeDescriptors::placeOf(descriptor) == place)
+        if (NodeDescriptors::pathOf(descriptor) == path)
             dup3(nothing, descriptor, O_CLOEXEC);
     close(nothing);
     return true;
 }
 
-void closeTakenAway(const std::set<int>& descriptors) {
+void closeReplaced(const std::set<int>& descriptors) {
     for (const int descriptor : descriptors)
-        if (NodeDescriptors::placeOf(descriptor) == std::string("/memfd:") + emptyFile)
+        if (NodeDescriptors::pathOf(descriptor) == std::string("/memfd:") + emptyFile)
             close(descriptor);
 }
 

@@ -27,7 +27,7 @@ protected:
         opened.push_back(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
         return opened.back();
     }
-    std::string place() { return NodeDescriptors::placeOf(openFile(node)); }
+    std::string path() { return NodeDescriptors::pathOf(openFile(node)); }
     static bool isOpen(int descriptor) { return fcntl(descriptor, F_GETFD) >= 0; }
 
     TemporaryFolder folder;
@@ -36,34 +36,34 @@ protected:
 };
 
 TEST_F(NodeDescriptorsTest, AreThoseThatWereOpenedSince) {
-    const NodeDescriptors descriptors(NodeDescriptors::placeOf(openFile(node)));
+    const NodeDescriptors descriptors(NodeDescriptors::pathOf(openFile(node)));
     EXPECT_THAT(descriptors.openedSince(), IsEmpty());
     const int since = openFile(node);
     EXPECT_THAT(descriptors.openedSince(), ElementsAre(since));
 }
 
 TEST_F(NodeDescriptorsTest, AreOfThisPlaceAlone) {
-    const NodeDescriptors descriptors(NodeDescriptors::placeOf(openFile(node)));
+    const NodeDescriptors descriptors(NodeDescriptors::pathOf(openFile(node)));
     openFile(folder.file("sr01"));
     EXPECT_THAT(descriptors.openedSince(), IsEmpty());
 }
 
 TEST_F(NodeDescriptorsTest, AreFoundWhenTheirFileIsGone) {
-    const NodeDescriptors descriptors(NodeDescriptors::placeOf(openFile(node)));
+    const NodeDescriptors descriptors(NodeDescriptors::pathOf(openFile(node)));
     const int since = openFile(node);
     unlink(node.c_str());
     EXPECT_THAT(descriptors.openedSince(), ElementsAre(since));
 }
 
 TEST_F(NodeDescriptorsTest, AreFoundWhenTheDriveCameBackAsAnotherFileMeanwhile) {
-    const NodeDescriptors descriptors(NodeDescriptors::placeOf(openFile(node)));
+    const NodeDescriptors descriptors(NodeDescriptors::pathOf(openFile(node)));
     unlink(node.c_str());
     const int since = openFile(node);
     EXPECT_THAT(descriptors.openedSince(), ElementsAre(since));
 }
 
 TEST_F(NodeDescriptorsTest, AreNoneWhereTheSystemTellsNoPlace) {
-    const NodeDescriptors descriptors(NodeDescriptors::placeOf(-1));
+    const NodeDescriptors descriptors(NodeDescriptors::pathOf(-1));
     openFile(node);
     EXPECT_THAT(descriptors.openedSince(), IsEmpty());
 }
@@ -71,26 +71,26 @@ TEST_F(NodeDescriptorsTest, AreNoneWhereTheSystemTellsNoPlace) {
 TEST_F(NodeDescriptorsTest, StayInUseWhenTheirFileIsTakenAway) {
     const int kept = openFile(node);
     const int taken = openFile(node);
-    ASSERT_TRUE(takeAway({taken}, place()));
-    EXPECT_EQ(NodeDescriptors::placeOf(kept), NodeDescriptors::placeOf(openFile(node)));
-    EXPECT_NE(NodeDescriptors::placeOf(taken), NodeDescriptors::placeOf(kept));
+    ASSERT_TRUE(replaceByEmptyFile({taken}, path()));
+    EXPECT_EQ(NodeDescriptors::pathOf(kept), NodeDescriptors::pathOf(openFile(node)));
+    EXPECT_NE(NodeDescriptors::pathOf(taken), NodeDescriptors::pathOf(kept));
     EXPECT_TRUE(isOpen(taken));
-    closeTakenAway({taken});
+    closeReplaced({taken});
     EXPECT_FALSE(isOpen(taken));
 }
 
 TEST_F(NodeDescriptorsTest, ThatAreAnotherFilesByNowAreNotTakenAway) {
     const int other = openFile(folder.file("other"));
-    const std::string before = NodeDescriptors::placeOf(other);
-    ASSERT_TRUE(takeAway({other}, place()));
-    EXPECT_EQ(NodeDescriptors::placeOf(other), before);
+    const std::string before = NodeDescriptors::pathOf(other);
+    ASSERT_TRUE(replaceByEmptyFile({other}, path()));
+    EXPECT_EQ(NodeDescriptors::pathOf(other), before);
 }
 
 TEST_F(NodeDescriptorsTest, ThatAreAnotherFilesByNowAreNotClosed) {
     const int taken = openFile(node);
-    ASSERT_TRUE(takeAway({taken}, place()));
+    ASSERT_TRUE(replaceByEmptyFile({taken}, path()));
     ASSERT_EQ(dup2(openFile(folder.file("other")), taken), taken);
-    closeTakenAway({taken});
+    closeReplaced({taken});
     EXPECT_TRUE(isOpen(taken));
 }
 
