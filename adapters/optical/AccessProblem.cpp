@@ -76,9 +76,9 @@ std::string openingProblem(const std::string& node, int error) {
 
 std::optional<std::string> accessProblem(const std::string& node) {
     // The system itself opens a drive for a moment after each event.
-    constexpr std::chrono::milliseconds patience{500};
+    constexpr std::chrono::milliseconds timeout{500};
     const bool isPermitted = access(node.c_str(), R_OK | W_OK) == 0;
-    const int result = isPermitted ? openDrive(node, patience, nullptr) : -errno;
+    const int result = isPermitted ? openDrive(node, timeout, nullptr) : -errno;
     if (result < 0)
         return openingProblem(node, -result).append(remedy(-result));
     close(result);

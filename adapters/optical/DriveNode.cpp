@@ -37,9 +37,9 @@ BurnFailure failureOf(const std::string& path, int error) {
 
 } // namespace
 
-DriveNode::DriveNode(const std::string& path, std::chrono::milliseconds patience,
+DriveNode::DriveNode(const std::string& path, std::chrono::milliseconds timeout,
                      const StopSignal* stop)
-    : _descriptor(openDrive(path, patience, stop)) {
+    : _descriptor(openDrive(path, timeout, stop)) {
     if (_descriptor < 0)
         throw BurnFailure(failureOf(path, -_descriptor));
 }
@@ -66,8 +66,8 @@ bool DriveNode::openTray() const {
     return status != CDS_DISC_OK && status != CDS_DRIVE_NOT_READY;
 }
 
-int openDrive(const std::string& path, std::chrono::milliseconds patience, const StopSignal* stop) {
-    const auto end = std::chrono::steady_clock::now() + patience;
+int openDrive(const std::string& path, std::chrono::milliseconds timeout, const StopSignal* stop) {
+    const auto end = std::chrono::steady_clock::now() + timeout;
     while (true) {
         const int descriptor = open(path.c_str(), O_RDWR | O_NONBLOCK | O_EXCL | O_CLOEXEC);
         if (descriptor >= 0)

@@ -13,7 +13,7 @@ namespace quarner {
 class DriveNode {
 public:
     /// Opens it with `openDrive`. Throws `BurnFailure` if that fails.
-    DriveNode(const std::string& path, std::chrono::milliseconds patience, const StopSignal* stop);
+    DriveNode(const std::string& path, std::chrono::milliseconds timeout, const StopSignal* stop);
     ~DriveNode();
     DriveNode(const DriveNode&) = delete;
     DriveNode& operator=(const DriveNode&) = delete;
@@ -35,7 +35,7 @@ private:
 /// Opens the node of a drive as libburn does, but reports errors. While another program has it
 /// open, retries until the timeout or until the burn is stopped: then throws `BurnFailure` (`stop`
 /// may be null). Returns the descriptor, or a negated errno.
-int openDrive(const std::string& path, std::chrono::milliseconds patience, const StopSignal* stop);
+int openDrive(const std::string& path, std::chrono::milliseconds timeout, const StopSignal* stop);
 
 /// Waits between two attempts to open a drive. Throws `BurnFailure` if the burn is stopped. `stop`
 /// may be null.

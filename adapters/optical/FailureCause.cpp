@@ -13,7 +13,7 @@ namespace {
 constexpr std::chrono::milliseconds pollInterval{10};
 
 /// The time for a drive that does not respond to disappear from the system.
-constexpr std::chrono::milliseconds goingPatience{1000};
+constexpr std::chrono::milliseconds removalTimeout{1000};
 
 /// Returns whether the drive still responds. The library does not report a drive that it loses
 /// during this query: the drive then has an unsuitable disc without a kind (MMC: profile 0).
@@ -31,7 +31,7 @@ DRError causeBehind(DRError error, const GrabbedDrive& grabbed, const DriveRecor
         return burn::burn_disc_get_status(grabbed.handle()) == burn::BURN_DISC_EMPTY
                    ? DRError::MediaNotPresent
                    : error;
-    const auto end = std::chrono::steady_clock::now() + goingPatience;
+    const auto end = std::chrono::steady_clock::now() + removalTimeout;
     while (isAttached(record) && std::chrono::steady_clock::now() < end) {
         stop.throwIfRequested();
         std::this_thread::sleep_for(pollInterval);

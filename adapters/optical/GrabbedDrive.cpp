@@ -18,9 +18,9 @@ namespace quarner {
 namespace {
 
 /// Also returns the path of the node's file.
-bool isLoading(const std::string& path, std::chrono::milliseconds patience, const StopSignal* stop,
+bool isLoading(const std::string& path, std::chrono::milliseconds timeout, const StopSignal* stop,
                std::string& nodePath) {
-    const DriveNode node(path, patience, stop);
+    const DriveNode node(path, timeout, stop);
     nodePath = NodeDescriptors::pathOf(node.descriptor());
     return node.isLoading();
 }
@@ -41,18 +41,18 @@ struct SharedNode {
 
 } // namespace
 
-GrabbedDrive::GrabbedDrive(const DriveRecord& record, const DrivePatience& patience,
+GrabbedDrive::GrabbedDrive(const DriveRecord& record, const DriveTimeouts& timeout,
                            const StopSignal* stop)
     : _node(record.node) {
     using Clock = std::chrono::steady_clock;
-    const auto loadingEnd = Clock::now() + patience.loading;
-    auto busyEnd = Clock::now() + patience.busy;
+    const auto loadingEnd = Clock::now() + timeout.loading;
+    auto busyEnd = Clock::now() + timeout.busy;
     while (true) {
         std::string nodePath;
-        if (isLoading(_node, patience.busy, stop, nodePath)) {
+        if (isLoading(_node, timeout.busy, stop, nodePath)) {
             if (Clock::now() >= loadingEnd)
                 throw DiscIsLoading(record.node);
-            busyEnd = Clock::now() + patience.busy;
+            busyEnd = Clock::now() + timeout.busy;
         } else if (grab(nodePath)) {
             return;
         } else if (Clock::now() >= busyEnd) {

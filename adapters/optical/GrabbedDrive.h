@@ -18,7 +18,7 @@ struct burn_drive_info;
 namespace quarner {
 
 /// The timeouts for opening a drive.
-struct DrivePatience {
+struct DriveTimeouts {
     std::chrono::milliseconds busy;    ///< while another program has it open
     std::chrono::milliseconds loading; ///< while it loads or examines a disc
 };
@@ -44,7 +44,7 @@ class GrabbedDrive {
 public:
     /// Opens a drive. Retries until the timeouts or until the burn is stopped (`stop` may be null).
     /// Throws `BurnFailure`, or the derived `DiscIsLoading`.
-    GrabbedDrive(const DriveRecord& record, const DrivePatience& patience, const StopSignal* stop);
+    GrabbedDrive(const DriveRecord& record, const DriveTimeouts& timeout, const StopSignal* stop);
     ~GrabbedDrive();
     GrabbedDrive(const GrabbedDrive&) = delete;
     GrabbedDrive& operator=(const GrabbedDrive&) = delete;

@@ -17,11 +17,11 @@ namespace {
 
 /// The timeout for a drive that another program has open. The system itself opens a drive for a
 /// moment after each event.
-constexpr std::chrono::milliseconds questionPatience{500};
+constexpr std::chrono::milliseconds queryTimeout{500};
 constexpr std::chrono::milliseconds burnPatience{3000};
 
 /// The time that a burn waits for a new disc to become ready.
-constexpr std::chrono::seconds loadingPatience{30};
+constexpr std::chrono::seconds loadingTimeout{30};
 
 DRMSF msf(std::uint64_t blocks) { return DRMSF::msfWithFrames(static_cast<std::uint32_t>(blocks)); }
 
@@ -110,7 +110,7 @@ DiscFacts OpticalDrive::query() const {
     DiscFacts disc;
     bool isTransient = true;
     try {
-        const GrabbedDrive drive(_record, {questionPatience, {}}, nullptr);
+        const GrabbedDrive drive(_record, {queryTimeout, {}}, nullptr);
         disc = readDiscFacts(drive);
         isTransient = disc.state == DiscFacts::State::NotReady;
     } catch (const DiscIsLoading&) {
@@ -203,7 +203,7 @@ bool OpticalDrive::mayQuery() const {
 
 bool OpticalDrive::eject() {
     try {
-        return DriveNode(_record.node, questionPatience, nullptr).openTray();
+        return DriveNode(_record.node, queryTimeout, nullptr).openTray();
     } catch (const std::exception& failure) {
         currentPlatform()->log->log(_displayName + ": " + failure.what());
         return false;
@@ -241,7 +241,7 @@ std::unique_ptr<SectorWriter> OpticalDrive::open(const DiscPlan& plan, const Bur
                                                  const std::shared_ptr<StopSignal>& stop) {
     const std::uint64_t changes = changeCount();
     auto drive = std::make_unique<GrabbedDrive>(
-        _record, DrivePatience{burnPatience, loadingPatience}, stop.get());
+        _record, DriveTimeouts{burnPatience, loadingTimeout}, stop.get());
     const DiscFacts disc = readDiscFacts(*drive);
     updateCache(disc, false, changes);
     stop->throwIfRequested();

@@ -80,7 +80,7 @@ void Interruptions::signalArrived() {
 void Interruptions::endAtOnce() {
     _loop.post([] { throw EndedAtOnce(); });
     std::unique_lock lock(_mutex);
-    if (_over.wait_for(lock, patience, [this] { return _isOver; }))
+    if (_over.wait_for(lock, exitTimeout, [this] { return _isOver; }))
         return;
     lock.unlock();
     _exitNow();

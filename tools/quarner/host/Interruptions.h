@@ -18,7 +18,7 @@ namespace quarner::cli {
 class Interruptions {
 public:
     /// How long ending at once may take.
-    static constexpr std::chrono::milliseconds patience{1500};
+    static constexpr std::chrono::milliseconds exitTimeout{1500};
 
     /// Blocks the signals in the calling thread: one that comes is kept until an object of this
     /// class is there to serve it.
@@ -26,7 +26,7 @@ public:
 
     /// From now on the signals are blocked in the calling thread and in all that it starts: make
     /// this object before any other thread. `exitNow` ends the process; it is called on the signal
-    /// thread when this object is still there `patience` after the loop was told to end at once.
+    /// thread when this object is still there `exitTimeout` after the loop was told to end at once.
     Interruptions(EventLoop& loop, std::function<void()> exitNow);
     ~Interruptions();
     Interruptions(const Interruptions&) = delete;
