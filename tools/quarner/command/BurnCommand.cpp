@@ -80,9 +80,9 @@ std::optional<BurnCommand::Outcome> BurnCommand::hindrance(const Compilation& co
     if (compiled.overflow)
         return overflow(compiled);
     if (_options.kind == DiscKind::Audio && compiled.items.size() > mostTracks)
-        return Outcome{ExitStatus::TooLong, "a disc holds at most " + std::to_string(mostTracks) +
-                                                " tracks, but there are " +
-                                                std::to_string(compiled.items.size())};
+        return Outcome{ExitStatus::DoesNotFit,
+                       "a disc holds at most " + std::to_string(mostTracks) +
+                           " tracks, but there are " + std::to_string(compiled.items.size())};
     return std::nullopt;
 }
 
@@ -196,7 +196,7 @@ BurnCommand::Outcome BurnCommand::overflow(const Compilation& compiled) const {
         compiled.used > compiled.free
             ? _disc.capacityText(compiled.used - compiled.free) + " " + _disc.excess
             : _disc.overhead;
-    return {ExitStatus::TooLong,
+    return {ExitStatus::DoesNotFit,
             items + (count == 1 && _disc.pauses(count).empty() ? " takes " : " take ") +
                 _disc.capacityText(compiled.used) + ", and the disc has room for " +
                 _disc.capacityText(compiled.free) + ": " + excess};
