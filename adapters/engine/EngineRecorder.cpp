@@ -46,7 +46,7 @@ std::shared_ptr<DRNotificationCenter> EngineRecorder::currentRunLoopCenter() {
     return _runLoops->currentCenter();
 }
 
-void EngineRecorder::tell(const char* notification, std::shared_ptr<DRDevice> drive) const {
+void EngineRecorder::notify(const char* notification, std::shared_ptr<DRDevice> drive) const {
     _runLoops->postToAll({notification, std::move(drive), {}});
 }
 

@@ -36,7 +36,7 @@ protected:
 
     const std::shared_ptr<RunLoops>& runLoops() const { return _runLoops; }
     /// Sends a notification about a drive to every run loop.
-    void tell(const char* notification, std::shared_ptr<DRDevice> drive) const;
+    void notify(const char* notification, std::shared_ptr<DRDevice> drive) const;
 
 private:
     const std::shared_ptr<RunLoops> _runLoops;

@@ -96,7 +96,7 @@ std::shared_ptr<ImageDrive> ImageRecorder::add(const ImageDriveSettings& setting
                                              runLoops());
         _drives.push_back(drive);
     }
-    tell(DRDeviceAppearedNotification, drive);
+    notify(DRDeviceAppearedNotification, drive);
     return drive;
 }
 
@@ -118,7 +118,7 @@ bool ImageRecorder::remove(const std::shared_ptr<DRDevice>& device) {
         _drives.erase(found);
     }
     drive->unplug();
-    tell(DRDeviceDisappearedNotification, drive);
+    notify(DRDeviceDisappearedNotification, drive);
     return true;
 }
 

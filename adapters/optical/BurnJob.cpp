@@ -142,7 +142,7 @@ public:
             SectorPipe& pipe, WritingThread& thread)
         : _disc(makeDisc(plan, pipe, thread)), _options(makeOptions(drive, settings)) {}
 
-    std::optional<std::string> objection() const {
+    std::optional<std::string> refusal() const {
         std::array<char, BURN_REASONS_LEN> reasons = {};
         const int result =
             burn::burn_precheck_write(_options.get(), _disc.get(), reasons.data(), 0);
@@ -173,7 +173,7 @@ BurnJob::~BurnJob() {
     BurnLibrary::shared().logMessages();
 }
 
-std::optional<std::string> BurnJob::objection() const { return _session->objection(); }
+std::optional<std::string> BurnJob::refusal() const { return _session->refusal(); }
 
 void BurnJob::start() {
     const std::lock_guard lock(BurnLibrary::shared().drives());

@@ -28,7 +28,7 @@ public:
 
     /// Returns why libburn refuses to write this plan to the disc in the drive; `std::nullopt` if
     /// it accepts it.
-    std::optional<std::string> objection() const;
+    std::optional<std::string> refusal() const;
 
     void start();
     /// Whether sectors are still being written, before the disc is closed. Any thread.

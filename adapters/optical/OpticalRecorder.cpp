@@ -106,7 +106,7 @@ void OpticalRecorder::attach(const DriveRecord& record) {
             [](const DriveRecord& a, const Drive& b) { return comesBefore(a, b->record()); });
         _drives.insert(place, drive);
     }
-    tell(DRDeviceAppearedNotification, drive);
+    notify(DRDeviceAppearedNotification, drive);
 }
 
 void OpticalRecorder::detach(const Drive& drive) {
@@ -115,7 +115,7 @@ void OpticalRecorder::detach(const Drive& drive) {
         std::erase(_drives, drive);
     }
     drive->unplug();
-    tell(DRDeviceDisappearedNotification, drive);
+    notify(DRDeviceDisappearedNotification, drive);
 }
 
 OpticalRecorder::Drive OpticalRecorder::driveAt(const std::string& sysPath) {

@@ -47,8 +47,8 @@ void OpticalWriter::openSession(const DiscPlan& plan) {
     _stop->throwIfRequested();
     setSpeeds(*_drive, _settings.requestedSpeed);
     _job = std::make_unique<BurnJob>(*_drive, plan, _settings, _pipe);
-    if (const std::optional<std::string> objection = _job->objection())
-        fail(DRError::MediaNotWritable, "libburn refuses to write: " + *objection);
+    if (const std::optional<std::string> refusal = _job->refusal())
+        fail(DRError::MediaNotWritable, "libburn refuses to write: " + *refusal);
 }
 
 void OpticalWriter::write(std::span<const std::byte> sectors) {
@@ -56,22 +56,22 @@ void OpticalWriter::write(std::span<const std::byte> sectors) {
         _sound->add(sectors);
     while (!sectors.empty()) {
         bool isGap = false;
-        const std::span<const std::byte> stretch = nextStretch(sectors, isGap);
+        const std::span<const std::byte> part = nextPart(sectors, isGap);
         if (!isGap)
-            give(stretch);
-        sectors = sectors.subspan(stretch.size());
+            give(part);
+        sectors = sectors.subspan(part.size());
     }
     BurnLibrary::shared().logMessages();
 }
 
-std::span<const std::byte> OpticalWriter::nextStretch(std::span<const std::byte> sectors,
-                                                      bool& isGap) {
+std::span<const std::byte> OpticalWriter::nextPart(std::span<const std::byte> sectors,
+                                                   bool& isGap) {
     while (_left.back().bytes == 0)
         _left.pop_back();
-    Stretch& stretch = _left.back();
-    isGap = stretch.isGap;
-    const auto part = std::size_t(std::min<std::uint64_t>(stretch.bytes, sectors.size()));
-    stretch.bytes -= part;
+    Part& next = _left.back();
+    isGap = next.isGap;
+    const auto part = std::size_t(std::min<std::uint64_t>(next.bytes, sectors.size()));
+    next.bytes -= part;
     return sectors.first(part);
 }
 

@@ -43,13 +43,14 @@ public:
 
 private:
     bool isAudio() const { return _plan.sectorSize == audioSectorSize; }
-    std::span<const std::byte> nextStretch(std::span<const std::byte> sectors, bool& isGap);
+    std::span<const std::byte> nextPart(std::span<const std::byte> sectors, bool& isGap);
     void give(std::span<const std::byte> sectors);
     bool readSectors(std::int64_t firstSector, std::span<std::byte> buffer);
     bool readSome(std::int64_t firstSector, std::span<std::byte> buffer);
     void findOffset();
     [[noreturn]] void fail(DRError error, const std::string& attempt);
 
+    // `_job` uses `_drive` and `_pipe`: it is declared after them, so that it is destroyed first.
     const std::unique_ptr<GrabbedDrive> _drive;
     const DriveRecord _record;
     const BurnSettings _settings;
@@ -62,11 +63,11 @@ private:
     bool _isStarted = false;
     BurnLibrary::Moment _jobStart = 0;
     /// The parts of the disc that are still to be written: each track's pre-gap and its content.
-    struct Stretch {
+    struct Part {
         bool isGap;
         std::uint64_t bytes;
     };
-    std::vector<Stretch> _left; ///< the next part is the last element
+    std::vector<Part> _left; ///< the next part is the last element
     std::optional<SampleOffset> _sound;
     std::int64_t _offset = 0;
 };

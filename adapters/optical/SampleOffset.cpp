@@ -22,14 +22,14 @@ std::int64_t samplesIn(std::span<const std::byte> bytes) {
 
 } // namespace
 
-std::optional<SampleOffset::Sample> SampleOffset::Stretch::at(std::int64_t place) const {
+std::optional<SampleOffset::Sample> SampleOffset::Run::at(std::int64_t place) const {
     if (place < first || place >= end())
         return std::nullopt;
     return samples[std::size_t(place - first)];
 }
 
-void SampleOffset::Stretch::extend(std::int64_t limit, std::int64_t place,
-                                   std::span<const std::byte> bytes) {
+void SampleOffset::Run::extend(std::int64_t limit, std::int64_t place,
+                               std::span<const std::byte> bytes) {
     const std::int64_t begin = end();
     const std::int64_t stop = std::min(limit, place + samplesIn(bytes));
     if (begin < place || begin >= stop)
@@ -40,7 +40,7 @@ void SampleOffset::Stretch::extend(std::int64_t limit, std::int64_t place,
                 std::size_t(stop - begin) * bytesPerSample);
 }
 
-void SampleOffset::Stretch::copyTo(std::span<std::byte> bytes, std::int64_t place) const {
+void SampleOffset::Run::copyTo(std::span<std::byte> bytes, std::int64_t place) const {
     if (!bytes.empty())
         std::memcpy(bytes.data(), &samples.at(std::size_t(place - first)), bytes.size());
 }
@@ -74,7 +74,7 @@ void SampleOffset::seekChange(std::int64_t place, std::span<const std::byte> sec
     constexpr std::int64_t step = soundSamples / 2;
     if (_change.samples.empty()) {
         _seeksChange = isSteady(_sound);
-        _change = _seeksChange ? _sound : Stretch();
+        _change = _seeksChange ? _sound : Run();
     }
     while (_seeksChange) {
         _change.extend(_change.first + soundSamples, place, sectors);
@@ -89,7 +89,7 @@ void SampleOffset::seekChange(std::int64_t place, std::span<const std::byte> sec
 }
 
 /// Returns whether the samples also match themselves at another offset.
-bool SampleOffset::isSteady(const Stretch& written) {
+bool SampleOffset::isSteady(const Run& written) {
     const std::vector<Sample>& samples = written.samples;
     for (std::ptrdiff_t shift = 1; shift <= 2 * mostSamples; ++shift)
         if (std::equal(samples.begin() + shift, samples.end(), samples.begin()))
@@ -102,8 +102,8 @@ std::optional<std::int64_t> SampleOffset::find(const Read& read) const {
         return 0;
     // The silence before the sound is compared too, including that before sector 0 of the disc.
     const std::int64_t begin = _sound.first - mostSamples;
-    const std::optional<Stretch> sound = readAround(begin, _sound, read);
-    const std::optional<Stretch> change = readAround(_change.first, _change, read);
+    const std::optional<Run> sound = readAround(begin, _sound, read);
+    const std::optional<Run> change = readAround(_change.first, _change, read);
     if (!sound || !change)
         return std::nullopt;
     for (std::int64_t distance = 0; distance <= mostSamples; ++distance)
@@ -115,31 +115,31 @@ std::optional<std::int64_t> SampleOffset::find(const Read& read) const {
 }
 
 /// Reads the samples around `begin`, as far as an offset can shift them.
-std::optional<SampleOffset::Stretch>
-SampleOffset::readAround(std::int64_t begin, const Stretch& written, const Read& read) const {
+std::optional<SampleOffset::Run> SampleOffset::readAround(std::int64_t begin, const Run& written,
+                                                          const Read& read) const {
     if (written.samples.empty())
-        return Stretch();
+        return Run();
     const std::int64_t end = std::min(_total, written.end() + mostSamples);
-    std::optional<Stretch> stretch = readStretch(begin - mostSamples, end, read);
-    if (!stretch && begin < mostSamples) // not every drive can read before sector 0
-        stretch = readStretch(0, end, read);
-    return stretch;
+    std::optional<Run> run = readRun(begin - mostSamples, end, read);
+    if (!run && begin < mostSamples) // not every drive can read before sector 0
+        run = readRun(0, end, read);
+    return run;
 }
 
-std::optional<SampleOffset::Stretch> SampleOffset::readStretch(std::int64_t begin, std::int64_t end,
-                                                               const Read& read) const {
+std::optional<SampleOffset::Run> SampleOffset::readRun(std::int64_t begin, std::int64_t end,
+                                                       const Read& read) const {
     const std::int64_t firstSector = sectorOf(begin);
     const std::int64_t sectors = sectorOf(end - 1) + 1 - firstSector;
-    Stretch stretch;
-    stretch.first = firstSector * samplesPerSector;
-    stretch.samples.resize(std::size_t(sectors * samplesPerSector));
-    if (!read(firstSector, std::as_writable_bytes(std::span(stretch.samples))))
+    Run run;
+    run.first = firstSector * samplesPerSector;
+    run.samples.resize(std::size_t(sectors * samplesPerSector));
+    if (!read(firstSector, std::as_writable_bytes(std::span(run.samples))))
         return std::nullopt;
-    return stretch;
+    return run;
 }
 
-bool SampleOffset::fits(const Stretch& read, std::int64_t offset, std::int64_t begin,
-                        const Stretch& written) {
+bool SampleOffset::fits(const Run& read, std::int64_t offset, std::int64_t begin,
+                        const Run& written) {
     for (std::int64_t place = begin; place < written.end(); ++place) {
         const std::optional<Sample> sample = read.at(place - offset);
         if (sample && *sample != written.at(place).value_or(0))
@@ -163,10 +163,10 @@ bool SampleOffset::readAligned(std::uint64_t firstSector, std::span<std::byte> b
     _end.copyTo(part(to, end), to);
     if (from == to)
         return true;
-    const std::optional<Stretch> stretch = readStretch(from - offset, to - offset, read);
-    if (stretch)
-        stretch->copyTo(part(from, to), from - offset);
-    return stretch.has_value();
+    const std::optional<Run> run = readRun(from - offset, to - offset, read);
+    if (run)
+        run->copyTo(part(from, to), from - offset);
+    return run.has_value();
 }
 
 } // namespace quarner

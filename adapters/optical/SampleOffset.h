@@ -53,7 +53,7 @@ public:
 private:
     using Sample = std::uint32_t;
     /// Consecutive samples of the disc.
-    struct Stretch {
+    struct Run {
         std::int64_t first = 0;
         std::vector<Sample> samples;
 
@@ -65,22 +65,19 @@ private:
         void extend(std::int64_t limit, std::int64_t place, std::span<const std::byte> bytes);
     };
 
-    std::optional<Stretch> readStretch(std::int64_t begin, std::int64_t end,
-                                       const Read& read) const;
-    std::optional<Stretch> readAround(std::int64_t begin, const Stretch& written,
-                                      const Read& read) const;
+    std::optional<Run> readRun(std::int64_t begin, std::int64_t end, const Read& read) const;
+    std::optional<Run> readAround(std::int64_t begin, const Run& written, const Read& read) const;
     void seekChange(std::int64_t place, std::span<const std::byte> sectors);
-    static bool isSteady(const Stretch& written);
-    static bool fits(const Stretch& read, std::int64_t offset, std::int64_t begin,
-                     const Stretch& written);
+    static bool isSteady(const Run& written);
+    static bool fits(const Run& read, std::int64_t offset, std::int64_t begin, const Run& written);
 
     const std::int64_t _total; ///< samples on the disc
     std::int64_t _added = 0;
     bool _isSilent = true;    ///< so far
-    Stretch _start;           ///< the first samples of the disc
-    Stretch _sound;           ///< from the first sample that is not silent
-    Stretch _change;          ///< after a steady tone; empty if there was none at the start
-    Stretch _end;             ///< the last ones
+    Run _start;               ///< the first samples of the disc
+    Run _sound;               ///< from the first sample that is not silent
+    Run _change;              ///< after a steady tone; empty if there was none at the start
+    Run _end;                 ///< the last ones
     bool _seeksChange = true; ///< until the start turns out not to be steady, or a change is found
 };
 
