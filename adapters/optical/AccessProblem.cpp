@@ -48,7 +48,7 @@ std::string_view remedy(int error) {
     case EBUSY:
         return " (its disc may be mounted)";
     case EACCES:
-        return " (an administrator can change that; then log in anew)";
+        return " (an administrator can change that; then log in again)";
     case EPERM: // a container may have no access to devices, whatever the node's mode
     case ENOENT:
         return " (in a container, the drive has to be passed through)";

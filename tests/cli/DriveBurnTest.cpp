@@ -107,7 +107,7 @@ TEST_F(DriveBurnTest, SaysThatARewritableDiscWillBeErased) {
     insert({.type = DRDeviceMediaTypeCDRW, .isBlank = false, .isErasable = true});
     type("y\n");
     EXPECT_EQ(burn(), 0);
-    EXPECT_THAT(host.err(), HasSubstr("What is on it will be erased."));
+    EXPECT_THAT(host.err(), HasSubstr("Its content will be erased."));
 }
 
 TEST_F(DriveBurnTest, BurnsNothingAfterAnyOtherAnswer) {
@@ -138,7 +138,7 @@ TEST_F(DriveBurnTest, AsksAgainWhenAnotherDiscWasPutIn) {
               "y\n", "y\n");
     EXPECT_EQ(burn(), 0);
     EXPECT_EQ(questions(), 2U);
-    EXPECT_THAT(host.err(), HasSubstr("The disc was changed meanwhile.\nDrive:   Writer\n"
+    EXPECT_THAT(host.err(), HasSubstr("The disc was changed.\nDrive:   Writer\n"
                                       "Disc:    CD-RW, blank, can be erased"));
     EXPECT_EQ(burns(), 1U);
 }

@@ -164,7 +164,7 @@ TEST(EjectCommand, ADriveThatKeepsItsDiscIsAFailure) {
     EXPECT_EQ(host.run({"eject", "--json"}), 1);
     EXPECT_THAT(host.outLines(), ElementsAre(R"({"event":"eject","name":"Writer","ejected":false})",
                                              R"({"event":"exit","status":1})"));
-    EXPECT_THAT(host.err(), HasSubstr("'Writer' keeps its disc"));
+    EXPECT_THAT(host.err(), HasSubstr("'Writer' did not eject its disc"));
 }
 
 TEST(EjectCommand, AnEmptyDriveHasNothingToPutOut) {
@@ -175,7 +175,7 @@ TEST(EjectCommand, AnEmptyDriveHasNothingToPutOut) {
     EXPECT_EQ(host.err(), "quarner: there is no disc in the drive 'Writer'\n");
     host.platform.addDrive({.name = "Loader", .isTransitioning = true});
     EXPECT_EQ(host.run({"eject", "--drive", "Loader"}), 1);
-    EXPECT_THAT(host.err(), HasSubstr("'Loader' keeps its disc"));
+    EXPECT_THAT(host.err(), HasSubstr("'Loader' did not eject its disc"));
 }
 
 TEST(EjectCommand, ADriveThatCannotBeUsedIsAFailureWithTheReason) {

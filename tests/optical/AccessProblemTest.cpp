@@ -21,7 +21,7 @@ namespace {
 
 constexpr gid_t groupOfOthers = 24; // not the one that the tests' user gets
 constexpr uid_t nobody = 65534;
-constexpr char advice[] = " (an administrator can change that; then log in anew)";
+constexpr char advice[] = " (an administrator can change that; then log in again)";
 
 /// Returns a function's result in a child process of a user without any rights who is a member of
 /// one group.

@@ -23,7 +23,7 @@ BurnCommand::BurnCommand(Host& host, BurnOptions options, View& view)
       _device(chooseUsableDrive(host, _options.target, _options.kind)),
       _relay(host.loop, {&view, this}), _burner(_disc.makeBurner()) {
     if (isAsked() && !_host.terminal->show && !_options.dryRun)
-        throw UsageProblem("a question would not be seen here; --yes burns without asking");
+        throw UsageProblem("the question cannot be shown; --yes burns without asking");
     _burner->setDelegate(&_relay);
 }
 
@@ -65,7 +65,7 @@ BurnCommand::Outcome BurnCommand::perform() {
         compiled = compilation();
         if (const auto outcome = hindrance(compiled))
             return *outcome;
-        _host.terminal->show("The disc was changed meanwhile.");
+        _host.terminal->show("The disc was changed.");
         answer = ask();
     }
     const bool isAllowed = answer == BurnQuestion::Answer::Yes && !_isInterrupted;

@@ -28,7 +28,7 @@ std::string_view adviceFor(DRError error) {
     case DRError::TooManyTracks:
         return "Burn the files to several discs.";
     case DRError::SourceMissing:
-        return "Put the file back, and try again.";
+        return "Restore the file and try again.";
     case DRError::SourceChanged:
         return "Try again with the file as it is now.";
     case DRError::SourceUnreadable:

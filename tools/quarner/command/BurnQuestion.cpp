@@ -45,9 +45,9 @@ std::vector<std::string> BurnQuestion::text() const {
     std::vector<std::string> lines = {"Drive:   " + safeText(_device.deviceName().value_or("")),
                                       "Disc:    " + discSummary(_device)};
     if (!_device.isDiscBlank())
-        lines.emplace_back("         What is on it will be erased.");
+        lines.emplace_back("         Its content will be erased.");
     lines.push_back("Title:   " + safeText(_title.value_or("")));
-    lines.emplace_back("Burn this disc? Type y to burn it, anything else to leave it as it is.");
+    lines.emplace_back("Burn this disc? Type y to burn it, anything else to cancel.");
     return lines;
 }
 

@@ -62,7 +62,7 @@ std::string reasonToKeep(const QuarnerDevice& device) {
         return "the drive '" + safeText(name) + "' was unplugged";
     if (!device.isDiscInDevice() && !device.isCheckingDisc())
         return "there is no disc in the drive '" + safeText(name) + "'";
-    return "the drive '" + safeText(name) + "' keeps its disc; a program may be using it";
+    return "the drive '" + safeText(name) + "' did not eject its disc; a program may be using it";
 }
 
 } // namespace

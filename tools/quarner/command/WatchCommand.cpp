@@ -43,8 +43,8 @@ ExitStatus WatchCommand::run() {
     if (!_json && _drives.empty())
         _host.console.line("There is no drive yet.");
     if (!_host.receivesDriveEvents())
-        _host.console.error("quarner: the device manager (udev) does not run here: nothing will be "
-                            "heard of optical drives and their discs");
+        _host.console.error("quarner: the device manager (udev) is not running: changes of "
+                            "optical drives and discs will not be reported");
     if (!_host.console.isBroken())
         _host.loop.run();
     return _host.console.isBroken() ? ExitStatus::Success : ExitStatus::Canceled;

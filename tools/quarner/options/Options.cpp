@@ -25,17 +25,17 @@ constexpr char audioExample[] =
     "disc that was\nbeing written is lost, an image is as it was before.\n";
 constexpr char dataExample[] =
     "Example:\n  quarner data --image mix.iso --title \"Summer mix\" one.mp3 two.m4a\n\n"
-    "The files lie as they are in the one folder of the disc. Ctrl-C cancels; a "
+    "The files are stored unchanged in one folder of the disc. Ctrl-C cancels; a "
     "disc\nthat was being written is lost, an image is as it was before.\n";
 constexpr char drivesExample[] = "Example:\n  quarner drives --json\n\n"
-                                 "Without any drive the list is empty, and the exit status 0.\n";
+                                 "Without drives the list is empty and the exit status is 0.\n";
 constexpr char discExample[] =
     "Example:\n  quarner disc --image mix.cue\n\n"
     "Exit status: 0 also for an empty drive, 2 without a drive or with one "
     "that cannot be\nused now.\n";
 constexpr char ejectExample[] =
     "Example:\n  quarner eject --drive \"Front drive\"\n\n"
-    "Exit status: 0 if the disc is out, 1 if the drive keeps it or has none, "
+    "Exit status: 0 if the disc was ejected, 1 if it was not or there is none, "
     "2 without a\ndrive.\n";
 constexpr char watchExample[] =
     "Example:\n  quarner watch --json\n\n"
@@ -95,7 +95,7 @@ Grammar::Grammar() {
     _app.require_subcommand(0, 1);
     _app.allow_extras();
     _app.footer(std::string("Example:\n  quarner audio --image mix.cue one.mp3 two.m4a\n\n"
-                            "quarner COMMAND --help tells more.\n") +
+                            "quarner COMMAND --help describes a command.\n") +
                 statusHelp + outputHelp);
     addBurn(DiscKind::Audio, "Burn audio files (mp3, m4a) to an audio CD",
             "FILE.cue and FILE.bin; files of these names are replaced", audioExample);
@@ -103,8 +103,8 @@ Grammar::Grammar() {
             "The image of a disc; a file of this name is replaced", dataExample);
     addQuery("drives", "List the drives and what they can do", drivesExample, Query::Drives);
     addQuery("disc", "Show the disc in a drive", discExample, Query::Disc);
-    addQuery("eject", "Put the disc out of a drive", ejectExample, Query::Eject);
-    addQuery("watch", "Tell of drives and discs as they come and go", watchExample, Query::Watch);
+    addQuery("eject", "Eject the disc in a drive", ejectExample, Query::Eject);
+    addQuery("watch", "Report drives and discs as they come and go", watchExample, Query::Watch);
 }
 
 void Grammar::addBurn(DiscKind kind, const char* description, const char* image,
@@ -129,8 +129,8 @@ void Grammar::addBurnOptions(CLI::App& command, const char* title) {
     command.add_flag("--keep-going", _burnOptions.keepGoing,
                      "Burn the rest when a file is refused");
     command.add_flag("--yes", _burnOptions.yes,
-                     "Burn to a drive without asking first (only somebody at a terminal is asked, "
-                     "and not with --json)");
+                     "Burn to a drive without asking first (it asks only on a terminal, and "
+                     "not with --json)");
     command.add_flag("--verbose", _burnOptions.verbose, "Show diagnostics");
     command.add_flag("--json", _json, "One JSON object a line, for programs");
     // Only the first: a list would have its brackets taken off. The others are what remains.
