@@ -30,8 +30,8 @@ protected:
     EngineRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<PCMService> pcm,
                    std::shared_ptr<DataDiscService> dataDiscs, Clock clock);
 
-    /// Cancels the burns that are under way and waits for their end; none is started any more. For
-    /// the destructor of a recorder that has something which its burns use. Not on a burn's thread.
+    /// Cancels the running burns and waits for their end. No burn can be started afterwards. For
+    /// the destructor of a recorder that owns something that its burns use. Not on a burn thread.
     void endBurns() { _services.threads->shutDown(); }
 
     const std::shared_ptr<RunLoops>& runLoops() const { return _runLoops; }

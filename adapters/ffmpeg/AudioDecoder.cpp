@@ -145,7 +145,7 @@ std::int64_t AudioDecoder::inSamples(std::int64_t ticks) const {
     return ticks == Packet::open ? ticks : av_rescale_q(ticks, _packet.timeBase, sampleTime);
 }
 
-/// The part that is heard of the packet's next samples.
+/// Returns the part of the packet's next samples that remains after trimming.
 SampleRange AudioDecoder::heard(std::uint64_t samples) const {
     const auto start = static_cast<std::int64_t>(_decoded);
     const auto count = static_cast<std::int64_t>(samples);

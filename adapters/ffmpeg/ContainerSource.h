@@ -34,7 +34,7 @@ public:
     /// The tables of an MP4 file.
     const std::optional<Mp4Tables>& tables() const { return _tables; }
 
-    /// The part that is heard, in ticks of the tables.
+    /// The part that remains after trimming, in ticks of the tables.
     Mp4Tables::Window heard() const { return _heard; }
 
 private:

@@ -29,7 +29,7 @@ struct Mp4Tables {
         false;               ///< the tables agree with each other, and all packets are in the file
     bool isTooLarge = false; ///< a demuxer would need too much memory for the tables
 
-    /// The part of the media that is heard, in ticks.
+    /// The part of the media that the edit list selects, in ticks.
     struct Window {
         std::int64_t from = 0;
         std::int64_t until = 0;

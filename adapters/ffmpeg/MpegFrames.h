@@ -23,7 +23,7 @@ public:
         MpegHeader header;        ///< of the last frame, if this one is lost
         std::uint64_t offset = 0; ///< in the file
         std::uint64_t bytes = 0;  ///< fewer than in the header at the end of a cut file
-        std::uint64_t lost = 0;   ///< if not 0: so many frames that cannot be found any more
+        std::uint64_t lost = 0;   ///< the number of frames that cannot be found any more
         bool followsTag = false;
     };
 

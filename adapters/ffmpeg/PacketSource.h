@@ -20,7 +20,7 @@ public:
         failure ///< the file cannot be read, or holds more damage than is read through
     };
 
-    /// At most so many bytes are read in search of the next packet.
+    /// The most bytes that are read in search of the next packet.
     static constexpr std::uint64_t mostDamage = 16U << 20;
 
     PacketSource() = default;

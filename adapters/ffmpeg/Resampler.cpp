@@ -123,13 +123,13 @@ bool Resampler::prepare(const AVFrame& frame, Samples& out) {
 }
 
 bool Resampler::append(const std::uint8_t** planes, int samples, Samples& out) {
-    const int room = swr_get_out_samples(_context, samples);
-    if (room < 0)
+    const int capacity = swr_get_out_samples(_context, samples);
+    if (capacity < 0)
         return false;
     const std::size_t start = out.size();
-    out.resize(start + 2 * static_cast<std::size_t>(room));
+    out.resize(start + 2 * static_cast<std::size_t>(capacity));
     auto* target = reinterpret_cast<std::uint8_t*>(out.data() + start);
-    const int made = swr_convert(_context, &target, room, planes, samples);
+    const int made = swr_convert(_context, &target, capacity, planes, samples);
     out.resize(start + 2 * static_cast<std::size_t>(std::max(made, 0)));
     return made >= 0;
 }

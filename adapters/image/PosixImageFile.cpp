@@ -26,7 +26,7 @@ FileDescriptor create(const std::string& path, mode_t mode) {
     return file;
 }
 
-/// Answers whether the file system takes that.
+/// Returns whether the file system accepts that.
 bool enterDirectMode(const FileDescriptor& file) {
     const int flags = fcntl(file.number(), F_GETFL);
     return flags >= 0 && fcntl(file.number(), F_SETFL, flags | O_DIRECT) == 0;

@@ -11,15 +11,15 @@
 namespace quarner {
 
 /// Throws `BurnFailure` if an image may not replace what is at a path: something that is not a
-/// regular file, a file that this user may not write to, or one that the system does not tell of.
+/// regular file, a file that this user may not write to, or one whose status cannot be read.
 void refuseIrreplaceable(const std::string& path);
 
 /// Whether anything has this path, a symbolic link that leads nowhere included. Throws
-/// `BurnFailure` if the system does not tell.
+/// `BurnFailure` if its status cannot be read.
 bool isThere(const std::string& path);
 
 /// The status of the file at a path, symbolic links followed. Returns `std::nullopt` if there is
-/// none. Throws `BurnFailure` if the system does not tell.
+/// none. Throws `BurnFailure` if its status cannot be read.
 std::optional<struct stat> statusOf(const std::string& path);
 
 /// Gives a new file the permissions of an old one, and its owner and group as far as this user may

@@ -8,8 +8,8 @@
 
 namespace quarner {
 
-/// Asks the drive anew what is on its disc, and compares the table of contents with the plan of the
-/// one session that was written: empty when both agree, otherwise a text for the diagnostic log.
+/// Reads the disc's table of contents again and compares it with the plan of the one session that
+/// was written. Returns an empty text if both are equal, otherwise a text for the diagnostic log.
 std::string differenceFromPlan(const GrabbedDrive& grabbed, const DiscPlan& plan);
 
 } // namespace quarner
