@@ -98,7 +98,7 @@ TEST_F(BurnRunTest, ThePreGapsAndTracksReachTheDiscInOrder) {
     perform();
     EXPECT_TRUE(log.isDone()) << log.info();
     EXPECT_TRUE(disc->bytes == expectedBytes());
-    EXPECT_THAT(disc->writes, Each(AllOf(Le(ReadAhead::sectorsPerPiece * sectorSize), Not(0U))));
+    EXPECT_THAT(disc->writes, Each(AllOf(Le(ReadAhead::sectorsPerBuffer * sectorSize), Not(0U))));
     EXPECT_EQ(disc->released, 1470U);
 }
 
@@ -106,7 +106,7 @@ TEST_F(BurnRunTest, TheDiscIsWrittenReadBackAndMadeValidInThisOrder) {
     perform();
     EXPECT_THAT(disc->calls,
                 ElementsAre("claim", "openSession", "write", "closeSession", "finish",
-                            "verifyTableOfContents", "readBack", "commit", "end", "release"));
+                            "beginVerification", "readBack", "commit", "end", "release"));
     EXPECT_THAT(disc->readBacks, ElementsAre(std::pair(0U, 1024 * sectorSize),
                                              std::pair(1024U, (1470 - 1024) * sectorSize)));
 }
@@ -122,10 +122,10 @@ TEST_F(BurnRunTest, EveryStepIsTold) {
 }
 
 TEST_F(BurnRunTest, ADiscThatIsNotVerifiedIsNotReadBack) {
-    settings.isVerified = false;
+    settings.verify = false;
     perform();
     EXPECT_TRUE(log.isDone());
-    EXPECT_FALSE(disc->settings.isVerified);
+    EXPECT_FALSE(disc->settings.verify);
     EXPECT_THAT(disc->calls, ElementsAre("claim", "openSession", "write", "closeSession", "finish",
                                          "commit", "end", "release"));
     EXPECT_EQ(log.count(DRStatusStateVerifying), 0U);
@@ -155,7 +155,7 @@ TEST_F(BurnRunTest, EachChunkTellsTheFractionAndTheSpeedWhenTheyTakeLong) {
 
 TEST_F(BurnRunTest, AFailureOfAnyStepEndsTheBurnAndIsTold) {
     for (const std::string failing : {"claim", "openSession", "write", "closeSession", "finish",
-                                      "verifyTableOfContents", "readBack", "commit"}) {
+                                      "beginVerification", "readBack", "commit"}) {
         disc = std::make_shared<MemoryDisc>();
         disc->onCall = [&](const std::string& name) {
             if (name == failing)
@@ -177,7 +177,7 @@ TEST_F(BurnRunTest, AFailureOfAnyStepEndsTheBurnAndIsTold) {
 
 TEST_F(BurnRunTest, AStopTakesEffectAtTheNextStepUntilTheDiscIsMadeValid) {
     for (const std::string last : {"claim", "openSession", "write", "closeSession", "finish",
-                                   "verifyTableOfContents", "readBack"}) {
+                                   "beginVerification", "readBack"}) {
         disc = std::make_shared<MemoryDisc>();
         stop = std::make_shared<StopSignal>();
         disc->onCall = [&](const std::string& name) {
@@ -216,7 +216,7 @@ TEST_F(BurnRunTest, AStopWhileTheLastSectorsAreReportedLeavesTheSessionOpen) {
 }
 
 TEST_F(BurnRunTest, AStopWhileAnUnverifiedDiscIsFinishedStillCounts) {
-    settings.isVerified = false;
+    settings.verify = false;
     disc->onCall = [&](const std::string& name) {
         if (name == "finish")
             stop->request(DRError::UserCanceled);
@@ -266,7 +266,7 @@ TEST_F(BurnRunTest, AnyOtherExceptionIsAnInternalError) {
 
 TEST_F(BurnRunTest, ADiscThatDiffersFailsWithTheTrackThatDoes) {
     disc->onCall = [this](const std::string& name) {
-        if (name == "verifyTableOfContents")
+        if (name == "beginVerification")
             disc->bytes[1100 * sectorSize] ^= std::byte(1);
     };
     perform();

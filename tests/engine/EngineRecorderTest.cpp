@@ -217,7 +217,7 @@ TEST_F(EngineRecorderTest, TheSettingsOfABurnReachTheDrive) {
     made->setProperties({{DRBurnVerifyDiscKey, false}, {DRBurnRequestedSpeedKey, 300}});
     made->writeLayout({audioTrack()});
     EXPECT_TRUE(loops->runUntil([&] { return log.isOver(); }));
-    EXPECT_FALSE(drive->disc.settings.isVerified);
+    EXPECT_FALSE(drive->disc.settings.verify);
     EXPECT_EQ(drive->disc.settings.requestedSpeed, 300.0);
 }
 

@@ -69,7 +69,7 @@ private:
         void readBack(std::uint64_t firstSector, std::span<std::byte> buffer) override {
             _disc.readBack(firstSector, buffer);
         }
-        void verifyTableOfContents() override { _disc.note("verifyTableOfContents"); }
+        void beginVerification() override { _disc.note("beginVerification"); }
         void commit() override { _disc.note("commit"); }
 
     private:

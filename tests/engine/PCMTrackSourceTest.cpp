@@ -139,9 +139,9 @@ TEST_F(PCMTrackSourceTest, AFileThatPlaysLessBecauseItChangedIsNamedAsChanged) {
     EXPECT_EQ(failureOfReading(source), DRError::SourceChanged);
 }
 
-TEST_F(PCMTrackSourceTest, AFileThatPlaysLongerThanMeasuredHasChanged) {
+TEST_F(PCMTrackSourceTest, AFileThatPlaysLongerThanMeasuredFailsTheBurn) {
     PCMTrackSource source = makeSource(100, 101);
-    EXPECT_EQ(failureOfReading(source), DRError::SourceChanged);
+    EXPECT_EQ(failureOfReading(source), DRError::SourceUnreadable);
 }
 
 TEST_F(PCMTrackSourceTest, AFileThatFailsBeyondItsMeasuredLengthIsWhole) {
