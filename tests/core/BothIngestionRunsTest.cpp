@@ -155,6 +155,52 @@ TYPED_TEST(BothIngestionRuns, ARunExaminesItsNextFileWithTheServicesThatAreInsta
     EXPECT_EQ(this->delegate.reports().front(), this->reportOf({songs[1]}));
 }
 
+/// Prepares one movie until its run is cancelled.
+class SlowMedia : public MediaService {
+public:
+    explicit SlowMedia(std::shared_ptr<MediaService> media) : _media(std::move(media)) {}
+
+    std::unique_ptr<QTMovie> movieWithFile(const std::string& path) override {
+        return _media->movieWithFile(path);
+    }
+    bool prepareMovie(const std::string& path, const MayContinue& mayContinue) override {
+        if (path != slowPath)
+            return true;
+        whenBegun();
+        while (mayContinue())
+            std::this_thread::yield();
+        return false;
+    }
+    std::vector<std::string> movieFileTypes(std::uint32_t flags) override {
+        return _media->movieFileTypes(flags);
+    }
+
+    std::string slowPath;
+    std::function<void()> whenBegun;
+
+private:
+    const std::shared_ptr<MediaService> _media;
+};
+
+TYPED_TEST(BothIngestionRuns, ACancelInsideAFileEndsTheRunWithoutThatFile) {
+    const std::vector<std::string> songs = this->manySongs("/s", 3);
+    Platform slow = *currentPlatform();
+    const auto media = std::make_shared<SlowMedia>(slow.media);
+    media->slowPath = songs[1];
+    media->whenBegun = [this] { this->burner->cancelToAddFiles(); };
+    slow.media = media;
+    installPlatform(slow);
+    this->burner->addFiles(songs);
+    this->finishRuns();
+    EXPECT_THAT(this->delegate.calls(),
+                ElementsAre("addFilesProgressDidStarted",
+                            "addFilesProgressDidChanged(s00.mp3, 1, 3)", "fileDidAdded(/s00.mp3)",
+                            "addFilesProgressDidChanged(s01.mp3, 2, 3)",
+                            "addFilesProgressDidCanceled", "addFilesProgressDidEnd"));
+    EXPECT_THAT(this->paths(), ElementsAre(songs[0]));
+    EXPECT_EQ(this->delegate.reports().front(), this->reportOf({}));
+}
+
 TYPED_TEST(BothIngestionRuns, EachRunHasAReportOfItsOwn) {
     this->manySongs("/a", 2);
     this->platform.putFile("/x.txt");

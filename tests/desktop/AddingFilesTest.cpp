@@ -4,6 +4,7 @@
 
 #include "quarner/platform/DRTrack.h"
 #include "tests/desktop/DesktopFixture.h"
+#include "tests/support/AudioFixtures.h"
 
 namespace quarner::testing {
 namespace {
@@ -130,6 +131,20 @@ TEST_F(DesktopAddingFiles, CancellingStopsBeforeTheNextFile) {
     EXPECT_EQ(calls[calls.size() - 2], "addFilesProgressDidCanceled");
     compile({songs[5]});
     EXPECT_EQ(delegate.count("addFilesProgressDidCanceled"), 0U);
+}
+
+TEST_F(DesktopAddingFiles, CancellingEndsInsideAFileThatTakesLong) {
+    std::string content = contentOf(put("five.mp3", "five.mp3")) + "damage: it is decoded";
+    while (content.size() < 50'000'000)
+        content += content;
+    ASSERT_TRUE(burner->addFiles({folder.write("long.mp3", content)}));
+    ASSERT_TRUE(runUntilCalled(changed("long.mp3", 1, 1)));
+    burner->cancelToAddFiles();
+    ASSERT_TRUE(runUntilCalled("addFilesProgressDidEnd"));
+    EXPECT_THAT(delegate.calls(),
+                ElementsAre("addFilesProgressDidStarted", changed("long.mp3", 1, 1),
+                            "addFilesProgressDidCanceled", "addFilesProgressDidEnd"));
+    EXPECT_EQ(count(), 0U);
 }
 
 TEST_F(DesktopAddingFiles, ATrackHasTheRecordOfItsFileAndTwoSecondsOfPreGap) {
