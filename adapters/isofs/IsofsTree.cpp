@@ -9,8 +9,11 @@
 
 #include <libisofs/libisofs.h>
 
+#include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <mutex>
+#include <new>
 
 namespace quarner {
 namespace {
@@ -63,19 +66,72 @@ void initialiseOnce() {
     static_cast<void>(isInitialised);
 }
 
+/// The library's `struct iso_stream`, which it hides from C++ because a member is called `class`.
+struct Stream {
+    const IsoStreamIface* methods;
+    int references;
+    FileStamp* stamp;
+};
+
+const FileStamp& stampOf(IsoStream* stream) { return *reinterpret_cast<Stream*>(stream)->stamp; }
+
+/// What the library may know of a file: its size and which one it is. Its content is zero here.
+IsoStreamIface makeStreamMethods() {
+    IsoStreamIface methods = {};
+    constexpr int success = 1;
+    std::memcpy(methods.type, "user", sizeof methods.type);
+    methods.open = [](IsoStream*) { return success; };
+    methods.close = [](IsoStream*) { return success; };
+    methods.get_size = [](IsoStream* stream) { return static_cast<off_t>(stampOf(stream).size); };
+    methods.read = [](IsoStream*, void* buffer, std::size_t count) {
+        std::memset(buffer, 0, count);
+        return static_cast<int>(count);
+    };
+    methods.is_repeatable = [](IsoStream*) { return success; };
+    methods.get_id = [](IsoStream* stream, unsigned int* system, dev_t* device, ino_t* inode) {
+        *system = 1; // of this machine
+        *device = static_cast<dev_t>(stampOf(stream).device);
+        *inode = static_cast<ino_t>(stampOf(stream).inode);
+    };
+    methods.free = [](IsoStream* stream) { delete reinterpret_cast<Stream*>(stream)->stamp; };
+    return methods;
+}
+
+struct StreamRelease {
+    void operator()(IsoStream* stream) const { iso_stream_unref(stream); }
+};
+using StreamPointer = std::unique_ptr<IsoStream, StreamRelease>;
+
+StreamPointer streamOf(const FileStamp& stamp) {
+    static const IsoStreamIface methods = makeStreamMethods();
+    auto copy = std::make_unique<FileStamp>(stamp);
+    void* const memory = std::malloc(sizeof(Stream)); // the library frees it
+    if (memory == nullptr)
+        throw IsofsError("out of memory");
+    return StreamPointer(
+        reinterpret_cast<IsoStream*>(new (memory) Stream{&methods, 1, copy.release()}));
+}
+
+void add(IsoImage* image, const IsofsTree::Entry& entry) {
+    StreamPointer stream = streamOf(entry.stamp);
+    IsoFile* file = nullptr;
+    check(iso_image_add_new_file(image, iso_image_get_root(image), entry.name.c_str(), stream.get(),
+                                 &file),
+          entry.name);
+    static_cast<void>(stream.release()); // the file's
+    auto* const node = reinterpret_cast<IsoNode*>(file);
+    iso_node_set_mtime(node, static_cast<time_t>(entry.stamp.modifiedSeconds));
+    // The flag named after Rock Ridge hides from the primary ISO 9660 tree as a whole.
+    iso_node_set_hidden(node, LIBISO_HIDE_ON_RR);
+}
+
 Image imageOf(const std::string& volumeName, const std::vector<IsofsTree::Entry>& entries) {
     IsoImage* made = nullptr;
     check(iso_image_new(volumeName.c_str(), &made), "image");
     Image image(made);
     iso_tree_set_replace_mode(image.get(), ISO_REPLACE_NEVER);
-    for (const IsofsTree::Entry& entry : entries) {
-        IsoNode* node = nullptr;
-        check(iso_tree_add_new_node(image.get(), iso_image_get_root(image.get()),
-                                    entry.name.c_str(), entry.path.c_str(), &node),
-              entry.path);
-        // The flag named after Rock Ridge hides the node from the whole primary ISO 9660 tree.
-        iso_node_set_hidden(node, LIBISO_HIDE_ON_RR);
-    }
+    for (const IsofsTree::Entry& entry : entries)
+        add(image.get(), entry);
     return image;
 }
 
@@ -121,7 +177,7 @@ std::string IsofsTree::layOut(const std::string& volumeName, const std::vector<E
         check(iso_write_opts_get_data_start(options.get(), &dataStart, 0), "layout");
         blocks = static_cast<std::uint64_t>(source->get_size(source.get())) / blockSize;
         head = readHead(*source, dataStart);
-        // The library's writer thread waits for a reader of the files' content; there is none.
+        // The library's writer thread waits to deliver the content of the streams; nobody reads it.
         source->cancel(source.get());
         return {};
     } catch (const IsofsError& error) {

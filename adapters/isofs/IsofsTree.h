@@ -6,23 +6,25 @@
 #include <string>
 #include <vector>
 
+#include "quarner/platform/FileStamp.h"
+
 namespace quarner {
 
 /// A flat folder of files as libisofs lays it out, Joliet only. Only this class uses libisofs.
 struct IsofsTree {
-    /// A file: its name on the disc, and the path of the regular file on disk (absolute, without
-    /// symbolic links).
+    /// A file under its name on the disc. Entries with the same device and inode share their
+    /// content on the disc.
     struct Entry {
         std::string name;
-        std::string path;
+        FileStamp stamp;
     };
 
     std::uint64_t blocks = 0;    ///< of 2048 bytes, the whole disc
     std::vector<std::byte> head; ///< the blocks before the files' content
 
-    /// Lays out the entries. Returns an empty text, or what went wrong; the tree must not be used
-    /// then. Any thread. Calls on several threads are serialised, because the library has global
-    /// state.
+    /// Lays out the entries. Opens no file. Returns an empty text, or what went wrong; the tree
+    /// must not be used then. Any thread. Calls on several threads are serialised, because the
+    /// library has global state.
     std::string layOut(const std::string& volumeName, const std::vector<Entry>& entries);
 };
 

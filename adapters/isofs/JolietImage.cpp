@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <map>
 #include <optional>
 #include <utility>
@@ -25,14 +24,6 @@ using Extents = std::vector<JolietImage::Extent>;
 
 std::string baseName(const std::string& path) { return path.substr(path.find_last_of('/') + 1); }
 
-/// Returns the path that libisofs needs: absolute, and without symbolic links, which it would store
-/// as links.
-std::string physicalPath(const std::string& path) {
-    const std::unique_ptr<char, decltype(&std::free)> resolved(realpath(path.c_str(), nullptr),
-                                                               std::free);
-    return resolved ? std::string(resolved.get()) : path;
-}
-
 std::u16string utf16(const std::string& text) {
     glong length = 0;
     const std::unique_ptr<gunichar2, decltype(&g_free)> units(
@@ -47,7 +38,7 @@ std::vector<IsofsTree::Entry> entriesOf(const DRFolder& folder) {
     const std::vector<std::string> names = jolietNames(fileNames);
     std::vector<IsofsTree::Entry> entries;
     for (std::size_t i = 0; i < names.size(); ++i)
-        entries.push_back({names[i], physicalPath(folder.children()[i]->sourcePath())});
+        entries.push_back({names[i], folder.children()[i]->stamp()});
     return entries;
 }
 

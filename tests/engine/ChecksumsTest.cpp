@@ -35,22 +35,22 @@ TEST(Checksums, AreTheSameHoweverTheBytesCome) {
     }
 }
 
-TEST(Checksums, AWholeNumberOfBlocksHasNoFurtherOne) {
-    const std::vector<std::byte> bytes(blockSize);
+TEST(Checksums, AWholeNumberOfChunksHasNoFurtherOne) {
+    const std::vector<std::byte> bytes(chunkSize);
     Checksums checksums(sectorSize);
     checksums.add(bytes);
     checksums.finish();
-    EXPECT_EQ(checksums.blocks(), 1U);
+    EXPECT_EQ(checksums.chunks(), 1U);
     EXPECT_THROW(static_cast<void>(checksums.matches(1, bytes)), std::out_of_range);
 }
 
-TEST(Checksums, ASingleByteIsABlock) {
+TEST(Checksums, ASingleByteIsAChunk) {
     const std::vector<std::byte> bytes(1);
     Checksums checksums(sectorSize);
     checksums.add(bytes);
-    EXPECT_EQ(checksums.blocks(), 0U) << "before the end";
+    EXPECT_EQ(checksums.chunks(), 0U) << "before the end";
     checksums.finish();
-    EXPECT_EQ(checksums.blocks(), 1U);
+    EXPECT_EQ(checksums.chunks(), 1U);
     EXPECT_TRUE(checksums.matches(0, bytes));
 }
 

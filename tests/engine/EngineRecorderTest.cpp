@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/engine/EngineRecorder.h"
+#include "adapters/posix/FileStamps.h"
 
 #include <gmock/gmock.h>
 
@@ -78,7 +79,7 @@ public:
         : EngineRecorder(std::move(loops), std::move(pcm), std::move(dataDiscs),
                          [] { return std::chrono::steady_clock::time_point{}; }) {}
     std::vector<std::shared_ptr<DRDevice>> devices() override { return {}; }
-    using EngineRecorder::tell;
+    using EngineRecorder::notify;
 };
 
 /// A drive of which a burn uses only that it takes sectors.
@@ -305,7 +306,7 @@ TEST_F(EngineRecorderTest, ADrivesNotificationReachesTheListeners) {
     center->addObserver(
         this, [&](const DRNotification& told) { senders.push_back(told.object); },
         DRDeviceAppearedNotification, nullptr);
-    recorder->tell(DRDeviceAppearedNotification, drive);
+    recorder->notify(DRDeviceAppearedNotification, drive);
     loops->runPending();
     EXPECT_THAT(senders, ElementsAre(drive));
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/engine/PCMTrackSource.h"
+#include "adapters/posix/FileStamps.h"
 
 #include <gtest/gtest.h>
 

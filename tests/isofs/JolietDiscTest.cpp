@@ -5,6 +5,7 @@
 #include <map>
 
 #include "adapters/engine/BurnFailure.h"
+#include "adapters/isofs/IsofsTree.h"
 #include "adapters/isofs/JolietDiscs.h"
 #include "adapters/posix/FileStamps.h"
 #include "tests/support/Program.h"
@@ -219,6 +220,19 @@ TEST_F(JolietDisc, HundredsOfFilesFillSeveralBlocksOfTheDirectory) {
         add("track number " + std::to_string(i) + ".mp3", noise(i * 37, i + 1));
     const std::string image = burn();
     EXPECT_EQ(extractedBy({"bsdtar", "-xf", image, "-C", out.path()}), contentsIn(sources.path()));
+}
+
+TEST(IsofsTree, LaysOutFilesByTheirStampsAlone) {
+    const FileStamp one = {.size = 5000, .device = 1, .inode = 1};
+    const FileStamp other = {.size = 5000, .device = 1, .inode = 2};
+    const auto blocksOf = [](const std::vector<IsofsTree::Entry>& entries) {
+        IsofsTree tree;
+        EXPECT_EQ(tree.layOut("Mix", entries), "");
+        return tree.blocks;
+    };
+    const std::uint64_t blocks = blocksOf({{"a.mp3", one}});
+    EXPECT_EQ(blocksOf({{"a.mp3", one}, {"b.mp3", other}}), blocks + 3);
+    EXPECT_EQ(blocksOf({{"a.mp3", one}, {"b.mp3", one}}), blocks) << "the same file";
 }
 
 DRError errorOf(const std::function<void()>& work) {
