@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/engine/EngineRecorder.h"
-#include "adapters/posix/FileStamps.h"
 
 #include <gmock/gmock.h>
 
 #include <condition_variable>
 
+#include "adapters/posix/FileStamps.h"
 #include "quarner/platform/DRKeys.h"
 #include "quarner/platform/Platform.h"
 #include "tests/engine/MemoryDisc.h"

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/engine/PCMTrackSource.h"
-#include "adapters/posix/FileStamps.h"
 
 #include <gtest/gtest.h>
 
@@ -9,6 +8,7 @@
 
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/engine/SectorBuffer.h"
+#include "adapters/posix/FileStamps.h"
 #include "tests/engine/MemoryPCM.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
