@@ -267,6 +267,15 @@ TEST_F(JolietDisc, AFolderForAnotherFileSystemIsNotWritten) {
     }
 }
 
+TEST_F(JolietDisc, AFileThatIsReplacedByOneOfItsSizeFailsTheRead) {
+    const std::string path = add("one.mp3", noise(100000, 1));
+    track = discs->trackForRootFolder(root);
+    DiscContent content = discs->contentOf(*track);
+    std::filesystem::rename(sources.write("other.mp3", noise(100000, 2)), path);
+    std::vector<std::byte> image(std::size_t(content.plan.bytes()));
+    EXPECT_EQ(errorOf([&] { content.sources.front()->read(image); }), DRError::SourceChanged);
+}
+
 TEST_F(JolietDisc, AFileThatShrinksWhileItIsReadFailsTheRead) {
     add("one.mp3", noise(100000, 1));
     track = discs->trackForRootFolder(root);
