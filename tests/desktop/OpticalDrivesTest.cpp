@@ -52,6 +52,18 @@ TEST_F(DesktopOpticalDrives, AreToldOfAsTheyComeAndGo) {
                                         std::string("deviceDidDisappeared(") + name + ")"));
 }
 
+TEST_F(DesktopOpticalDrives, OfAnUninstalledPlatformRefuseABurn) {
+    const auto recorder = plug();
+    const QuarnerDevice drive(name);
+    compile({put("five.mp3", "one.mp3")});
+    uninstallDesktopPlatform();
+    delegate.forget();
+    EXPECT_FALSE(drive.isDiscInDevice());
+    burner->burnWithDevice(drive, std::nullopt);
+    EXPECT_THAT(delegate.calls(),
+                ElementsAre("burnProgressDidStarted", "burnProgressDidError(Quarn, 0)"));
+}
+
 TEST_F(DesktopOpticalDrives, TakeAnAudioCD) {
     const auto recorder = plug();
     compile({put("five.mp3", "one.mp3"), put("six.m4a", "two.m4a")});
