@@ -46,7 +46,7 @@ TEST_F(LostDrive, IsLetGoAtWhateverCommandOfAQuestionItWasPulled) {
     EXPECT_TRUE(isBlank);
     expectReleased();
     for (int descriptor = 0; descriptor < 1024; ++descriptor)
-        EXPECT_EQ(NodeDescriptors::placeOf(descriptor).find("/memfd:quarner"), std::string::npos);
+        EXPECT_EQ(NodeDescriptors::pathOf(descriptor).find("/memfd:quarner"), std::string::npos);
 }
 
 TEST_F(LostDrive, FailsTheBurnAndIsLetGoWhereverInABurnItWasPulled) {
