@@ -46,6 +46,8 @@ void MpegSource::readTag() {
 bool MpegSource::isCertain() {
     if (_tag && _tag->isCrcRight)
         return true;
+    if (!_first) // without this the whole of another kind of file is searched for frames
+        return false;
     constexpr int enough = 8; // frames
     MpegFrames frames(_file, _range);
     for (int i = 0; i < enough; ++i)

@@ -65,6 +65,13 @@ TEST_F(FFmpegHeaders, AProvenFileIsHardlyRead) {
     EXPECT_LE(file->bytesRead(), 3 * 4096U);
 }
 
+TEST_F(FFmpegHeaders, AFileOfAnotherKindIsNotSearchedForFrames) {
+    const auto file = WindowedFile::open(audioFixture(aacRecipe()));
+    ASSERT_NE(file, nullptr);
+    EXPECT_FALSE(MpegSource(*file).isCertain());
+    EXPECT_LE(file->bytesRead(), 3 * 4096U);
+}
+
 TEST_F(FFmpegHeaders, ATagOfALongerFileIsNotBelieved) {
     AudioRecipe recipe = mp3Recipe();
     recipe.samples = 44100 * 60;
