@@ -98,8 +98,7 @@ TEST_F(DriveBurnTest, ShowsDriveDiscAndTitleAndBurnsAfterAYes) {
     EXPECT_THAT(linesOf(host.err()),
                 ElementsAre("Drive:   Writer", "Disc:    CD-R, blank, 01:19:57 free",
                             "Title:   Summer mix",
-                            "Burn this disc? Type y to burn it, anything else to leave it as it "
-                            "is."));
+                            "Burn this disc? Type y to burn it, anything else to cancel."));
     EXPECT_EQ(burns(), 1U);
 }
 
