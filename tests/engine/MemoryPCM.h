@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <memory>
 
@@ -15,8 +16,8 @@ public:
     std::uint64_t pairs = 0; ///< what every file plays
     bool opens = true;
     bool failsAtTheEnd = false; ///< a read beyond the last sample fails
-    int opened = 0;
-    int openNow = 0; ///< streams that are open now
+    std::atomic<int> opened = 0;
+    std::atomic<int> openNow = 0; ///< streams that are open now
 
     static std::int16_t valueAt(std::uint64_t index) { return std::int16_t(index % 30'000 + 1); }
 
