@@ -90,7 +90,7 @@ public:
 
 std::unique_ptr<ImageLock> PosixFileSystem::lock(const std::string& path, const StopSignal& stop) {
     // Each holder that lets go in between costs one attempt. Some network file systems number a
-    // file anew each time that they are asked: there, no attempt would be the last.
+    // file differently each time: there, no attempt would be the last.
     constexpr int attempts = 100;
     for (int i = 0; i < attempts; ++i) {
         stop.throwIfRequested();

@@ -47,7 +47,7 @@ Bytes& real(Bytes& bytes, Word key, double value) {
     return bytes.byte(key).byte(Real).number(value);
 }
 
-/// A drive with a blank disc, and a track of so many blocks.
+/// A drive with a blank disc, and a track of `blocks` blocks.
 Bytes ordinary(std::uint64_t blocks = 1000) {
     Bytes bytes;
     bytes.number(359847U).number(blocks);

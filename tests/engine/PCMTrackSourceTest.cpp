@@ -18,7 +18,7 @@ namespace {
 
 class PCMTrackSourceTest : public testing::Test {
 protected:
-    /// The source of a track of so many pairs, though the file plays `pairsInFile`.
+    /// The source of a track of `pairs` pairs, though the file plays `pairsInFile`.
     PCMTrackSource makeSource(std::uint64_t pairs, std::uint64_t pairsInFile) {
         pcm->pairs = pairsInFile;
         track->path = path;
