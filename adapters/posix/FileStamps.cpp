@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/posix/FileStamps.h"
 
-#include <sys/stat.h>
-
 #include "adapters/posix/SystemCall.h"
 
 namespace quarner {
@@ -12,11 +10,7 @@ std::optional<FileStamp> stampOfFile(const std::string& path) {
     const int outcome = uninterrupted([&] { return stat(path.c_str(), &status); });
     if (outcome != 0 || !S_ISREG(status.st_mode))
         return std::nullopt;
-    return FileStamp{.size = static_cast<std::uint64_t>(status.st_size),
-                     .modifiedSeconds = status.st_mtim.tv_sec,
-                     .modifiedNanoseconds = status.st_mtim.tv_nsec,
-                     .device = status.st_dev,
-                     .inode = status.st_ino};
+    return stampOf(status);
 }
 
 } // namespace quarner

@@ -14,8 +14,8 @@
 #include <utility>
 
 #include "adapters/posix/FileDescriptor.h"
+#include "adapters/posix/FileStamps.h"
 #include "adapters/posix/SystemCall.h"
-#include "quarner/platform/FileStamp.h"
 
 namespace quarner {
 
@@ -74,11 +74,7 @@ private:
             _error = errno;
         else if (isRegular(found)) {
             _descriptor = std::move(opened);
-            _stamp = {.size = static_cast<std::uint64_t>(found.st_size),
-                      .modifiedSeconds = found.st_mtim.tv_sec,
-                      .modifiedNanoseconds = found.st_mtim.tv_nsec,
-                      .device = found.st_dev,
-                      .inode = found.st_ino};
+            _stamp = stampOf(found);
         }
     }
     bool isRegular(const struct stat& found) {

@@ -168,6 +168,14 @@ void putEdited(const SeedFolder& folder) {
     put("edit-longer-than-all", {{.length = 100000, .start = 1024}});
 }
 
+/// A track of `depth` boxes, each within the one before it.
+std::string boxesWithinBoxes(std::uint32_t depth) {
+    std::string nested;
+    for (std::uint32_t left = depth; left > 0; --left)
+        nested += big(8 * left) + "mdia";
+    return box("ftyp", "M4A " + big(0)) + box("moov", box("trak", nested));
+}
+
 void putDamaged(const SeedFolder& folder) {
     const auto put = [&](const std::string& name, const Film& film) {
         folder.put("m4a", name, fileOf(film));
@@ -205,6 +213,7 @@ void putDamaged(const SeedFolder& folder) {
     put("packets-behind-the-end", beyond);
     folder.put("m4a", "cut", fileOf(silent(20)).substr(0, fileOf(silent(20)).size() - 30));
     folder.put("m4a", "cut-in-the-table", fileOf(silent(20)).substr(0, 300));
+    folder.put("m4a", "boxes-within-boxes", boxesWithinBoxes(60'000)); // more than a stack holds
     folder.put("m4a", "empty", "");
 }
 
