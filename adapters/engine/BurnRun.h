@@ -9,7 +9,6 @@
 #include "adapters/engine/BurnSettings.h"
 #include "adapters/engine/BurnTarget.h"
 #include "adapters/engine/Checksums.h"
-#include "adapters/engine/Clock.h"
 #include "adapters/engine/DiscContent.h"
 #include "adapters/engine/ProgressMeter.h"
 #include "adapters/engine/ReadAhead.h"

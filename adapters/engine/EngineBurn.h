@@ -6,10 +6,10 @@
 
 #include "adapters/engine/BurnTarget.h"
 #include "adapters/engine/BurnThreads.h"
-#include "adapters/engine/Clock.h"
 #include "adapters/engine/DataDiscService.h"
+#include "adapters/engine/ProgressMeter.h"
 #include "adapters/engine/StopSignal.h"
-#include "adapters/runloop/RunLoopCenter.h"
+#include "adapters/runloop/RunLoops.h"
 #include "quarner/platform/DRBurn.h"
 #include "quarner/platform/PCMService.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "adapters/engine/EngineBurn.h"
-#include "adapters/runloop/RunLoopCenter.h"
+#include "adapters/runloop/RunLoops.h"
 #include "quarner/platform/RecordingService.h"
 
 namespace quarner {

@@ -4,11 +4,13 @@
 #include <chrono>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <optional>
 
-#include "adapters/engine/Clock.h"
-
 namespace quarner {
+
+/// The engine's clock: a steady clock, or a test's own. Called on any thread.
+using Clock = std::function<std::chrono::steady_clock::time_point()>;
 
 /// The progress and the speed of one phase of a burn, and when to report them. Used by one thread
 /// at a time.

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "adapters/runloop/RunLoopCenter.h"
+#include "adapters/runloop/RunLoops.h"
 #include "quarner/platform/DispatchService.h"
 #include "quarner/platform/FileService.h"
 #include "quarner/platform/LogSink.h"

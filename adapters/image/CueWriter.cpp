@@ -7,7 +7,6 @@
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/image/CueSheet.h"
 #include "adapters/image/ImagePlace.h"
-#include "adapters/image/ReplacedFile.h"
 
 namespace quarner {
 

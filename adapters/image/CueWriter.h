@@ -5,8 +5,8 @@
 #include <string>
 
 #include "adapters/engine/SectorWriter.h"
-#include "adapters/image/CueNames.h"
 #include "adapters/image/FileSystem.h"
+#include "adapters/image/ImageNames.h"
 
 namespace quarner {
 

@@ -6,9 +6,8 @@
 #include <utility>
 
 #include "adapters/engine/BurnFailure.h"
-#include "adapters/image/CueNames.h"
 #include "adapters/image/CueWriter.h"
-#include "adapters/image/IsoNames.h"
+#include "adapters/image/ImageNames.h"
 #include "adapters/image/IsoWriter.h"
 #include "quarner/platform/DRKeys.h"
 

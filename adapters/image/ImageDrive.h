@@ -9,7 +9,7 @@
 
 #include "adapters/engine/BurnTarget.h"
 #include "adapters/image/FileSystem.h"
-#include "adapters/runloop/RunLoopCenter.h"
+#include "adapters/runloop/RunLoops.h"
 #include "quarner/platform/DRDevice.h"
 
 namespace quarner {

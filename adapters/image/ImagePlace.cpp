@@ -6,11 +6,24 @@
 
 #include <cerrno>
 
-#include "adapters/image/ReplacedFile.h"
 #include "adapters/posix/SystemCall.h"
 
 namespace quarner {
 namespace {
+
+/// Throws `BurnFailure` if an image may not replace what is at a path: something that is not a
+/// regular file, a file that this user may not write to, or one whose status cannot be read.
+void refuseIrreplaceable(const std::string& path) {
+    const std::optional<struct stat> found = statusOf(path);
+    if (!found)
+        return;
+    if (!S_ISREG(found->st_mode))
+        throw BurnFailure(DRError::WriteFailed, path + " is not a file and is not replaced");
+    const auto askAccess = [&] { return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS); };
+    if (uninterrupted(askAccess) != 0)
+        throw BurnFailure(DRError::PermissionDenied,
+                          path + " may not be written to and is not replaced");
+}
 
 void refuseClosedFolder(const std::string& folder) {
     const auto askAccess = [&] {
@@ -21,6 +34,24 @@ void refuseClosedFolder(const std::string& folder) {
 }
 
 } // namespace
+
+std::optional<struct stat> statusOf(const std::string& path) {
+    struct stat found = {};
+    if (uninterrupted([&] { return stat(path.c_str(), &found); }) == 0)
+        return found;
+    if (errno != ENOENT)
+        throw writeFailure(errno, "looking at " + path);
+    return std::nullopt;
+}
+
+bool isThere(const std::string& path) {
+    struct stat found = {};
+    if (uninterrupted([&] { return lstat(path.c_str(), &found); }) == 0)
+        return true;
+    if (errno != ENOENT)
+        throw writeFailure(errno, "looking at " + path);
+    return false;
+}
 
 void refuseUnfitPlace(const CueNames& names) {
     for (const std::string* file : {&names.cue, &names.plainBin, &names.newBin})

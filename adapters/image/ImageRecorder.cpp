@@ -10,9 +10,8 @@
 
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/engine/Utf8.h"
-#include "adapters/image/CueNames.h"
 #include "adapters/image/CueSheet.h"
-#include "adapters/image/IsoNames.h"
+#include "adapters/image/ImageNames.h"
 #include "adapters/posix/FileStamps.h"
 #include "adapters/posix/SystemCall.h"
 #include "quarner/platform/DRKeys.h"

@@ -5,7 +5,7 @@
 
 #include "adapters/engine/SectorWriter.h"
 #include "adapters/image/FileSystem.h"
-#include "adapters/image/IsoNames.h"
+#include "adapters/image/ImageNames.h"
 
 namespace quarner {
 

@@ -21,10 +21,6 @@
 
 namespace quarner {
 
-ImageFile::~ImageFile() = default;
-ImageLock::~ImageLock() = default;
-FileSystem::~FileSystem() = default;
-
 namespace {
 
 class PosixLock : public ImageLock {

@@ -10,7 +10,7 @@
 #include <system_error>
 
 #include "adapters/engine/BurnFailure.h"
-#include "adapters/image/ReplacedFile.h"
+#include "adapters/image/ImagePlace.h"
 #include "adapters/posix/SystemCall.h"
 
 namespace quarner {
@@ -18,6 +18,9 @@ namespace {
 
 constexpr std::size_t bufferSize = std::size_t(1) << 20;
 constexpr std::uint64_t writeBackStep = std::uint64_t(8) << 20;
+constexpr mode_t groups = 0070;
+constexpr mode_t permissions = 0777;
+
 FileDescriptor create(const std::string& path, mode_t mode) {
     constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
     FileDescriptor file(uninterrupted([&] { return open(path.c_str(), flags, mode); }));
@@ -30,6 +33,40 @@ FileDescriptor create(const std::string& path, mode_t mode) {
 bool enterDirectMode(const FileDescriptor& file) {
     const int flags = fcntl(file.number(), F_GETFL);
     return flags >= 0 && fcntl(file.number(), F_SETFL, flags | O_DIRECT) == 0;
+}
+
+mode_t permissionsLike(const struct stat& old, const struct stat& made) {
+    mode_t mode = old.st_mode & permissions;
+    if (made.st_uid != old.st_uid)
+        mode |= S_IRUSR | S_IWUSR;
+    if (made.st_gid != old.st_gid)
+        mode = (mode & ~groups) | (mode & S_IRWXO) << 3;
+    return mode;
+}
+
+void takeOwner(int file, const struct stat& old) {
+    const auto give = [&](uid_t user) {
+        return uninterrupted([&] { return fchown(file, user, old.st_gid); }) == 0;
+    };
+    constexpr auto unchanged = static_cast<uid_t>(-1);
+    static_cast<void>(give(old.st_uid) || give(unchanged)); // only root gives files away
+}
+
+/// Gives a new file the permissions of an old one, and its owner and group as far as this user may
+/// give them. What the old file granted to another owner or group is not granted to the new one's:
+/// the owner can always read and write it then, and its group gets what everybody gets. Returns
+/// false, with `errno`, if the permissions cannot be set; a file system without permissions is
+/// fine.
+bool takeAccess(const FileDescriptor& file, const struct stat& old) {
+    takeOwner(file.number(), old);
+    struct stat made = {};
+    if (uninterrupted([&] { return fstat(file.number(), &made); }) != 0)
+        return false;
+    const mode_t wanted = permissionsLike(old, made);
+    if ((made.st_mode & permissions) == wanted)
+        return true;
+    const bool isSet = uninterrupted([&] { return fchmod(file.number(), wanted); }) == 0;
+    return isSet || errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS;
 }
 
 /// Nobody else may open the file until it has the permissions of the one that it replaces.

@@ -12,7 +12,7 @@
 #include <system_error>
 #include <vector>
 
-#include "adapters/optical/DriveNode.h"
+#include "adapters/optical/DriveOpening.h"
 
 namespace quarner {
 namespace {

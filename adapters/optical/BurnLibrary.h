@@ -7,7 +7,7 @@
 #include <set>
 #include <string>
 
-#include "adapters/optical/LibraryMessage.h"
+#include "adapters/optical/FailureCause.h"
 #include "adapters/optical/NodeDescriptors.h"
 
 namespace quarner {

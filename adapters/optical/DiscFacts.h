@@ -31,8 +31,13 @@ struct DiscFacts {
 };
 
 class GrabbedDrive;
+struct DiscPlan;
 
 /// Queries an open drive. What the drive does not report stays 0 or empty.
 DiscFacts readDiscFacts(const GrabbedDrive& grabbed);
+
+/// Reads the disc's table of contents again and compares it with the plan of the one session that
+/// was written. Returns an empty text if both are equal, otherwise a text for the diagnostic log.
+std::string differenceFromPlan(const GrabbedDrive& grabbed, const DiscPlan& plan);
 
 } // namespace quarner

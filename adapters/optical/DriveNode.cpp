@@ -7,18 +7,14 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <condition_variable>
-#include <mutex>
-#include <stop_token>
 #include <system_error>
 
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/optical/AccessProblem.h"
+#include "adapters/optical/DriveOpening.h"
 
 namespace quarner {
 namespace {
-
-constexpr std::chrono::milliseconds retryInterval{100};
 
 BurnFailure failureOf(const std::string& path, int error) {
     const std::string text = path + ": " + std::generic_category().message(error);
@@ -64,29 +60,6 @@ bool DriveNode::openTray() const {
     // A drive without a tray reports only that it has no disc.
     const int status = ioctl(_descriptor, CDROM_DRIVE_STATUS, CDSL_CURRENT);
     return status != CDS_DISC_OK && status != CDS_DRIVE_NOT_READY;
-}
-
-int openDrive(const std::string& path, std::chrono::milliseconds timeout, const StopSignal* stop) {
-    const auto end = std::chrono::steady_clock::now() + timeout;
-    while (true) {
-        const int descriptor = open(path.c_str(), O_RDWR | O_NONBLOCK | O_EXCL | O_CLOEXEC);
-        if (descriptor >= 0)
-            return descriptor;
-        const int error = errno;
-        if (error != EBUSY || std::chrono::steady_clock::now() >= end)
-            return -error;
-        waitForDrive(stop);
-    }
-}
-
-void waitForDrive(const StopSignal* stop) {
-    std::mutex mutex;
-    std::condition_variable_any never;
-    std::unique_lock lock(mutex);
-    never.wait_for(lock, stop ? stop->token() : std::stop_token(), retryInterval,
-                   [] { return false; });
-    if (stop)
-        stop->throwIfRequested();
 }
 
 } // namespace quarner

@@ -11,6 +11,7 @@
 
 #include "adapters/optical/BurnLibrary.h"
 #include "adapters/optical/DriveNode.h"
+#include "adapters/optical/DriveOpening.h"
 #include "adapters/optical/Libburn.h"
 #include "adapters/optical/NodeDescriptors.h"
 

@@ -8,10 +8,10 @@
 #include <string>
 
 #include "adapters/engine/BurnTarget.h"
-#include "adapters/engine/Clock.h"
+#include "adapters/engine/ProgressMeter.h"
 #include "adapters/optical/DiscFacts.h"
 #include "adapters/optical/DriveRecord.h"
-#include "adapters/runloop/RunLoopCenter.h"
+#include "adapters/runloop/RunLoops.h"
 #include "quarner/platform/DRDevice.h"
 
 namespace quarner {

@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "adapters/engine/BurnFailure.h"
+#include "adapters/optical/DiscFacts.h"
 #include "adapters/optical/FailureCause.h"
 #include "adapters/optical/Libburn.h"
-#include "adapters/optical/TocCheck.h"
 
 namespace quarner {
 namespace {

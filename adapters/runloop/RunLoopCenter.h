@@ -58,20 +58,4 @@ private:
     bool _isDelivering = false; // used by the loop's thread only
 };
 
-/// The run loops of a process.
-class RunLoops {
-public:
-    RunLoops() = default;
-    virtual ~RunLoops() = default;
-    RunLoops(const RunLoops&) = delete;
-    RunLoops& operator=(const RunLoops&) = delete;
-
-    /// Returns the centre of the calling thread's current run loop. Each run loop has one centre,
-    /// made by the first call and kept alive until the loop ends.
-    virtual std::shared_ptr<RunLoopCenter> currentCenter() = 0;
-
-    /// Posts a notification to every centre. Any thread.
-    virtual void postToAll(const DRNotification& notification) = 0;
-};
-
 } // namespace quarner

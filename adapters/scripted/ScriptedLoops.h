@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "adapters/runloop/RunLoopCenter.h"
+#include "adapters/runloop/RunLoops.h"
 #include "adapters/scripted/Ticker.h"
 
 namespace quarner {

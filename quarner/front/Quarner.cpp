@@ -8,8 +8,6 @@
 
 namespace quarner {
 
-QuarnDelegate::~QuarnDelegate() = default;
-
 std::shared_ptr<Quarner> Quarner::audioCDBurner() { return makeBurner("AudioCDBurner"); }
 
 std::shared_ptr<Quarner> Quarner::dataCDBurner() { return makeBurner("DataCDBurner"); }

@@ -9,7 +9,7 @@
 #include <mutex>
 #include <thread>
 
-#include "adapters/runloop/RunLoopCenter.h"
+#include "adapters/runloop/RunLoops.h"
 #include "tests/recorder/TurnedLoops.h"
 
 namespace quarner {

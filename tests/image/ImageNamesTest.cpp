@@ -7,8 +7,7 @@
 #include <vector>
 
 #include "adapters/engine/Utf8.h"
-#include "adapters/image/CueNames.h"
-#include "adapters/image/IsoNames.h"
+#include "adapters/image/ImageNames.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quarner {

@@ -6,7 +6,7 @@
 
 namespace quarner {
 
-/// The final and the temporary names of the files of one image, all in one folder.
+/// The final and the temporary names of the files of an audio image, all in one folder.
 ///
 /// The BIN is named after the CUE, as some readers expect, with the same case: mix.cue and mix.bin,
 /// MIX.CUE and MIX.BIN, mix.Cue and mix.Bin. A double quote or a control character, which a CUE
@@ -33,7 +33,20 @@ struct CueNames {
 };
 
 /// Returns the names for an image at a path, following symbolic links; `std::nullopt` if the path
-/// does not end in a file name with the extension cue.
+/// does not end in a file name with the extension cue, ignoring case. The file need not exist.
 std::optional<CueNames> cueNames(const std::string& cuePath);
+
+/// The final and the temporary names of a data disc's image, all in one folder. If a hidden name
+/// would be longer than the file system allows, a hash replaces the end of its stem.
+struct IsoNames {
+    std::string folder; ///< absolute
+    std::string iso;    ///< the image's own path
+    std::string lock;   ///< .mix.iso.lock
+    std::string part;   ///< .mix.iso.part: the image that is being written
+};
+
+/// Returns the names for an image at a path, following symbolic links; `std::nullopt` if the path
+/// does not end in a file name with the extension iso, ignoring case. The file need not exist.
+std::optional<IsoNames> isoNames(const std::string& path);
 
 } // namespace quarner
