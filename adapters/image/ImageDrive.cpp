@@ -5,7 +5,6 @@
 #include <array>
 #include <utility>
 
-#include "adapters/engine/BurnFailure.h"
 #include "adapters/image/CueWriter.h"
 #include "adapters/image/ImageNames.h"
 #include "adapters/image/IsoWriter.h"
@@ -22,12 +21,16 @@ constexpr std::array speeds = {300, 600, 1200, 1800, 2400, 3000, 3600, 3900};
 
 ImageDrive::ImageDrive(std::string displayName, std::string path, std::uint32_t capacity, Disc disc,
                        std::shared_ptr<FileSystem> files, std::weak_ptr<RunLoops> runLoops)
-    : _displayName(std::move(displayName)), _path(std::move(path)), _capacity(capacity),
-      _files(std::move(files)), _runLoops(std::move(runLoops)), _disc(disc) {}
+    : EngineDrive(std::move(displayName), std::move(runLoops)), _path(std::move(path)),
+      _capacity(capacity), _files(std::move(files)), _disc(disc) {}
 
 std::optional<ImageDrive::Disc> ImageDrive::disc() const {
-    const std::lock_guard lock(_mutex);
-    return _disc;
+    const std::lock_guard lock(mutex());
+    return lockedDisc();
+}
+
+std::optional<ImageDrive::Disc> ImageDrive::lockedDisc() const {
+    return isAttached() ? _disc : std::nullopt;
 }
 
 std::uint64_t ImageDrive::freeBlocks(const Disc& disc) const {
@@ -38,13 +41,13 @@ Dictionary ImageDrive::info() const { return {{DRDeviceCanWriteCDKey, true}}; }
 
 Dictionary ImageDrive::status() const {
     Dictionary status;
-    const std::lock_guard lock(_mutex);
-    status.emplace(DRStatusCurrentSpeedKey, _speed);
-    if (_disc)
+    const std::lock_guard lock(mutex());
+    status.emplace(DRStatusCurrentSpeedKey, speed());
+    if (const std::optional<Disc> found = lockedDisc())
         status.emplace(DRDeviceMediaInfoKey,
                        Dictionary{{DRDeviceMediaTypeKey, DRDeviceMediaTypeCDR},
-                                  {DRDeviceMediaBlocksUsedKey, _disc->usedBlocks},
-                                  {DRDeviceMediaBlocksFreeKey, freeBlocks(*_disc)},
+                                  {DRDeviceMediaBlocksUsedKey, found->usedBlocks},
+                                  {DRDeviceMediaBlocksFreeKey, freeBlocks(*found)},
                                   {DRDeviceBurnSpeedsKey, Array(speeds.begin(), speeds.end())}});
     return status;
 }
@@ -72,47 +75,35 @@ std::optional<DRMSF> ImageDrive::mediaSpaceFree() const {
 
 bool ImageDrive::ejectMedia() {
     {
-        const std::lock_guard lock(_mutex);
-        if (!_disc || _burning)
+        const std::lock_guard lock(mutex());
+        if (!lockedDisc() || isBurning())
             return false;
         _disc.reset();
     }
-    tellOfChange();
+    reportChange();
     return true;
 }
 
 bool ImageDrive::insertBlank() {
     {
-        const std::lock_guard lock(_mutex);
-        if (_disc || !_isAttached)
+        const std::lock_guard lock(mutex());
+        if (_disc || !isAttached())
             return false;
         _disc = Disc{};
     }
-    tellOfChange();
+    reportChange();
     return true;
-}
-
-void ImageDrive::unplug() {
-    std::shared_ptr<StopSignal> burning;
-    {
-        const std::lock_guard lock(_mutex);
-        _isAttached = false;
-        _disc.reset();
-        burning = _burning;
-    }
-    if (burning)
-        burning->request(DRError::DeviceVanished);
 }
 
 std::unique_ptr<SectorWriter> ImageDrive::claim(const DiscPlan& plan, const BurnSettings&,
                                                 const std::shared_ptr<StopSignal>& stop) {
     std::unique_ptr<SectorWriter> writer = writerFor(plan, stop);
     {
-        const std::lock_guard lock(_mutex);
+        const std::lock_guard lock(mutex());
         refuseUnlessReady(plan);
-        _burning = stop;
+        startBurn(stop);
     }
-    tellOfChange();
+    reportChange();
     return writer;
 }
 
@@ -129,39 +120,23 @@ std::unique_ptr<SectorWriter> ImageDrive::writerFor(const DiscPlan& plan,
 }
 
 void ImageDrive::refuseUnlessReady(const DiscPlan& plan) const {
-    if (!_isAttached)
-        throw BurnFailure(DRError::DeviceVanished, _displayName + ": unplugged");
-    if (_burning)
-        throw BurnFailure(DRError::DeviceBusy, _displayName + ": another burn is under way");
+    refuseUnlessFree();
     if (!_disc)
-        throw BurnFailure(DRError::MediaNotPresent, _displayName + ": no disc");
+        throw BurnFailure(DRError::MediaNotPresent, displayName() + ": no disc");
     if (!_disc->isBlank)
-        throw BurnFailure(DRError::MediaNotWritable, _displayName + ": the disc is not blank");
+        throw BurnFailure(DRError::MediaNotWritable, displayName() + ": the disc is not blank");
     if (plan.sectors() > _capacity)
-        throw BurnFailure(DRError::MediaTooSmall,
-                          "the layout takes " + std::to_string(plan.sectors()) +
-                              " sectors, the disc has " + std::to_string(_capacity));
-}
-
-void ImageDrive::speedChanged(double speed) {
-    const std::lock_guard lock(_mutex);
-    _speed = speed;
+        throw discTooSmall(plan, _capacity);
 }
 
 void ImageDrive::release(std::optional<std::uint64_t> writtenSectors) {
     {
-        const std::lock_guard lock(_mutex);
-        _burning.reset();
-        _speed = 0.0;
+        const std::lock_guard lock(mutex());
+        endBurn();
         if (writtenSectors && _disc)
             _disc = Disc{.isBlank = false, .usedBlocks = *writtenSectors};
     }
-    tellOfChange();
-}
-
-void ImageDrive::tellOfChange() {
-    if (const auto runLoops = _runLoops.lock())
-        runLoops->postToAll({DRDeviceStatusChangedNotification, shared_from_this(), {}});
+    reportChange();
 }
 
 } // namespace quarner

@@ -3,22 +3,17 @@
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 
-#include "adapters/engine/BurnTarget.h"
+#include "adapters/engine/EngineDrive.h"
 #include "adapters/image/FileSystem.h"
-#include "adapters/runloop/RunLoops.h"
-#include "quarner/platform/DRDevice.h"
 
 namespace quarner {
 
 /// A drive whose blank disc is a CD-R. A burn makes it a file: a BIN and a CUE file for an audio
 /// disc, an ISO file for a data disc. Every operation may be called on any thread.
-class ImageDrive : public DRDevice,
-                   public BurnTarget,
-                   public std::enable_shared_from_this<ImageDrive> {
+class ImageDrive : public EngineDrive {
 public:
     /// The disc in the tray.
     struct Disc {
@@ -33,7 +28,6 @@ public:
 
     const std::string& path() const { return _path; }
 
-    std::string displayName() const override { return _displayName; }
     Dictionary info() const override;
     Dictionary status() const override;
     bool mediaIsPresent() const override;
@@ -51,34 +45,22 @@ public:
     /// the drive is unplugged. The image of the last burn is kept until the next one replaces it.
     bool insertBlank();
 
-    /// Unplugs the drive for good: it has no disc from then on, and a burn that is under way fails.
-    void unplug();
-
     std::unique_ptr<SectorWriter> claim(const DiscPlan& plan, const BurnSettings& settings,
                                         const std::shared_ptr<StopSignal>& stop) override;
-    void speedChanged(double speed) override;
     void release(std::optional<std::uint64_t> writtenSectors) override;
 
 private:
     std::optional<Disc> disc() const;
+    std::optional<Disc> lockedDisc() const;
     std::uint64_t freeBlocks(const Disc& disc) const;
     std::unique_ptr<SectorWriter> writerFor(const DiscPlan& plan,
                                             const std::shared_ptr<StopSignal>& stop) const;
     void refuseUnlessReady(const DiscPlan& plan) const;
-    void tellOfChange();
 
-    const std::string _displayName;
     const std::string _path;
     const std::uint32_t _capacity;
     const std::shared_ptr<FileSystem> _files;
-    /// Weak, because a queued notification in one of the loops owns this drive.
-    const std::weak_ptr<RunLoops> _runLoops;
-
-    mutable std::mutex _mutex;
     std::optional<Disc> _disc;
-    bool _isAttached = true;
-    std::shared_ptr<StopSignal> _burning; ///< of the running burn, otherwise null
-    double _speed = 0.0;
 };
 
 } // namespace quarner

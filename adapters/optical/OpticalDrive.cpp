@@ -3,7 +3,6 @@
 
 #include <utility>
 
-#include "adapters/engine/BurnFailure.h"
 #include "adapters/optical/AccessProblem.h"
 #include "adapters/optical/DriveNode.h"
 #include "adapters/optical/FailureCause.h"
@@ -40,9 +39,7 @@ std::optional<BurnFailure> refusal(const DiscFacts& disc, const DiscPlan& plan,
     if (disc.state != State::Blank && !(disc.isErasable && settings.overwrite))
         return BurnFailure(DRError::MediaNotWritable, "the disc is not blank");
     if (plan.sectors() > disc.freeBlocks)
-        return BurnFailure(DRError::MediaTooSmall,
-                           "the layout takes " + std::to_string(plan.sectors()) +
-                               " sectors, the disc has " + std::to_string(disc.freeBlocks));
+        return discTooSmall(plan, disc.freeBlocks);
     return std::nullopt;
 }
 
@@ -50,43 +47,25 @@ std::optional<BurnFailure> refusal(const DiscFacts& disc, const DiscPlan& plan,
 
 OpticalDrive::OpticalDrive(DriveRecord record, std::string displayName,
                            std::weak_ptr<RunLoops> runLoops, bool receivesEvents, Clock clock)
-    : _record(std::move(record)), _displayName(std::move(displayName)),
-      _runLoops(std::move(runLoops)), _receivesEvents(receivesEvents), _clock(std::move(clock)) {}
+    : EngineDrive(std::move(displayName), std::move(runLoops)), _record(std::move(record)),
+      _receivesEvents(receivesEvents), _clock(std::move(clock)) {}
 
 void OpticalDrive::mediaChanged() {
     {
-        const std::lock_guard lock(_mutex);
+        const std::lock_guard lock(mutex());
         ++_changes;
-        if (!_burning)
+        if (!isBurning())
             _cached.reset();
     }
     reportChange();
 }
 
-void OpticalDrive::unplug() {
-    std::shared_ptr<StopSignal> burning;
-    {
-        const std::lock_guard lock(_mutex);
-        _isAttached = false;
-        burning = _burning;
-    }
-    if (burning)
-        burning->request(DRError::DeviceVanished);
-}
-
-bool OpticalDrive::unplugUnlessBurning() {
-    const std::lock_guard lock(_mutex);
-    if (!_burning)
-        _isAttached = false;
-    return !_burning;
-}
-
 /// Returns what is known without querying the drive; `std::nullopt` if it must be queried.
 std::optional<DiscFacts> OpticalDrive::cachedDisc() const {
-    const std::lock_guard lock(_mutex);
-    if (!_isAttached)
+    const std::lock_guard lock(mutex());
+    if (!isAttached())
         return DiscFacts();
-    if (_burning)
+    if (isBurning())
         return _cached ? _cached->disc : DiscFacts();
     if (!_cached)
         return std::nullopt;
@@ -116,21 +95,21 @@ DiscFacts OpticalDrive::query() const {
     } catch (const DiscIsLoading&) {
         disc.state = DiscFacts::State::NotReady;
     } catch (const std::exception& failure) {
-        currentPlatform()->log->log(_displayName + ": " + failure.what());
+        currentPlatform()->log->log(displayName() + ": " + failure.what());
     }
     updateCache(disc, isTransient, changes);
     return disc;
 }
 
 std::uint64_t OpticalDrive::changeCount() const {
-    const std::lock_guard lock(_mutex);
+    const std::lock_guard lock(mutex());
     return _changes;
 }
 
 /// Results read while the disc was changed are dropped.
 void OpticalDrive::updateCache(const DiscFacts& disc, bool isTransient,
                                std::uint64_t changes) const {
-    const std::lock_guard lock(_mutex);
+    const std::lock_guard lock(mutex());
     if (changes == _changes)
         _cached = Cached{disc, _clock(), isTransient};
 }
@@ -153,8 +132,8 @@ Dictionary OpticalDrive::status() const {
             media.emplace(DRDeviceBurnSpeedsKey, Array(found.speeds.begin(), found.speeds.end()));
         status.emplace(DRDeviceMediaInfoKey, std::move(media));
     }
-    const std::lock_guard lock(_mutex);
-    status.emplace(DRStatusCurrentSpeedKey, _speed);
+    const std::lock_guard lock(mutex());
+    status.emplace(DRStatusCurrentSpeedKey, speed());
     return status;
 }
 
@@ -197,15 +176,15 @@ bool OpticalDrive::ejectMedia() {
 }
 
 bool OpticalDrive::mayQuery() const {
-    const std::lock_guard lock(_mutex);
-    return _isAttached && !_burning;
+    const std::lock_guard lock(mutex());
+    return isAttached() && !isBurning();
 }
 
 bool OpticalDrive::eject() {
     try {
         return DriveNode(_record.node, queryTimeout, nullptr).openTray();
     } catch (const std::exception& failure) {
-        currentPlatform()->log->log(_displayName + ": " + failure.what());
+        currentPlatform()->log->log(displayName() + ": " + failure.what());
         return false;
     }
 }
@@ -219,8 +198,8 @@ std::unique_ptr<SectorWriter> OpticalDrive::claim(const DiscPlan& plan,
         const std::lock_guard asking(_querying); // waits for the end of a running query
         writer = open(plan, settings, stop);
     } catch (...) {
-        const std::lock_guard lock(_mutex);
-        _burning.reset();
+        const std::lock_guard lock(mutex());
+        endBurn();
         _cached.reset(); // the disc may have been changed by the attempt
         throw;
     }
@@ -229,12 +208,9 @@ std::unique_ptr<SectorWriter> OpticalDrive::claim(const DiscPlan& plan,
 }
 
 void OpticalDrive::reserve(const std::shared_ptr<StopSignal>& stop) {
-    const std::lock_guard lock(_mutex);
-    if (!_isAttached)
-        throw BurnFailure(DRError::DeviceVanished, _displayName + ": unplugged");
-    if (_burning)
-        throw BurnFailure(DRError::DeviceBusy, _displayName + ": another burn is under way");
-    _burning = stop;
+    const std::lock_guard lock(mutex());
+    refuseUnlessFree();
+    startBurn(stop);
 }
 
 std::unique_ptr<SectorWriter> OpticalDrive::open(const DiscPlan& plan, const BurnSettings& settings,
@@ -247,29 +223,18 @@ std::unique_ptr<SectorWriter> OpticalDrive::open(const DiscPlan& plan, const Bur
     stop->throwIfRequested();
     if (const std::optional<BurnFailure> failure = refusal(disc, plan, settings))
         throw BurnFailure(causeBehind(failure->error(), *drive, _record, *stop),
-                          _displayName + ": " + failure->info());
+                          displayName() + ": " + failure->info());
     return std::make_unique<OpticalWriter>(std::move(drive), _record, settings,
                                            disc.state != DiscFacts::State::Blank, stop);
 }
 
-void OpticalDrive::speedChanged(double speed) {
-    const std::lock_guard lock(_mutex);
-    _speed = speed;
-}
-
 void OpticalDrive::release(std::optional<std::uint64_t>) {
     {
-        const std::lock_guard lock(_mutex);
-        _burning.reset();
+        const std::lock_guard lock(mutex());
+        endBurn();
         _cached.reset();
-        _speed = 0.0;
     }
     reportChange();
-}
-
-void OpticalDrive::reportChange() {
-    if (const auto runLoops = _runLoops.lock())
-        runLoops->postToAll({DRDeviceStatusChangedNotification, shared_from_this(), {}});
 }
 
 } // namespace quarner

@@ -7,17 +7,14 @@
 #include <optional>
 #include <string>
 
-#include "adapters/engine/BurnTarget.h"
+#include "adapters/engine/EngineDrive.h"
 #include "adapters/engine/ProgressMeter.h"
 #include "adapters/optical/DiscFacts.h"
 #include "adapters/optical/DriveRecord.h"
-#include "adapters/runloop/RunLoops.h"
-#include "quarner/platform/DRDevice.h"
 
 namespace quarner {
 
-/// A real drive, opened with libburn. Every operation may be called on any thread. Must be owned by
-/// a shared pointer.
+/// A real drive, opened with libburn. Every operation may be called on any thread.
 ///
 /// The disc's properties are read once and cached until `mediaChanged`. They are read again after
 /// `keptFor` if the drive's changes are not reported, if the disc was being loaded, and if the
@@ -30,9 +27,7 @@ namespace quarner {
 /// A status change may be reported twice: once by its cause and once by udev.
 ///
 /// The free space is what a burn can use: all of a rewritable disc, which the burn blanks.
-class OpticalDrive : public DRDevice,
-                     public BurnTarget,
-                     public std::enable_shared_from_this<OpticalDrive> {
+class OpticalDrive : public EngineDrive {
 public:
     static constexpr std::chrono::milliseconds keptFor{2000};
 
@@ -46,17 +41,10 @@ public:
     /// of status.
     void mediaChanged();
 
-    /// Unplugs the drive for good: it has no disc from then on, and a running burn fails with
-    /// `DRError::DeviceVanished`. Sends no notification.
-    void unplug();
-    /// The same, but does nothing and returns false while a burn is running.
-    bool unplugUnlessBurning();
-
     /// Returns why the drive cannot be opened: see AccessProblem.h. `std::nullopt` while a burn
     /// uses it.
     std::optional<std::string> accessProblem() const;
 
-    std::string displayName() const override { return _displayName; }
     Dictionary info() const override;
     Dictionary status() const override;
     bool mediaIsPresent() const override;
@@ -73,7 +61,6 @@ public:
 
     std::unique_ptr<SectorWriter> claim(const DiscPlan& plan, const BurnSettings& settings,
                                         const std::shared_ptr<StopSignal>& stop) override;
-    void speedChanged(double speed) override;
     void release(std::optional<std::uint64_t> writtenSectors) override;
 
 private:
@@ -93,23 +80,15 @@ private:
     void reserve(const std::shared_ptr<StopSignal>& stop);
     std::unique_ptr<SectorWriter> open(const DiscPlan& plan, const BurnSettings& settings,
                                        const std::shared_ptr<StopSignal>& stop);
-    void reportChange();
 
     const DriveRecord _record;
-    const std::string _displayName;
-    /// Weak, because a queued notification in one of the loops owns this drive.
-    const std::weak_ptr<RunLoops> _runLoops;
     const bool _receivesEvents;
     const Clock _clock;
 
-    /// Held while the drive is open for a query. Locked before `_mutex`.
+    /// Held while the drive is open for a query. Locked before `mutex()`.
     mutable std::mutex _querying;
-    mutable std::mutex _mutex;
     mutable std::optional<Cached> _cached;
     std::uint64_t _changes = 0; ///< the number of reported changes of the disc
-    bool _isAttached = true;
-    std::shared_ptr<StopSignal> _burning; ///< of the running burn, otherwise null
-    double _speed = 0.0;
 };
 
 } // namespace quarner

@@ -8,9 +8,10 @@
 #include "adapters/posix/FileStamps.h"
 #include "quarner/platform/DRKeys.h"
 #include "quarner/platform/Platform.h"
-#include "tests/engine/MemoryDisc.h"
+#include "tests/engine/MemoryDrive.h"
 #include "tests/engine/MemoryPCM.h"
 #include "tests/recorder/BurnLog.h"
+#include "tests/recorder/StepLoops.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quarner {
@@ -19,40 +20,6 @@ namespace {
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-/// The one run loop of a test.
-class OneLoop : public RunLoops {
-public:
-    std::shared_ptr<RunLoopCenter> currentCenter() override { return _center; }
-    void postToAll(const DRNotification& notification) override { _center->post(notification); }
-
-    /// Delivers until the condition holds, for a minute at most.
-    bool runUntil(const std::function<bool()>& condition) {
-        const auto end = std::chrono::steady_clock::now() + 1min;
-        while (!condition()) {
-            if (_center->deliverOne())
-                continue;
-            std::unique_lock lock(_mutex);
-            if (!_posted.wait_until(lock, end, [this] { return _center->hasPending(); }))
-                return false;
-        }
-        return true;
-    }
-    void runPending() {
-        while (_center->deliverOne()) {
-        }
-    }
-
-private:
-    void wake() {
-        const std::lock_guard lock(_mutex);
-        _posted.notify_all();
-    }
-
-    std::mutex _mutex;
-    std::condition_variable _posted;
-    std::shared_ptr<RunLoopCenter> _center = std::make_shared<RunLoopCenter>([this] { wake(); });
-};
 
 /// Data discs of zeros: as many blocks as the folder has files.
 class ZeroDiscs : public DataDiscService {
@@ -82,32 +49,6 @@ public:
     using EngineRecorder::notify;
 };
 
-/// A drive of which a burn uses only that it takes sectors.
-class MemoryDrive : public DRDevice, public BurnTarget {
-public:
-    MemoryDisc disc;
-
-    std::unique_ptr<SectorWriter> claim(const DiscPlan& plan, const BurnSettings& settings,
-                                        const std::shared_ptr<StopSignal>& stop) override {
-        return disc.claim(plan, settings, stop);
-    }
-    void speedChanged(double speed) override { disc.speedChanged(speed); }
-    void release(std::optional<std::uint64_t> sectors) override { disc.release(sectors); }
-
-    std::string displayName() const override { return "Memory"; }
-    Dictionary info() const override { return {}; }
-    Dictionary status() const override { return {}; }
-    bool mediaIsPresent() const override { return true; }
-    bool mediaIsTransitioning() const override { return false; }
-    bool mediaIsBlank() const override { return true; }
-    bool mediaIsAppendable() const override { return false; }
-    bool mediaIsErasable() const override { return false; }
-    bool mediaIsOverwritable() const override { return false; }
-    std::optional<DRMSF> mediaSpaceUsed() const override { return std::nullopt; }
-    std::optional<DRMSF> mediaSpaceFree() const override { return std::nullopt; }
-    bool ejectMedia() override { return false; }
-};
-
 class EngineRecorderTest : public testing::Test {
 protected:
     void makeRecorder(std::shared_ptr<DataDiscService> dataDiscs) {
@@ -134,9 +75,9 @@ protected:
 
     TemporaryFolder folder;
     std::string song = folder.write("song.mp3", "song");
-    std::shared_ptr<OneLoop> loops = std::make_shared<OneLoop>();
+    std::shared_ptr<StepLoops> loops = std::make_shared<StepLoops>();
     std::shared_ptr<MemoryPCM> pcm = std::make_shared<MemoryPCM>();
-    std::shared_ptr<MemoryDrive> drive = std::make_shared<MemoryDrive>();
+    std::shared_ptr<MemoryDrive> drive = std::make_shared<MemoryDrive>(loops);
     std::unique_ptr<TestRecorder> recorder;
 };
 

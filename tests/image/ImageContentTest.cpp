@@ -180,5 +180,14 @@ TEST_F(ImageContent, ADriveTakes74Or80MinutesAndANameOfItsOwn) {
     EXPECT_EQ(stage->recorder()->add({.path = stage->folder.file("mix.bin")}), nullptr);
 }
 
+TEST_F(ImageContent, OnlyAnAttachedDriveTakesABlankDisc) {
+    const auto drive = stage->imageDrive();
+    EXPECT_FALSE(drive->insertBlank()) << "it has one";
+    EXPECT_TRUE(drive->ejectMedia());
+    EXPECT_TRUE(drive->insertBlank());
+    stage->unplug();
+    EXPECT_FALSE(drive->insertBlank());
+}
+
 } // namespace
 } // namespace quarner
