@@ -5,10 +5,9 @@
 #include <utility>
 
 #include "adapters/desktop/DesktopPlatform.h"
-#include "adapters/desktop/DesktopRecorder.h"
+#include "adapters/image/ImageDrives.h"
 #include "adapters/image/ImagePlace.h"
-#include "adapters/image/ImageRecorder.h"
-#include "adapters/optical/OpticalRecorder.h"
+#include "adapters/optical/OpticalDrives.h"
 
 namespace quarner {
 namespace {
@@ -41,10 +40,10 @@ std::shared_ptr<DesktopPlatform> takeCurrent() {
     return std::exchange(installed().desktop, nullptr);
 }
 
-/// Returns the drive with a name among those of one recorder, or null.
+/// Returns the drive with a name in a list, or null.
 template <typename Drive>
-std::shared_ptr<Drive> driveNamed(const std::string& name, RecordingService& recorder) {
-    for (const auto& drive : recorder.devices())
+std::shared_ptr<Drive> driveNamed(const std::string& name, DriveList& drives) {
+    for (const auto& drive : drives.devices())
         if (drive->displayName() == name)
             return std::dynamic_pointer_cast<Drive>(drive);
     return nullptr;
@@ -74,9 +73,9 @@ std::string addImageDrive(const ImageDriveOptions& options) {
     if (!desktop || options.minutes < 0)
         return {};
     const auto drive =
-        desktop->recorder().images().add({.path = options.path,
-                                          .minutes = static_cast<unsigned>(options.minutes),
-                                          .loadExisting = options.loadExisting});
+        desktop->imageDrives().add({.path = options.path,
+                                    .minutes = static_cast<unsigned>(options.minutes),
+                                    .loadExisting = options.loadExisting});
     return drive ? drive->displayName() : std::string();
 }
 
@@ -84,27 +83,27 @@ bool removeImageDrive(const std::string& displayName) {
     const auto desktop = current();
     if (!desktop)
         return false;
-    ImageRecorder& images = desktop->recorder().images();
+    ImageDrives& images = desktop->imageDrives();
     return images.remove(driveNamed<ImageDrive>(displayName, images));
 }
 
 bool insertBlankDisc(const std::string& displayName) {
     const auto desktop = current();
     const auto drive =
-        desktop ? driveNamed<ImageDrive>(displayName, desktop->recorder().images()) : nullptr;
+        desktop ? driveNamed<ImageDrive>(displayName, desktop->imageDrives()) : nullptr;
     return drive && drive->insertBlank();
 }
 
 std::string driveAccessProblem(const std::string& displayName) {
     const auto desktop = current();
     const auto drive =
-        desktop ? driveNamed<OpticalDrive>(displayName, desktop->recorder().optical()) : nullptr;
+        desktop ? driveNamed<OpticalDrive>(displayName, desktop->opticalDrives()) : nullptr;
     return drive ? drive->accessProblem().value_or("") : "";
 }
 
 bool receivesDriveEvents() {
     const auto desktop = current();
-    return desktop && desktop->recorder().optical().receivesEvents();
+    return desktop && desktop->opticalDrives().receivesEvents();
 }
 
 } // namespace quarner

@@ -1,23 +1,29 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/desktop/DesktopPlatform.h"
 
-#include "adapters/desktop/DesktopRecorder.h"
+#include "adapters/engine/EngineRecorder.h"
 #include "adapters/ffmpeg/FFmpegServices.h"
 #include "adapters/glib/GlibServices.h"
+#include "adapters/image/ImageDrives.h"
 #include "adapters/isofs/JolietDiscs.h"
+#include "adapters/optical/OpticalDrives.h"
 
 namespace quarner {
 
 DesktopPlatform::DesktopPlatform() : _dispatch(makeGlibDispatch()) {
     const std::shared_ptr<PCMService> pcm = makeFFmpegPCMService();
-    _recorder = std::make_shared<DesktopRecorder>(RecorderServices{
-        .runLoops = makeGlibRunLoops(), .pcm = pcm, .dataDiscs = makeJolietDiscs()});
-    _services = {.recording = _recorder,
-                 .media = makeFFmpegMediaService(pcm),
-                 .files = makeGlibFileService(),
-                 .dispatch = _dispatch,
-                 .text = makeGlibTextService(),
-                 .log = makeGlibLogSink()};
+    const std::shared_ptr<RunLoops> runLoops = makeGlibRunLoops();
+    _opticalDrives = std::make_shared<OpticalDrives>(runLoops);
+    _imageDrives = std::make_shared<ImageDrives>(runLoops);
+    _services = {
+        .recording = std::make_shared<EngineRecorder>(
+            RecorderServices{.runLoops = runLoops, .pcm = pcm, .dataDiscs = makeJolietDiscs()},
+            DriveLists{_opticalDrives, _imageDrives}),
+        .media = makeFFmpegMediaService(pcm),
+        .files = makeGlibFileService(),
+        .dispatch = _dispatch,
+        .text = makeGlibTextService(),
+        .log = makeGlibLogSink()};
 }
 
 DesktopPlatform::~DesktopPlatform() = default;

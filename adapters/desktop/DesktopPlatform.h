@@ -8,10 +8,12 @@
 
 namespace quarner {
 
-class DesktopRecorder;
 class GlibDispatch;
+class ImageDrives;
+class OpticalDrives;
 
-/// Combines the adapters to a platform. Made on the main thread.
+/// Combines the adapters to a platform, whose drives are the optical ones of the machine and, after
+/// them, the image drives that the host has added. Made on the main thread.
 class DesktopPlatform {
 public:
     DesktopPlatform();
@@ -21,14 +23,16 @@ public:
     DesktopPlatform& operator=(const DesktopPlatform&) = delete;
 
     const Platform& services() const { return _services; }
-    DesktopRecorder& recorder() const { return *_recorder; }
+    OpticalDrives& opticalDrives() const { return *_opticalDrives; }
+    ImageDrives& imageDrives() const { return *_imageDrives; }
 
     /// Ends background work: see `GlibDispatch::shutDown`.
     void endBackgroundWork();
 
 private:
     const std::shared_ptr<GlibDispatch> _dispatch;
-    std::shared_ptr<DesktopRecorder> _recorder;
+    std::shared_ptr<OpticalDrives> _opticalDrives;
+    std::shared_ptr<ImageDrives> _imageDrives;
     Platform _services;
 };
 

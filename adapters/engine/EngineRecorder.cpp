@@ -1,18 +1,29 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/engine/EngineRecorder.h"
-#include "adapters/posix/FileStamps.h"
 
 #include <utility>
 
+#include "adapters/posix/FileStamps.h"
+
 namespace quarner {
 
-EngineRecorder::EngineRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<PCMService> pcm,
-                               std::shared_ptr<DataDiscService> dataDiscs, Clock clock)
-    : _runLoops(std::move(runLoops)), _services{_runLoops, std::move(pcm), std::move(dataDiscs),
-                                                std::make_shared<BurnThreads>(), std::move(clock)} {
-}
+EngineRecorder::EngineRecorder(RecorderServices services, DriveLists drives)
+    : _runLoops(std::move(services.runLoops)), _services{_runLoops, std::move(services.pcm),
+                                                         std::move(services.dataDiscs),
+                                                         std::make_shared<BurnThreads>(),
+                                                         std::move(services.clock)},
+      _drives(std::move(drives)) {}
 
-EngineRecorder::~EngineRecorder() { endBurns(); }
+EngineRecorder::~EngineRecorder() { _services.threads->shutDown(); }
+
+std::vector<std::shared_ptr<DRDevice>> EngineRecorder::devices() {
+    std::vector<std::shared_ptr<DRDevice>> all;
+    for (const auto& list : _drives) {
+        const std::vector<std::shared_ptr<DRDevice>> drives = list->devices();
+        all.insert(all.end(), drives.begin(), drives.end());
+    }
+    return all;
+}
 
 std::shared_ptr<DRBurn> EngineRecorder::burnForDevice(std::shared_ptr<DRDevice> device) {
     return std::make_shared<EngineBurn>(_services, std::dynamic_pointer_cast<BurnTarget>(device));
@@ -44,18 +55,6 @@ EngineRecorder::trackForRootFolder(std::shared_ptr<const DRFolder> folder) {
 
 std::shared_ptr<DRNotificationCenter> EngineRecorder::currentRunLoopCenter() {
     return _runLoops->currentCenter();
-}
-
-void EngineRecorder::notify(const char* notification, std::shared_ptr<DRDevice> drive) const {
-    _runLoops->postToAll({notification, std::move(drive), {}});
-}
-
-std::string uniqueDriveName(const std::string& wanted,
-                            const std::function<bool(const std::string&)>& isTaken) {
-    std::string candidate = wanted;
-    for (int number = 2; isTaken(candidate); ++number)
-        candidate = wanted + " (" + std::to_string(number) + ')';
-    return candidate;
 }
 
 } // namespace quarner

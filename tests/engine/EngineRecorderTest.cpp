@@ -39,20 +39,26 @@ public:
     }
 };
 
-class TestRecorder : public EngineRecorder {
+/// One drive that it unplugs at its end, like every list.
+class OneDrive : public DriveList {
 public:
-    TestRecorder(std::shared_ptr<RunLoops> loops, std::shared_ptr<PCMService> pcm,
-                 std::shared_ptr<DataDiscService> dataDiscs)
-        : EngineRecorder(std::move(loops), std::move(pcm), std::move(dataDiscs),
-                         [] { return std::chrono::steady_clock::time_point{}; }) {}
-    std::vector<std::shared_ptr<DRDevice>> devices() override { return {}; }
-    using EngineRecorder::notify;
+    OneDrive(std::shared_ptr<RunLoops> loops, std::shared_ptr<MemoryDrive> drive)
+        : DriveList(std::move(loops)), _drive(std::move(drive)) {}
+    ~OneDrive() override { _drive->unplug(); }
+    std::vector<std::shared_ptr<DRDevice>> devices() override { return {_drive}; }
+
+private:
+    const std::shared_ptr<MemoryDrive> _drive;
 };
 
 class EngineRecorderTest : public testing::Test {
 protected:
     void makeRecorder(std::shared_ptr<DataDiscService> dataDiscs) {
-        recorder = std::make_unique<TestRecorder>(loops, pcm, std::move(dataDiscs));
+        drive = std::make_shared<MemoryDrive>(loops);
+        recorder = std::make_unique<EngineRecorder>(
+            RecorderServices{loops, pcm, std::move(dataDiscs), [] { return Clock::result_type(); }},
+            DriveLists{std::make_shared<OneDrive>(loops, drive),
+                       std::make_shared<OneDrive>(loops, otherDrive)});
     }
     void SetUp() override {
         pcm->pairs = 588 * 300;
@@ -77,9 +83,14 @@ protected:
     std::string song = folder.write("song.mp3", "song");
     std::shared_ptr<StepLoops> loops = std::make_shared<StepLoops>();
     std::shared_ptr<MemoryPCM> pcm = std::make_shared<MemoryPCM>();
-    std::shared_ptr<MemoryDrive> drive = std::make_shared<MemoryDrive>(loops);
-    std::unique_ptr<TestRecorder> recorder;
+    std::shared_ptr<MemoryDrive> drive;
+    const std::shared_ptr<MemoryDrive> otherDrive = std::make_shared<MemoryDrive>(loops);
+    std::unique_ptr<EngineRecorder> recorder;
 };
+
+TEST_F(EngineRecorderTest, TheDrivesAreThoseOfAllListsInTheirOrder) {
+    EXPECT_THAT(recorder->devices(), ElementsAre(drive, otherDrive));
+}
 
 TEST_F(EngineRecorderTest, ATrackHasThePathTheStampAndTheExactLengthOfItsFile) {
     pcm->pairs = 588 * 400 + 1;
@@ -239,28 +250,6 @@ TEST_F(EngineRecorderTest, ABurnThatIsStartedAfterTheEndOfTheRecorderFails) {
     EXPECT_EQ(log.ends(), 1U);
     EXPECT_FALSE(log.isDone());
     EXPECT_THAT(drive->disc.calls, IsEmpty());
-}
-
-TEST_F(EngineRecorderTest, ADrivesNotificationReachesTheListeners) {
-    const auto center = recorder->currentRunLoopCenter();
-    std::vector<std::shared_ptr<DRObject>> senders;
-    center->addObserver(
-        this, [&](const DRNotification& told) { senders.push_back(told.object); },
-        DRDeviceAppearedNotification, nullptr);
-    recorder->notify(DRDeviceAppearedNotification, drive);
-    loops->runPending();
-    EXPECT_THAT(senders, ElementsAre(drive));
-}
-
-TEST(UniqueDriveName, IsTheWantedOneOrTheFirstNumberThatIsFree) {
-    std::vector<std::string> taken;
-    const auto isTaken = [&](const std::string& name) {
-        return std::find(taken.begin(), taken.end(), name) != taken.end();
-    };
-    for (const char* name : {"Drive", "Drive (2)", "Drive (3)"}) {
-        EXPECT_EQ(uniqueDriveName("Drive", isTaken), name);
-        taken.emplace_back(name);
-    }
 }
 
 } // namespace

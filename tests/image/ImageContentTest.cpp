@@ -87,7 +87,7 @@ TEST_F(ImageContent, WithoutSecondNamesForAFileTheBinAlternatesBetweenTwo) {
     class NoLinks : public ForwardingFiles {
         bool link(const std::string&, const std::string&) override { return false; }
     };
-    useParts({.files = std::make_shared<NoLinks>()});
+    useFiles(std::make_shared<NoLinks>());
     for (const char* bin : {"mix.bin", "mix.bin.new", "mix.bin", "mix.bin.new"}) {
         const DRLayout layout = makeLayout({1000, 2000});
         const Outcome outcome = burn(layout);
@@ -100,18 +100,18 @@ TEST_F(ImageContent, WithoutSecondNamesForAFileTheBinAlternatesBetweenTwo) {
 
 TEST_F(ImageContent, AnExistingImageIsLoadedAsAWrittenDisc) {
     ASSERT_TRUE(burn(makeLayout({588 * 400, 1000})).isDone);
-    const auto loaded = stage->recorder()->add({.path = cue(), .loadExisting = true});
+    const auto loaded = stage->drives().add({.path = cue(), .loadExisting = true});
     EXPECT_FALSE(loaded->mediaIsBlank());
     EXPECT_EQ(loaded->mediaSpaceUsed(), DRMSF::msfWithFrames(400 + 150 + 300));
     EXPECT_EQ(loaded->mediaSpaceFree(), DRMSF::msf());
-    EXPECT_TRUE(stage->recorder()
-                    ->add({.path = stage->folder.file("none.cue"), .loadExisting = true})
+    EXPECT_TRUE(stage->drives()
+                    .add({.path = stage->folder.file("none.cue"), .loadExisting = true})
                     ->mediaIsBlank());
 }
 
 TEST_F(ImageContent, AnImageOfAnotherProgramIsAWrittenDiscToo) {
     const auto usedBlocks = [&] {
-        const auto loaded = stage->recorder()->add({.path = cue(), .loadExisting = true});
+        const auto loaded = stage->drives().add({.path = cue(), .loadExisting = true});
         EXPECT_FALSE(loaded->mediaIsBlank());
         EXPECT_EQ(loaded->mediaSpaceFree(), DRMSF::msf());
         return loaded->mediaSpaceUsed()->totalFrames();
@@ -131,7 +131,7 @@ TEST_F(ImageContent, AnImageOfAnotherProgramIsAWrittenDiscToo) {
 
 TEST_F(ImageContent, APipeInTheImagesPlaceIsNoDiscAndKeepsNobodyWaiting) {
     ASSERT_EQ(mkfifo(cue().c_str(), 0600), 0);
-    EXPECT_TRUE(stage->recorder()->add({.path = cue(), .loadExisting = true})->mediaIsBlank());
+    EXPECT_TRUE(stage->drives().add({.path = cue(), .loadExisting = true})->mediaIsBlank());
 }
 
 TEST_F(ImageContent, ImagesWhoseNamesDifferInTheirLettersCaseAloneLeaveEachOtherAlone) {
@@ -141,7 +141,7 @@ TEST_F(ImageContent, ImagesWhoseNamesDifferInTheirLettersCaseAloneLeaveEachOther
     const std::string other = stage->folder.file("mix.cUE");
     if (std::filesystem::exists(other))
         GTEST_SKIP() << "to this file system they are one name";
-    ASSERT_TRUE(burn(stage->layoutOf(second), stage->recorder()->add({.path = other})).isDone);
+    ASSERT_TRUE(burn(stage->layoutOf(second), stage->drives().add({.path = other})).isDone);
     EXPECT_TRUE(imageHolds(first));
     EXPECT_TRUE(stage->contentsOf(other) == stage->expectedContentsOf(second));
 }
@@ -162,7 +162,7 @@ TEST_F(ImageContent, ABinThatNoSheetNamesOutlivesAFailureToPublish) {
             ForwardingFiles::rename(from, to);
         }
     };
-    useParts({.files = std::make_shared<NoSheet>()});
+    useFiles(std::make_shared<NoSheet>());
     std::ofstream(cue()) << "FILE mix.bin BINARY\n"; // another program's way to write it
     std::ofstream(bin()) << "another program's sound";
     EXPECT_EQ(burn(makeLayout({2000})).code, codeOf(DRError::WriteFailed));
@@ -172,12 +172,12 @@ TEST_F(ImageContent, ABinThatNoSheetNamesOutlivesAFailureToPublish) {
 }
 
 TEST_F(ImageContent, ADriveTakes74Or80MinutesAndANameOfItsOwn) {
-    const auto drive = stage->recorder()->add({.path = cue(), .minutes = 74});
+    const auto drive = stage->drives().add({.path = cue(), .minutes = 74});
     EXPECT_EQ(drive->mediaSpaceFree(), DRMSF::msfWithFrames(333'000));
     EXPECT_EQ(drive->displayName(), "mix.cue (2)");
-    EXPECT_EQ(stage->recorder()->add({.path = cue()})->displayName(), "mix.cue (3)");
-    EXPECT_EQ(stage->recorder()->add({.path = cue(), .minutes = 90}), nullptr);
-    EXPECT_EQ(stage->recorder()->add({.path = stage->folder.file("mix.bin")}), nullptr);
+    EXPECT_EQ(stage->drives().add({.path = cue()})->displayName(), "mix.cue (3)");
+    EXPECT_EQ(stage->drives().add({.path = cue(), .minutes = 90}), nullptr);
+    EXPECT_EQ(stage->drives().add({.path = stage->folder.file("mix.bin")}), nullptr);
 }
 
 TEST_F(ImageContent, OnlyAnAttachedDriveTakesABlankDisc) {

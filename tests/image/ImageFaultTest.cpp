@@ -37,22 +37,11 @@ protected:
             elsewhere.file(std::filesystem::path(stage->image()).filename().string());
         std::filesystem::create_symlink(stage->image(), link);
         const Paths fresh = makeSources({3000});
-        const Outcome outcome =
-            burn(stage->layoutOf(fresh), stage->recorder()->add({.path = link}));
+        const Outcome outcome = burn(stage->layoutOf(fresh), stage->drives().add({.path = link}));
         EXPECT_TRUE(outcome.isDone) << outcome.info;
         EXPECT_TRUE(std::filesystem::is_symlink(link));
         EXPECT_TRUE(imageHolds(fresh));
         EXPECT_EQ(filesInFolder(), stage->filesOfImage());
-    }
-    /// Burns to the stage's image through another recorder.
-    std::uint32_t codeOfBurnWith(const std::shared_ptr<FileSystem>& files, const Paths& paths) {
-        const auto loops = std::make_shared<StepLoops>();
-        const auto recorder = stage->makeRecorder(loops, {.files = files});
-        const auto burn = recorder->burnForDevice(recorder->add({.path = stage->image()}));
-        BurnLog log(recorder->currentRunLoopCenter(), burn.get());
-        burn->writeLayout(stage->layoutThrough(*recorder, paths));
-        EXPECT_TRUE(loops->runUntil([&] { return log.isOver(); }));
-        return log.code();
     }
 };
 
@@ -75,7 +64,7 @@ TEST_P(ImageFault, AnImageThatWasCutOffFailsTheVerification) {
             return std::make_unique<File>(ForwardingFiles::create(path, replaced), path);
         }
     };
-    useParts({.files = std::make_shared<CutOff>()});
+    useFiles(std::make_shared<CutOff>());
     const Outcome outcome = burn(makeLayout({588 * 400}));
     EXPECT_EQ(outcome.code, codeOf(DRError::VerifyFailed)) << outcome.info;
     EXPECT_THAT(filesInFolder(), IsEmpty());
@@ -110,7 +99,7 @@ TEST_P(ImageFault, AFailureToPublishKeepsTheOldImage) {
     const Paths old = burnOldImage();
     const auto files = std::make_shared<NothingRenamed>();
     files->image = stage->image();
-    EXPECT_EQ(codeOfBurnWith(files, makeSources({2000})), codeOf(DRError::WriteFailed));
+    EXPECT_EQ(burnThrough(files, makeSources({2000})).code, codeOf(DRError::WriteFailed));
     expectOldImage(old);
 }
 
@@ -140,7 +129,7 @@ TEST_P(ImageFault, AnImageThatIsInPlaceIsDoneWhateverHappensAfterwards) {
     const auto files = std::make_shared<NothingSyncedInTheEnd>();
     files->image = stage->image();
     const Paths fresh = makeSources({2000, 588 * 300});
-    EXPECT_EQ(codeOfBurnWith(files, fresh), 0U);
+    EXPECT_EQ(burnThrough(files, fresh).code, 0U);
     EXPECT_EQ(files->failures, 1);
     EXPECT_TRUE(imageHolds(fresh));
     const Paths next = makeSources({3000});
@@ -176,7 +165,7 @@ TEST_P(ImageFault, TheLongestNameThatAFileMayHaveIsGoodForAnImage) {
         const std::string image = stage->imageNamed(stem);
         for (int i = 0; i < 3; ++i) {
             const Paths fresh = makeSources({3000});
-            const auto drive = stage->recorder()->add({.path = image});
+            const auto drive = stage->drives().add({.path = image});
             const Outcome outcome = burn(stage->layoutOf(fresh), drive);
             ASSERT_TRUE(outcome.isDone) << outcome.info;
             EXPECT_TRUE(stage->contentsOf(image) == stage->expectedContentsOf(fresh));
@@ -227,7 +216,7 @@ TEST_P(ImageFault, ADiskThatFillsUpInMidBurnFailsIt) {
             return std::make_unique<File>(ForwardingFiles::create(path, replaced));
         }
     };
-    useParts({.files = std::make_shared<NothingReserved>()});
+    useFiles(std::make_shared<NothingReserved>());
     const SmallDisk disk(stage->folder.path());
     if (!disk.isMounted())
         GTEST_SKIP() << "a file system can be mounted by root only";
@@ -285,7 +274,7 @@ TEST_P(ImageFault, OnlyASheetHasToBeReadableToBeReplaced) {
 }
 
 TEST_P(ImageFault, AFolderThatIsNotThereFailsTheBurn) {
-    const auto drive = stage->recorder()->add({.path = stage->imageNamed("no/mix")});
+    const auto drive = stage->drives().add({.path = stage->imageNamed("no/mix")});
     const Outcome outcome = burn(makeLayout({1000}), drive);
     EXPECT_EQ(outcome.code, codeOf(DRError::WriteFailed)) << outcome.info;
 }

@@ -21,7 +21,7 @@ protected:
     /// words, by the burn.
     BurnFailure problemAt(const std::string& path) {
         const std::optional<BurnFailure> problem = problemOfPlace(path);
-        const Outcome outcome = burn(_layout, stage->recorder()->add({.path = path}));
+        const Outcome outcome = burn(_layout, stage->drives().add({.path = path}));
         EXPECT_TRUE(problem) << outcome.info;
         if (!problem)
             return {DRError::Internal, ""};
@@ -82,7 +82,7 @@ TEST_P(ImagePlace, ALinkIntoAFolderThatIsNotThereIsToldBeforeTheBurn) {
 
 TEST_P(ImagePlace, AnyFileThereIsAWrittenDiscAndWhatCannotBeLookedAtIsNotBlankEither) {
     const auto load = [&] {
-        return stage->recorder()->add({.path = pathOf("mix"), .loadExisting = true});
+        return stage->drives().add({.path = pathOf("mix"), .loadExisting = true});
     };
     EXPECT_TRUE(load()->mediaIsBlank());
     std::ofstream(pathOf("mix")) << "neither a sheet nor whole blocks";

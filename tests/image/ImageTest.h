@@ -20,18 +20,20 @@ namespace quarner {
 /// A kind of image that the recorder writes.
 struct ImageFormat {
     const char* name;
-    std::function<std::unique_ptr<ImageStage>(ImageRecorderParts)> makeStage;
+    std::function<std::unique_ptr<ImageStage>(std::shared_ptr<FileSystem>)> makeStage;
 
     friend void PrintTo(const ImageFormat& format, std::ostream* out) { *out << format.name; }
 };
 
 inline ImageFormat cueFormat() {
-    return {"Cue",
-            [](ImageRecorderParts parts) { return std::make_unique<CueStage>(std::move(parts)); }};
+    return {"Cue", [](std::shared_ptr<FileSystem> files) {
+                return std::make_unique<CueStage>(std::move(files));
+            }};
 }
 inline ImageFormat isoFormat() {
-    return {"Iso",
-            [](ImageRecorderParts parts) { return std::make_unique<IsoStage>(std::move(parts)); }};
+    return {"Iso", [](std::shared_ptr<FileSystem> files) {
+                return std::make_unique<IsoStage>(std::move(files));
+            }};
 }
 
 /// Burns to an image called mix in a folder of its own.
@@ -47,8 +49,10 @@ protected:
         std::vector<std::string> states;
     };
 
-    /// Replaces parts of the recorder. Call it first.
-    void useParts(ImageRecorderParts parts) { stage = _format.makeStage(std::move(parts)); }
+    /// Replaces the stage by one with these files. Call it first.
+    void useFiles(std::shared_ptr<FileSystem> files) {
+        stage = _format.makeStage(std::move(files));
+    }
 
     Paths makeSources(std::initializer_list<std::uint64_t> pairs) {
         Paths paths;
@@ -70,6 +74,12 @@ protected:
         burn->writeLayout(layout);
         EXPECT_TRUE(stage->loops().runUntil([&] { return log.isOver(); }));
         return {log.isDone(), log.code(), log.info(), log.states()};
+    }
+
+    /// Burns to the stage's image through other files.
+    Outcome burnThrough(const std::shared_ptr<FileSystem>& files, const Paths& paths) {
+        ImageDrives drives = stage->makeDrives(files);
+        return burn(stage->layoutOf(paths), drives.add({.path = stage->image()}));
     }
 
     void takeNewBlank() {
@@ -95,7 +105,7 @@ private:
     const ImageFormat _format;
 
 protected:
-    std::unique_ptr<ImageStage> stage = _format.makeStage({});
+    std::unique_ptr<ImageStage> stage = _format.makeStage(posixFileSystem());
 };
 
 /// For the common behaviour of all kinds of images.

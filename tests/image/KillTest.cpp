@@ -94,17 +94,7 @@ protected:
     }
 
     [[noreturn]] void burnAndExit(const Paths& paths, const std::shared_ptr<FileSystem>& files) {
-        _exit(burnHere(paths, files) ? 0 : 1);
-    }
-
-    bool burnHere(const Paths& paths, const std::shared_ptr<FileSystem>& files) {
-        const auto loops = std::make_shared<StepLoops>();
-        const auto recorder = stage->makeRecorder(loops, {.files = files});
-        const auto burn = recorder->burnForDevice(recorder->add({.path = stage->image()}));
-        BurnLog log(recorder->currentRunLoopCenter(), burn.get());
-        burn->writeLayout(stage->layoutThrough(*recorder, paths));
-        loops->runUntil([&] { return log.isOver(); });
-        return log.isDone();
+        _exit(burnThrough(files, paths).isDone ? 0 : 1);
     }
 
     /// All burns run in child processes: a process that has had threads must not fork again.

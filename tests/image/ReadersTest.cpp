@@ -41,7 +41,7 @@ std::string quotedForShell(const std::string& text) {
 class ImageReaders : public CueTest, public testing::WithParamInterface<const char*> {
 protected:
     void burnImage() {
-        const auto drive = stage->recorder()->add({.path = cue()});
+        const auto drive = stage->drives().add({.path = cue()});
         layout = makeLayout({588 * 450 + 1, 588 * 300, 588 * 4500});
         const Outcome outcome = burn(layout, drive);
         ASSERT_TRUE(outcome.isDone) << outcome.info;

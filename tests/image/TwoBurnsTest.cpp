@@ -10,7 +10,7 @@ class TwoBurns : public AnyImageTest {
 protected:
     /// A burn on another drive.
     void prepareSecond(const std::string& image) {
-        second = stage->service()->burnForDevice(stage->recorder()->add({.path = image}));
+        second = stage->service()->burnForDevice(stage->drives().add({.path = image}));
         secondLog =
             std::make_unique<BurnLog>(stage->service()->currentRunLoopCenter(), second.get());
     }

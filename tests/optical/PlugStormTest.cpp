@@ -5,7 +5,8 @@
 #include <map>
 #include <thread>
 
-#include "adapters/optical/OpticalRecorder.h"
+#include "adapters/engine/EngineRecorder.h"
+#include "adapters/optical/OpticalDrives.h"
 #include "tests/recorder/BurnLog.h"
 #include "tests/recorder/RawSound.h"
 #include "tests/recorder/StepLoops.h"
@@ -118,8 +119,10 @@ protected:
     TemporaryFolder sources;
     std::shared_ptr<StepLoops> loops = std::make_shared<StepLoops>();
     std::shared_ptr<RawSound> sound = std::make_shared<RawSound>();
-    std::shared_ptr<OpticalRecorder> recorder = std::make_shared<OpticalRecorder>(
-        loops, sound, OpticalRecorderParts{.isUdevRunning = true});
+    std::shared_ptr<EngineRecorder> recorder =
+        std::make_shared<EngineRecorder>(RecorderServices{.runLoops = loops, .pcm = sound},
+                                         DriveLists{std::make_shared<OpticalDrives>(
+                                             loops, OpticalDrivesParts{.isUdevRunning = true})});
     const std::shared_ptr<DRDevice> burningDrive = recorder->devices().at(0);
     std::vector<DRNotification> heard;
     std::atomic<bool> isOver = false;

@@ -3,7 +3,8 @@
 
 #include <thread>
 
-#include "adapters/optical/OpticalRecorder.h"
+#include "adapters/engine/EngineRecorder.h"
+#include "adapters/optical/OpticalDrives.h"
 #include "tests/optical/DeviceNotes.h"
 #include "tests/recorder/BurnLog.h"
 #include "tests/recorder/RawSound.h"
@@ -16,13 +17,15 @@ namespace {
 
 using testing::ElementsAre;
 
-/// Responding drives, and the recorder's updates from udev.
+/// Responding drives, and the updates of their list from udev.
 class TakenOverDrive : public testing::Test {
 protected:
     void start(bool isUdevRunning) {
-        recorder = std::make_shared<OpticalRecorder>(
-            loops, sound,
-            OpticalRecorderParts{.clock = [this] { return time; }, .isUdevRunning = isUdevRunning});
+        drives = std::make_shared<OpticalDrives>(
+            loops,
+            OpticalDrivesParts{.clock = [this] { return time; }, .isUdevRunning = isUdevRunning});
+        recorder = std::make_shared<EngineRecorder>(
+            RecorderServices{.runLoops = loops, .pcm = sound}, DriveLists{drives});
         notes = std::make_unique<DeviceNotes>(loops->currentCenter());
     }
     bool hearNotes(std::size_t count) {
@@ -40,7 +43,8 @@ protected:
     std::chrono::steady_clock::time_point time = std::chrono::steady_clock::now();
     const std::shared_ptr<RawSound> sound = std::make_shared<RawSound>();
     const std::shared_ptr<StepLoops> loops = std::make_shared<StepLoops>();
-    std::shared_ptr<OpticalRecorder> recorder;
+    std::shared_ptr<OpticalDrives> drives;
+    std::shared_ptr<EngineRecorder> recorder;
     std::unique_ptr<DeviceNotes> notes;
 };
 
@@ -77,7 +81,7 @@ TEST_F(TakenOverDrive, ThatIsTheFirstOneHeardOfIsNotAskedAgainAfterAWhile) {
     start(false);
     const auto writer = bed.plug();
     ASSERT_TRUE(hearNotes(1));
-    EXPECT_TRUE(recorder->receivesEvents());
+    EXPECT_TRUE(drives->receivesEvents());
     const auto drive = recorder->devices().at(0);
     EXPECT_TRUE(drive->mediaIsPresent());
     const std::size_t asked = writer->commands().size();

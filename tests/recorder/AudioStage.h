@@ -15,22 +15,21 @@ class AudioStage : public Stage {
 public:
     using Stage::Stage;
 
-    DRLayout layoutThrough(RecordingService& recorder, const Paths& paths) override {
+    DRLayout layoutOf(const Paths& paths) override {
         DRLayout layout;
         for (const std::string& path : paths)
-            layout.push_back(makeTrack(recorder, path));
+            layout.push_back(makeTrack(path));
         return layout;
     }
     DRLayout layoutOfBlocks(std::uint32_t blocks) override {
-        return {makeTrack(*this->service(), this->makeSource(1000)),
-                trackOfBlocks(blocks - shortest - gap)};
+        return {makeTrack(this->makeSource(1000)), trackOfBlocks(blocks - shortest - gap)};
     }
     DRLayout hugeLayout() override {
         return {trackOfBlocks(0x80000000U), trackOfBlocks(0x80000000U)};
     }
     /// Returns a track of a new short file that takes `blocks` sectors.
     std::shared_ptr<DRTrack> trackOfBlocks(std::uint32_t blocks) {
-        auto track = makeTrack(*this->service(), this->makeSource(1000));
+        auto track = makeTrack(this->makeSource(1000));
         track->setLength(DRMSF::msfWithFrames(blocks));
         return track;
     }
@@ -43,8 +42,8 @@ public:
     }
 
 private:
-    static std::shared_ptr<DRTrack> makeTrack(RecordingService& recorder, const std::string& path) {
-        auto track = recorder.trackForAudioFile(path);
+    std::shared_ptr<DRTrack> makeTrack(const std::string& path) {
+        auto track = this->service()->trackForAudioFile(path);
         track->setPreGap(DRMSF::msfWithFrames(gap));
         return track;
     }

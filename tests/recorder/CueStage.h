@@ -11,7 +11,8 @@ namespace quarner {
 /// Audio discs of raw sound. The image is mix.cue.
 class CueStage : public AudioStage<ImageStage> {
 public:
-    explicit CueStage(ImageRecorderParts parts = {}) : AudioStage(".cue", std::move(parts)) {}
+    explicit CueStage(std::shared_ptr<FileSystem> files = posixFileSystem())
+        : AudioStage(".cue", std::move(files)) {}
 
     std::uint64_t blocksOnDisc() override {
         return std::filesystem::file_size(bin()) / blockSize();

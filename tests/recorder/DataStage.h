@@ -18,12 +18,12 @@ class DataStage : public Stage {
 public:
     using Stage::Stage;
 
-    DRLayout layoutThrough(RecordingService& recorder, const Paths& paths) override {
+    DRLayout layoutOf(const Paths& paths) override {
         const auto root = std::make_shared<DRFolder>("Disc");
         root->setExplicitFilesystemMask(DRFilesystemMaskJoliet);
         for (const std::string& path : paths)
-            root->addChild(recorder.fileWithPath(path));
-        return {recorder.trackForRootFolder(root)};
+            root->addChild(this->service()->fileWithPath(path));
+        return {this->service()->trackForRootFolder(root)};
     }
     DRLayout layoutOfBlocks(std::uint32_t blocks) override {
         const std::string path = this->makeSource(1);

@@ -7,32 +7,33 @@
 #include <utility>
 #include <vector>
 
-#include "adapters/image/ImageRecorder.h"
+#include "adapters/engine/EngineRecorder.h"
+#include "adapters/image/ImageDrives.h"
 #include "tests/recorder/SourceStage.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quarner {
 
-/// The image recorder in its own folder, with one drive for images of one kind.
+/// A recorder of image drives in its own folder, with one drive for images of one kind.
 class ImageStage : public SourceStage {
 public:
     std::shared_ptr<RecordingService> service() override { return _recorder; }
     std::shared_ptr<DRDevice> drive() override { return _drive; }
     void insertBlank() override { imageDrive()->insertBlank(); }
-    void unplug() override { _recorder->remove(_drive); }
-    void plugAnother() override { _recorder->add({.path = imageNamed("another")}); }
+    void unplug() override { _drives->remove(_drive); }
+    void plugAnother() override { _drives->add({.path = imageNamed("another")}); }
     bool sparesDiscs() const override { return true; }
-    void shutDown() override { _recorder.reset(); }
+    void shutDown() override {
+        _drives.reset();
+        _recorder.reset();
+    }
     std::vector<std::string> contentsOnDisc() override { return contentsOf(image()); }
 
-    std::shared_ptr<ImageRecorder> recorder() { return _recorder; }
+    ImageDrives& drives() { return *_drives; }
     std::shared_ptr<ImageDrive> imageDrive() { return _drive; }
-
-    /// A recorder of the same kind with other parts.
-    std::shared_ptr<ImageRecorder> makeRecorder(std::shared_ptr<RunLoops> loops,
-                                                ImageRecorderParts parts = {}) {
-        parts.dataDiscs = _dataDiscs;
-        return std::make_shared<ImageRecorder>(std::move(loops), sound, std::move(parts));
+    /// Drives that reach their images through other files.
+    ImageDrives makeDrives(std::shared_ptr<FileSystem> files) const {
+        return ImageDrives(sharedLoops(), std::move(files));
     }
 
     /// The image of the stage's drive.
@@ -55,15 +56,18 @@ public:
     TemporaryFolder folder;
 
 protected:
-    ImageStage(std::string extension, ImageRecorderParts parts)
-        : _extension(std::move(extension)), _dataDiscs(parts.dataDiscs),
-          _recorder(std::make_shared<ImageRecorder>(sharedLoops(), sound, std::move(parts))),
-          _drive(_recorder->add({.path = image()})) {}
+    ImageStage(std::string extension, std::shared_ptr<FileSystem> files,
+               std::shared_ptr<DataDiscService> dataDiscs = nullptr)
+        : _extension(std::move(extension)),
+          _drives(std::make_shared<ImageDrives>(sharedLoops(), std::move(files))),
+          _recorder(std::make_shared<EngineRecorder>(
+              RecorderServices{sharedLoops(), sound, std::move(dataDiscs)}, DriveLists{_drives})),
+          _drive(_drives->add({.path = image()})) {}
 
 private:
     const std::string _extension;
-    const std::shared_ptr<DataDiscService> _dataDiscs;
-    std::shared_ptr<ImageRecorder> _recorder;
+    std::shared_ptr<ImageDrives> _drives;
+    std::shared_ptr<EngineRecorder> _recorder;
     std::shared_ptr<ImageDrive> _drive;
 };
 

@@ -56,8 +56,8 @@ private:
 /// Data discs. The image is mix.iso.
 class IsoStage : public DataStage<ImageStage> {
 public:
-    explicit IsoStage(ImageRecorderParts parts = {})
-        : IsoStage(std::move(parts), std::make_shared<WatchedDiscs>()) {}
+    explicit IsoStage(std::shared_ptr<FileSystem> files = posixFileSystem())
+        : IsoStage(std::move(files), std::make_shared<WatchedDiscs>()) {}
 
     std::uint64_t blocksOnDisc() override {
         return std::filesystem::file_size(image()) / blockSize();
@@ -80,11 +80,8 @@ public:
     }
 
 private:
-    IsoStage(ImageRecorderParts parts, std::shared_ptr<WatchedDiscs> discs)
-        : DataStage(".iso", {.files = std::move(parts.files),
-                             .clock = std::move(parts.clock),
-                             .dataDiscs = discs}),
-          _discs(std::move(discs)) {}
+    IsoStage(std::shared_ptr<FileSystem> files, std::shared_ptr<WatchedDiscs> discs)
+        : DataStage(".iso", std::move(files), discs), _discs(std::move(discs)) {}
 
     const std::shared_ptr<WatchedDiscs> _discs;
 };

@@ -9,8 +9,9 @@
 #include <utility>
 #include <vector>
 
+#include "adapters/engine/EngineRecorder.h"
 #include "adapters/isofs/JolietDiscs.h"
-#include "adapters/optical/OpticalRecorder.h"
+#include "adapters/optical/OpticalDrives.h"
 #include "quarner/platform/DRKeys.h"
 #include "tests/recorder/AudioStage.h"
 #include "tests/recorder/DataStage.h"
@@ -45,9 +46,10 @@ public:
 
 protected:
     explicit OpticalStage(std::shared_ptr<DataDiscService> dataDiscs)
-        : _recorder(std::make_shared<OpticalRecorder>(
-              sharedLoops(), sound,
-              OpticalRecorderParts{.dataDiscs = std::move(dataDiscs), .isUdevRunning = true})),
+        : _recorder(std::make_shared<EngineRecorder>(
+              RecorderServices{sharedLoops(), sound, std::move(dataDiscs)},
+              DriveLists{std::make_shared<OpticalDrives>(
+                  sharedLoops(), OpticalDrivesParts{.isUdevRunning = true})})),
           _drive(_recorder->devices().at(0)) {}
 
     /// The content of a track without its pre-gap and run-out.
@@ -60,7 +62,7 @@ private:
     void waitFor(const char* notification, const std::string& drive,
                  const std::function<void()>& event);
 
-    std::shared_ptr<OpticalRecorder> _recorder;
+    std::shared_ptr<EngineRecorder> _recorder;
     std::shared_ptr<DRDevice> _drive;
 };
 

@@ -24,7 +24,7 @@ protected:
     void burnBoth(std::initializer_list<std::uint64_t> pairs) {
         for (const std::uint64_t count : pairs)
             paths.push_back(optical.makeSource(count));
-        burn(image, image.layoutThrough(*image.service(), paths));
+        burn(image, image.layoutOf(paths));
         burn(optical, optical.layoutOf(paths));
         disc = optical.disc();
     }

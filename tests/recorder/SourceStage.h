@@ -26,9 +26,6 @@ inline std::string contentOf(const std::string& path) {
 class SourceStage : public WritingStage {
 public:
     StepLoops& loops() override { return *_loops; }
-    DRLayout layoutOf(const Paths& paths) override { return layoutThrough(*service(), paths); }
-    /// Returns the layout of the same disc made by another recorder of the same kind.
-    virtual DRLayout layoutThrough(RecordingService& recorder, const Paths& paths) = 0;
     std::string makeSource(std::uint64_t pairs) override {
         std::array<char, 32> name = {};
         std::snprintf(name.data(), name.size(), "source%04u", ++_sources);

@@ -8,23 +8,21 @@
 #include <string>
 #include <vector>
 
-#include "adapters/engine/EngineRecorder.h"
+#include "adapters/engine/DriveList.h"
+#include "adapters/engine/ProgressMeter.h"
 #include "adapters/optical/DriveMonitor.h"
 #include "adapters/optical/OpticalDrive.h"
 #include "adapters/optical/UdevDrives.h"
-#include "quarner/platform/PCMService.h"
 
 namespace quarner {
 
-/// The parts of a recorder that can be replaced: the host passes `dataDiscs`, tests also the
-/// others.
-struct OpticalRecorderParts {
+/// What tests replace.
+struct OpticalDrivesParts {
     Clock clock = std::chrono::steady_clock::now;
-    std::shared_ptr<DataDiscService> dataDiscs = nullptr; ///< null if it writes audio discs only
     bool isUdevRunning = quarner::isUdevRunning();
 };
 
-/// The recorder of the machine's optical drives. Every operation may be called on any thread.
+/// The optical drives of the machine. Every operation may be called on any thread.
 ///
 /// Drives are announced when udev announces them. If udev is not running and has sent no event so
 /// far, every call of `devices` rescans and reports the drives that have come and gone since the
@@ -32,12 +30,10 @@ struct OpticalRecorderParts {
 ///
 /// If udev later reports a different name or write capability, the drive is removed and added again
 /// as a new object; a drive that is burning only at the first event after the burn.
-class OpticalRecorder final : public EngineRecorder, private DriveListener {
+class OpticalDrives final : public DriveList, private DriveListener {
 public:
-    OpticalRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<PCMService> pcm,
-                    OpticalRecorderParts parts = {});
-    /// Unplugs the drives: whoever still has one finds no disc in it.
-    ~OpticalRecorder() override;
+    explicit OpticalDrives(std::shared_ptr<RunLoops> runLoops, OpticalDrivesParts parts = {});
+    ~OpticalDrives() override;
 
     /// Lists the drives in the order of their device files. A drive's name is made from its vendor
     /// and product, and is unique.
@@ -61,7 +57,6 @@ private:
     void detach(const Drive& drive);
     Drive driveAt(const std::string& sysPath);
     std::vector<Drive> drives();
-    std::string uniqueName(const DriveRecord& record) const;
 
     const Clock _clock;
     /// Held while the list is updated, so that notifications keep their order. Locked before

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "adapters/image/ImageRecorder.h"
+#include "adapters/image/ImageDrives.h"
 
 #include <sys/stat.h>
 
@@ -68,19 +68,15 @@ ImageDrive::Disc existingDisc(FileSystem& files, const std::string& path) {
 
 } // namespace
 
-ImageRecorder::ImageRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<PCMService> pcm,
-                             ImageRecorderParts parts)
-    : EngineRecorder(std::move(runLoops), std::move(pcm), std::move(parts.dataDiscs),
-                     std::move(parts.clock)),
-      _files(std::move(parts.files)) {}
+ImageDrives::ImageDrives(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<FileSystem> files)
+    : DriveList(std::move(runLoops)), _files(std::move(files)) {}
 
-ImageRecorder::~ImageRecorder() {
-    endBurns(); // cancelled, rather than failed for want of a drive
+ImageDrives::~ImageDrives() {
     for (const auto& drive : _drives)
         drive->unplug();
 }
 
-std::shared_ptr<ImageDrive> ImageRecorder::add(const ImageDriveSettings& settings) {
+std::shared_ptr<ImageDrive> ImageDrives::add(const ImageDriveSettings& settings) {
     const std::optional<std::uint32_t> capacity = blocksOf(settings.minutes);
     if (!capacity || (!cueNames(settings.path) && !isoNames(settings.path)))
         return nullptr;
@@ -91,22 +87,16 @@ std::shared_ptr<ImageDrive> ImageRecorder::add(const ImageDriveSettings& setting
     std::shared_ptr<ImageDrive> drive;
     {
         const std::lock_guard lock(_mutex);
-        drive = std::make_shared<ImageDrive>(uniqueName(path), path, *capacity, disc, _files,
-                                             runLoops());
+        const std::string name = uniqueDriveName(readableName(CueNames::baseName(path)),
+                                                 {_drives.begin(), _drives.end()});
+        drive = std::make_shared<ImageDrive>(name, path, *capacity, disc, _files, runLoops());
         _drives.push_back(drive);
     }
     notify(DRDeviceAppearedNotification, drive);
     return drive;
 }
 
-std::string ImageRecorder::uniqueName(const std::string& path) const {
-    return uniqueDriveName(readableName(CueNames::baseName(path)), [this](const auto& name) {
-        return std::any_of(_drives.begin(), _drives.end(),
-                           [&](const auto& drive) { return drive->displayName() == name; });
-    });
-}
-
-bool ImageRecorder::remove(const std::shared_ptr<DRDevice>& device) {
+bool ImageDrives::remove(const std::shared_ptr<DRDevice>& device) {
     std::shared_ptr<ImageDrive> drive;
     {
         const std::lock_guard lock(_mutex);
@@ -121,7 +111,7 @@ bool ImageRecorder::remove(const std::shared_ptr<DRDevice>& device) {
     return true;
 }
 
-std::vector<std::shared_ptr<DRDevice>> ImageRecorder::devices() {
+std::vector<std::shared_ptr<DRDevice>> ImageDrives::devices() {
     const std::lock_guard lock(_mutex);
     return {_drives.begin(), _drives.end()};
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "adapters/optical/OpticalRecorder.h"
+#include "adapters/optical/OpticalDrives.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,7 +8,6 @@
 
 #include "tests/optical/DeviceNotes.h"
 #include "tests/optical/DriveBed.h"
-#include "tests/recorder/RawSound.h"
 #include "tests/recorder/StepLoops.h"
 #include "tests/support/optical/EventLoss.h"
 
@@ -18,18 +17,17 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class OpticalRecorderTest : public ::testing::Test {
+class OpticalDrivesTest : public ::testing::Test {
 protected:
     void start(bool isUdevRunning = true) {
-        recorder =
-            std::make_shared<OpticalRecorder>(loops, std::make_shared<RawSound>(),
-                                              OpticalRecorderParts{.isUdevRunning = isUdevRunning});
-        notes = std::make_unique<DeviceNotes>(recorder->currentRunLoopCenter());
+        drives = std::make_shared<OpticalDrives>(
+            loops, OpticalDrivesParts{.isUdevRunning = isUdevRunning});
+        notes = std::make_unique<DeviceNotes>(loops->currentCenter());
     }
 
     std::vector<std::string> names() {
         std::vector<std::string> found;
-        for (const auto& drive : recorder->devices())
+        for (const auto& drive : drives->devices())
             found.push_back(drive->displayName());
         return found;
     }
@@ -41,17 +39,16 @@ protected:
 
     DriveBed bed;
     const std::shared_ptr<StepLoops> loops = std::make_shared<StepLoops>();
-    std::shared_ptr<OpticalRecorder> recorder;
+    std::shared_ptr<OpticalDrives> drives;
     std::unique_ptr<DeviceNotes> notes;
 };
 
-TEST_F(OpticalRecorderTest, AMachineWithoutDrivesHasNone) {
+TEST_F(OpticalDrivesTest, AMachineWithoutDrivesHasNone) {
     start();
-    EXPECT_THAT(recorder->devices(), IsEmpty());
-    EXPECT_NE(recorder->burnForDevice(nullptr), nullptr);
+    EXPECT_THAT(drives->devices(), IsEmpty());
 }
 
-TEST_F(OpticalRecorderTest, DrivesAreNamedAfterVendorAndProductAndUnlikeEachOther) {
+TEST_F(OpticalDrivesTest, DrivesAreNamedAfterVendorAndProductAndUnlikeEachOther) {
     bed.plug("sr1", DriveBed::writer("ASUS", "DRW-24"));
     bed.plug("sr0", DriveBed::writer("ASUS", "DRW-24"));
     bed.plug("sr2", {{"ID_CDROM", "1"}, {"ID_MODEL", "HL-DT-ST_DVDRAM"}});
@@ -60,29 +57,29 @@ TEST_F(OpticalRecorderTest, DrivesAreNamedAfterVendorAndProductAndUnlikeEachOthe
     EXPECT_THAT(names(), ElementsAre("ASUS DRW-24", "ASUS DRW-24 (2)", "HL-DT-ST DVDRAM", "sr3"));
 }
 
-TEST_F(OpticalRecorderTest, ANameIsMadeReadable) {
+TEST_F(OpticalDrivesTest, ANameIsMadeReadable) {
     bed.plug("sr0", DriveBed::writer("V", "M\x1b[1m"));
     start();
     EXPECT_THAT(names(), ElementsAre("V M\xef\xbf\xbd[1m"));
 }
 
-TEST_F(OpticalRecorderTest, ADriveSaysWhetherItWrites) {
+TEST_F(OpticalDrivesTest, ADriveSaysWhetherItWrites) {
     bed.plug("sr0", DriveBed::writer("V", "Writer"));
     bed.plug("sr1", {{"ID_CDROM", "1"}, {"ID_MODEL", "Reader"}});
     start();
-    const auto drives = recorder->devices();
-    ASSERT_EQ(drives.size(), 2U);
-    EXPECT_TRUE(valueFor(drives[0]->info(), DRDeviceCanWriteCDKey).asBool());
-    EXPECT_FALSE(valueFor(drives[1]->info(), DRDeviceCanWriteCDKey).asBool());
+    const auto listed = drives->devices();
+    ASSERT_EQ(listed.size(), 2U);
+    EXPECT_TRUE(valueFor(listed[0]->info(), DRDeviceCanWriteCDKey).asBool());
+    EXPECT_FALSE(valueFor(listed[1]->info(), DRDeviceCanWriteCDKey).asBool());
 }
 
-TEST_F(OpticalRecorderTest, TheSameObjectStandsForTheSameDrive) {
+TEST_F(OpticalDrivesTest, TheSameObjectStandsForTheSameDrive) {
     bed.plug("sr0", DriveBed::writer("V", "M"));
     start();
-    EXPECT_EQ(recorder->devices(), recorder->devices());
+    EXPECT_EQ(drives->devices(), drives->devices());
 }
 
-TEST_F(OpticalRecorderTest, ADriveThatIsPluggedInAppearsInTheOrderOfTheDeviceFiles) {
+TEST_F(OpticalDrivesTest, ADriveThatIsPluggedInAppearsInTheOrderOfTheDeviceFiles) {
     bed.plug("sr1", DriveBed::writer("V", "First"));
     start();
     bed.plug("sr0", DriveBed::writer("V", "Second"));
@@ -91,10 +88,10 @@ TEST_F(OpticalRecorderTest, ADriveThatIsPluggedInAppearsInTheOrderOfTheDeviceFil
     EXPECT_THAT(names(), ElementsAre("V Second", "V First"));
 }
 
-TEST_F(OpticalRecorderTest, ADriveThatIsUnpluggedDisappearsAndAnswersOn) {
+TEST_F(OpticalDrivesTest, ADriveThatIsUnpluggedDisappearsAndAnswersOn) {
     const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
     start();
-    const auto drive = recorder->devices().at(0);
+    const auto drive = drives->devices().at(0);
     bed.unplug(sysPath);
     ASSERT_TRUE(hearNotes(1));
     EXPECT_THAT(notes->all(), ElementsAre("- V M"));
@@ -103,18 +100,18 @@ TEST_F(OpticalRecorderTest, ADriveThatIsUnpluggedDisappearsAndAnswersOn) {
     EXPECT_FALSE(drive->mediaIsPresent());
 }
 
-TEST_F(OpticalRecorderTest, ADriveThatComesBackIsANewOneOfTheSameName) {
+TEST_F(OpticalDrivesTest, ADriveThatComesBackIsANewOneOfTheSameName) {
     const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
     start();
-    const auto before = recorder->devices().at(0);
+    const auto before = drives->devices().at(0);
     bed.unplug(sysPath);
     bed.plug("sr0", DriveBed::writer("V", "M"));
     ASSERT_TRUE(hearNotes(2));
     EXPECT_THAT(notes->all(), ElementsAre("- V M", "+ V M"));
-    EXPECT_NE(recorder->devices().at(0), before);
+    EXPECT_NE(drives->devices().at(0), before);
 }
 
-TEST_F(OpticalRecorderTest, ANameThatIsTakenIsNotGivenAgain) {
+TEST_F(OpticalDrivesTest, ANameThatIsTakenIsNotGivenAgain) {
     const std::string first = bed.plug("sr0", DriveBed::writer("V", "M"));
     bed.plug("sr1", DriveBed::writer("V", "M"));
     start();
@@ -124,7 +121,7 @@ TEST_F(OpticalRecorderTest, ANameThatIsTakenIsNotGivenAgain) {
     EXPECT_THAT(names(), ElementsAre("V M (2)", "V M"));
 }
 
-TEST_F(OpticalRecorderTest, ADriveThatUdevTellsOfAgainIsNotToldOfTwice) {
+TEST_F(OpticalDrivesTest, ADriveThatUdevTellsOfAgainIsNotToldOfTwice) {
     const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
     start();
     bed.send(sysPath, "add");
@@ -136,7 +133,7 @@ TEST_F(OpticalRecorderTest, ADriveThatUdevTellsOfAgainIsNotToldOfTwice) {
     EXPECT_THAT(notes->all(), ElementsAre("- V M", "+ V Last"));
 }
 
-TEST_F(OpticalRecorderTest, AnotherDiscIsANewStatusOfItsDrive) {
+TEST_F(OpticalDrivesTest, AnotherDiscIsANewStatusOfItsDrive) {
     bed.plug("sr0", DriveBed::writer("V", "M"));
     const std::string changed = bed.plug("sr1", DriveBed::writer("V", "N"));
     start();
@@ -145,37 +142,37 @@ TEST_F(OpticalRecorderTest, AnotherDiscIsANewStatusOfItsDrive) {
     EXPECT_THAT(notes->all(), ElementsAre("~ V N"));
 }
 
-TEST_F(OpticalRecorderTest, WhereUdevRunsADriveStaysUntilUdevTellsOfItsEnd) {
+TEST_F(OpticalDrivesTest, WhereUdevRunsADriveStaysUntilUdevTellsOfItsEnd) {
     const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
     start();
-    EXPECT_TRUE(recorder->receivesEvents());
+    EXPECT_TRUE(drives->receivesEvents());
     bed.unplugSilently(sysPath);
     EXPECT_THAT(names(), ElementsAre("V M"));
 }
 
-TEST_F(OpticalRecorderTest, WithoutUdevTheListIsThatOfTheMoment) {
+TEST_F(OpticalDrivesTest, WithoutUdevTheListIsThatOfTheMoment) {
     const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
     bed.plug("sr1", DriveBed::writer("V", "N"));
     start(false);
-    EXPECT_FALSE(recorder->receivesEvents());
+    EXPECT_FALSE(drives->receivesEvents());
     EXPECT_THAT(names(), ElementsAre("V M", "V N"));
-    const auto other = recorder->devices().at(1);
+    const auto other = drives->devices().at(1);
     bed.unplugSilently(sysPath);
-    EXPECT_THAT(recorder->devices(), ElementsAre(other));
+    EXPECT_THAT(drives->devices(), ElementsAre(other));
     loops->runPending();
     EXPECT_THAT(notes->all(), ElementsAre("- V M"));
 }
 
-TEST_F(OpticalRecorderTest, OnThisMachineTheListIsThatOfTheMomentUnlessUdevRuns) {
+TEST_F(OpticalDrivesTest, OnThisMachineTheListIsThatOfTheMomentUnlessUdevRuns) {
     const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
-    recorder = std::make_shared<OpticalRecorder>(loops, std::make_shared<RawSound>());
+    drives = std::make_shared<OpticalDrives>(loops);
     const bool isUdevRunning = std::filesystem::exists("/run/udev/control");
-    EXPECT_EQ(recorder->receivesEvents(), isUdevRunning);
+    EXPECT_EQ(drives->receivesEvents(), isUdevRunning);
     bed.unplugSilently(sysPath);
     EXPECT_EQ(names().empty(), !isUdevRunning);
 }
 
-TEST_F(OpticalRecorderTest, WithoutUdevADriveIsListedAsSoonAsItIsThere) {
+TEST_F(OpticalDrivesTest, WithoutUdevADriveIsListedAsSoonAsItIsThere) {
     start(false);
     EXPECT_THAT(names(), IsEmpty());
     const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
@@ -186,7 +183,7 @@ TEST_F(OpticalRecorderTest, WithoutUdevADriveIsListedAsSoonAsItIsThere) {
 }
 
 /// On a machine whose kernel does not list the drive in its table.
-class LateUdevTest : public OpticalRecorderTest {
+class LateUdevTest : public OpticalDrivesTest {
 protected:
     /// Plugs in a drive that udev has not processed yet.
     std::string plugUnseen() { return bed.plug("sr97", {}, bed.addScsi("1:0:0:0", "5", "V", "M")); }
@@ -197,20 +194,20 @@ protected:
         bed.send(sysPath, "add");
     }
     bool writes() {
-        return valueFor(recorder->devices().at(0)->info(), DRDeviceCanWriteCDKey).asBool();
+        return valueFor(drives->devices().at(0)->info(), DRDeviceCanWriteCDKey).asBool();
     }
 };
 
 TEST_F(LateUdevTest, ADriveThatUdevComesToLateIsReplacedByOneThatWrites) {
     const std::string sysPath = plugUnseen();
     start();
-    const auto before = recorder->devices().at(0);
+    const auto before = drives->devices().at(0);
     EXPECT_FALSE(writes());
     findOut(sysPath, DriveBed::writer("V", "M"));
     ASSERT_TRUE(hearNotes(2));
     EXPECT_THAT(notes->all(), ElementsAre("- V M", "+ V M"));
     EXPECT_TRUE(writes());
-    EXPECT_NE(recorder->devices().at(0), before);
+    EXPECT_NE(drives->devices().at(0), before);
 }
 
 TEST_F(LateUdevTest, ADriveIsReplacedByOneOfAnotherName) {
@@ -224,13 +221,13 @@ TEST_F(LateUdevTest, ADriveIsReplacedByOneOfAnotherName) {
 TEST_F(LateUdevTest, ADriveOfWhichUdevTellsLessStaysTheSame) {
     const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
     start();
-    const auto before = recorder->devices();
+    const auto before = drives->devices();
     findOut(sysPath, {{"ID_CDROM_CD_R", ""}});
     findOut(sysPath, {{"ID_VENDOR", ""}, {"ID_MODEL", ""}});
     bed.plug("sr1", DriveBed::writer("V", "Last"));
     ASSERT_TRUE(hearNotes(1));
     EXPECT_THAT(notes->all(), ElementsAre("+ V Last"));
-    EXPECT_EQ(recorder->devices().at(0), before.at(0));
+    EXPECT_EQ(drives->devices().at(0), before.at(0));
 }
 
 TEST_F(LateUdevTest, WithoutEventsTheListTellsWhatUdevHasFoundOut) {
@@ -242,7 +239,7 @@ TEST_F(LateUdevTest, WithoutEventsTheListTellsWhatUdevHasFoundOut) {
     EXPECT_TRUE(writes());
 }
 
-TEST_F(OpticalRecorderTest, WhatWasLostIsMadeUpFor) {
+TEST_F(OpticalDrivesTest, WhatWasLostIsMadeUpFor) {
     const std::string gone = bed.plug("sr0", DriveBed::writer("V", "Gone"));
     bed.plug("sr1", DriveBed::writer("V", "Stays"));
     start();
@@ -256,7 +253,7 @@ TEST_F(OpticalRecorderTest, WhatWasLostIsMadeUpFor) {
         << "the disc of the one that stays may have been changed";
 }
 
-TEST_F(OpticalRecorderTest, ToLookAfreshIsNoChangeOfADisc) {
+TEST_F(OpticalDrivesTest, ToLookAfreshIsNoChangeOfADisc) {
     bed.plug("sr0", DriveBed::writer("V", "M"));
     start(false);
     names();
@@ -264,12 +261,12 @@ TEST_F(OpticalRecorderTest, ToLookAfreshIsNoChangeOfADisc) {
     EXPECT_THAT(notes->all(), IsEmpty());
 }
 
-TEST_F(OpticalRecorderTest, ARecorderEndsWhileDrivesComeAndGo) {
+TEST_F(OpticalDrivesTest, AListEndsWhileDrivesComeAndGo) {
     start();
     for (int round = 0; round < 20; ++round) {
         bed.unplug(bed.plug("sr0", DriveBed::writer("V", "M")));
         notes.reset();
-        recorder.reset();
+        drives.reset();
         start();
     }
     EXPECT_THAT(names(), IsEmpty());

@@ -6,10 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "adapters/engine/EngineRecorder.h"
+#include "adapters/engine/DriveList.h"
 #include "adapters/image/FileSystem.h"
 #include "adapters/image/ImageDrive.h"
-#include "quarner/platform/PCMService.h"
 
 namespace quarner {
 
@@ -27,22 +26,12 @@ struct ImageDriveSettings {
     bool loadExisting = false;
 };
 
-/// The parts of a recorder that can be replaced: the host passes `dataDiscs`, tests also the
-/// others.
-struct ImageRecorderParts {
-    std::shared_ptr<FileSystem> files = posixFileSystem();
-    Clock clock = std::chrono::steady_clock::now;
-    std::shared_ptr<DataDiscService> dataDiscs = nullptr; ///< null if it writes audio discs only
-};
-
-/// A recorder whose discs are files: BIN and CUE for audio, ISO for data. Every operation may be
-/// called on any thread.
-class ImageRecorder : public EngineRecorder {
+/// The image drives that the host has added, in this order.
+class ImageDrives final : public DriveList {
 public:
-    ImageRecorder(std::shared_ptr<RunLoops> runLoops, std::shared_ptr<PCMService> pcm,
-                  ImageRecorderParts parts = {});
-    /// Unplugs the drives: whoever still has one finds no disc in it.
-    ~ImageRecorder() override;
+    explicit ImageDrives(std::shared_ptr<RunLoops> runLoops,
+                         std::shared_ptr<FileSystem> files = posixFileSystem());
+    ~ImageDrives() override;
 
     /// Attaches a drive, with a unique name made from its image's. Returns null if the path is
     /// neither a CUE nor an ISO file, or if the minutes are neither 74 nor 80.
@@ -54,8 +43,6 @@ public:
     std::vector<std::shared_ptr<DRDevice>> devices() override;
 
 private:
-    std::string uniqueName(const std::string& path) const;
-
     const std::shared_ptr<FileSystem> _files;
     std::mutex _mutex;
     std::vector<std::shared_ptr<ImageDrive>> _drives;

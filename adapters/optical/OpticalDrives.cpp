@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "adapters/optical/OpticalRecorder.h"
+#include "adapters/optical/OpticalDrives.h"
 
 #include <algorithm>
 #include <utility>
@@ -26,47 +26,44 @@ bool hasNewInformation(const DriveRecord& record, const DriveRecord& known) {
 
 } // namespace
 
-OpticalRecorder::OpticalRecorder(std::shared_ptr<RunLoops> runLoops,
-                                 std::shared_ptr<PCMService> pcm, OpticalRecorderParts parts)
-    : EngineRecorder(std::move(runLoops), std::move(pcm), std::move(parts.dataDiscs), parts.clock),
-      _clock(std::move(parts.clock)) {
+OpticalDrives::OpticalDrives(std::shared_ptr<RunLoops> runLoops, OpticalDrivesParts parts)
+    : DriveList(std::move(runLoops)), _clock(std::move(parts.clock)) {
     const std::lock_guard lock(_updating); // the monitor's thread waits until the drives are listed
     _receivesEvents = _monitor.start(*this) && parts.isUdevRunning;
     for (const DriveRecord& record : listDrives())
         attach(record);
 }
 
-OpticalRecorder::~OpticalRecorder() {
-    endBurns(); // cancelled, rather than failed for want of a drive
+OpticalDrives::~OpticalDrives() {
     for (const Drive& drive : drives())
         drive->unplug();
 }
 
-std::vector<std::shared_ptr<DRDevice>> OpticalRecorder::devices() {
+std::vector<std::shared_ptr<DRDevice>> OpticalDrives::devices() {
     if (!_receivesEvents)
         rescan();
     const std::lock_guard lock(_mutex);
     return {_drives.begin(), _drives.end()};
 }
 
-void OpticalRecorder::driveIsThere(const DriveRecord& record) {
+void OpticalDrives::driveIsThere(const DriveRecord& record) {
     const std::lock_guard lock(_updating);
     _receivesEvents = true; // first, so that the drive attached now expects reports of its changes
     adopt(record);
 }
 
-void OpticalRecorder::driveIsGone(const std::string& sysPath) {
+void OpticalDrives::driveIsGone(const std::string& sysPath) {
     const std::lock_guard lock(_updating);
     if (const Drive drive = driveAt(sysPath))
         detach(drive);
 }
 
-void OpticalRecorder::mediaChanged(const std::string& sysPath) {
+void OpticalDrives::mediaChanged(const std::string& sysPath) {
     if (const Drive drive = driveAt(sysPath))
         drive->mediaChanged();
 }
 
-void OpticalRecorder::eventsWereLost() {
+void OpticalDrives::eventsWereLost() {
     const std::vector<Drive> before = drives();
     rescan();
     for (const Drive& drive : drives())
@@ -74,7 +71,7 @@ void OpticalRecorder::eventsWereLost() {
             drive->mediaChanged(); // one of the lost events may have been about its disc
 }
 
-void OpticalRecorder::rescan() {
+void OpticalDrives::rescan() {
     const std::lock_guard lock(_updating);
     const std::vector<DriveRecord> found = listDrives();
     for (const Drive& drive : drives())
@@ -86,7 +83,7 @@ void OpticalRecorder::rescan() {
         adopt(record);
 }
 
-void OpticalRecorder::adopt(const DriveRecord& record) {
+void OpticalDrives::adopt(const DriveRecord& record) {
     const Drive known = driveAt(record.sysPath);
     if (known && (!hasNewInformation(record, known->record()) || !known->unplugUnlessBurning()))
         return;
@@ -95,12 +92,12 @@ void OpticalRecorder::adopt(const DriveRecord& record) {
     attach(record);
 }
 
-void OpticalRecorder::attach(const DriveRecord& record) {
+void OpticalDrives::attach(const DriveRecord& record) {
     Drive drive;
     {
         const std::lock_guard lock(_mutex);
-        drive = std::make_shared<OpticalDrive>(record, uniqueName(record), runLoops(),
-                                               _receivesEvents, _clock);
+        const std::string name = uniqueDriveName(nameOf(record), {_drives.begin(), _drives.end()});
+        drive = std::make_shared<OpticalDrive>(record, name, runLoops(), _receivesEvents, _clock);
         const auto place = std::upper_bound(
             _drives.begin(), _drives.end(), record,
             [](const DriveRecord& a, const Drive& b) { return comesBefore(a, b->record()); });
@@ -109,7 +106,7 @@ void OpticalRecorder::attach(const DriveRecord& record) {
     notify(DRDeviceAppearedNotification, drive);
 }
 
-void OpticalRecorder::detach(const Drive& drive) {
+void OpticalDrives::detach(const Drive& drive) {
     {
         const std::lock_guard lock(_mutex);
         std::erase(_drives, drive);
@@ -118,7 +115,7 @@ void OpticalRecorder::detach(const Drive& drive) {
     notify(DRDeviceDisappearedNotification, drive);
 }
 
-OpticalRecorder::Drive OpticalRecorder::driveAt(const std::string& sysPath) {
+OpticalDrives::Drive OpticalDrives::driveAt(const std::string& sysPath) {
     const std::lock_guard lock(_mutex);
     const auto found = std::find_if(_drives.begin(), _drives.end(), [&](const Drive& drive) {
         return drive->record().sysPath == sysPath;
@@ -126,16 +123,9 @@ OpticalRecorder::Drive OpticalRecorder::driveAt(const std::string& sysPath) {
     return found == _drives.end() ? nullptr : *found;
 }
 
-std::vector<OpticalRecorder::Drive> OpticalRecorder::drives() {
+std::vector<OpticalDrives::Drive> OpticalDrives::drives() {
     const std::lock_guard lock(_mutex);
     return _drives;
-}
-
-std::string OpticalRecorder::uniqueName(const DriveRecord& record) const {
-    return uniqueDriveName(nameOf(record), [this](const std::string& name) {
-        return std::any_of(_drives.begin(), _drives.end(),
-                           [&](const Drive& drive) { return drive->displayName() == name; });
-    });
 }
 
 } // namespace quarner
