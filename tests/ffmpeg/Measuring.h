@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "adapters/ffmpeg/FFmpegServices.h"
+#include "tests/ffmpeg/Decoding.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace quarner::testing {
+
+/// For tests of the length and the sound of files.
+class Measuring : public ::testing::Test {
+protected:
+    /// Returns the sound of a file with this content, and expects that it is as long as it is
+    /// measured.
+    std::vector<std::int16_t> decodedAsMeasured(const std::string& content) const {
+        const std::string path = folder.write("a.m4a", content);
+        const auto length = service->measure(path);
+        const auto samples = decoded(*service, path);
+        EXPECT_TRUE(length && samples);
+        if (!length || !samples)
+            return {};
+        EXPECT_EQ(samples->size(), 2 * length->discSamples);
+        return *samples;
+    }
+
+    const TemporaryFolder folder;
+    const std::shared_ptr<PCMService> service = makeFFmpegPCMService();
+};
+
+} // namespace quarner::testing
