@@ -88,6 +88,17 @@ protected:
                 burnWith(fault, path);
     }
 
+    /// Interrupts each call that concerns a source which is refused.
+    void interruptRefusalOf(const std::string& source) const {
+        const std::string refusal = burnUnder("none 0 EIO once " + source, {source}).err;
+        for (const auto& [call, count] : loggedCalls())
+            for (int number = 1; number <= count; ++number) {
+                const Fault fault = {call, number, "EINTR", "once"};
+                EXPECT_EQ(burnUnder(fault.text() + ' ' + source, {source}).err, refusal)
+                    << fault.text();
+            }
+    }
+
 private:
     std::string inImages(const std::string& name) const { return folder.file("images/" + name); }
 
@@ -98,23 +109,29 @@ private:
             writeContent(inImages(name), content);
     }
 
-    HostEnd burnUnder(const std::string& fault) const {
+    HostEnd burnUnder(const std::string& fault, const std::vector<std::string>& sources = {
+                                                    "songs/two.m4a", "songs/one.mp3"}) const {
         HostSettings settings;
         // First: the library of the machine's drives calls the C library past the ones behind it.
         settings.preloads.insert(settings.preloads.begin(), FAILING_CALLS);
         settings.environment.push_back("QUARNER_FAULT=" + fault);
         settings.environment.push_back("QUARNER_FAULT_LOG=" + folder.file("log"));
         std::filesystem::remove(folder.file("log"));
-        return run(commandLine({"songs/two.m4a", "songs/one.mp3"}, "images/"), settings);
+        return run(commandLine(sources, "images/"), settings);
     }
 
-    /// How often a burn makes each call.
-    std::map<std::string, int> callsAt(const std::string& path) const {
-        restoreOldImage();
-        EXPECT_EQ(burnUnder("none 0 EIO once " + path).status, 0);
+    /// How often the last burn made each call, if none was let go wrong.
+    std::map<std::string, int> loggedCalls() const {
         std::map<std::string, int> counts;
         for (const std::string& call : lines(contentOf(folder.file("log"))))
             ++counts[call];
+        return counts;
+    }
+
+    std::map<std::string, int> callsAt(const std::string& path) const {
+        restoreOldImage();
+        EXPECT_EQ(burnUnder("none 0 EIO once " + path).status, 0);
+        const auto counts = loggedCalls();
         EXPECT_GE(counts.size(), 4U);
         return counts;
     }
@@ -170,6 +187,13 @@ private:
 TEST_P(ProgramFaults, OfTheImageLeaveTheOldOneOrTheNewOne) { burnWithFaultsAt("images"); }
 
 TEST_P(ProgramFaults, OfTheSourcesLeaveTheOldImageOrTheNewOne) { burnWithFaultsAt("songs"); }
+
+TEST_P(ProgramFaults, ThatOnlyInterruptACallDoNotChangeWhyASourceIsRefused) {
+    writeContent(folder.file("songs/note.txt"), "no sound");
+    interruptRefusalOf("songs/note.txt");
+    makeFolder("songs/album.mp3");
+    interruptRefusalOf("songs/album.mp3");
+}
 
 INSTANTIATE_TEST_SUITE_P(OfEveryKind, ProgramFaults,
                          ::testing::Values(cli::DiscKind::Audio, cli::DiscKind::Data), kindName);

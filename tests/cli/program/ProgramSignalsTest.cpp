@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include <chrono>
 #include <csignal>
 #include <utility>
 
@@ -10,6 +11,8 @@ namespace {
 using ::testing::ElementsAreArray;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+
+using Clock = std::chrono::steady_clock;
 
 /// Works that take long enough to be interrupted.
 class ProgramSignals : public EveryKind {
@@ -33,6 +36,22 @@ protected:
         return commandLine({name}, "images/");
     }
 
+    /// A small file that plays for hours. It has to be decoded to its end to be measured, since
+    /// its sample rate changes.
+    void writeSlowlyMeasuredFile(const std::string& name) const {
+        AudioRecipe first = untaggedMP3Recipe();
+        AudioRecipe minute = {.name = "slow.mp3",
+                              .encoder = {"-c:a", "libmp3lame", "-b:a", "8k", "-write_xing", "0",
+                                          "-id3v2_version", "0"},
+                              .rate = 8000,
+                              .channels = 1,
+                              .samples = 60 * 8000};
+        std::string content = contentOf(audioFixture(first));
+        for (int minutes = 0; minutes < 240; ++minutes)
+            content += contentOf(audioFixture(minute));
+        writeContent(folder.file(name), content);
+    }
+
     /// What is told in the midst of the writing of a work.
     std::string writing(unsigned minutes) const {
         return isData() ? "Writing track 1 of 1" : "Writing track 2 of " + std::to_string(minutes);
@@ -54,6 +73,21 @@ TEST_P(ProgramSignals, CtrlCWhileAddingCancelsTheRun) {
     EXPECT_EQ(end.status, 130);
     EXPECT_THAT(end.err, HasSubstr("cancelled; nothing was written"));
     EXPECT_THAT(names("images"), IsEmpty());
+}
+
+TEST_P(ProgramSignals, CtrlCInsideALongFileEndsWithinASecond) {
+    writeSlowlyMeasuredFile("slow.mp3");
+    auto shortest = Clock::duration::max();
+    for (int attempt = 0; attempt < 5 && shortest > std::chrono::seconds(1); ++attempt) {
+        HostProgram program(commandLine({"slow.mp3"}, "images/"), here());
+        ASSERT_TRUE(program.waitForOutput("Adding 1 of 1"));
+        program.signal(SIGINT);
+        const Clock::time_point start = Clock::now();
+        EXPECT_EQ(program.wait().status, 130);
+        shortest = std::min(shortest, Clock::now() - start); // the machine may have other work
+        EXPECT_THAT(names("images"), IsEmpty());
+    }
+    EXPECT_LT(shortest, std::chrono::seconds(1));
 }
 
 TEST_P(ProgramSignals, ASecondSignalWhileAddingEndsAtOnce) {

@@ -20,13 +20,14 @@ namespace {
 /// What keeps a file from being opened, if anything does.
 std::optional<std::string> obstacle(const std::string& path) {
     struct stat file = {};
-    if (stat(path.c_str(), &file) != 0 && (errno == ENOENT || errno == ENOTDIR))
+    if (TEMP_FAILURE_RETRY(stat(path.c_str(), &file)) != 0 && (errno == ENOENT || errno == ENOTDIR))
         return "no such file";
     if (S_ISDIR(file.st_mode))
         return "unsupported type (a folder)";
     if (file.st_mode != 0 && !S_ISREG(file.st_mode))
         return "unsupported type (not a file on disk)";
-    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    constexpr int flags = O_RDONLY | O_NONBLOCK | O_CLOEXEC;
+    const auto descriptor = static_cast<int>(TEMP_FAILURE_RETRY(open(path.c_str(), flags)));
     if (descriptor < 0)
         return "not readable: " + std::generic_category().message(errno);
     close(descriptor);

@@ -25,7 +25,7 @@ LineReader::~LineReader() {
 
 bool LineReader::readSome() {
     std::array<char, 256> buffer = {};
-    const ssize_t count = ::read(_descriptor, buffer.data(), buffer.size());
+    const ssize_t count = TEMP_FAILURE_RETRY(read(_descriptor, buffer.data(), buffer.size()));
     if (count > 0)
         _line.append(buffer.data(), static_cast<std::size_t>(count));
     const std::size_t end = _line.find('\n');

@@ -24,7 +24,8 @@ public:
     void line(std::string text) const {
         text += '\n';
         // One that cannot be written to any more cannot be read from either.
-        [[maybe_unused]] const ssize_t written = write(_descriptor, text.data(), text.size());
+        [[maybe_unused]] const ssize_t written =
+            TEMP_FAILURE_RETRY(write(_descriptor, text.data(), text.size()));
     }
 
 private:
