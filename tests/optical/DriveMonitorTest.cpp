@@ -8,8 +8,8 @@
 #include <condition_variable>
 #include <mutex>
 
-#include "tests/optical/DriveBed.h"
 #include "tests/support/optical/EventLoss.h"
+#include "tests/support/optical/UdevBed.h"
 
 namespace quarner {
 namespace {
@@ -44,27 +44,27 @@ private:
 };
 
 struct DriveMonitorTest : ::testing::Test {
-    DriveBed bed;
+    UdevBed bed;
     Notes notes;
     DriveMonitor monitor;
 };
 
 TEST_F(DriveMonitorTest, DrivesThatComeAndGoAreToldInOrder) {
     ASSERT_TRUE(monitor.start(notes));
-    const std::string drive = bed.plug("sr0", DriveBed::writer("V", "M"));
+    const std::string drive = bed.plug("sr0", UdevBed::writer("V", "M"));
     bed.unplug(drive);
     EXPECT_THAT(notes.first(2), ElementsAre("there /dev/sr0", "gone " + drive));
 }
 
 TEST_F(DriveMonitorTest, ADiscThatIsPutInIsToldOfTheDrive) {
-    const std::string drive = bed.plug("sr0", DriveBed::writer("V", "M"));
+    const std::string drive = bed.plug("sr0", UdevBed::writer("V", "M"));
     ASSERT_TRUE(monitor.start(notes));
     bed.changeMedia(drive);
     EXPECT_THAT(notes.first(3), ElementsAre("there /dev/sr0", "there /dev/sr0", "media " + drive));
 }
 
 TEST_F(DriveMonitorTest, WhatHappenedBeforeTheStartIsToldAfterIt) {
-    bed.plug("sr0", DriveBed::writer("V", "M"));
+    bed.plug("sr0", UdevBed::writer("V", "M"));
     ASSERT_TRUE(monitor.start(notes));
     EXPECT_THAT(notes.first(1), ElementsAre("there /dev/sr0"));
 }
@@ -72,32 +72,32 @@ TEST_F(DriveMonitorTest, WhatHappenedBeforeTheStartIsToldAfterIt) {
 TEST_F(DriveMonitorTest, OtherBlockDevicesAreNotToldOf) {
     ASSERT_TRUE(monitor.start(notes));
     bed.plug("sda", {{"ID_VENDOR", "ATA"}});
-    bed.plug("sr0", DriveBed::writer("V", "M"));
+    bed.plug("sr0", UdevBed::writer("V", "M"));
     EXPECT_THAT(notes.first(1), ElementsAre("there /dev/sr0"));
 }
 
 TEST_F(DriveMonitorTest, ADeviceThatUdevHasLookedAtAndCallsNoDriveIsNone) {
     ASSERT_TRUE(monitor.start(notes));
     bed.plug("sr0", {}, bed.addScsi("1:0:0:0", "5", "V", "SCANNER"));
-    bed.plug("sr1", DriveBed::writer("V", "M"));
+    bed.plug("sr1", UdevBed::writer("V", "M"));
     EXPECT_THAT(notes.first(1), ElementsAre("there /dev/sr1"));
 }
 
 TEST_F(DriveMonitorTest, LostEventsAreToldOfAfterThoseThatCameThrough) {
-    bed.plug("sr0", DriveBed::writer("V", "Lost"));
-    bed.plug("sr1", DriveBed::writer("V", "M"));
-    bed.plug("sr2", DriveBed::writer("V", "M"));
+    bed.plug("sr0", UdevBed::writer("V", "Lost"));
+    bed.plug("sr1", UdevBed::writer("V", "M"));
+    bed.plug("sr2", UdevBed::writer("V", "M"));
     loseNextEvent();
     ASSERT_TRUE(monitor.start(notes));
     EXPECT_THAT(notes.first(3), ElementsAre("there /dev/sr1", "there /dev/sr2", "lost"));
 }
 
 TEST_F(DriveMonitorTest, AfterALossItGoesOn) {
-    bed.plug("sr0", DriveBed::writer("V", "Lost"));
+    bed.plug("sr0", UdevBed::writer("V", "Lost"));
     loseNextEvent();
     ASSERT_TRUE(monitor.start(notes));
     EXPECT_THAT(notes.first(1), ElementsAre("lost"));
-    bed.plug("sr1", DriveBed::writer("V", "M"));
+    bed.plug("sr1", UdevBed::writer("V", "M"));
     EXPECT_THAT(notes.first(2), ElementsAre("lost", "there /dev/sr1"));
 }
 

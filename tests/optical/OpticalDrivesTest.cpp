@@ -7,9 +7,9 @@
 #include <filesystem>
 
 #include "tests/optical/DeviceNotes.h"
-#include "tests/optical/DriveBed.h"
 #include "tests/recorder/StepLoops.h"
 #include "tests/support/optical/EventLoss.h"
+#include "tests/support/optical/UdevBed.h"
 
 namespace quarner {
 namespace {
@@ -37,7 +37,7 @@ protected:
                                std::chrono::seconds(10));
     }
 
-    DriveBed bed;
+    UdevBed bed;
     const std::shared_ptr<StepLoops> loops = std::make_shared<StepLoops>();
     std::shared_ptr<OpticalDrives> drives;
     std::unique_ptr<DeviceNotes> notes;
@@ -49,8 +49,8 @@ TEST_F(OpticalDrivesTest, AMachineWithoutDrivesHasNone) {
 }
 
 TEST_F(OpticalDrivesTest, DrivesAreNamedAfterVendorAndProductAndUnlikeEachOther) {
-    bed.plug("sr1", DriveBed::writer("ASUS", "DRW-24"));
-    bed.plug("sr0", DriveBed::writer("ASUS", "DRW-24"));
+    bed.plug("sr1", UdevBed::writer("ASUS", "DRW-24"));
+    bed.plug("sr0", UdevBed::writer("ASUS", "DRW-24"));
     bed.plug("sr2", {{"ID_CDROM", "1"}, {"ID_MODEL", "HL-DT-ST_DVDRAM"}});
     bed.plug("sr3", {{"ID_CDROM", "1"}});
     start();
@@ -58,13 +58,13 @@ TEST_F(OpticalDrivesTest, DrivesAreNamedAfterVendorAndProductAndUnlikeEachOther)
 }
 
 TEST_F(OpticalDrivesTest, ANameIsMadeReadable) {
-    bed.plug("sr0", DriveBed::writer("V", "M\x1b[1m"));
+    bed.plug("sr0", UdevBed::writer("V", "M\x1b[1m"));
     start();
     EXPECT_THAT(names(), ElementsAre("V M\xef\xbf\xbd[1m"));
 }
 
 TEST_F(OpticalDrivesTest, ADriveSaysWhetherItWrites) {
-    bed.plug("sr0", DriveBed::writer("V", "Writer"));
+    bed.plug("sr0", UdevBed::writer("V", "Writer"));
     bed.plug("sr1", {{"ID_CDROM", "1"}, {"ID_MODEL", "Reader"}});
     start();
     const auto listed = drives->devices();
@@ -74,22 +74,22 @@ TEST_F(OpticalDrivesTest, ADriveSaysWhetherItWrites) {
 }
 
 TEST_F(OpticalDrivesTest, TheSameObjectStandsForTheSameDrive) {
-    bed.plug("sr0", DriveBed::writer("V", "M"));
+    bed.plug("sr0", UdevBed::writer("V", "M"));
     start();
     EXPECT_EQ(drives->devices(), drives->devices());
 }
 
 TEST_F(OpticalDrivesTest, ADriveThatIsPluggedInAppearsInTheOrderOfTheDeviceFiles) {
-    bed.plug("sr1", DriveBed::writer("V", "First"));
+    bed.plug("sr1", UdevBed::writer("V", "First"));
     start();
-    bed.plug("sr0", DriveBed::writer("V", "Second"));
+    bed.plug("sr0", UdevBed::writer("V", "Second"));
     ASSERT_TRUE(hearNotes(1));
     EXPECT_THAT(notes->all(), ElementsAre("+ V Second"));
     EXPECT_THAT(names(), ElementsAre("V Second", "V First"));
 }
 
 TEST_F(OpticalDrivesTest, ADriveThatIsUnpluggedDisappearsAndAnswersOn) {
-    const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
+    const std::string sysPath = bed.plug("sr0", UdevBed::writer("V", "M"));
     start();
     const auto drive = drives->devices().at(0);
     bed.unplug(sysPath);
@@ -101,41 +101,41 @@ TEST_F(OpticalDrivesTest, ADriveThatIsUnpluggedDisappearsAndAnswersOn) {
 }
 
 TEST_F(OpticalDrivesTest, ADriveThatComesBackIsANewOneOfTheSameName) {
-    const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
+    const std::string sysPath = bed.plug("sr0", UdevBed::writer("V", "M"));
     start();
     const auto before = drives->devices().at(0);
     bed.unplug(sysPath);
-    bed.plug("sr0", DriveBed::writer("V", "M"));
+    bed.plug("sr0", UdevBed::writer("V", "M"));
     ASSERT_TRUE(hearNotes(2));
     EXPECT_THAT(notes->all(), ElementsAre("- V M", "+ V M"));
     EXPECT_NE(drives->devices().at(0), before);
 }
 
 TEST_F(OpticalDrivesTest, ANameThatIsTakenIsNotGivenAgain) {
-    const std::string first = bed.plug("sr0", DriveBed::writer("V", "M"));
-    bed.plug("sr1", DriveBed::writer("V", "M"));
+    const std::string first = bed.plug("sr0", UdevBed::writer("V", "M"));
+    bed.plug("sr1", UdevBed::writer("V", "M"));
     start();
     bed.unplug(first);
-    bed.plug("sr2", DriveBed::writer("V", "M"));
+    bed.plug("sr2", UdevBed::writer("V", "M"));
     ASSERT_TRUE(hearNotes(2));
     EXPECT_THAT(names(), ElementsAre("V M (2)", "V M"));
 }
 
 TEST_F(OpticalDrivesTest, ADriveThatUdevTellsOfAgainIsNotToldOfTwice) {
-    const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
+    const std::string sysPath = bed.plug("sr0", UdevBed::writer("V", "M"));
     start();
     bed.send(sysPath, "add");
     bed.send(sysPath, "change");
     bed.send(sysPath, "remove");
     bed.unplug(sysPath);
-    bed.plug("sr1", DriveBed::writer("V", "Last"));
+    bed.plug("sr1", UdevBed::writer("V", "Last"));
     ASSERT_TRUE(hearNotes(2));
     EXPECT_THAT(notes->all(), ElementsAre("- V M", "+ V Last"));
 }
 
 TEST_F(OpticalDrivesTest, AnotherDiscIsANewStatusOfItsDrive) {
-    bed.plug("sr0", DriveBed::writer("V", "M"));
-    const std::string changed = bed.plug("sr1", DriveBed::writer("V", "N"));
+    bed.plug("sr0", UdevBed::writer("V", "M"));
+    const std::string changed = bed.plug("sr1", UdevBed::writer("V", "N"));
     start();
     bed.changeMedia(changed);
     ASSERT_TRUE(hearNotes(1));
@@ -143,7 +143,7 @@ TEST_F(OpticalDrivesTest, AnotherDiscIsANewStatusOfItsDrive) {
 }
 
 TEST_F(OpticalDrivesTest, WhereUdevRunsADriveStaysUntilUdevTellsOfItsEnd) {
-    const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
+    const std::string sysPath = bed.plug("sr0", UdevBed::writer("V", "M"));
     start();
     EXPECT_TRUE(drives->receivesEvents());
     bed.unplugSilently(sysPath);
@@ -151,8 +151,8 @@ TEST_F(OpticalDrivesTest, WhereUdevRunsADriveStaysUntilUdevTellsOfItsEnd) {
 }
 
 TEST_F(OpticalDrivesTest, WithoutUdevTheListIsThatOfTheMoment) {
-    const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
-    bed.plug("sr1", DriveBed::writer("V", "N"));
+    const std::string sysPath = bed.plug("sr0", UdevBed::writer("V", "M"));
+    bed.plug("sr1", UdevBed::writer("V", "N"));
     start(false);
     EXPECT_FALSE(drives->receivesEvents());
     EXPECT_THAT(names(), ElementsAre("V M", "V N"));
@@ -164,7 +164,7 @@ TEST_F(OpticalDrivesTest, WithoutUdevTheListIsThatOfTheMoment) {
 }
 
 TEST_F(OpticalDrivesTest, OnThisMachineTheListIsThatOfTheMomentUnlessUdevRuns) {
-    const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
+    const std::string sysPath = bed.plug("sr0", UdevBed::writer("V", "M"));
     drives = std::make_shared<OpticalDrives>(loops);
     const bool isUdevRunning = std::filesystem::exists("/run/udev/control");
     EXPECT_EQ(drives->receivesEvents(), isUdevRunning);
@@ -175,7 +175,7 @@ TEST_F(OpticalDrivesTest, OnThisMachineTheListIsThatOfTheMomentUnlessUdevRuns) {
 TEST_F(OpticalDrivesTest, WithoutUdevADriveIsListedAsSoonAsItIsThere) {
     start(false);
     EXPECT_THAT(names(), IsEmpty());
-    const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
+    const std::string sysPath = bed.plug("sr0", UdevBed::writer("V", "M"));
     EXPECT_THAT(names(), ElementsAre("V M"));
     EXPECT_THAT(names(), ElementsAre("V M"));
     loops->runPending();
@@ -188,7 +188,7 @@ protected:
     /// Plugs in a drive that udev has not processed yet.
     std::string plugUnseen() { return bed.plug("sr97", {}, bed.addScsi("1:0:0:0", "5", "V", "M")); }
     /// Makes udev report other properties of a drive.
-    void findOut(const std::string& sysPath, const DriveBed::Properties& properties) {
+    void findOut(const std::string& sysPath, const UdevBed::Properties& properties) {
         for (const auto& [key, value] : properties)
             bed.setProperty(sysPath, key, value);
         bed.send(sysPath, "add");
@@ -203,7 +203,7 @@ TEST_F(LateUdevTest, ADriveThatUdevComesToLateIsReplacedByOneThatWrites) {
     start();
     const auto before = drives->devices().at(0);
     EXPECT_FALSE(writes());
-    findOut(sysPath, DriveBed::writer("V", "M"));
+    findOut(sysPath, UdevBed::writer("V", "M"));
     ASSERT_TRUE(hearNotes(2));
     EXPECT_THAT(notes->all(), ElementsAre("- V M", "+ V M"));
     EXPECT_TRUE(writes());
@@ -211,20 +211,20 @@ TEST_F(LateUdevTest, ADriveThatUdevComesToLateIsReplacedByOneThatWrites) {
 }
 
 TEST_F(LateUdevTest, ADriveIsReplacedByOneOfAnotherName) {
-    const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
+    const std::string sysPath = bed.plug("sr0", UdevBed::writer("V", "M"));
     start();
-    findOut(sysPath, DriveBed::writer("V", "N"));
+    findOut(sysPath, UdevBed::writer("V", "N"));
     ASSERT_TRUE(hearNotes(2));
     EXPECT_THAT(notes->all(), ElementsAre("- V M", "+ V N"));
 }
 
 TEST_F(LateUdevTest, ADriveOfWhichUdevTellsLessStaysTheSame) {
-    const std::string sysPath = bed.plug("sr0", DriveBed::writer("V", "M"));
+    const std::string sysPath = bed.plug("sr0", UdevBed::writer("V", "M"));
     start();
     const auto before = drives->devices();
     findOut(sysPath, {{"ID_CDROM_CD_R", ""}});
     findOut(sysPath, {{"ID_VENDOR", ""}, {"ID_MODEL", ""}});
-    bed.plug("sr1", DriveBed::writer("V", "Last"));
+    bed.plug("sr1", UdevBed::writer("V", "Last"));
     ASSERT_TRUE(hearNotes(1));
     EXPECT_THAT(notes->all(), ElementsAre("+ V Last"));
     EXPECT_EQ(drives->devices().at(0), before.at(0));
@@ -234,27 +234,27 @@ TEST_F(LateUdevTest, WithoutEventsTheListTellsWhatUdevHasFoundOut) {
     const std::string sysPath = plugUnseen();
     start(false);
     EXPECT_FALSE(writes());
-    for (const auto& [key, value] : DriveBed::writer("V", "M"))
+    for (const auto& [key, value] : UdevBed::writer("V", "M"))
         bed.setProperty(sysPath, key, value);
     EXPECT_TRUE(writes());
 }
 
 TEST_F(OpticalDrivesTest, WhatWasLostIsMadeUpFor) {
-    const std::string gone = bed.plug("sr0", DriveBed::writer("V", "Gone"));
-    bed.plug("sr1", DriveBed::writer("V", "Stays"));
+    const std::string gone = bed.plug("sr0", UdevBed::writer("V", "Gone"));
+    bed.plug("sr1", UdevBed::writer("V", "Stays"));
     start();
     bed.unplugSilently(gone);
     loseNextEvent();
-    bed.plug("sr2", DriveBed::writer("V", "Comes"));
+    bed.plug("sr2", UdevBed::writer("V", "Comes"));
     ASSERT_TRUE(hearNotes(3));
-    bed.plug("sr3", DriveBed::writer("V", "Last"));
+    bed.plug("sr3", UdevBed::writer("V", "Last"));
     ASSERT_TRUE(hearNotes(4));
     EXPECT_THAT(notes->all(), ElementsAre("- V Gone", "+ V Comes", "~ V Stays", "+ V Last"))
         << "the disc of the one that stays may have been changed";
 }
 
 TEST_F(OpticalDrivesTest, ToLookAfreshIsNoChangeOfADisc) {
-    bed.plug("sr0", DriveBed::writer("V", "M"));
+    bed.plug("sr0", UdevBed::writer("V", "M"));
     start(false);
     names();
     loops->runPending();
@@ -264,7 +264,7 @@ TEST_F(OpticalDrivesTest, ToLookAfreshIsNoChangeOfADisc) {
 TEST_F(OpticalDrivesTest, AListEndsWhileDrivesComeAndGo) {
     start();
     for (int round = 0; round < 20; ++round) {
-        bed.unplug(bed.plug("sr0", DriveBed::writer("V", "M")));
+        bed.unplug(bed.plug("sr0", UdevBed::writer("V", "M")));
         notes.reset();
         drives.reset();
         start();

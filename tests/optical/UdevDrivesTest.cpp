@@ -7,7 +7,7 @@
 #include <filesystem>
 
 #include "adapters/optical/KernelDrives.h"
-#include "tests/optical/DriveBed.h"
+#include "tests/support/optical/UdevBed.h"
 
 namespace quarner {
 namespace {
@@ -23,13 +23,13 @@ std::vector<std::string> nodes() {
 }
 
 TEST(UdevDrives, AMachineWithoutBlockDevicesHasNoDrives) {
-    const DriveBed bed;
+    const UdevBed bed;
     EXPECT_THAT(listDrives(), IsEmpty());
 }
 
 TEST(UdevDrives, AWriterIsListedWithTheNameThatItGivesItself) {
-    DriveBed bed;
-    const std::string sysPath = bed.plug("sr0", DriveBed::writer("HL-DT-ST", "DVDRAM_GH24NSD1"));
+    UdevBed bed;
+    const std::string sysPath = bed.plug("sr0", UdevBed::writer("HL-DT-ST", "DVDRAM_GH24NSD1"));
     EXPECT_THAT(listDrives(), ElementsAre(DriveRecord{.node = "/dev/sr0",
                                                       .sysPath = sysPath,
                                                       .vendor = "HL-DT-ST",
@@ -38,27 +38,27 @@ TEST(UdevDrives, AWriterIsListedWithTheNameThatItGivesItself) {
 }
 
 TEST(UdevDrives, AReaderIsListedAsOneThatCannotWrite) {
-    DriveBed bed;
+    UdevBed bed;
     bed.plug("sr0", {{"ID_CDROM", "1"}});
     ASSERT_EQ(listDrives().size(), 1U);
     EXPECT_FALSE(listDrives().front().canWriteCD);
 }
 
 TEST(UdevDrives, OtherBlockDevicesAreNotListed) {
-    DriveBed bed;
+    UdevBed bed;
     bed.plug("sda", {{"ID_VENDOR", "ATA"}});
     EXPECT_THAT(listDrives(), IsEmpty());
 }
 
 TEST(UdevDrives, TheOrderIsThatOfTheDeviceFiles) {
-    DriveBed bed;
+    UdevBed bed;
     for (const char* const name : {"sr10", "sr2", "sr0", "sr1"})
-        bed.plug(name, DriveBed::writer("V", "M"));
+        bed.plug(name, UdevBed::writer("V", "M"));
     EXPECT_THAT(nodes(), ElementsAre("/dev/sr0", "/dev/sr1", "/dev/sr2", "/dev/sr10"));
 }
 
 TEST(UdevDrives, ADriveThatUdevHasNotLookedAtIsTakenFromTheKernel) {
-    DriveBed bed;
+    UdevBed bed;
     const std::string scsi = bed.addScsi("1:0:0:0", "5", "PLEXTOR ", "DVDR   PX-716A  ");
     bed.plug("sr0", {}, scsi);
     ASSERT_EQ(listDrives().size(), 1U);
@@ -68,7 +68,7 @@ TEST(UdevDrives, ADriveThatUdevHasNotLookedAtIsTakenFromTheKernel) {
 }
 
 TEST(UdevDrives, OneThatUdevHasNotLookedAtWritesWhereTheKernelsTableSaysSo) {
-    DriveBed bed;
+    UdevBed bed;
     bed.plug("sr96", {}, bed.addScsi("1:0:0:0", "5", "V", "M"));
     bed.plug("sr97", {}, bed.addScsi("2:0:0:0", "5", "V", "M"));
     bed.writeFile("proc/sys/dev/cdrom/info", "drive name:\tsr97\tsr96\nCan write CD-R:\t0\t1\n");
@@ -79,7 +79,7 @@ TEST(UdevDrives, OneThatUdevHasNotLookedAtWritesWhereTheKernelsTableSaysSo) {
 }
 
 TEST(UdevDrives, OneThatUdevHasNotLookedAtDoesNotWriteWithoutATable) {
-    DriveBed bed;
+    UdevBed bed;
     bed.plug("sr97", {}, bed.addScsi("1:0:0:0", "5", "V", "M"));
     ASSERT_EQ(listDrives().size(), 1U);
     EXPECT_FALSE(listDrives().front().canWriteCD);
@@ -90,7 +90,7 @@ TEST(UdevDrives, UdevRunsWhereItCanBeControlled) {
 }
 
 TEST(UdevDrives, ADiscThatUdevHasNotLookedAtIsNoOpticalDrive) {
-    DriveBed bed;
+    UdevBed bed;
     bed.plug("sda", {}, bed.addScsi("0:0:0:0", "0", "ATA", "DISK"));
     EXPECT_THAT(listDrives(), IsEmpty());
 }

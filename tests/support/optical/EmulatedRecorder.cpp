@@ -50,7 +50,7 @@ std::string withUnderscores(std::string text) {
 
 EmulatedRecorder::EmulatedRecorder(UdevBed& udev, unsigned number,
                                    const RecorderDescription& description)
-    : _udev(udev), _number(number), _name("sr" + std::to_string(number)),
+    : _udev(udev), _name("sr" + std::to_string(number)),
       _unit(description.vendor, description.product), _delay(description.delay) {
     _unit.readOffset = description.readOffset;
     _unit.writeSpeeds = description.writeSpeeds;
@@ -66,7 +66,7 @@ void EmulatedRecorder::unplug() {
             return;
         _isPlugged = false;
     }
-    changeNode(node(), false, [&] { _udev.detach(_name); });
+    changeNode(node(), false, [&] { _udev.unplug(sysPath()); });
 }
 
 void EmulatedRecorder::replug() {
@@ -79,7 +79,7 @@ void EmulatedRecorder::replug() {
         _unit.start();
         all = properties();
     }
-    changeNode(node(), true, [&] { _udev.attach(_name, _number, all, shared_from_this()); });
+    changeNode(node(), true, [&] { _udev.plugResponding(_name, all, shared_from_this()); });
 }
 
 void EmulatedRecorder::insert(Medium medium) {
@@ -135,7 +135,7 @@ void EmulatedRecorder::tellOfMedium() {
             return;
         all = properties();
     }
-    _udev.change(_name, _number, all, {{"DISK_MEDIA_CHANGE", "1"}});
+    _udev.change(sysPath(), all, {{"DISK_MEDIA_CHANGE", "1"}});
 }
 
 std::optional<ScsiReply> EmulatedRecorder::execute(const ScsiCommand& command) {

@@ -91,7 +91,6 @@ private:
     bool succeeds(std::span<const std::uint8_t> command);
 
     UdevBed& _udev;
-    const unsigned _number;
     const std::string _name;
 
     mutable std::mutex _mutex;

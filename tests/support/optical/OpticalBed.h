@@ -30,7 +30,7 @@ public:
 
     /// Makes udev report properties for a recorder, by its number, that differ from its own.
     void overrideProperties(unsigned number, const UdevBed::Properties& properties) {
-        _udev.change("sr" + std::to_string(number), number, properties, {});
+        _udev.change(UdevBed::sysPathOf("sr" + std::to_string(number)), properties);
     }
 
     /// Returns after the events of all changes so far were sent.

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <future>
+#include <map>
 #include <mutex>
 #include <set>
 #include <stdexcept>
@@ -18,28 +19,21 @@
 namespace quarner {
 namespace {
 
-constexpr unsigned majorOfDrives = 11;
-
 struct Unref {
     void operator()(gpointer object) const { g_object_unref(object); }
 };
 
-UdevBed::Properties withNumbers(const std::string& name, unsigned minor,
-                                const UdevBed::Properties& properties) {
-    UdevBed::Properties all = {{"DEVNAME", "/dev/" + name},
-                               {"DEVTYPE", "disk"},
-                               {"SUBSYSTEM", "block"},
-                               {"MAJOR", std::to_string(majorOfDrives)},
-                               {"MINOR", std::to_string(minor)}};
-    all.insert(all.end(), properties.begin(), properties.end());
-    return all;
+std::string nameAt(const std::string& sysPath) {
+    return std::filesystem::path(sysPath).filename().string();
 }
 
 } // namespace
 
 class UdevBed::Bed {
 public:
-    Bed() = default;
+    Bed() { // a machine without devices has this folder too
+        umockdev_testbed_set_attribute(testbed.get(), "/sys/class", "quarner", "");
+    }
     ~Bed() {
         {
             const std::lock_guard lock(_waitingMutex);
@@ -57,13 +51,25 @@ public:
         return path.get();
     }
 
+    /// Returns the properties of a block device as udev lists them.
+    Properties complete(const std::string& name, const Properties& properties) {
+        const std::size_t minor = _minors.try_emplace(name, _minors.size()).first->second;
+        Properties all = {{"DEVNAME", "/dev/" + name},
+                          {"DEVTYPE", "disk"},
+                          {"SUBSYSTEM", "block"},
+                          {"MAJOR", "11"},
+                          {"MINOR", std::to_string(minor)}};
+        all.insert(all.end(), properties.begin(), properties.end());
+        return all;
+    }
+
     /// The properties are the lines of a file of the device; events read them too. A concurrent
     /// reader sees either all old or all new ones.
-    void writeProperties(const std::string& name, const Properties& properties) {
-        const std::string path = root().string() + sysPathOf(name) + "/uevent";
+    void writeProperties(const std::string& sysPath, const Properties& properties) {
+        const std::string path = root().string() + sysPath + "/uevent";
         std::ofstream file(path + ".new");
         for (const auto& [key, value] : properties)
-            file << key << '=' << (key == "DEVNAME" ? name : value) << '\n';
+            file << key << '=' << (key == "DEVNAME" ? nameAt(sysPath) : value) << '\n';
         file.close();
         std::filesystem::rename(path + ".new", path);
     }
@@ -78,8 +84,32 @@ public:
                                       nullptr);
     }
 
-    void tell(const std::string& name, const char* action) {
-        umockdev_testbed_uevent(testbed.get(), sysPathOf(name).c_str(), action);
+    /// Adds a device, which also sends an "add" event.
+    void add(const std::string& text) {
+        if (!umockdev_testbed_add_from_string(testbed.get(), text.c_str(), nullptr))
+            throw std::logic_error("no such device: " + text);
+    }
+    std::string addBlock(const std::string& name, const Properties& properties,
+                         const std::string& parent) {
+        const std::string sysPath = sysPathOf(name, parent);
+        std::string device = "P: " + sysPath.substr(4) + "\nN: " + name + '\n';
+        for (const auto& [key, value] : complete(name, properties))
+            device += "E: " + key + '=' + value + '\n';
+        add(device + "A: removable=1\n\n");
+        return sysPath;
+    }
+
+    void send(const std::string& sysPath, const std::string& action) {
+        umockdev_testbed_uevent(testbed.get(), sysPath.c_str(), action.c_str());
+    }
+
+    /// Removes all of a device but its own folder, which its "remove" event needs.
+    void removeLinks(const std::string& name) const {
+        for (const char* place : {"dev/", "sys/class/block/", "sys/block/"})
+            std::filesystem::remove(root() / (place + name));
+    }
+    void remove(const std::string& sysPath) {
+        umockdev_testbed_remove_device(testbed.get(), sysPath.c_str());
     }
 
     void later(std::function<void()> function) {
@@ -107,6 +137,7 @@ private:
     }
 
     std::set<std::string> _answered;
+    std::map<std::string, std::size_t> _minors; ///< of each name that was ever plugged in
     std::mutex _waitingMutex;
     std::condition_variable _changed;
     std::deque<std::function<void()>> _waiting;
@@ -117,41 +148,70 @@ private:
 UdevBed::UdevBed() : _bed(std::make_unique<Bed>()) {}
 UdevBed::~UdevBed() = default;
 
-std::string UdevBed::sysPathOf(const std::string& name) {
-    return "/sys/devices/emulated/block/" + name;
+std::string UdevBed::sysPathOf(const std::string& name, const std::string& parent) {
+    return "/sys" + parent + "/block/" + name;
 }
 
-void UdevBed::attach(const std::string& name, unsigned minor, const Properties& properties,
-                     const std::shared_ptr<SystemCallTarget>& target) {
-    std::string device = "P: " + sysPathOf(name).substr(4) + "\nN: " + name + '\n';
-    for (const auto& [key, value] : withNumbers(name, minor, properties))
-        device += "E: " + key + '=' + value + '\n';
-    device += "A: removable=1\n\n";
+std::string UdevBed::plug(const std::string& name, const Properties& properties,
+                          const std::string& parent) {
+    const std::lock_guard lock(_bed->mutex);
+    return _bed->addBlock(name, properties, parent);
+}
+
+void UdevBed::plugResponding(const std::string& name, const Properties& properties,
+                             const std::shared_ptr<SystemCallTarget>& target) {
     const std::lock_guard lock(_bed->mutex);
     _bed->handleCalls(name, target);
-    if (!umockdev_testbed_add_from_string(_bed->testbed.get(), device.c_str(), nullptr))
-        throw std::logic_error("no such device: " + device);
-    // This also sends an "add" event.
+    _bed->addBlock(name, properties, "/devices/emulated");
 }
 
-void UdevBed::detach(const std::string& name) {
+std::string UdevBed::addScsi(const std::string& name, const std::string& type,
+                             const std::string& vendor, const std::string& model) {
     const std::lock_guard lock(_bed->mutex);
-    // At the time of the event the device is already gone: only its own folder is needed.
-    for (const char* place : {"dev/", "sys/class/block/", "sys/block/"})
-        std::filesystem::remove(_bed->root() / (place + name));
-    _bed->tell(name, "remove");
-    umockdev_testbed_remove_device(_bed->testbed.get(), sysPathOf(name).c_str());
+    _bed->add("P: /devices/" + name + "\nE: SUBSYSTEM=scsi\nE: DEVTYPE=scsi_device\nA: type=" +
+              type + "\nA: vendor=" + vendor + "\nA: model=" + model + "\n");
+    return "/devices/" + name;
 }
 
-void UdevBed::change(const std::string& name, unsigned minor, const Properties& properties,
+void UdevBed::unplug(const std::string& sysPath) {
+    const std::lock_guard lock(_bed->mutex);
+    _bed->removeLinks(nameAt(sysPath));
+    _bed->send(sysPath, "remove");
+    _bed->remove(sysPath);
+}
+
+void UdevBed::unplugSilently(const std::string& sysPath) {
+    const std::lock_guard lock(_bed->mutex);
+    _bed->removeLinks(nameAt(sysPath));
+    _bed->remove(sysPath);
+}
+
+void UdevBed::send(const std::string& sysPath, const std::string& action) {
+    const std::lock_guard lock(_bed->mutex);
+    _bed->send(sysPath, action);
+}
+
+void UdevBed::setProperty(const std::string& sysPath, const std::string& key,
+                          const std::string& value) {
+    const std::lock_guard lock(_bed->mutex);
+    umockdev_testbed_set_property(_bed->testbed.get(), sysPath.c_str(), key.c_str(), value.c_str());
+}
+
+void UdevBed::change(const std::string& sysPath, const Properties& properties,
                      const Properties& once) {
     const std::lock_guard lock(_bed->mutex);
-    const Properties all = withNumbers(name, minor, properties);
+    const Properties all = _bed->complete(nameAt(sysPath), properties);
     Properties told = all;
     told.insert(told.end(), once.begin(), once.end());
-    _bed->writeProperties(name, told);
-    _bed->tell(name, "change");
-    _bed->writeProperties(name, all);
+    _bed->writeProperties(sysPath, told);
+    _bed->send(sysPath, "change");
+    _bed->writeProperties(sysPath, all);
+}
+
+void UdevBed::writeFile(const std::string& path, const std::string& text) const {
+    const std::filesystem::path file = _bed->root() / path;
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file) << text;
 }
 
 void UdevBed::finish() {

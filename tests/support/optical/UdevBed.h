@@ -11,8 +11,9 @@
 
 namespace quarner {
 
-/// An emulated machine whose /dev and /sys contain only the block devices attached to it. Every
-/// operation may be called on any thread; on the thread that handles system calls only `later`.
+/// An emulated machine whose /dev and /sys contain only the devices plugged in here, with udev's
+/// events. A device is named by its path in /sys. Every operation may be called on any thread; on
+/// the thread that handles system calls only `later`.
 class UdevBed {
 public:
     using Properties = std::vector<std::pair<std::string, std::string>>;
@@ -22,18 +23,45 @@ public:
     UdevBed(const UdevBed&) = delete;
     UdevBed& operator=(const UdevBed&) = delete;
 
-    /// Returns the path in /sys of the device with a name such as "sr0". Its node is /dev/sr0.
-    static std::string sysPathOf(const std::string& name);
+    /// The properties that udev sets for a writer.
+    static Properties writer(const std::string& vendor, const std::string& model) {
+        return {
+            {"ID_CDROM", "1"}, {"ID_CDROM_CD_R", "1"}, {"ID_VENDOR", vendor}, {"ID_MODEL", model}};
+    }
+    /// Returns the path in /sys of the block device with a name such as "sr0".
+    static std::string sysPathOf(const std::string& name,
+                                 const std::string& parent = "/devices/emulated");
 
-    /// Adds a device, its node and its properties, and sends an event. System calls on the node go
-    /// to the target that was first given for this name.
-    void attach(const std::string& name, unsigned minor, const Properties& properties,
-                const std::shared_ptr<SystemCallTarget>& target);
-    /// Removes a device and sends an event. Open descriptors stay open.
-    void detach(const std::string& name);
-    /// Changes the properties of a device and sends an event. `once` are only in the event.
-    void change(const std::string& name, unsigned minor, const Properties& properties,
-                const Properties& once);
+    /// Adds a block device, its node and its properties, and sends an event. The node does not
+    /// respond. Returns the path in /sys.
+    std::string plug(const std::string& name, const Properties& properties,
+                     const std::string& parent = "/devices/emulated");
+    /// The same, but system calls on the node go to the target that was first given for this name.
+    void plugResponding(const std::string& name, const Properties& properties,
+                        const std::shared_ptr<SystemCallTarget>& target);
+    /// Adds a SCSI device as the kernel describes it. Returns it as a parent for `plug`.
+    std::string addScsi(const std::string& name, const std::string& type, const std::string& vendor,
+                        const std::string& model);
+
+    /// Removes a block device and sends an event. Open descriptors stay open.
+    void unplug(const std::string& sysPath);
+    /// The same without an event, as on a machine without udev.
+    void unplugSilently(const std::string& sysPath);
+
+    /// Sends an event of a device.
+    void send(const std::string& sysPath, const std::string& action);
+    /// Sets one property of a device. Sends no event.
+    void setProperty(const std::string& sysPath, const std::string& key, const std::string& value);
+    /// Replaces the properties of a block device and sends an event. `once` are only in the event.
+    void change(const std::string& sysPath, const Properties& properties,
+                const Properties& once = {});
+    void changeMedia(const std::string& sysPath) {
+        setProperty(sysPath, "DISK_MEDIA_CHANGE", "1");
+        send(sysPath, "change");
+    }
+
+    /// Makes a file that replaces the machine's own, also below /proc.
+    void writeFile(const std::string& path, const std::string& text) const;
 
     /// Calls functions one after the other on the bed's own thread.
     void later(std::function<void()> function);
