@@ -7,11 +7,11 @@
 #include "adapters/optical/AccessProblem.h"
 #include "quarner/platform/DRKeys.h"
 #include "quarner/platform/Platform.h"
-#include "tests/optical/DriveStage.h"
 #include "tests/optical/LibburnSession.h"
 #include "tests/optical/OtherProgram.h"
 #include "tests/support/KeptLog.h"
 #include "tests/support/optical/NodeAccess.h"
+#include "tests/support/optical/OpticalStage.h"
 
 namespace quarner {
 namespace {
@@ -21,7 +21,7 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 /// A drive that other programs use, or that this user may not use.
-class BusyDrive : public testing::Test, public DriveStage {
+class BusyDrive : public testing::Test, public OpticalStage {
 protected:
     static std::chrono::steady_clock::time_point now() { return std::chrono::steady_clock::now(); }
 };

@@ -2,8 +2,8 @@
 #include <gmock/gmock.h>
 
 #include "adapters/optical/Libburn.h"
-#include "tests/optical/DriveStage.h"
 #include "tests/optical/FactsOf.h"
+#include "tests/support/optical/OpticalStage.h"
 
 namespace quarner {
 namespace {
@@ -20,7 +20,7 @@ Medium twoSessions(Medium::Kind kind, Medium::State state) {
     return medium;
 }
 
-class DiscFactsTest : public testing::Test, public DriveStage {
+class DiscFactsTest : public testing::Test, public OpticalStage {
 protected:
     std::string factsOfForeign(std::uint16_t profile) {
         insert(Medium::foreign(profile, 5000));
@@ -91,9 +91,9 @@ TEST_F(DiscFactsTest, SpeedsAreThoseOfBlocksOfTheKindOfDisc) {
     EXPECT_THAT(speeds(), ElementsAre(Value(345), Value(689), Value(1378), Value(2067)));
 }
 
-class SpeedsTest : public testing::Test, public DriveStage {
+class SpeedsTest : public testing::Test, public OpticalStage {
 protected:
-    SpeedsTest() : DriveStage({.writeSpeeds = {4234, 4234, 4233, 706, 706}}) {}
+    SpeedsTest() : OpticalStage({.writeSpeeds = {4234, 4234, 4233, 706, 706}}) {}
 };
 
 TEST_F(SpeedsTest, ASpeedIsToldOnce) {

@@ -4,13 +4,13 @@
 #include <functional>
 
 #include "quarner/platform/DRKeys.h"
-#include "tests/optical/DriveStage.h"
+#include "tests/support/optical/OpticalStage.h"
 
 namespace quarner {
 namespace {
 
 /// Burns over a rewritable disc, and interruptions of that.
-class DriveBlanking : public testing::Test, public DriveStage {
+class DriveBlanking : public testing::Test, public OpticalStage {
 protected:
     DriveBlanking() { insert(rewritable()); }
 
@@ -19,7 +19,7 @@ protected:
     }
     /// The same, and calls `act` at the command for which `isIt` returns true.
     std::unique_ptr<BurnLog> burnOverAndAct(const std::function<bool(std::uint8_t)>& isIt,
-                                            const std::function<void(EngineBurn&)>& act) {
+                                            const std::function<void(DRBurn&)>& act) {
         const auto burning = makeBurn();
         auto log = observe(burning);
         recorder->setCommandHook([&](std::uint8_t sent) {
@@ -33,7 +33,7 @@ protected:
         return log;
     }
     /// Calls `act` when libburn first asks whether the disc is blank.
-    std::unique_ptr<BurnLog> burnOverAndMeanwhile(const std::function<void(EngineBurn&)>& act) {
+    std::unique_ptr<BurnLog> burnOverAndMeanwhile(const std::function<void(DRBurn&)>& act) {
         bool isBlanking = false;
         const auto isFirstQuestion = [&](std::uint8_t sent) {
             const bool isIt = isBlanking && sent == operation::testUnitReady;
@@ -51,21 +51,21 @@ protected:
 };
 
 TEST_F(DriveBlanking, OfADiscThatIsTakenOutMeanwhileFailsTheBurn) {
-    const auto log = burnOverAndMeanwhile([&](EngineBurn&) { recorder->removeMedium(); });
+    const auto log = burnOverAndMeanwhile([&](DRBurn&) { recorder->removeMedium(); });
     EXPECT_EQ(log->code(), codeOf(DRError::MediaNotPresent)) << log->info();
     EXPECT_EQ(countOf(operation::write), 0U);
     expectAsGoodAsNew();
 }
 
 TEST_F(DriveBlanking, ThatLeavesTheDiscAsItWasFailsTheBurn) {
-    const auto log = burnOverAndMeanwhile([&](EngineBurn&) { recorder->insert(rewritable()); });
+    const auto log = burnOverAndMeanwhile([&](DRBurn&) { recorder->insert(rewritable()); });
     EXPECT_EQ(log->code(), codeOf(DRError::WriteFailed)) << log->info();
     EXPECT_EQ(countOf(operation::write), 0U);
     expectAsGoodAsNew();
 }
 
 TEST_F(DriveBlanking, IsTheEndOfABurnThatIsCancelledMeanwhile) {
-    const auto log = burnOverAndMeanwhile([](EngineBurn& burning) { burning.abort(); });
+    const auto log = burnOverAndMeanwhile([](DRBurn& burning) { burning.abort(); });
     EXPECT_EQ(log->code(), codeOf(DRError::UserCanceled)) << log->info();
     EXPECT_EQ(countOf(operation::write), 0U);
     EXPECT_TRUE(drive->mediaIsBlank());
@@ -79,7 +79,7 @@ TEST_F(DriveBlanking, OfADiscWhoseBurnWasCancelledMakesItNewAgain) {
             return sent == operation::write && ++writes == 10;
         };
         const auto cancelled =
-            burnOverAndAct(isTenthWrite, [](EngineBurn& burning) { burning.abort(); });
+            burnOverAndAct(isTenthWrite, [](DRBurn& burning) { burning.abort(); });
         EXPECT_EQ(cancelled->code(), codeOf(DRError::UserCanceled)) << cancelled->info();
         const auto log = burnOver(round == 0 ? audio({310}) : data(700'000));
         EXPECT_TRUE(log->isDone()) << log->info();

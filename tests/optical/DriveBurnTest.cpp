@@ -3,7 +3,7 @@
 
 #include "adapters/isofs/JolietDirectory.h"
 #include "quarner/platform/DRKeys.h"
-#include "tests/optical/DriveStage.h"
+#include "tests/support/optical/OpticalStage.h"
 
 namespace quarner {
 namespace {
@@ -29,7 +29,7 @@ Medium rewritable(Medium::State state = Medium::State::Closed) {
     return medium;
 }
 
-class DriveBurn : public testing::Test, public DriveStage {
+class DriveBurn : public testing::Test, public OpticalStage {
 protected:
     /// The content of the only file on the disc, found through its Joliet directory.
     std::string fileOnDisc() const {
@@ -210,7 +210,7 @@ TEST_F(DriveBurn, OnTwoDrivesAtOnceWritesBothDiscs) {
     const auto other = bed.plug({});
     const auto otherDrive = makeDrive(*other);
     const DRLayout layout = audio({400, 450});
-    const auto second = std::make_shared<EngineBurn>(services, otherDrive);
+    const auto second = service->burnForDevice(otherDrive);
     const auto secondLog = observe(second);
     second->writeLayout(layout);
     const auto log = burn(layout);

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <gtest/gtest.h>
 
-#include "tests/optical/DriveStage.h"
 #include "tests/optical/OtherProgram.h"
+#include "tests/support/optical/OpticalStage.h"
 
 namespace quarner {
 namespace {
 
-class DriveEjection : public testing::Test, public DriveStage {
+class DriveEjection : public testing::Test, public OpticalStage {
 protected:
     void listen() {
         loops->currentCenter()->addObserver(

@@ -4,9 +4,9 @@
 #include <atomic>
 
 #include "quarner/platform/DRKeys.h"
-#include "tests/optical/DriveStage.h"
 #include "tests/optical/FactsOf.h"
 #include "tests/support/MediaOf.h"
+#include "tests/support/optical/OpticalStage.h"
 
 namespace quarner {
 namespace {
@@ -20,7 +20,7 @@ Medium appendable() {
     return medium;
 }
 
-class DriveFacts : public testing::Test, public DriveStage {};
+class DriveFacts : public testing::Test, public OpticalStage {};
 
 TEST_F(DriveFacts, OfABlankDisc) {
     EXPECT_EQ(factsOf(*drive), "CDR blank appendable 0/359847");

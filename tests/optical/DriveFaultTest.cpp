@@ -4,7 +4,7 @@
 #include <atomic>
 
 #include "quarner/platform/DRKeys.h"
-#include "tests/optical/DriveStage.h"
+#include "tests/support/optical/OpticalStage.h"
 
 namespace quarner {
 namespace {
@@ -12,7 +12,7 @@ namespace {
 using testing::HasSubstr;
 
 /// Failing burns. The drive must work again afterwards.
-class DriveFault : public testing::TestWithParam<bool>, public DriveStage {
+class DriveFault : public testing::TestWithParam<bool>, public OpticalStage {
 protected:
     DRLayout layout() { return GetParam() ? audio({320, 320}) : data(1'100'000); }
 

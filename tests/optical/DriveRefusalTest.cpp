@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "quarner/platform/DRKeys.h"
-#include "tests/optical/DriveStage.h"
+#include "tests/support/optical/OpticalStage.h"
 
 namespace quarner {
 namespace {
@@ -19,7 +19,7 @@ Medium pressed() {
     return medium;
 }
 
-class DriveRefusal : public testing::Test, public DriveStage {
+class DriveRefusal : public testing::Test, public OpticalStage {
 protected:
     /// Returns the code of a burn that fails before the drive receives a command.
     std::uint32_t codeFor(const DRLayout& layout, Dictionary properties = {}) {

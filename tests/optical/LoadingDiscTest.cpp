@@ -4,13 +4,13 @@
 #include <thread>
 
 #include "quarner/platform/DRKeys.h"
-#include "tests/optical/DriveStage.h"
+#include "tests/support/optical/OpticalStage.h"
 
 namespace quarner {
 namespace {
 
 /// A drive that is still loading or examining its disc.
-class LoadingDisc : public testing::Test, public DriveStage {
+class LoadingDisc : public testing::Test, public OpticalStage {
 protected:
     void setNotReady(unsigned times) {
         UnitFaults faults;

@@ -5,12 +5,12 @@
 
 #include "adapters/optical/GrabbedDrive.h"
 #include "adapters/optical/NodeDescriptors.h"
-#include "tests/optical/DriveStage.h"
+#include "tests/support/optical/OpticalStage.h"
 
 namespace quarner {
 namespace {
 
-class LostDrive : public testing::Test, public DriveStage {
+class LostDrive : public testing::Test, public OpticalStage {
 protected:
     /// Calls `use` repeatedly and unplugs the drive during it: after no command, after `step`
     /// commands and so on, until `use` completes. Returns the number of commands that it needed.
@@ -68,7 +68,7 @@ TEST_F(LostDrive, FailsTheBurnAndIsLetGoAlsoWhereverInTheBlankingItWasPulled) {
 TEST_F(LostDrive, IsAskedAgainAlsoWhileAnotherDriveBurns) {
     const auto other = bed.plug({});
     const auto otherDrive = makeDrive(*other);
-    const auto burning = std::make_shared<EngineBurn>(services, otherDrive);
+    const auto burning = service->burnForDevice(otherDrive);
     const auto log = observe(burning);
     loops->setInStep(true);
     log->onRecord = [&](const Dictionary& record) {

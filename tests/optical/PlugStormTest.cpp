@@ -5,13 +5,7 @@
 #include <map>
 #include <thread>
 
-#include "adapters/engine/EngineRecorder.h"
-#include "adapters/optical/OpticalDrives.h"
-#include "tests/recorder/BurnLog.h"
-#include "tests/recorder/RawSound.h"
-#include "tests/recorder/StepLoops.h"
-#include "tests/support/TemporaryFolder.h"
-#include "tests/support/optical/OpticalBed.h"
+#include "tests/support/optical/OpticalStage.h"
 
 namespace quarner {
 namespace {
@@ -20,12 +14,13 @@ constexpr int events = 1000; ///< of plugging and unplugging
 constexpr int roundsPerDisc = 10;
 constexpr int told = events + events / 2 / roundsPerDisc;
 
-constexpr std::uint64_t sectorsToBurn = 4000;
+constexpr std::uint32_t sectorsToBurn = 4000;
 
 /// One drive burns while another one is plugged and unplugged, sometimes with another disc, and two
 /// threads query both. The events are spread over the burn.
-class PlugStorm : public testing::Test {
+class PlugStorm : public testing::Test, public OpticalStage {
 protected:
+    PlugStorm() : OpticalStage({.product = "WRITER"}, Listing::ByUdev) {}
     ~PlugStorm() override { end(); }
 
     void end() {
@@ -42,7 +37,7 @@ protected:
             center->addObserver(
                 this,
                 [this](const DRNotification& notification) {
-                    if (notification.object == burningDrive)
+                    if (notification.object == drive)
                         return;
                     heard.push_back(notification);
                     ++heardCount;
@@ -83,47 +78,36 @@ protected:
 
     void ask() {
         while (!isOver)
-            for (const auto& drive : recorder->devices()) {
-                drive->displayName();
-                drive->status();
-                drive->mediaIsBlank();
+            for (const auto& listed : service->devices()) {
+                listed->displayName();
+                listed->status();
+                listed->mediaIsBlank();
             }
     }
 
-    std::shared_ptr<DRBurn> makeBurn() {
-        const std::string path = sources.write("sound", rawNoise(588 * sectorsToBurn, 1));
+    std::shared_ptr<DRBurn> startBurn() {
         sound->setReadHook([this](const std::string&, std::uint64_t pairs) { holdBack(pairs); });
-        auto burn = recorder->burnForDevice(burningDrive);
-        burn->writeLayout({recorder->trackForAudioFile(path)});
-        return burn;
+        auto burning = makeBurn();
+        burning->writeLayout(audio({sectorsToBurn}));
+        return burning;
     }
 
     void expectNothingLostOrDoubled() const {
         ASSERT_EQ(heard.size(), told);
         auto next = heard.begin();
         for (int i = 0; i < events / 2; ++i) {
-            const auto drive = next->object;
+            const auto plugged = next->object;
             EXPECT_EQ((next++)->name, DRDeviceAppearedNotification);
             if (i % roundsPerDisc == 0) {
-                EXPECT_EQ(next->object, drive);
+                EXPECT_EQ(next->object, plugged);
                 EXPECT_EQ((next++)->name, DRDeviceStatusChangedNotification);
             }
-            EXPECT_EQ(next->object, drive) << "the drive that came is the one that went";
+            EXPECT_EQ(next->object, plugged) << "the drive that came is the one that went";
             EXPECT_EQ((next++)->name, DRDeviceDisappearedNotification);
         }
     }
 
-    OpticalBed bed;
-    std::shared_ptr<EmulatedRecorder> writer = bed.plug({.product = "WRITER"});
     std::shared_ptr<EmulatedRecorder> other;
-    TemporaryFolder sources;
-    std::shared_ptr<StepLoops> loops = std::make_shared<StepLoops>();
-    std::shared_ptr<RawSound> sound = std::make_shared<RawSound>();
-    std::shared_ptr<EngineRecorder> recorder =
-        std::make_shared<EngineRecorder>(RecorderServices{.runLoops = loops, .pcm = sound},
-                                         DriveLists{std::make_shared<OpticalDrives>(
-                                             loops, OpticalDrivesParts{.isUdevRunning = true})});
-    const std::shared_ptr<DRDevice> burningDrive = recorder->devices().at(0);
     std::vector<DRNotification> heard;
     std::atomic<bool> isOver = false;
     std::atomic<bool> isBurning = false;
@@ -134,17 +118,17 @@ protected:
 
 TEST_F(PlugStorm, LosesAndDoublesNothingAndDisturbsNoBurn) {
     listen();
-    const auto burn = makeBurn();
-    BurnLog log(loops->currentCenter(), burn.get());
+    const auto burning = startBurn();
+    const auto log = observe(burning);
     std::map<std::string, int> happenedWhen;
-    log.onRecord = [&](const Dictionary& record) {
+    log->onRecord = [&](const Dictionary& record) {
         happenedWhen.emplace(BurnLog::stateOf(record), happened);
     };
     threads.emplace_back([this] { plugAndUnplug(); });
     threads.emplace_back([this] { ask(); });
     threads.emplace_back([this] { ask(); });
-    ASSERT_TRUE(loops->runUntil([&] { return log.isOver(); }));
-    EXPECT_TRUE(log.isDone()) << log.info();
+    ASSERT_TRUE(loops->runUntil([&] { return log->isOver(); }));
+    EXPECT_TRUE(log->isDone()) << log->info();
     EXPECT_LT(happenedWhen[DRStatusStateTrackWrite], told / 10) << "the burn was there first";
     EXPECT_EQ(happenedWhen[DRStatusStateTrackClose], told) << "and lasted to the end";
     loops->runUntil([&] { return heard.size() >= told; }, std::chrono::seconds(10));
@@ -152,9 +136,9 @@ TEST_F(PlugStorm, LosesAndDoublesNothingAndDisturbsNoBurn) {
     loops->runUntil([&] { return heard.size() > told; }, std::chrono::seconds(1));
 
     expectNothingLostOrDoubled();
-    ASSERT_EQ(recorder->devices().size(), 1U);
-    EXPECT_EQ(recorder->devices()[0]->displayName(), "QUARNER WRITER");
-    EXPECT_TRUE(writer->isReleased());
+    ASSERT_EQ(service->devices().size(), 1U);
+    EXPECT_EQ(service->devices()[0]->displayName(), "QUARNER WRITER");
+    EXPECT_TRUE(recorder->isReleased());
     EXPECT_EQ(other->openCount(), 0);
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tests/recorder/SourceStage.h"
+#include "tests/support/Layouts.h"
 
 namespace quarner {
 
@@ -15,21 +16,16 @@ class AudioStage : public Stage {
 public:
     using Stage::Stage;
 
-    DRLayout layoutOf(const Paths& paths) override {
-        DRLayout layout;
-        for (const std::string& path : paths)
-            layout.push_back(makeTrack(path));
-        return layout;
-    }
+    DRLayout layoutOf(const Paths& paths) override { return audioLayout(*this->service(), paths); }
     DRLayout layoutOfBlocks(std::uint32_t blocks) override {
-        return {makeTrack(this->makeSource(1000)), trackOfBlocks(blocks - shortest - gap)};
+        return {makeTrack(), trackOfBlocks(blocks - shortest - gap)};
     }
     DRLayout hugeLayout() override {
         return {trackOfBlocks(0x80000000U), trackOfBlocks(0x80000000U)};
     }
     /// Returns a track of a new short file that takes `blocks` sectors.
     std::shared_ptr<DRTrack> trackOfBlocks(std::uint32_t blocks) {
-        auto track = makeTrack(this->makeSource(1000));
+        auto track = makeTrack();
         track->setLength(DRMSF::msfWithFrames(blocks));
         return track;
     }
@@ -42,10 +38,8 @@ public:
     }
 
 private:
-    std::shared_ptr<DRTrack> makeTrack(const std::string& path) {
-        auto track = this->service()->trackForAudioFile(path);
-        track->setPreGap(DRMSF::msfWithFrames(gap));
-        return track;
+    std::shared_ptr<DRTrack> makeTrack() {
+        return audioTrack(*this->service(), this->makeSource(1000));
     }
 
     static constexpr std::size_t sectorSize = 2352;

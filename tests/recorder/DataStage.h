@@ -9,6 +9,7 @@
 
 #include "adapters/isofs/JolietDirectory.h"
 #include "tests/recorder/SourceStage.h"
+#include "tests/support/Layouts.h"
 
 namespace quarner {
 
@@ -18,13 +19,7 @@ class DataStage : public Stage {
 public:
     using Stage::Stage;
 
-    DRLayout layoutOf(const Paths& paths) override {
-        const auto root = std::make_shared<DRFolder>("Disc");
-        root->setExplicitFilesystemMask(DRFilesystemMaskJoliet);
-        for (const std::string& path : paths)
-            root->addChild(this->service()->fileWithPath(path));
-        return {this->service()->trackForRootFolder(root)};
-    }
+    DRLayout layoutOf(const Paths& paths) override { return dataLayout(*this->service(), paths); }
     DRLayout layoutOfBlocks(std::uint32_t blocks) override {
         const std::string path = this->makeSource(1);
         const std::uint64_t others = this->layoutOf({path})[0]->estimateLength() - 1;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "tests/recorder/CueStage.h"
 #include "tests/recorder/IsoStage.h"
-#include "tests/recorder/OpticalStage.h"
+#include "tests/recorder/OpticalRecorderStage.h"
 #include "tests/recorder/RecorderTest.h"
 #include "tests/recorder/ScriptedRecorderStage.h"
 

@@ -9,7 +9,7 @@
 #include "tests/recorder/BurnLog.h"
 #include "tests/recorder/CueStage.h"
 #include "tests/recorder/IsoStage.h"
-#include "tests/recorder/OpticalStage.h"
+#include "tests/recorder/OpticalRecorderStage.h"
 #include "tests/support/Program.h"
 
 namespace quarner::testing {
@@ -18,7 +18,7 @@ namespace {
 using ::testing::ElementsAre;
 
 /// The same files burned to an image and onto the disc of an emulated drive.
-template <class ImageStage, class OpticalStage>
+template <class ImageKind, class OpticalKind>
 class SameDisc : public ::testing::Test {
 protected:
     void burnBoth(std::initializer_list<std::uint64_t> pairs) {
@@ -37,8 +37,8 @@ protected:
     }
 
     Paths paths;
-    ImageStage image;
-    OpticalStage optical;
+    ImageKind image;
+    OpticalKind optical;
     Medium disc;
 };
 

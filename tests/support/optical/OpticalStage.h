@@ -11,14 +11,13 @@
 #include <utility>
 #include <vector>
 
-#include "adapters/engine/EngineBurn.h"
+#include "adapters/engine/EngineRecorder.h"
 #include "adapters/isofs/JolietDiscs.h"
-#include "adapters/optical/OpticalDrive.h"
-#include "adapters/posix/FileStamps.h"
-#include "quarner/platform/DRFile.h"
+#include "adapters/optical/OpticalDrives.h"
 #include "tests/recorder/BurnLog.h"
 #include "tests/recorder/RawSound.h"
 #include "tests/recorder/StepLoops.h"
+#include "tests/support/Layouts.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/optical/OpticalBed.h"
 
@@ -41,18 +40,27 @@ inline Medium rewritable() {
     return medium;
 }
 
-/// An emulated recorder, its `OpticalDrive`, and burns of noise on it.
-class DriveStage {
+/// A machine with one emulated drive, the recorder, and burns of noise.
+class OpticalStage {
 public:
-    explicit DriveStage(const RecorderDescription& description = {})
-        : recorder(bed.plug(description)), drive(makeDrive(*recorder)) {}
-    ~DriveStage() {
-        loops->setInStep(false);
-        services.threads->shutDown();
-    }
-    DriveStage(const DriveStage&) = delete;
-    DriveStage& operator=(const DriveStage&) = delete;
+    /// How the drive is found.
+    enum class Listing {
+        None,   ///< `drive` is made by hand: it is told of changes by `insert` alone
+        ByUdev, ///< the recorder lists it and follows the events
+    };
 
+    explicit OpticalStage(const RecorderDescription& description = {},
+                          Listing listing = Listing::None)
+        : recorder(bed.plug(description)), service(makeService(listing)),
+          drive(listing == Listing::None ? makeDrive(*recorder) : listedDrive()) {}
+    ~OpticalStage() {
+        loops->setInStep(false);
+        service.reset(); // ends the burns
+    }
+    OpticalStage(const OpticalStage&) = delete;
+    OpticalStage& operator=(const OpticalStage&) = delete;
+
+    /// Returns a drive that uses `time` as its clock. It is in no list.
     std::shared_ptr<OpticalDrive> makeDrive(const EmulatedRecorder& of,
                                             bool receivesEvents = true) const {
         return std::make_shared<OpticalDrive>(
@@ -66,6 +74,7 @@ public:
         drive->mediaChanged();
     }
 
+    /// Makes a file of noise.
     std::string makeSource(std::uint64_t bytes) {
         std::array<char, 32> name = {};
         std::snprintf(name.data(), name.size(), "source%04u", ++_sources);
@@ -75,32 +84,16 @@ public:
 
     /// Audio tracks with these numbers of sectors of noise, each after two seconds of silence.
     DRLayout audio(std::initializer_list<std::uint32_t> sectors) {
-        DRLayout layout;
+        std::vector<std::string> paths;
         for (const std::uint32_t length : sectors)
-            layout.push_back(audioTrack(makeSource(std::uint64_t(length) * audioSectorSize)));
-        return layout;
+            paths.push_back(makeSource(std::uint64_t(length) * audioSectorSize));
+        return audioLayout(*service, paths);
     }
-    static std::shared_ptr<DRTrack> audioTrack(const std::string& path) {
-        auto track = std::make_shared<DRTrack>();
-        track->path = path;
-        track->stamp = stampOfFile(path).value();
-        track->sampleCount = track->stamp.size / RawSound::bytesPerPair;
-        track->setLength(DRMSF::msfWithFrames(sectorsForSamples(track->sampleCount)));
-        track->setPreGap(DRMSF::msfWithFrames(leadingGapSectors));
-        return track;
-    }
-
     /// A data disc with one file of `bytes` bytes.
-    DRLayout data(std::uint64_t bytes) {
-        const std::string path = makeSource(bytes);
-        const auto root = std::make_shared<DRFolder>("Disc");
-        root->setExplicitFilesystemMask(DRFilesystemMaskJoliet);
-        root->addChild(std::make_shared<DRFile>(path, stampOfFile(path).value()));
-        return {services.dataDiscs->trackForRootFolder(root)};
-    }
+    DRLayout data(std::uint64_t bytes) { return dataLayout(*service, {makeSource(bytes)}); }
 
-    std::shared_ptr<EngineBurn> makeBurn() { return std::make_shared<EngineBurn>(services, drive); }
-    std::unique_ptr<BurnLog> observe(const std::shared_ptr<EngineBurn>& burn) {
+    std::shared_ptr<DRBurn> makeBurn() const { return service->burnForDevice(drive); }
+    std::unique_ptr<BurnLog> observe(const std::shared_ptr<DRBurn>& burn) const {
         return std::make_unique<BurnLog>(loops->currentCenter(), burn.get());
     }
     /// Burns with these settings and returns the records.
@@ -125,19 +118,29 @@ public:
         EXPECT_EQ(recorder->openCount(), 0);
         EXPECT_FALSE(recorder->isTrayLocked());
     }
+
     OpticalBed bed;
     std::shared_ptr<EmulatedRecorder> recorder;
     std::shared_ptr<StepLoops> loops = std::make_shared<StepLoops>();
+    std::shared_ptr<RawSound> sound = std::make_shared<RawSound>();
     std::chrono::steady_clock::time_point time = std::chrono::steady_clock::now();
     TemporaryFolder sources;
-    BurnServices services = {.runLoops = loops,
-                             .pcm = std::make_shared<RawSound>(),
-                             .dataDiscs = makeJolietDiscs(),
-                             .threads = std::make_shared<BurnThreads>(),
-                             .clock = std::chrono::steady_clock::now};
+    std::shared_ptr<EngineRecorder> service;
     std::shared_ptr<OpticalDrive> drive;
 
 private:
+    std::shared_ptr<EngineRecorder> makeService(Listing listing) const {
+        DriveLists lists;
+        if (listing == Listing::ByUdev)
+            lists.push_back(
+                std::make_shared<OpticalDrives>(loops, OpticalDrivesParts{.isUdevRunning = true}));
+        return std::make_shared<EngineRecorder>(RecorderServices{loops, sound, makeJolietDiscs()},
+                                                std::move(lists));
+    }
+    std::shared_ptr<OpticalDrive> listedDrive() const {
+        return std::dynamic_pointer_cast<OpticalDrive>(service->devices().at(0));
+    }
+
     std::uint32_t _sources = 0;
 };
 

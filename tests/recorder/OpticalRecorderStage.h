@@ -9,49 +9,40 @@
 #include <utility>
 #include <vector>
 
-#include "adapters/engine/EngineRecorder.h"
-#include "adapters/isofs/JolietDiscs.h"
-#include "adapters/optical/OpticalDrives.h"
 #include "quarner/platform/DRKeys.h"
 #include "tests/recorder/AudioStage.h"
 #include "tests/recorder/DataStage.h"
-#include "tests/support/optical/OpticalBed.h"
+#include "tests/support/optical/OpticalStage.h"
 
 namespace quarner {
 
 /// The recorder for real drives on a machine with one emulated drive.
-class OpticalStage : public SourceStage {
+class OpticalRecorderStage : public WritingStage {
 public:
-    std::shared_ptr<RecordingService> service() override { return _recorder; }
-    std::shared_ptr<DRDevice> drive() override { return _drive; }
+    std::shared_ptr<RecordingService> service() override { return _machine.service; }
+    TurnedLoops& loops() override { return *_machine.loops; }
+    std::shared_ptr<DRDevice> drive() override { return _machine.drive; }
+    std::string makeSource(std::uint64_t pairs) override {
+        return _machine.makeSource(pairs * RawSound::bytesPerPair);
+    }
     std::uint64_t blocksOnDisc() override { return static_cast<std::uint64_t>(disc().end()); }
     void insertBlank() override {
-        emulated->insert(Medium::blankCDR());
+        _machine.recorder->insert(Medium::blankCDR());
         settle();
     }
-    void unplug() override { emulated->unplug(); }
+    void unplug() override { _machine.recorder->unplug(); }
     void plugAnother() override {
         waitFor(DRDeviceAppearedNotification, "QUARNER ANOTHER",
-                [&] { bed.plug({.product = "ANOTHER"}); });
+                [&] { _machine.bed.plug({.product = "ANOTHER"}); });
     }
     void settle() override;
     bool sparesDiscs() const override { return false; }
-    void shutDown() override { _recorder.reset(); }
+    void shutDown() override { _machine.service.reset(); }
 
     /// The disc that the drive has written.
-    Medium disc() const { return emulated->writtenDisc().value(); }
-
-    OpticalBed bed;
-    const std::shared_ptr<EmulatedRecorder> emulated = bed.plug();
+    Medium disc() const { return _machine.recorder->writtenDisc().value(); }
 
 protected:
-    explicit OpticalStage(std::shared_ptr<DataDiscService> dataDiscs)
-        : _recorder(std::make_shared<EngineRecorder>(
-              RecorderServices{sharedLoops(), sound, std::move(dataDiscs)},
-              DriveLists{std::make_shared<OpticalDrives>(
-                  sharedLoops(), OpticalDrivesParts{.isUdevRunning = true})})),
-          _drive(_recorder->devices().at(0)) {}
-
     /// The content of a track without its pre-gap and run-out.
     static std::string bytesOf(const Medium& medium, const MediumTrack& track) {
         const std::vector<std::byte> bytes = medium.contentOf(track);
@@ -62,24 +53,23 @@ private:
     void waitFor(const char* notification, const std::string& drive,
                  const std::function<void()>& event);
 
-    std::shared_ptr<EngineRecorder> _recorder;
-    std::shared_ptr<DRDevice> _drive;
+    OpticalStage _machine{{}, OpticalStage::Listing::ByUdev};
 };
 
 /// Events are reported in order: after those of another drive, all earlier ones have been reported.
-inline void OpticalStage::settle() {
-    bed.finishEvents();
+inline void OpticalRecorderStage::settle() {
+    _machine.bed.finishEvents();
     std::shared_ptr<EmulatedRecorder> marker;
     waitFor(DRDeviceAppearedNotification, "QUARNER MARKER",
-            [&] { marker = bed.plug({.product = "MARKER"}); });
+            [&] { marker = _machine.bed.plug({.product = "MARKER"}); });
     waitFor(DRDeviceDisappearedNotification, "QUARNER MARKER", [&] { marker->unplug(); });
 }
 
 /// Calls `event`, and turns the run loop until the drive's notification arrives.
-inline void OpticalStage::waitFor(const char* notification, const std::string& drive,
-                                  const std::function<void()>& event) {
+inline void OpticalRecorderStage::waitFor(const char* notification, const std::string& drive,
+                                          const std::function<void()>& event) {
     bool isHeard = false;
-    const auto center = loops().currentCenter();
+    const auto center = service()->currentRunLoopCenter();
     center->addObserver(
         this,
         [&](const DRNotification& heard) {
@@ -92,10 +82,8 @@ inline void OpticalStage::waitFor(const char* notification, const std::string& d
     center->removeObserver(this, notification, nullptr);
 }
 
-class AudioOpticalStage : public AudioStage<OpticalStage> {
+class AudioOpticalStage : public AudioStage<OpticalRecorderStage> {
 public:
-    AudioOpticalStage() : AudioStage(nullptr) {}
-
     std::vector<std::string> contentsOnDisc() override {
         const Medium medium = disc();
         std::vector<std::string> contents;
@@ -105,10 +93,8 @@ public:
     }
 };
 
-class DataOpticalStage : public DataStage<OpticalStage> {
+class DataOpticalStage : public DataStage<OpticalRecorderStage> {
 public:
-    DataOpticalStage() : DataStage(makeJolietDiscs()) {}
-
     std::vector<std::string> contentsOnDisc() override {
         const Medium medium = disc();
         return filesOf(bytesOf(medium, medium.tracks.at(0)));
