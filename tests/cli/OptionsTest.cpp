@@ -146,7 +146,7 @@ TEST(Options, AUsageErrorIsMarkedForProgramsThatAskedForJson) {
 }
 
 TEST(Options, WhatAUserWroteIsSafeInTheMessage) {
-    EXPECT_THAT(usageError({"audio", "--\x1b[2J"}), HasSubstr("--\uFFFD[2J is not an option"));
+    EXPECT_THAT(usageError({"audio", "--a\x1b[2J"}), HasSubstr("--a\uFFFD[2J is not an option"));
 }
 
 class Help : public testing::TestWithParam<std::string> {};

@@ -234,10 +234,14 @@ TEST_F(ProgramDrives, ThatAUserMayNotOpenAreListedWithTheMissingGroup) {
     const std::string node = machineRoot() / "dev/sr0";
     ASSERT_EQ(chown(node.c_str(), 0, cdrom->gr_gid), 0);
     ASSERT_EQ(chmod(node.c_str(), 0660), 0);
+    // Later versions of umockdev answer the calls on every node through sockets.
+    for (const auto& socket :
+         std::filesystem::recursive_directory_iterator(machineRoot() / "ioctl"))
+        std::filesystem::permissions(socket, std::filesystem::perms::all);
     HostSettings nobody = here();
     nobody.wrapper = {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"};
     const HostEnd end = run({"drives"}, nobody);
-    EXPECT_EQ(end.status, 0);
+    EXPECT_EQ(end.status, 0) << end.err;
     EXPECT_THAT(end.out, HasSubstr("QUARNER DISC RECORDER: writes CDs; /dev/sr0 may be opened only "
                                    "by members of the group cdrom"));
     EXPECT_EQ(run({"disc"}, nobody).status, 2);
