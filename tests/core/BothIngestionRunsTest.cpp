@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <thread>
 #include <utility>
@@ -155,7 +156,7 @@ TYPED_TEST(BothIngestionRuns, ARunExaminesItsNextFileWithTheServicesThatAreInsta
     EXPECT_EQ(this->delegate.reports().front(), this->reportOf({songs[1]}));
 }
 
-/// Prepares one movie until its run is cancelled.
+/// Prepares one movie until its run is cancelled, and for as long after that as it may.
 class SlowMedia : public MediaService {
 public:
     explicit SlowMedia(std::shared_ptr<MediaService> media) : _media(std::move(media)) {}
@@ -166,9 +167,12 @@ public:
     bool prepareMovie(const std::string& path, const MayContinue& mayContinue) override {
         if (path != slowPath)
             return true;
+        mightContinueBefore = mayContinue();
         whenBegun();
+        const auto canceled = std::chrono::steady_clock::now();
         while (mayContinue())
             std::this_thread::yield();
+        timeToComplete = std::chrono::steady_clock::now() - canceled;
         return false;
     }
     std::vector<std::string> movieFileTypes(std::uint32_t flags) override {
@@ -177,6 +181,8 @@ public:
 
     std::string slowPath;
     std::function<void()> whenBegun;
+    bool mightContinueBefore = false;
+    std::chrono::steady_clock::duration timeToComplete = {};
 
 private:
     const std::shared_ptr<MediaService> _media;
@@ -192,6 +198,8 @@ TYPED_TEST(BothIngestionRuns, ACancelInsideAFileEndsTheRunWithoutThatFile) {
     installPlatform(slow);
     this->burner->addFiles(songs);
     this->finishRuns();
+    EXPECT_TRUE(media->mightContinueBefore);
+    EXPECT_GE(media->timeToComplete, std::chrono::milliseconds(500)) << "for a usual file";
     EXPECT_THAT(this->delegate.calls(),
                 ElementsAre("addFilesProgressDidStarted",
                             "addFilesProgressDidChanged(s00.mp3, 1, 3)", "fileDidAdded(/s00.mp3)",

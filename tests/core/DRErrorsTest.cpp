@@ -24,7 +24,8 @@ constexpr DRError all[] = {DRError::UserCanceled,     DRError::DeviceBusy,
                            DRError::Internal};
 
 TEST(DRErrors, EveryCodeHasATextOfItsOwn) {
-    std::set<std::string_view> texts = {unknown, textForBurnErrorCode(0)};
+    std::set<std::string_view> texts = {"", unknown};
+    EXPECT_TRUE(texts.insert(textForBurnErrorCode(0)).second);
     for (const DRError error : all)
         EXPECT_TRUE(texts.insert(textForBurnErrorCode(signedCode(error))).second)
             << textForBurnErrorCode(signedCode(error));

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <gtest/gtest.h>
 
+#include <limits>
+
+#include "quarner/platform/DRFolder.h"
 #include "quarner/platform/DRTrack.h"
 
 namespace quarner::testing {
@@ -56,6 +59,28 @@ TEST(DRTrack, TheEstimateIsTheLengthAndThePreGapWithoutAnother) {
     EXPECT_EQ(track.estimateLength(), 450U);
     EXPECT_FALSE(track.isEstimateBelow(450));
     EXPECT_TRUE(track.isEstimateBelow(451));
+}
+
+TEST(DRTrack, IsOfItsClassAlone) {
+    const DRTrack track;
+    EXPECT_EQ(track.className(), "DRTrack");
+    EXPECT_TRUE(track.isKindOfClass("DRTrack"));
+    EXPECT_FALSE(track.isKindOfClass("DRFolder"));
+}
+
+TEST(DRFolder, IsOfItsClassAlone) {
+    const DRFolder folder("Disc");
+    EXPECT_EQ(folder.className(), "DRFolder");
+    EXPECT_TRUE(folder.isKindOfClass("DRFolder"));
+    EXPECT_FALSE(folder.isKindOfClass("DRTrack"));
+}
+
+TEST(SectorsForSamples, RoundUpAndStayWithinWhatATrackMayHave) {
+    EXPECT_EQ(sectorsForSamples(0), 300U) << "four seconds, the shortest track";
+    EXPECT_EQ(sectorsForSamples(400 * 588), 400U);
+    EXPECT_EQ(sectorsForSamples(400 * 588 + 1), 401U);
+    EXPECT_EQ(sectorsForSamples(std::numeric_limits<std::uint64_t>::max()),
+              std::numeric_limits<std::uint32_t>::max());
 }
 
 } // namespace

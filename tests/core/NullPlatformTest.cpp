@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <gtest/gtest.h>
 
+#include <future>
 #include <limits>
+#include <thread>
 
+#include "quarner/front/BurnerRegistry.h"
+#include "quarner/platform/NullPlatform.h"
 #include "quarner/quarner.h"
 
 namespace quarner {
@@ -26,6 +30,88 @@ TEST(Quarner, TheFactoryFindsTheAudioBurnerByName) {
     ASSERT_NE(Quarner::audioCDBurner(), nullptr);
     EXPECT_EQ(Quarner::audioCDBurner()->supportedFileTypes(),
               (std::vector<std::string>{"mp3", "MP3", "m4a", "M4A"}));
+}
+
+TEST(BurnerRegistry, MakesABurnerOnlyOfAClassThatIsRegistered) {
+    EXPECT_EQ(makeBurner("NoSuchBurner"), nullptr);
+    const auto maker = [] { return std::make_shared<Quarner>(); };
+    EXPECT_TRUE(registerBurner("BurnerOfATest", maker));
+    EXPECT_NE(makeBurner("BurnerOfATest"), nullptr);
+}
+
+TEST(BurnerRegistry, KeepsTheFirstMakerOfAClass) {
+    const auto first = std::make_shared<Quarner>();
+    ASSERT_TRUE(registerBurner("BurnerOfTwoMakers", [first] { return first; }));
+    EXPECT_FALSE(registerBurner("BurnerOfTwoMakers", [] { return std::make_shared<Quarner>(); }));
+    EXPECT_EQ(makeBurner("BurnerOfTwoMakers"), first);
+}
+
+class NullPlatform : public testing::Test {
+protected:
+    int compare(const std::string& a, const std::string& b) const {
+        return platform.text->compareLocalizedCaseInsensitive(a, b);
+    }
+
+    const Platform platform = nullPlatform();
+};
+
+TEST_F(NullPlatform, HasNoDriveAndABurnThatDoesNothing) {
+    EXPECT_TRUE(platform.recording->devices().empty());
+    const std::shared_ptr<DRBurn> burn = platform.recording->burnForDevice(nullptr);
+    ASSERT_NE(burn, nullptr);
+    burn->setProperties({});
+    burn->writeLayout({});
+    burn->abort();
+    EXPECT_NE(platform.recording->currentRunLoopCenter(), nullptr);
+}
+
+TEST_F(NullPlatform, ReadsNoFile) {
+    EXPECT_EQ(platform.media->movieWithFile("/a.mp3"), nullptr);
+    EXPECT_EQ(platform.recording->trackForAudioFile("/a.mp3"), nullptr);
+    EXPECT_EQ(platform.recording->trackForRootFolder(std::make_shared<DRFolder>("Disc")), nullptr);
+}
+
+TEST_F(NullPlatform, ShowsTheNameOfAFileWithoutItsFolder) {
+    EXPECT_EQ(platform.files->displayName("/music/a.mp3"), "a.mp3");
+    EXPECT_EQ(platform.files->displayName("a.mp3"), "a.mp3");
+}
+
+TEST_F(NullPlatform, WorksInAThreadOfItsOwnAndInsteadOfTheMainThreadAtOnce) {
+    std::promise<std::thread::id> worker;
+    platform.dispatch->asyncGlobal([&] { worker.set_value(std::this_thread::get_id()); });
+    EXPECT_NE(worker.get_future().get(), std::this_thread::get_id());
+    std::thread::id main;
+    platform.dispatch->syncMain([&] { main = std::this_thread::get_id(); });
+    EXPECT_EQ(main, std::this_thread::get_id());
+}
+
+TEST_F(NullPlatform, SortsWithoutRegardToCase) {
+    EXPECT_EQ(compare("", ""), 0);
+    EXPECT_EQ(compare("Song", "sONG"), 0);
+    EXPECT_LT(compare("a", "B"), 0);
+    EXPECT_GT(compare("b", "A"), 0);
+    EXPECT_LT(compare("song", "songs"), 0);
+    EXPECT_GT(compare("songs", "song"), 0);
+    EXPECT_LT(compare("song", std::string("song\0", 5)), 0)
+        << "an end comes before every character";
+    EXPECT_GT(compare(std::string("song\0", 5), "song"), 0);
+}
+
+TEST_F(NullPlatform, WritesNumbersAndTextsAsTheyAre) {
+    EXPECT_EQ(platform.text->localizedNumber(1234.56, 1), "1234.6");
+    EXPECT_EQ(platform.text->localizedNumber(-2.0, 0), "-2");
+    EXPECT_EQ(platform.text->localizedString("%.1f MB"), "%.1f MB");
+}
+
+TEST_F(NullPlatform, StandsInForEveryServiceThatIsMissing) {
+    installPlatform({});
+    const auto current = currentPlatform();
+    EXPECT_NE(current->recording, nullptr);
+    EXPECT_NE(current->media, nullptr);
+    EXPECT_NE(current->files, nullptr);
+    EXPECT_NE(current->dispatch, nullptr);
+    EXPECT_NE(current->text, nullptr);
+    EXPECT_NE(current->log, nullptr);
 }
 
 } // namespace
