@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <functional>
+#include <set>
 #include <utility>
 
 #include "quarner/platform/Platform.h"
@@ -35,15 +36,19 @@ private:
 class KeepingCenter : public DRNotificationCenter {
 public:
     explicit KeepingCenter(Steps& steps) : _steps(steps) {}
-    void addObserver(const void*, Handler, std::string_view name, const DRObject* object) override {
+    void addObserver(const void* observer, Handler, std::string_view name,
+                     const DRObject* object) override {
         _steps.push_back("addObserver " + std::string(name));
         observed = object;
+        observers.insert(observer);
     }
-    void removeObserver(const void*, std::string_view name, const DRObject*) override {
+    void removeObserver(const void* observer, std::string_view name, const DRObject*) override {
         _steps.push_back("removeObserver " + std::string(name));
+        observers.erase(observer);
     }
 
     const DRObject* observed = nullptr;
+    std::multiset<const void*> observers; // one for each registration
 
 private:
     Steps& _steps;
@@ -167,6 +172,17 @@ TYPED_TEST(BothBurnOrder, ABurnerThatIsDestroyedInMidBurnIsNoLongerRegistered) {
     this->steps.clear();
     this->burner.reset();
     EXPECT_THAT(this->steps, ElementsAre("removeObserver DRBurnStatusChangedNotification"));
+}
+
+TYPED_TEST(BothBurnOrder, BurnersThatAreDroppedInMidBurnLeaveNoRegistrations) {
+    for (int i = 0; i < 3000; ++i) {
+        this->burner = std::make_shared<TypeParam>();
+        this->burner->_content.append(this->makeItem());
+        this->burner->burnWithDevice(QuarnerDevice("Writer"), "Disc");
+    }
+    EXPECT_EQ(this->recording->center->observers.count(this->burner.get()), 1U);
+    this->burner.reset();
+    EXPECT_TRUE(this->recording->center->observers.empty()); // each would slow every delivery down
 }
 
 using AudioBurnOrder = BothBurnOrder<OpenAudioCDBurner>;

@@ -88,6 +88,24 @@ TEST_F(DesktopAddingFiles, ASymbolicLinkIsAcceptedUnderItsOwnPath) {
     EXPECT_THAT(paths(), ElementsAre(folder.file("link.mp3")));
 }
 
+TEST_F(DesktopAddingFiles, PathsAreComparedAndKeptAsTheyAreWritten) {
+    compileInWorkingDirectory("five.mp3", "a.mp3");
+    EXPECT_THAT(paths(), ElementsAre("a.mp3"));
+    EXPECT_FALSE(burner->addFiles({"a.mp3"}));
+    compile({"./a.mp3"});
+    compile({folder.file("a.mp3")});
+    EXPECT_THAT(paths(), ElementsAre("a.mp3", "./a.mp3", folder.file("a.mp3")));
+}
+
+TEST_F(DesktopAddingFiles, ARelativePathCountsFromTheWorkingDirectoryOfTheMoment) {
+    compileInWorkingDirectory("five.mp3", "a.mp3");
+    EXPECT_EQ(burner->getMovieDuration("a.mp3"), 5);
+    std::filesystem::current_path("/");
+    EXPECT_EQ(burner->getMovieDuration("a.mp3"), 0);
+    burner->clearAll();
+    EXPECT_FALSE(burner->addFiles({"a.mp3"}));
+}
+
 TEST_F(DesktopAddingFiles, AnExtensionInCapitalsIsSupported) {
     const std::string path = put("five.mp3", "song.MP3");
     compile({path});

@@ -205,6 +205,18 @@ TEST_F(DesktopBurning, AFileThatIsGoneSinceItWasAddedFailsTheBurn) {
     EXPECT_THAT(filesInFolder(), IsEmpty());
 }
 
+TEST_F(DesktopBurning, ARelativePathCountsFromTheWorkingDirectoryOfTheBurn) {
+    const QuarnerDevice drive(addDrive());
+    compileInWorkingDirectory("five.mp3", "one.mp3");
+    std::filesystem::current_path("/");
+    burner->burnWithDevice(drive, std::nullopt);
+    ASSERT_TRUE(runUntil([&] { return !delegate.errors().empty(); }));
+    EXPECT_EQ(delegate.errors().front().code, signedCode(DRError::SourceMissing));
+    std::filesystem::current_path(folder.path());
+    burner->burnWithDevice(drive, std::nullopt);
+    EXPECT_TRUE(runUntilCalled("burnProgressDidDone"));
+}
+
 TEST_F(DesktopBurning, AThreadHearsOfEachBurnThroughTheLoopThatItThenHas) {
     const std::string name = addDrive();
     compile({put("five.mp3", "one.mp3")});

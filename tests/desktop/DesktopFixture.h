@@ -31,7 +31,10 @@ protected:
         installDesktopPlatform();
         burner->setDelegate(&delegate);
     }
-    ~DesktopTest() override { uninstallDesktopPlatform(); }
+    ~DesktopTest() override {
+        uninstallDesktopPlatform();
+        std::filesystem::current_path(_directory);
+    }
 
     /// Runs the loop until a condition is true. Returns false after a minute.
     static bool runUntil(const std::function<bool()>& condition) {
@@ -69,6 +72,14 @@ protected:
         ASSERT_TRUE(runUntilCalled("addFilesProgressDidEnd"));
     }
 
+    /// Copies a song into the folder, makes that the working directory, and adds the song by its
+    /// bare name.
+    void compileInWorkingDirectory(const std::string& song, const std::string& name) {
+        put(song, name);
+        std::filesystem::current_path(folder.path());
+        compile({name});
+    }
+
     std::uint64_t count() const { return burner->numberOfChildrenOfBurnItem(nullptr); }
 
     /// The paths of the items, in order.
@@ -85,6 +96,9 @@ protected:
     const TemporaryFolder folder;
     RecordingDelegate delegate;
     std::shared_ptr<Quarner> burner = Quarner::audioCDBurner();
+
+private:
+    const std::filesystem::path _directory = std::filesystem::current_path();
 };
 
 } // namespace quarner::testing

@@ -88,6 +88,19 @@ TEST_F(EngineDriveTest, TheSpeedIsThatOfTheBurnUntilItEnds) {
     EXPECT_EQ(speed(), 0.0);
 }
 
+TEST_F(EngineDriveTest, AChangeOfSpeedIsNotReported) {
+    const auto center = loops->currentCenter();
+    int heard = 0;
+    center->addObserver(
+        this, [&](const DRNotification&) { ++heard; }, DRDeviceStatusChangedNotification, nullptr);
+    claim();
+    loops->runPending();
+    heard = 0;
+    drive->speedChanged(1200.0);
+    loops->runPending();
+    EXPECT_EQ(heard, 0);
+}
+
 TEST_F(EngineDriveTest, AChangeIsReportedToTheRunLoopsWhileThereAreAny) {
     const auto center = loops->currentCenter();
     std::vector<std::shared_ptr<DRObject>> senders;
