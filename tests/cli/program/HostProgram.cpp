@@ -65,6 +65,13 @@ std::vector<std::string> commandLine(const std::vector<std::string>& arguments,
     return words;
 }
 
+/// A shell starts its background jobs with SIGINT ignored, and the program heeds that: it would not
+/// end by the signal.
+void heedSignals() {
+    for (const int number : {SIGHUP, SIGINT, SIGTERM})
+        std::signal(number, SIG_DFL);
+}
+
 /// Becomes the program; called in the child process.
 [[noreturn]] void become(std::vector<std::string> words, const HostSettings& settings, int out,
                          int err) {
@@ -72,6 +79,7 @@ std::vector<std::string> commandLine(const std::vector<std::string>& arguments,
     for (std::string& word : words)
         pointers.push_back(word.data());
     pointers.push_back(nullptr);
+    heedSignals();
     const int in = settings.isTypedTo ? out : open("/dev/null", O_RDONLY);
     if (dup2(in, 0) == 0 && dup2(out, 1) == 1 && dup2(err, 2) == 2 &&
         chdir(settings.folder.c_str()) == 0)
