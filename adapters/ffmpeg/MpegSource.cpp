@@ -78,7 +78,7 @@ std::optional<SoundLength> MpegSource::scannedLength() {
         length.samples += static_cast<std::uint64_t>(heard.until - heard.from);
         length.rate = frame->header.rate;
     }
-    return _frames.hasFailed() || _frames.isUnusual() ? std::nullopt : std::optional(length);
+    return _frames.hasFailed() ? std::nullopt : std::optional(length);
 }
 
 /// The next frame that is sound. Where files were joined, a tag of text and then the encoder's tag
@@ -119,12 +119,8 @@ MpegSource::Span MpegSource::place(const MpegFrames::Frame& frame) {
     Span heard = {0, samples};
     if (_tag && _tag->isTrimmed)
         heard.from = std::clamp<std::int64_t>(std::int64_t(_tag->delay) - start, 0, samples);
-    if (start < _padding.until && _position > _padding.from) {
-        if (start >= _padding.from)
-            heard.from = std::max(heard.from, std::min(_padding.until - start, samples));
-        else
-            heard.until = _padding.from - start;
-    }
+    if (start < _padding.until && _position > _padding.from)
+        heard.until = _padding.from - start;
     heard.until = std::max(heard.until, heard.from);
     return heard;
 }

@@ -43,15 +43,14 @@ PCMLength lengthOf(const SoundLength& sound) {
     return {sound.samples, sound.rate, resampledLength(sound.samples, sound.rate)};
 }
 
-/// The length of an MPEG stream without decoding it.
-std::optional<PCMLength> measureMpeg(WindowedFile& file) {
-    if (const auto proven = MpegSource(file).provenLength())
+/// The length of an MPEG stream without decoding more of it than its start.
+std::optional<PCMLength> measureMpeg(MpegSource& source, WindowedFile& file) {
+    if (const auto proven = source.provenLength())
         return lengthOf(*proven);
-    auto decoder = AudioDecoder::open(std::make_unique<MpegSource>(file));
-    if (!decoder || !startsToSound(*decoder) || decoder->emptyPackets() > 0)
-        return std::nullopt;
-    const auto scanned = MpegSource(file).scannedLength();
-    return scanned ? std::optional(lengthOf(*scanned)) : std::nullopt;
+    const auto scanned = source.scannedLength();
+    const auto decoder = scanned ? AudioDecoder::open(std::make_unique<MpegSource>(file)) : nullptr;
+    const bool fits = decoder && startsToSound(*decoder) && decoder->emptyPackets() == 0;
+    return fits ? std::optional(lengthOf(*scanned)) : std::nullopt;
 }
 
 /// A codec whose packets all decode to the same number of samples.
@@ -150,7 +149,8 @@ Measurement measureSound(const std::string& path, const MayContinue& mayContinue
     if (!file)
         return {};
     Measurement result;
-    result.length = openMpeg(*file) ? measureMpeg(*file) : measureMp4(*file);
+    const auto mpeg = openMpeg(*file);
+    result.length = mpeg ? measureMpeg(*mpeg, *file) : measureMp4(*file);
     if (!result.length && !file->hasFailed() && isSound(path, mayContinue))
         result.length = measureByDecoding(path, mayContinue);
     result.wasStopped = !result.length && mayContinue && !mayContinue();

@@ -83,6 +83,12 @@ TEST_F(FFmpegDelays, OfHighEfficiencyInAnEditListAreObeyedToTheSample) {
     EXPECT_EQ(part, Samples(whole.begin() + 4 * from, whole.begin() + 4 * (from + count)));
 }
 
+TEST_F(FFmpegDelays, ThatAreNotedBesideAnEditListDoNotCount) {
+    const PatchedM4A file(aacRecipe());
+    EXPECT_EQ(decodedAsMeasured(PatchedM4A(file).noteDelay(2112, 700).content),
+              decodedAsMeasured(file.content));
+}
+
 TEST_F(FFmpegDelays, OfAnEncoderThatTheDecoderKnowsAreNotHeard) {
     const Samples whole = decodedAsMeasured(plain(44100).content);
     const std::string known = plain(44100).set("Lavc", 1, "libfaac 1.30").content;

@@ -11,6 +11,7 @@
 #include "adapters/ffmpeg/FFmpegServices.h"
 #include "adapters/ffmpeg/MpegSource.h"
 #include "tests/ffmpeg/Decoding.h"
+#include "tests/ffmpeg/PatchedM4A.h"
 #include "tests/support/AudioFixtures.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -25,17 +26,43 @@ protected:
     }
     std::string write(const std::string& content) const { return folder.write("a.mp3", content); }
 
-    /// Expects that the header proves nothing, and that the file plays as long as it is measured
-    /// and as the ffmpeg program plays it.
-    void expectFound(const std::string& content) const {
+    /// Expects that the header proves nothing, and that the file plays as long as it is measured.
+    /// Returns the number of samples.
+    std::size_t expectNotProven(const std::string& content) const {
         const std::string path = write(content);
         EXPECT_FALSE(proven(path));
         const auto length = service->measure(path);
         const auto ours = decoded(*service, path);
-        ASSERT_TRUE(length && ours);
+        EXPECT_TRUE(length && ours);
+        if (!length || !ours)
+            return 0;
         EXPECT_EQ(ours->size(), 2 * length->discSamples);
-        EXPECT_EQ(ours->size(), decodedByFFmpeg(path).size());
+        return length->discSamples;
     }
+    /// The same for a file that the ffmpeg program plays as long.
+    void expectFound(const std::string& content) const {
+        const std::size_t samples = expectNotProven(content);
+        EXPECT_EQ(2 * samples, decodedByFFmpeg(folder.file("a.mp3")).size());
+    }
+
+    /// The tagged file with another number in its tag, at an offset, and the checksum that fits.
+    std::string withNumber(std::size_t offset, const std::string& bytes) const {
+        constexpr std::size_t checksum = 154; // its offset
+        std::string content = tagged;
+        content.replace(tag + offset, bytes.size(), bytes);
+        unsigned sum = 0; // CRC-16/ARC
+        for (std::size_t i = tag - tagInFrame; i < tag + checksum; ++i) {
+            sum ^= static_cast<unsigned char>(content[i]);
+            for (int bit = 0; bit < 8; ++bit)
+                sum = (sum & 1) != 0 ? sum >> 1 ^ 0xa001 : sum >> 1;
+        }
+        content[tag + checksum] = static_cast<char>(sum >> 8);
+        content[tag + checksum + 1] = static_cast<char>(sum & 0xff);
+        return content;
+    }
+
+    static constexpr std::size_t tagInFrame = 36; // of two channels
+    static constexpr std::size_t tagFrame = 417;  // bytes
 
     const TemporaryFolder folder;
     const std::shared_ptr<PCMService> service = makeFFmpegPCMService();
@@ -87,12 +114,32 @@ TEST_F(FFmpegHeaders, ATagWhoseNumberOfBytesDoesNotFitIsNotBelieved) {
 TEST_F(FFmpegHeaders, ATagWithAWrongChecksumIsNotBelieved) {
     std::string content = tagged;
     content[tag + 10] = static_cast<char>(content[tag + 10] ^ 1); // 256 frames more or fewer
-    const std::string path = write(content);
-    EXPECT_FALSE(proven(path));
-    const auto length = service->measure(path);
-    const auto ours = decoded(*service, path);
-    ASSERT_TRUE(length && ours);
-    EXPECT_EQ(ours->size(), 2 * length->discSamples);
+    expectNotProven(content);
+}
+
+TEST_F(FFmpegHeaders, ATagBeforeFramesOfAnotherRateIsNotBelieved) {
+    AudioRecipe other = untaggedMP3Recipe();
+    other.rate = 48000;
+    other.samples = 48000 * 11;
+    const std::size_t frames = tag - tagInFrame + tagFrame;
+    const std::string rest = contentOf(audioFixture(other)).substr(0, tagged.size() - frames);
+    ASSERT_EQ(rest.size(), tagged.size() - frames);
+    expectNotProven(tagged.substr(0, frames) + rest);
+}
+
+TEST_F(FFmpegHeaders, ATagThatLeavesNoSoundIsNotBelieved) {
+    constexpr std::size_t framesField = 8;
+    constexpr std::size_t bytesField = 12;
+    EXPECT_TRUE(proven(write(withNumber(framesField, std::string("\0\0\1\x7f", 4)))));
+    EXPECT_FALSE(proven(write(withNumber(bytesField, std::string("\0\0\1\x7f", 4)))));
+    EXPECT_GT(expectNotProven(withNumber(framesField, std::string("\0\0\0\1", 4))), 400'000U);
+}
+
+TEST_F(FFmpegHeaders, AFileWithARightTagIsAnMP3AlsoWhereItsFramesComeLate) {
+    const std::size_t frames = tag - tagInFrame + tagFrame;
+    const std::string late =
+        tagged.substr(0, frames) + std::string(2'000'000, '\0') + tagged.substr(frames);
+    EXPECT_GT(expectNotProven(late), 400'000U);
 }
 
 TEST_F(FFmpegHeaders, TagsInFrontAndBehindDoNotCount) {
@@ -153,6 +200,20 @@ TEST_F(FFmpegHeaders, MoreDamageThanIsReadThroughIsRefusedInLittleMemory) {
 TEST_F(FFmpegHeaders, AHugeFileIsRefusedSoon) {
     EXPECT_FALSE(service->measure(sparse(folder, "", 1ULL << 40)));
     EXPECT_FALSE(service->measure(sparse(folder, tagged, 1ULL << 40)));
+    AudioRecipe streamed = aacRecipe();
+    streamed.name = "streamed.aac";
+    const std::string path = sparse(folder, contentOf(audioFixture(streamed)), 1ULL << 40);
+    service->measure(path); // plays to where the damage begins, or is refused
+}
+
+TEST_F(FFmpegHeaders, ATableOfMorePacketsThanADemuxerIsToHoldIsRefused) {
+    PatchedM4A file(aacRecipe());
+    constexpr std::size_t count = 12; // after the name: version, common size
+    const auto refused = [&](std::uint32_t packets) {
+        return !service->measure(write(file.set("stsz", count, bigEndian(packets)).content));
+    };
+    EXPECT_FALSE(refused(400));
+    EXPECT_TRUE(refused(1'000'001));
 }
 
 TEST_F(FFmpegHeaders, MeasuringEndsInsideAFileWhenItIsNotContinued) {
