@@ -53,7 +53,7 @@ bool FFmpegPCMStream::produce() {
     _taken = 0;
     const bool isProduced = _isDecoded ? finish() : _silence > 0 ? convertSilence() : convert();
     if (_length && _ready.size() / 2 > missingPairs())
-        _ready.resize(2 * missingPairs());
+        _ready.resize(static_cast<std::size_t>(2 * missingPairs()));
     _pairs += _ready.size() / 2;
     if (_length && missingPairs() == 0)
         _isComplete = true;
@@ -102,8 +102,10 @@ void FFmpegPCMStream::countSource(const AudioDecoder::Chunk& chunk) {
 bool FFmpegPCMStream::convertSilence() {
     const std::uint64_t samples = std::min(_silence, silenceAtOnce);
     _silence -= samples;
-    if (!_resampler.convertSilence(_decoder->layout(), _silenceRate, samples, _ready))
-        _ready.resize(_ready.size() + 2 * resampledLength(samples, _silenceRate)); // no such format
+    if (!_resampler.convertSilence(_decoder->layout(), _silenceRate, samples, _ready)) {
+        const std::uint64_t pairs = resampledLength(samples, _silenceRate); // no such format
+        _ready.resize(_ready.size() + static_cast<std::size_t>(2 * pairs));
+    }
     return true;
 }
 

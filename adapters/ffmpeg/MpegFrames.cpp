@@ -93,7 +93,8 @@ bool MpegFrames::search() {
             _hasFailed = true;
             return false;
         }
-        const auto bytes = _file.view(_at, std::min<std::uint64_t>(atOnce, _end - _at));
+        const auto bytes =
+            _file.view(_at, static_cast<std::size_t>(std::min<std::uint64_t>(atOnce, _end - _at)));
         const std::size_t skipped = bytesWithoutStart(bytes);
         _at += skipped;
         if (skipped == bytes.size())

@@ -90,6 +90,9 @@ TEST_F(PathsTest, ATypeStringHoldsTheBytesOfTheCode) {
 TEST_F(PathsTest, TheExtensionIsWhatFollowsTheLastDotOfTheLastComponent) {
     EXPECT_EQ(Paths::lowercaseExtension("/a/song.MP3"), "mp3");
     EXPECT_EQ(Paths::lowercaseExtension("/a/song.tar.Gz"), "gz");
+    EXPECT_EQ(Paths::lowercaseExtension("/a/song.AZ@["), "az@[");
+    EXPECT_EQ(Paths::lowercaseExtension("/a/.mp3"), "mp3");
+    EXPECT_EQ(Paths::lowercaseExtension("/.m4a"), "m4a");
     EXPECT_EQ(Paths::lowercaseExtension("/a.b/song"), "");
     EXPECT_EQ(Paths::lowercaseExtension("/a/song."), "");
     EXPECT_EQ(Paths::lowercaseExtension("song.m4a"), "m4a");
