@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <gtest/gtest.h>
 
+#include <future>
+
 #include "tests/image/ImageTest.h"
 
 namespace quarner {
@@ -39,16 +41,19 @@ TEST_P(TwoBurns, OnTwoDrivesGoOnAtTheSameTime) {
 TEST_P(TwoBurns, ToOneImageAtTheSameTimeEndInARefusalOfTheSecond) {
     prepareSecond(stage->image());
     const DRLayout otherLayout = stage->layoutOf(otherSources);
-    bool isStarted = false;
-    stage->loops().setInStep(true);
+    std::promise<void> secondEnd;
+    const std::shared_future<void> secondHasEnded = secondEnd.get_future();
+    stage->whileReading(sources.front(), // the first burn goes on when the second is over
+                        [=] { secondHasEnded.wait_for(std::chrono::seconds(10)); });
+    secondLog->onRecord = [&](const Dictionary&) {
+        if (secondLog->isOver())
+            secondEnd.set_value();
+    };
     const Outcome outcome =
         burn(stage->layoutOf(sources), stage->drive(), [&](const Dictionary& record) {
-            if (BurnLog::stateOf(record) != DRStatusStateSessionOpen || isStarted)
-                return;
-            isStarted = true;
-            second->writeLayout(otherLayout);
+            if (BurnLog::stateOf(record) == DRStatusStateSessionOpen)
+                second->writeLayout(otherLayout);
         });
-    stage->loops().setInStep(false);
     ASSERT_TRUE(runSecondToEnd());
     EXPECT_TRUE(outcome.isDone) << outcome.info;
     EXPECT_EQ(secondLog->code(), codeOf(DRError::DeviceBusy)) << secondLog->info();
