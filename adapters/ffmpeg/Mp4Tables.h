@@ -42,6 +42,10 @@ struct Mp4Tables {
     /// the end of the media is the end of the media. Only where the media ends with a whole packet,
     /// whose table does not know the end to the sample, the edit list is obeyed as it is.
     std::optional<Window> edited() const;
+
+    /// True if the tables prove how many ticks are heard: they are consistent, and the edit list
+    /// is one that `edited` understands.
+    bool areProof() const { return isConsistent && (edits.empty() || edited()); }
 };
 
 /// Reads the tables. Nothing if the file is no MP4 file, has no track of sound, or more than one.

@@ -80,7 +80,7 @@ bool fitsTable(const AudioDecoder::Chunk& chunk, const AudioDecoder& decoder,
 /// The length of an MP4 file by its tables, which have to fit what its first packets decode to.
 std::optional<PCMLength> measureMp4(WindowedFile& file) {
     auto source = ContainerSource::open(file);
-    if (!source || !source->tables() || !source->tables()->isConsistent ||
+    if (!source || !source->tables() || !source->tables()->areProof() ||
         !hasProvableLength(source->parameters().codec_id))
         return std::nullopt;
     const ContainerSource& container = *source;

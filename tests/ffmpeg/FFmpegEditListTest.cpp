@@ -55,6 +55,20 @@ TEST_F(FFmpegEditLists, AnEndBehindTheMediaIsTheEndOfTheMedia) {
             2 * codec.recipe.samples);
 }
 
+TEST_F(FFmpegEditLists, WithMoreThanOneCutPlayAsTheFFmpegProgramPlaysThem) {
+    for (const Codec& codec : everyCodec()) {
+        const std::string content = PatchedM4A(codec.recipe)
+                                        .setEdit(codec.delay + 8192, 81920)
+                                        .addEdit(codec.delay + 163840, 122880)
+                                        .content;
+        const auto ours = decodedAsMeasured(content);
+        const auto theirs = decodedByFFmpeg(folder.write("b.m4a", content));
+        EXPECT_GT(theirs.size(), 2 * 200'000U);
+        EXPECT_EQ(ours.size(), theirs.size()) << codec.recipe.name;
+        EXPECT_LE(largestDifference(ours, theirs), 1);
+    }
+}
+
 TEST_F(FFmpegEditLists, WithoutOneTheFirstPacketIsHeardAsTheFFmpegProgramPlaysIt) {
     for (const Codec& codec : everyCodec()) {
         const std::string content = PatchedM4A(codec.recipe).removeEdit().content;

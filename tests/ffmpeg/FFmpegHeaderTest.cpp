@@ -11,7 +11,6 @@
 #include "adapters/ffmpeg/FFmpegServices.h"
 #include "adapters/ffmpeg/MpegSource.h"
 #include "tests/ffmpeg/Decoding.h"
-#include "tests/ffmpeg/PatchedM4A.h"
 #include "tests/support/AudioFixtures.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -200,20 +199,31 @@ TEST_F(FFmpegHeaders, MoreDamageThanIsReadThroughIsRefusedInLittleMemory) {
 TEST_F(FFmpegHeaders, AHugeFileIsRefusedSoon) {
     EXPECT_FALSE(service->measure(sparse(folder, "", 1ULL << 40)));
     EXPECT_FALSE(service->measure(sparse(folder, tagged, 1ULL << 40)));
-    AudioRecipe streamed = aacRecipe();
-    streamed.name = "streamed.aac";
-    const std::string path = sparse(folder, contentOf(audioFixture(streamed)), 1ULL << 40);
-    service->measure(path); // plays to where the damage begins, or is refused
+    AudioRecipe other = aacRecipe();
+    other.name = "other.flac";
+    other.encoder = {"-c:a", "flac"};
+    EXPECT_FALSE(service->measure(sparse(folder, contentOf(audioFixture(other)), 1ULL << 40)));
 }
 
 TEST_F(FFmpegHeaders, ATableOfMorePacketsThanADemuxerIsToHoldIsRefused) {
-    PatchedM4A file(aacRecipe());
-    constexpr std::size_t count = 12; // after the name: version, common size
-    const auto refused = [&](std::uint32_t packets) {
-        return !service->measure(write(file.set("stsz", count, bigEndian(packets)).content));
-    };
-    EXPECT_FALSE(refused(400));
-    EXPECT_TRUE(refused(1'000'001));
+    AudioRecipe recipe = aacRecipe();
+    recipe.name = "packets.mov";
+    recipe.encoder = {"-c:a", "pcm_s16le"}; // each sample is a packet
+    for (const std::uint64_t packets : {999'999U, 1'000'001U}) {
+        recipe.samples = packets;
+        EXPECT_EQ(service->measure(audioFixture(recipe)).has_value(), packets < 1'000'000);
+    }
+}
+
+TEST_F(FFmpegHeaders, AnM4AWhoseTablesAreOnlyOfItsFirstPartPlaysToItsEnd) {
+    AudioRecipe recipe = aacRecipe();
+    recipe.encoder.insert(recipe.encoder.end(),
+                          {"-movflags", "frag_keyframe", "-frag_duration", "2000000"});
+    const std::string path = audioFixture(recipe);
+    const auto length = service->measure(path);
+    ASSERT_TRUE(length);
+    EXPECT_EQ(2 * length->discSamples, decodedByFFmpeg(path).size());
+    EXPECT_GE(length->discSamples, recipe.samples);
 }
 
 TEST_F(FFmpegHeaders, MeasuringEndsInsideAFileWhenItIsNotContinued) {

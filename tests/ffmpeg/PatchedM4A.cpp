@@ -25,6 +25,21 @@ std::string noteText(std::uint32_t delay, std::uint32_t padding) {
 
 } // namespace
 
+PatchedM4A& PatchedM4A::addEdit(std::uint32_t mediaTime, std::uint32_t duration) {
+    const std::string entry = bigEndian(duration) + bigEndian(mediaTime) + bigEndian(0x10000);
+    for (const char* around : {"moov", "trak", "edts", "elst"}) {
+        const std::size_t name = content.find(around);
+        const auto low = static_cast<unsigned char>(content[name - 1]);
+        const auto high = static_cast<unsigned char>(content[name - 2]);
+        const std::size_t size = std::size_t(high) * 256 + low + entry.size();
+        content.replace(name - 2, 2, bigEndian(static_cast<std::uint32_t>(size)).substr(2));
+    }
+    constexpr std::size_t secondEntry = 24; // after the name
+    set("elst", 8, bigEndian(2));
+    content.insert(content.find("elst") + secondEntry, entry);
+    return *this;
+}
+
 PatchedM4A& PatchedM4A::noteDelay(std::uint32_t delay, std::uint32_t padding) {
     const std::string note = box(
         "----", box("mean", zeros(4) + "com.apple.iTunes") + box("name", zeros(4) + "iTunSMPB") +

@@ -39,6 +39,8 @@ public:
         set("mvhd", 16, bigEndian(movieScale));
         return set("elst", 12, bigEndian(duration)).set("elst", 16, bigEndian(mediaTime));
     }
+    /// Puts another entry behind the one that the edit list has.
+    PatchedM4A& addEdit(std::uint32_t mediaTime, std::uint32_t duration);
     PatchedM4A& removeEdit() { return set("edts", 0, "free"); }
 
     /// Declares that the sound has twice the sample rate of its core, as HE-AAC has: a decoder
