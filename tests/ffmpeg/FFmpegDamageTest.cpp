@@ -7,6 +7,7 @@
 #include "adapters/ffmpeg/FFmpegServices.h"
 #include "quarner/platform/Platform.h"
 #include "tests/ffmpeg/Decoding.h"
+#include "tests/ffmpeg/PatchedM4A.h"
 #include "tests/support/AudioFixtures.h"
 #include "tests/support/KeptLog.h"
 #include "tests/support/TemporaryFolder.h"
@@ -145,18 +146,32 @@ TEST_F(FFmpegDamage, AnM4AWhoseEndIsMissingIsAsLongAsWhatIsLeft) {
 }
 
 TEST_F(FFmpegDamage, AnM4AWhoseTableSaysMoreThanItsPacketsDecodeToPlaysWhatTheyDecodeTo) {
-    std::string content = contentOf(audioFixture(alacRecipe()));
-    const auto set = [&](const char* box, std::size_t offset, const std::string& value) {
-        const std::size_t start = content.find(box);
-        ASSERT_NE(start, std::string::npos);
-        content.replace(start + offset, value.size(), value);
-    };
-    set("stts", 16, std::string("\0\0\x14\0", 4)); // 5120 samples to a packet, of 4096
-    set("mdhd", 20, std::string("\0\x10\0\0", 4)); // and 1048576 in all
-    set("edts", 0, "free");
-    const std::vector<std::int16_t> ours = decodedAsMeasured(write(content, "a.m4a"));
+    PatchedM4A file(alacRecipe());
+    file.set("stts", 16, bigEndian(5120)); // samples to a packet, of 4096
+    file.set("mdhd", 20, bigEndian(1048576)).removeEdit();
+    const std::vector<std::int16_t> ours = decodedAsMeasured(write(file.content, "a.m4a"));
     const std::vector<std::int16_t> whole = decodedByFFmpeg(audioFixture(alacRecipe()));
     EXPECT_EQ(ours, whole);
+}
+
+TEST_F(FFmpegDamage, TablesOfAnM4AThatDoNotAgreeProveNothing) {
+    struct Number {
+        const char* box;
+        std::size_t offset; // after the box's name
+        std::uint32_t value;
+        std::size_t samples; // that remain
+    };
+    constexpr std::size_t packet = 4096;
+    constexpr std::size_t all = 441441;
+    constexpr Number longerLastPacket = {"stts", 24, 100'000, all};
+    constexpr Number moreTimesThanPackets = {"stts", 12, 150, all};
+    constexpr Number fewerPacketsInAChunk = {"stsc", 28, 10, (79 + 10) * packet}; // of 29
+    for (const Number& number : {longerLastPacket, moreTimesThanPackets, fewerPacketsInAChunk}) {
+        PatchedM4A file(alacRecipe());
+        file.set(number.box, number.offset, bigEndian(number.value)).removeEdit();
+        EXPECT_EQ(decodedAsMeasured(write(file.content, "a.m4a")).size(), 2 * number.samples)
+            << number.box << ' ' << number.offset;
+    }
 }
 
 TEST_F(FFmpegDamage, AFileThatShrinksWhileItIsReadEndsEarlyOrFails) {
