@@ -4,13 +4,11 @@
 
 #include <functional>
 
-#include "adapters/ffmpeg/FFmpegServices.h"
 #include "quarner/platform/Platform.h"
-#include "tests/ffmpeg/Decoding.h"
+#include "tests/ffmpeg/Measuring.h"
 #include "tests/ffmpeg/PatchedM4A.h"
 #include "tests/support/AudioFixtures.h"
 #include "tests/support/KeptLog.h"
-#include "tests/support/TemporaryFolder.h"
 
 namespace quarner::testing {
 namespace {
@@ -18,22 +16,11 @@ namespace {
 constexpr std::size_t wholeFile = 2 * 441441;     // values
 constexpr std::size_t codecMemory = 2 * 3 * 2048; // values that damage behind it may still change
 
-class FFmpegDamage : public ::testing::Test {
+class FFmpegDamage : public Measuring {
 protected:
     /// Writes the content under a name and returns its path.
     std::string write(const std::string& content, const std::string& name = "a.mp3") const {
         return folder.write(name, content);
-    }
-
-    /// Decodes a file and expects the measured length.
-    std::vector<std::int16_t> decodedAsMeasured(const std::string& path) const {
-        const auto length = service->measure(path);
-        const auto samples = decoded(*service, path);
-        EXPECT_TRUE(length && samples);
-        if (!length || !samples)
-            return {};
-        EXPECT_EQ(samples->size(), 2 * length->discSamples);
-        return *samples;
     }
 
     /// Expects the sound of a file damaged between two shares of its bytes to be where it was.
@@ -49,9 +36,6 @@ protected:
         EXPECT_GT(largestDifference(bad, good), 1000);
         EXPECT_LE(largestDifference(bad, good, after + codecMemory), 1);
     }
-
-    const TemporaryFolder folder;
-    const std::shared_ptr<PCMService> service = makeFFmpegPCMService();
 };
 
 /// The content with the bytes between two shares of it overwritten.

@@ -38,9 +38,9 @@ protected:
 
 TEST_F(FFmpegDelays, ThatAreNotedAreNotHeard) {
     for (const std::uint32_t delay : {1U, 2112U, 5000U}) {
-        const Samples whole = decodedAsMeasured(plain(44100).content);
+        const Samples whole = decodedContent(plain(44100).content);
         const std::string noted = plain(44100).noteDelay(delay, 700).content;
-        const Samples ours = decodedAsMeasured(noted);
+        const Samples ours = decodedContent(noted);
         EXPECT_EQ(ours, without(whole, delay));
         expectAsFFmpegPlaysIt(noted, ours);
     }
@@ -50,10 +50,10 @@ TEST_F(FFmpegDelays, OfHighEfficiencyCountInTheClockOfTheTrack) {
     for (const std::uint32_t channels : {1U, 2U})
         for (const std::uint32_t delay : {2112U, 2336U}) {
             const Samples whole =
-                decodedAsMeasured(plain(22050, channels).declareHighEfficiency(22050).content);
+                decodedContent(plain(22050, channels).declareHighEfficiency(22050).content);
             const std::string noted =
                 plain(22050, channels).declareHighEfficiency(22050).noteDelay(delay, 700).content;
-            const Samples ours = decodedAsMeasured(noted);
+            const Samples ours = decodedContent(noted);
             EXPECT_EQ(ours, without(whole, 2 * std::size_t(delay)));
             expectAsFFmpegPlaysIt(noted, ours);
         }
@@ -63,7 +63,7 @@ TEST_F(FFmpegDelays, OfHighEfficiencyAtOtherRatesCountInTheClockOfTheTrack) {
     for (const std::uint32_t rate : {8000U, 24000U}) {
         const auto file = [&] { return plain(rate).declareHighEfficiency(rate); };
         const std::string noted = file().noteDelay(2112, 700).content;
-        const Samples ours = decodedAsMeasured(noted);
+        const Samples ours = decodedContent(noted);
         const std::uint64_t packets = (5 * rate + 7 + 2 * packet - 1) / packet;
         EXPECT_EQ(ours.size() / 2, resampledLength(2 * (packets * packet - 2112), 2 * rate));
         expectAsFFmpegPlaysIt(noted, ours);
@@ -76,31 +76,31 @@ TEST_F(FFmpegDelays, OfHighEfficiencyInAnEditListAreObeyedToTheSample) {
         recipe.rate = 22050;
         return PatchedM4A(recipe).declareHighEfficiency(22050);
     };
-    const Samples whole = decodedAsMeasured(file().removeEdit().content);
+    const Samples whole = decodedContent(file().removeEdit().content);
     constexpr std::uint32_t from = 2336; // ticks of the track
     constexpr std::uint32_t count = 100'003;
-    const Samples part = decodedAsMeasured(file().setEdit(from, count, 22050).content);
+    const Samples part = decodedContent(file().setEdit(from, count, 22050).content);
     EXPECT_EQ(part, Samples(whole.begin() + 4 * from, whole.begin() + 4 * (from + count)));
 }
 
 TEST_F(FFmpegDelays, ThatAreNotedBesideAnEditListDoNotCount) {
     const PatchedM4A file(aacRecipe());
-    EXPECT_EQ(decodedAsMeasured(PatchedM4A(file).noteDelay(2112, 700).content),
-              decodedAsMeasured(file.content));
+    EXPECT_EQ(decodedContent(PatchedM4A(file).noteDelay(2112, 700).content),
+              decodedContent(file.content));
 }
 
 TEST_F(FFmpegDelays, OfAnEncoderThatTheDecoderKnowsAreNotHeard) {
-    const Samples whole = decodedAsMeasured(plain(44100).content);
+    const Samples whole = decodedContent(plain(44100).content);
     const std::string known = plain(44100).set("Lavc", 1, "libfaac 1.30").content;
-    const Samples ours = decodedAsMeasured(known);
+    const Samples ours = decodedContent(known);
     EXPECT_EQ(ours, without(whole, packet));
     expectAsFFmpegPlaysIt(known, ours);
 }
 
 TEST_F(FFmpegDelays, ThatDecodeToNothingAreNotHeard) {
-    const Samples whole = decodedAsMeasured(plain(44100).content);
+    const Samples whole = decodedContent(plain(44100).content);
     const std::string empty = plain(44100).set("mdat", 4, "\xe0").content; // a block's end
-    const Samples ours = decodedAsMeasured(empty);
+    const Samples ours = decodedContent(empty);
     EXPECT_EQ(ours.size() / 2, whole.size() / 2 - packet);
     expectAsFFmpegPlaysIt(empty, ours);
 }
@@ -109,8 +109,8 @@ TEST_F(FFmpegDelays, ThatDecodeToNothingCountInAnEditList) {
     AudioRecipe recipe = aacRecipe();
     recipe.encoder.insert(recipe.encoder.end(), {"-aac_pns", "0"}); // no noise of the decoder's own
     const PatchedM4A file(recipe);
-    const Samples whole = decodedAsMeasured(file.content);
-    const Samples ours = decodedAsMeasured(PatchedM4A(file).set("mdat", 4, "\xe0").content);
+    const Samples whole = decodedContent(file.content);
+    const Samples ours = decodedContent(PatchedM4A(file).set("mdat", 4, "\xe0").content);
     EXPECT_EQ(ours.size(), whole.size());
     EXPECT_LE(largestDifference(ours, whole, std::size_t(2 * packet)), 1);
 }

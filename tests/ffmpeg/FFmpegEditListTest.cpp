@@ -21,14 +21,14 @@ TEST_F(FFmpegEditLists, AnEndInMillisecondsNearTheEndOfTheMediaIsTheEndOfTheMedi
         for (const std::uint64_t samples : {441000U, 441001U, 441017U, 441022U, 441030U, 441043U}) {
             AudioRecipe recipe = codec.recipe;
             recipe.samples = samples;
-            const auto whole = decodedAsMeasured(contentOf(audioFixture(recipe)));
+            const auto whole = decodedContent(contentOf(audioFixture(recipe)));
             EXPECT_EQ(whole.size(), 2 * samples) << recipe.name;
         }
 }
 
 TEST_F(FFmpegEditLists, BeginAndEndWithinPacketsToTheSample) {
     for (const Codec& codec : everyCodec()) {
-        const auto whole = decodedAsMeasured(PatchedM4A(codec.recipe).content);
+        const auto whole = decodedContent(PatchedM4A(codec.recipe).content);
         ASSERT_EQ(whole.size(), 2 * codec.recipe.samples);
         for (const auto& [from, count] :
              std::vector<std::pair<std::uint32_t, std::uint32_t>>{{300, 220500},
@@ -37,8 +37,8 @@ TEST_F(FFmpegEditLists, BeginAndEndWithinPacketsToTheSample) {
                                                                   {4096, 8192},
                                                                   {1, 1000},
                                                                   {441000, 400}}) {
-            const auto part = decodedAsMeasured(
-                PatchedM4A(codec.recipe).setEdit(codec.delay + from, count).content);
+            const auto part =
+                decodedContent(PatchedM4A(codec.recipe).setEdit(codec.delay + from, count).content);
             EXPECT_EQ(part,
                       std::vector<std::int16_t>(whole.begin() + 2 * std::ptrdiff_t(from),
                                                 whole.begin() + 2 * std::ptrdiff_t(from + count)))
@@ -49,10 +49,27 @@ TEST_F(FFmpegEditLists, BeginAndEndWithinPacketsToTheSample) {
 
 TEST_F(FFmpegEditLists, AnEndBehindTheMediaIsTheEndOfTheMedia) {
     for (const Codec& codec : everyCodec())
+        EXPECT_EQ(decodedContent(PatchedM4A(codec.recipe).setEdit(codec.delay, 10'000'000).content)
+                      .size(),
+                  2 * codec.recipe.samples);
+}
+
+TEST_F(FFmpegEditLists, AnEndInMillisecondsCountsWhereTheLastPacketIsWhole) {
+    AudioRecipe recipe = alacRecipe();
+    constexpr std::uint32_t milliseconds = 9287; // 409556.7 samples
+    recipe.samples = 100 * 4096ULL;
+    EXPECT_EQ(decodedContent(PatchedM4A(recipe).setEdit(0, milliseconds, 1000).content).size(),
+              2 * 409557U);
+    ++recipe.samples; // alone in its packet: the table knows the end
+    EXPECT_EQ(decodedContent(PatchedM4A(recipe).setEdit(0, milliseconds, 1000).content).size(),
+              2 * recipe.samples);
+}
+
+TEST_F(FFmpegEditLists, WithoutADurationEndWithTheMedia) {
+    for (const Codec& codec : everyCodec())
         EXPECT_EQ(
-            decodedAsMeasured(PatchedM4A(codec.recipe).setEdit(codec.delay, 10'000'000).content)
-                .size(),
-            2 * codec.recipe.samples);
+            decodedContent(PatchedM4A(codec.recipe).setEdit(codec.delay + 100, 0).content).size(),
+            2 * (codec.recipe.samples - 100));
 }
 
 TEST_F(FFmpegEditLists, WithMoreThanOneCutPlayAsTheFFmpegProgramPlaysThem) {
@@ -61,7 +78,7 @@ TEST_F(FFmpegEditLists, WithMoreThanOneCutPlayAsTheFFmpegProgramPlaysThem) {
                                         .setEdit(codec.delay + 8192, 81920)
                                         .addEdit(codec.delay + 163840, 122880)
                                         .content;
-        const auto ours = decodedAsMeasured(content);
+        const auto ours = decodedContent(content);
         const auto theirs = decodedByFFmpeg(folder.write("b.m4a", content));
         EXPECT_GT(theirs.size(), 2 * 200'000U);
         EXPECT_EQ(ours.size(), theirs.size()) << codec.recipe.name;
@@ -72,7 +89,7 @@ TEST_F(FFmpegEditLists, WithMoreThanOneCutPlayAsTheFFmpegProgramPlaysThem) {
 TEST_F(FFmpegEditLists, WithoutOneTheFirstPacketIsHeardAsTheFFmpegProgramPlaysIt) {
     for (const Codec& codec : everyCodec()) {
         const std::string content = PatchedM4A(codec.recipe).removeEdit().content;
-        const auto ours = decodedAsMeasured(content);
+        const auto ours = decodedContent(content);
         const auto theirs = decodedByFFmpeg(folder.write("b.m4a", content));
         EXPECT_EQ(ours.size(), theirs.size()) << codec.recipe.name;
         EXPECT_LE(largestDifference(ours, theirs), 1);

@@ -12,10 +12,8 @@ namespace quarner::testing {
 /// For tests of the length and the sound of files.
 class Measuring : public ::testing::Test {
 protected:
-    /// Returns the sound of a file with this content, and expects that it is as long as it is
-    /// measured.
-    std::vector<std::int16_t> decodedAsMeasured(const std::string& content) const {
-        const std::string path = folder.write("a.m4a", content);
+    /// Returns the sound of a file, and expects that it is as long as it is measured.
+    std::vector<std::int16_t> decodedAsMeasured(const std::string& path) const {
         const auto length = service->measure(path);
         const auto samples = decoded(*service, path);
         EXPECT_TRUE(length && samples);
@@ -23,6 +21,10 @@ protected:
             return {};
         EXPECT_EQ(samples->size(), 2 * length->discSamples);
         return *samples;
+    }
+    /// The same for an M4A file with this content.
+    std::vector<std::int16_t> decodedContent(const std::string& content) const {
+        return decodedAsMeasured(folder.write("a.m4a", content));
     }
 
     const TemporaryFolder folder;
