@@ -58,7 +58,7 @@ TEST_F(AudioListEditingTest, TheBurnFollowsTheNewOrder) {
     burner->burnWithDevice(QuarnerDevice("Writer"), std::nullopt);
     const DRLayout layout = platform.lastBurn()->layout();
     ASSERT_EQ(layout.size(), 5U);
-    for (std::uint64_t i = 0; i < 5; ++i) {
+    for (std::size_t i = 0; i < 5; ++i) {
         EXPECT_EQ(layout[i], item(i));
         EXPECT_EQ(burner->_textBlock->object(DRCDTextTitleKey, static_cast<std::int64_t>(i) + 1),
                   Value(std::string(1, letters()[i])));

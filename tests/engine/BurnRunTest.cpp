@@ -107,8 +107,9 @@ TEST_F(BurnRunTest, TheDiscIsWrittenReadBackAndMadeValidInThisOrder) {
     EXPECT_THAT(disc->calls,
                 ElementsAre("claim", "openSession", "write", "closeSession", "finish",
                             "beginVerification", "readBack", "commit", "end", "release"));
-    EXPECT_THAT(disc->readBacks, ElementsAre(std::pair(0U, 1024 * sectorSize),
-                                             std::pair(1024U, (1470 - 1024) * sectorSize)));
+    EXPECT_THAT(disc->readBacks,
+                ElementsAre(MemoryDisc::ReadBack(0, 1024 * sectorSize),
+                            MemoryDisc::ReadBack(1024, (1470 - 1024) * sectorSize)));
 }
 
 TEST_F(BurnRunTest, EveryStepIsTold) {
@@ -283,8 +284,8 @@ TEST_F(BurnRunTest, EachOfSeveralReadersReadsOtherBlocks) {
     std::sort(disc->readBacks.begin(), disc->readBacks.end());
     ASSERT_EQ(disc->readBacks.size(), 21U);
     for (std::size_t i = 0; i < 20; ++i)
-        EXPECT_EQ(disc->readBacks[i], std::pair(i * 1024, 1024UL * sectorSize));
-    EXPECT_EQ(disc->readBacks[20], std::pair(20 * 1024UL, 1UL * sectorSize));
+        EXPECT_EQ(disc->readBacks[i], MemoryDisc::ReadBack(i * 1024, 1024 * sectorSize));
+    EXPECT_EQ(disc->readBacks[20], MemoryDisc::ReadBack(20 * 1024, sectorSize));
 }
 
 TEST_F(BurnRunTest, AsManyReadersReadAtOnceAsTheDiscAllows) {

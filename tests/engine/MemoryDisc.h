@@ -28,7 +28,8 @@ public:
 
     std::vector<std::byte> bytes;
     std::vector<std::size_t> writes; ///< the sizes of the parts in which they came
-    std::vector<std::pair<std::uint64_t, std::size_t>> readBacks; ///< first sectors and bytes
+    using ReadBack = std::pair<std::uint64_t, std::size_t>; ///< the first sector, and bytes
+    std::vector<ReadBack> readBacks;
     std::vector<double> speeds;
     std::optional<std::uint64_t> released;
     BurnSettings settings;
