@@ -35,6 +35,10 @@ target_compile_options(quarner_test_options INTERFACE -O0)
 if(QUARNER_SANITIZE MATCHES undefined)
   target_compile_options(quarner_test_options INTERFACE -fno-sanitize=undefined)
 endif()
+# A name of one source may then shadow that of another.
+if(QUARNER_UNITY_TESTS)
+  target_compile_options(quarner_test_options INTERFACE -Wno-shadow)
+endif()
 find_program(QUARNER_LLD ld.lld)
 mark_as_advanced(QUARNER_LLD)
 if(QUARNER_LLD AND NOT CMAKE_INTERPROCEDURAL_OPTIMIZATION)
@@ -143,6 +147,9 @@ function(quarner_test NAME)
   cmake_parse_arguments(ARG "" "" "SOURCES;OBJECTS;DEPENDS;LABELS" ${ARGN})
   add_executable(${NAME} ${ARG_SOURCES})
   list(TRANSFORM ARG_OBJECTS PREPEND quarner_ OUTPUT_VARIABLE objects)
+  # Eight sources at once take a third of the time, because they use the same templates.
+  set_target_properties(${NAME} PROPERTIES UNITY_BUILD ${QUARNER_UNITY_TESTS}
+                        UNITY_BUILD_BATCH_SIZE 8)
   target_link_libraries(${NAME} PRIVATE quarner_options quarner_test_options ${objects} ${ARG_DEPENDS}
                         GTest::gmock GTest::gtest_main)
   quarner_precompile_test_headers(${NAME})

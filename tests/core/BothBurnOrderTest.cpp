@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "quarner/platform/Platform.h"
-#include "tests/support/BurnerFixture.h"
+#include "tests/support/BurnFixture.h"
 
 namespace quarner::testing {
 namespace {
@@ -81,10 +81,6 @@ private:
     Steps& _steps;
     const std::shared_ptr<RecordingService> _other;
 };
-
-std::shared_ptr<ScriptedDrive> addWriter(ScriptedPlatform& platform) {
-    return platform.addDrive({.name = "Writer", .disc = DiscScript{}});
-}
 
 /// The steps of a burn: the calls of the delegate and of the services.
 template <typename Burner>

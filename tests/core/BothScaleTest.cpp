@@ -3,14 +3,10 @@
 #include <ctime>
 #include <functional>
 
-#include "tests/support/BurnerFixture.h"
+#include "tests/support/BurnFixture.h"
 
 namespace quarner::testing {
 namespace {
-
-void addWriter(ScriptedPlatform& platform) {
-    platform.addDrive({.name = "Writer", .disc = DiscScript{}});
-}
 
 template <typename Burner>
 class BothScale : public BurnerTest<Burner> {

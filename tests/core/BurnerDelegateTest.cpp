@@ -34,8 +34,6 @@ protected:
     }
 };
 
-class IdleDelegate : public QuarnDelegate {};
-
 class EndDelegate : public QuarnDelegate {
 public:
     void addFilesProgressDidEnd(const EndReport& /*report*/) override { ++ends; }

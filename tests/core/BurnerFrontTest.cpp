@@ -28,8 +28,6 @@ protected:
     }
 };
 
-class IdleDelegate : public QuarnDelegate {};
-
 TYPED_TEST_SUITE(BothFront, Burners, BurnerNames);
 
 TEST(BurnerFront, TheFactoriesMakeANewBurnerEachTime) {

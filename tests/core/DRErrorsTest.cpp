@@ -7,7 +7,7 @@
 #include <set>
 #include <string_view>
 
-namespace quarner {
+namespace quarner::testing {
 namespace {
 
 constexpr std::string_view unknown = "the drive reported an unknown error";
@@ -48,4 +48,4 @@ TEST(DRErrors, ACodeThatIsNotInTheTableIsUnknown) {
 }
 
 } // namespace
-} // namespace quarner
+} // namespace quarner::testing

@@ -9,7 +9,7 @@
 #include "quarner/platform/NullPlatform.h"
 #include "quarner/quarner.h"
 
-namespace quarner {
+namespace quarner::testing {
 namespace {
 
 TEST(Quarner, ABurnerThatIsNeitherAudioNorDataGivesNeutralAnswers) {
@@ -46,7 +46,7 @@ TEST(BurnerRegistry, KeepsTheFirstMakerOfAClass) {
     EXPECT_EQ(makeBurner("BurnerOfTwoMakers"), first);
 }
 
-class NullPlatform : public testing::Test {
+class NullPlatformTest : public ::testing::Test {
 protected:
     int compare(const std::string& a, const std::string& b) const {
         return platform.text->compareLocalizedCaseInsensitive(a, b);
@@ -55,7 +55,7 @@ protected:
     const Platform platform = nullPlatform();
 };
 
-TEST_F(NullPlatform, HasNoDriveAndABurnThatDoesNothing) {
+TEST_F(NullPlatformTest, HasNoDriveAndABurnThatDoesNothing) {
     EXPECT_TRUE(platform.recording->devices().empty());
     const std::shared_ptr<DRBurn> burn = platform.recording->burnForDevice(nullptr);
     ASSERT_NE(burn, nullptr);
@@ -65,18 +65,18 @@ TEST_F(NullPlatform, HasNoDriveAndABurnThatDoesNothing) {
     EXPECT_NE(platform.recording->currentRunLoopCenter(), nullptr);
 }
 
-TEST_F(NullPlatform, ReadsNoFile) {
+TEST_F(NullPlatformTest, ReadsNoFile) {
     EXPECT_EQ(platform.media->movieWithFile("/a.mp3"), nullptr);
     EXPECT_EQ(platform.recording->trackForAudioFile("/a.mp3"), nullptr);
     EXPECT_EQ(platform.recording->trackForRootFolder(std::make_shared<DRFolder>("Disc")), nullptr);
 }
 
-TEST_F(NullPlatform, ShowsTheNameOfAFileWithoutItsFolder) {
+TEST_F(NullPlatformTest, ShowsTheNameOfAFileWithoutItsFolder) {
     EXPECT_EQ(platform.files->displayName("/music/a.mp3"), "a.mp3");
     EXPECT_EQ(platform.files->displayName("a.mp3"), "a.mp3");
 }
 
-TEST_F(NullPlatform, WorksInAThreadOfItsOwnAndInsteadOfTheMainThreadAtOnce) {
+TEST_F(NullPlatformTest, WorksInAThreadOfItsOwnAndInsteadOfTheMainThreadAtOnce) {
     std::promise<std::thread::id> worker;
     platform.dispatch->asyncGlobal([&] { worker.set_value(std::this_thread::get_id()); });
     EXPECT_NE(worker.get_future().get(), std::this_thread::get_id());
@@ -85,7 +85,7 @@ TEST_F(NullPlatform, WorksInAThreadOfItsOwnAndInsteadOfTheMainThreadAtOnce) {
     EXPECT_EQ(main, std::this_thread::get_id());
 }
 
-TEST_F(NullPlatform, SortsWithoutRegardToCase) {
+TEST_F(NullPlatformTest, SortsWithoutRegardToCase) {
     EXPECT_EQ(compare("", ""), 0);
     EXPECT_EQ(compare("Song", "sONG"), 0);
     EXPECT_LT(compare("a", "B"), 0);
@@ -97,13 +97,13 @@ TEST_F(NullPlatform, SortsWithoutRegardToCase) {
     EXPECT_GT(compare(std::string("song\0", 5), "song"), 0);
 }
 
-TEST_F(NullPlatform, WritesNumbersAndTextsAsTheyAre) {
+TEST_F(NullPlatformTest, WritesNumbersAndTextsAsTheyAre) {
     EXPECT_EQ(platform.text->localizedNumber(1234.56, 1), "1234.6");
     EXPECT_EQ(platform.text->localizedNumber(-2.0, 0), "-2");
     EXPECT_EQ(platform.text->localizedString("%.1f MB"), "%.1f MB");
 }
 
-TEST_F(NullPlatform, StandsInForEveryServiceThatIsMissing) {
+TEST_F(NullPlatformTest, StandsInForEveryServiceThatIsMissing) {
     installPlatform({});
     const auto current = currentPlatform();
     EXPECT_NE(current->recording, nullptr);
@@ -115,4 +115,4 @@ TEST_F(NullPlatform, StandsInForEveryServiceThatIsMissing) {
 }
 
 } // namespace
-} // namespace quarner
+} // namespace quarner::testing

@@ -13,6 +13,9 @@
 
 namespace quarner::testing {
 
+/// A delegate that heeds nothing.
+class IdleDelegate : public QuarnDelegate {};
+
 /// A delegate that records every call as a text, as in "burnProgressDidChanaged(0.5, 500)".
 /// Arguments that are too long for the text are kept separately. Any thread.
 class RecordingDelegate : public QuarnDelegate {
