@@ -88,6 +88,40 @@ TEST_F(FFmpegDamage, BytesAfterTheLastFrameAreNoSound) {
         EXPECT_EQ(decodedAsMeasured(write(content + end)).size(), wholeFile) << end;
 }
 
+TEST_F(FFmpegDamage, AnMP3WhoseBeginIsMissingPlaysAsTheFFmpegProgramPlaysIt) {
+    const std::string whole = contentOf(audioFixture(untaggedMP3Recipe()));
+    for (const std::size_t from : {500U, 4000U, 20'000U}) {
+        const std::string path = write(whole.substr(whole.find("\xff\xfb", from)));
+        const std::vector<std::int16_t> ours = decodedAsMeasured(path);
+        const std::vector<std::int16_t> theirs = decodedByFFmpeg(path);
+        EXPECT_EQ(ours.size(), theirs.size()) << from;
+        EXPECT_LE(largestDifference(ours, theirs), 1) << from;
+    }
+}
+
+/// The content with the first frames of an MP3 file made undecodable, their headers aside.
+std::string withoutSound(std::string content, std::size_t bytes) {
+    constexpr std::size_t header = 4;
+    for (std::size_t at = 0, last = 0; at < bytes; ++at) {
+        last = content.compare(at, 2, "\xff\xfb") == 0 ? at : last;
+        if (at >= last + header)
+            content[at] = '\xfe'; // more values than a frame can have
+    }
+    return content;
+}
+
+TEST_F(FFmpegDamage, FramesOfAnMP3WithoutAnySoundAreRefused) {
+    const std::string content = contentOf(audioFixture(untaggedMP3Recipe()));
+    EXPECT_FALSE(service->measure(write(withoutSound(content, content.size()))));
+}
+
+TEST_F(FFmpegDamage, AFirstFrameOfAnMP3ThatDoesNotDecodeIsNotHeard) {
+    const std::string content = contentOf(audioFixture(untaggedMP3Recipe()));
+    const std::size_t whole = decodedAsMeasured(write(content)).size();
+    constexpr std::size_t frame = 2 * 1152; // values
+    EXPECT_EQ(decodedAsMeasured(write(withoutSound(content, 400))).size(), whole - frame);
+}
+
 TEST_F(FFmpegDamage, MP3FramesThatCannotBeFoundKeepTheirPlace) {
     const std::string whole = audioFixture(untaggedMP3Recipe());
     expectPlaceKept(whole, write(overwritten(contentOf(whole), 0.45, 0.5)), 0.45, 0.5);
