@@ -30,8 +30,14 @@ std::shared_ptr<DRBurn> EngineRecorder::burnForDevice(std::shared_ptr<DRDevice> 
 }
 
 std::shared_ptr<DRTrack> EngineRecorder::trackForAudioFile(const std::string& path) {
+    return trackForAudioFileWhile(path, {});
+}
+
+std::shared_ptr<DRTrack> EngineRecorder::trackForAudioFileWhile(const std::string& path,
+                                                                const MayContinue& mayContinue) {
     const std::optional<FileStamp> stamp = stampOfFile(path);
-    const std::optional<PCMLength> length = stamp ? _services.pcm->measure(path) : std::nullopt;
+    const std::optional<PCMLength> length =
+        stamp ? _services.pcm->measureWhile(path, mayContinue) : std::nullopt;
     if (!length || length->discSamples == 0)
         return nullptr;
     auto track = std::make_shared<DRTrack>();

@@ -34,6 +34,8 @@ public:
     /// lists.
     std::shared_ptr<DRBurn> burnForDevice(std::shared_ptr<DRDevice> device) override;
     std::shared_ptr<DRTrack> trackForAudioFile(const std::string& path) override;
+    std::shared_ptr<DRTrack> trackForAudioFileWhile(const std::string& path,
+                                                    const MayContinue& mayContinue) override;
     std::shared_ptr<DRFile> fileWithPath(const std::string& path) override;
     std::shared_ptr<DRTrack> trackForRootFolder(std::shared_ptr<const DRFolder> folder) override;
     std::shared_ptr<DRNotificationCenter> currentRunLoopCenter() override;

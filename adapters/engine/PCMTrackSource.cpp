@@ -48,8 +48,9 @@ void PCMTrackSource::check() {
         throw BurnFailure(DRError::SourceChanged, _track->path + ": changed since it was added");
 }
 
-void PCMTrackSource::fail() const {
-    throw BurnFailure(DRError::SourceUnreadable, _track->path + ": cannot be decoded");
+void PCMTrackSource::fail(const std::string& problem) const {
+    throw BurnFailure(DRError::SourceUnreadable,
+                      problem.empty() ? _track->path : _track->path + ": " + problem);
 }
 
 void PCMTrackSource::open() {
@@ -57,7 +58,7 @@ void PCMTrackSource::open() {
     if (_stream)
         return;
     check();
-    fail();
+    fail(_service->problemWith(_track->path));
 }
 
 void PCMTrackSource::read(std::span<std::byte> buffer) {
@@ -77,7 +78,7 @@ void PCMTrackSource::readSamples(std::span<std::byte> buffer) {
     const std::optional<std::size_t> count = _stream->read(samples);
     if (count != samples.size()) {
         check(); // reports a file that was changed during the burn as such
-        fail();
+        fail(count ? "plays shorter than measured" : _stream->problem());
     }
     makeLittleEndian(buffer);
     _bytesOfSoundLeft -= buffer.size();
@@ -90,7 +91,7 @@ void PCMTrackSource::expectEnd() {
     if (_stream->read(beyond).value_or(0) == 0)
         return;
     check(); // only a file with another stamp has changed
-    throw BurnFailure(DRError::SourceUnreadable, _track->path + ": plays longer than measured");
+    fail("plays longer than measured");
 }
 
 TrackSources audioSources(const DRLayout& layout, const std::shared_ptr<PCMService>& service) {

@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "adapters/engine/TrackSource.h"
 #include "quarner/platform/DRBurn.h"
@@ -28,7 +29,7 @@ private:
     void open();
     void readSamples(std::span<std::byte> buffer);
     void expectEnd();
-    [[noreturn]] void fail() const;
+    [[noreturn]] void fail(const std::string& problem) const;
 
     const std::shared_ptr<PCMService> _service;
     const std::shared_ptr<const DRTrack> _track;

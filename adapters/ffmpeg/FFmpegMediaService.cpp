@@ -1,12 +1,21 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include <cstddef>
+#include <map>
+#include <mutex>
 #include <utility>
 
 #include "adapters/ffmpeg/ContainerSource.h"
 #include "adapters/ffmpeg/FFmpegServices.h"
+#include "adapters/ffmpeg/PathCache.h"
 
 namespace quarner {
 
 namespace {
+
+using Length = std::optional<PCMLength>;
+
+/// As many refused files as a host may have added at once and still asks about.
+constexpr std::size_t mostProblems = 100'000;
 
 class MeasuredMovie : public QTMovie {
 public:
@@ -26,20 +35,57 @@ public:
     explicit FFmpegMediaService(std::shared_ptr<PCMService> pcm) : _pcm(std::move(pcm)) {}
 
     std::unique_ptr<QTMovie> movieWithFile(const std::string& path) override {
-        const auto length = _pcm->measure(path);
+        const auto prepared = takePrepared(path);
+        const Length length = prepared ? *prepared : _pcm->measure(path);
+        noteProblem(path, length);
         return length ? std::make_unique<MeasuredMovie>(*length) : nullptr;
     }
 
     bool prepareMovie(const std::string& path, const MayContinue& mayContinue) override {
-        return _pcm->measureWhile(path, mayContinue).has_value() || mayContinue();
+        const Length length = _pcm->measureWhile(path, mayContinue);
+        if (!length && !mayContinue())
+            return false;
+        const std::lock_guard lock(_mutex);
+        _prepared.emplace(path, length);
+        return true;
     }
 
     std::vector<std::string> movieFileTypes(std::uint32_t) override {
         return audioFileExtensions();
     }
 
+    std::string problemWithMovie(const std::string& path) override {
+        return _problems.find(path).value_or("");
+    }
+
 private:
+    std::optional<Length> takePrepared(const std::string& path) {
+        const std::lock_guard lock(_mutex);
+        const auto found = _prepared.find(path);
+        if (found == _prepared.end())
+            return std::nullopt;
+        const Length length = found->second;
+        _prepared.erase(found);
+        return length;
+    }
+
+    void noteProblem(const std::string& path, const Length& length) {
+        const std::string problem = problemOf(path, length);
+        if (!problem.empty() || _problems.find(path))
+            _problems.keep(path, problem);
+    }
+
+    std::string problemOf(const std::string& path, const Length& length) {
+        if (length)
+            return length->sourceSamples < length->sourceRate ? "shorter than a second" : "";
+        const std::string cause = _pcm->problemWith(path);
+        return "unreadable: " + (cause.empty() ? "no sound could be found in it" : cause);
+    }
+
     const std::shared_ptr<PCMService> _pcm;
+    std::mutex _mutex;
+    std::multimap<std::string, Length> _prepared; // several runs may prepare the same file
+    PathCache<std::string> _problems{mostProblems};
 };
 
 } // namespace

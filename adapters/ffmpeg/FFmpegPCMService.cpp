@@ -6,6 +6,7 @@
 #include "adapters/ffmpeg/LengthCache.h"
 #include "adapters/ffmpeg/SoundFile.h"
 #include "adapters/posix/FileStamps.h"
+#include "adapters/posix/RegularFile.h"
 
 namespace quarner {
 
@@ -19,20 +20,28 @@ public:
     std::optional<PCMLength> measureWhile(const std::string& path,
                                           const MayContinue& mayContinue) override;
     std::unique_ptr<PCMStream> open(const std::string& path) override;
+    std::string problemWith(const std::string& path) override {
+        return _problems.find(path).value_or("");
+    }
 
 private:
     LengthCache _lengths{512};
+    PathCache<std::string> _problems{512};
 };
 
 std::optional<PCMLength> FFmpegPCMService::measureWhile(const std::string& path,
                                                         const MayContinue& mayContinue) try {
     const auto stamp = stampOfFile(path);
-    if (!stamp)
+    if (!stamp) {
+        _problems.keep(path, RegularFile(path).problem());
         return std::nullopt;
+    }
     if (const auto known = _lengths.find(path, *stamp))
         return *known;
     const FFmpegLogScope scope(path, FFmpegLogScope::Reports::Nowhere);
     const Measurement result = measureSound(path, mayContinue);
+    if (!result.length)
+        _problems.keep(path, result.problem);
     if (!result.wasStopped)
         _lengths.keep(path, *stamp, result.length);
     return result.length;
@@ -42,8 +51,14 @@ std::optional<PCMLength> FFmpegPCMService::measureWhile(const std::string& path,
 
 std::unique_ptr<PCMStream> FFmpegPCMService::open(const std::string& path) try {
     const auto length = measure(path);
+    if (!length)
+        return nullptr;
     const FFmpegLogScope scope(path);
-    return length ? openSound(path, length->discSamples) : nullptr;
+    std::string problem;
+    auto stream = openSound(path, length->discSamples, {}, &problem);
+    if (!stream)
+        _problems.keep(path, problem);
+    return stream;
 } catch (...) {
     return nullptr;
 }

@@ -36,6 +36,13 @@ std::optional<std::size_t> FFmpegPCMStream::read(std::span<std::int16_t> samples
     return std::nullopt;
 }
 
+std::string FFmpegPCMStream::problem() const {
+    if (_file->hasFailed())
+        return _file->problem();
+    return "more than " + std::to_string(PacketSource::mostDamage >> 20) +
+           " MiB of damage in one place";
+}
+
 std::optional<FFmpegPCMStream::Source> FFmpegPCMStream::source() const {
     return _hasOneRate ? std::optional(_source) : std::nullopt;
 }

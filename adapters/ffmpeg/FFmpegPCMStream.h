@@ -29,6 +29,7 @@ public:
     ~FFmpegPCMStream() override;
 
     std::optional<std::size_t> read(std::span<std::int16_t> samples) override;
+    std::string problem() const override;
 
     /// The samples heard so far, silence in place of damage included, and their rate. Nothing if
     /// the rate has changed.

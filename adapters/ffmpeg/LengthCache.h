@@ -2,12 +2,10 @@
 #pragma once
 
 #include <cstddef>
-#include <deque>
-#include <map>
-#include <mutex>
 #include <optional>
 #include <string>
 
+#include "adapters/ffmpeg/PathCache.h"
 #include "quarner/platform/FileStamp.h"
 #include "quarner/platform/PCMService.h"
 
@@ -17,16 +15,21 @@ namespace quarner {
 /// thread.
 class LengthCache {
 public:
-    explicit LengthCache(std::size_t capacity) : _capacity(capacity) {}
+    explicit LengthCache(std::size_t capacity) : _entries(capacity) {}
 
     /// What a file was measured as: nothing if it holds no sound.
     using Length = std::optional<PCMLength>;
 
     /// What is kept for a file, if the file then had this stamp.
-    std::optional<Length> find(const std::string& path, const FileStamp& stamp) const;
+    std::optional<Length> find(const std::string& path, const FileStamp& stamp) const {
+        const auto entry = _entries.find(path);
+        return entry && entry->stamp == stamp ? std::optional<Length>(entry->length) : std::nullopt;
+    }
 
     /// Keeps a length. If the cache is full, the oldest one is removed.
-    void keep(const std::string& path, const FileStamp& stamp, const Length& length);
+    void keep(const std::string& path, const FileStamp& stamp, const Length& length) {
+        _entries.keep(path, {stamp, length});
+    }
 
 private:
     struct Entry {
@@ -34,10 +37,7 @@ private:
         Length length;
     };
 
-    const std::size_t _capacity;
-    mutable std::mutex _mutex;
-    std::map<std::string, Entry> _entries;
-    std::deque<std::string> _order; // the paths of the entries, oldest first
+    PathCache<Entry> _entries;
 };
 
 } // namespace quarner

@@ -104,15 +104,17 @@ std::optional<PCMLength> measureMp4(WindowedFile& file) {
 }
 
 /// Decodes a file from its start to its end.
-std::optional<PCMLength> measureByDecoding(const std::string& path,
-                                           const MayContinue& mayContinue) {
-    const auto stream = openSound(path, std::nullopt, mayContinue);
+std::optional<PCMLength> measureByDecoding(const std::string& path, const MayContinue& mayContinue,
+                                           std::string& problem) {
+    const auto stream = openSound(path, std::nullopt, mayContinue, &problem);
     if (!stream)
         return std::nullopt;
     std::array<std::int16_t, 8192> values = {};
     std::uint64_t pairs = 0;
     for (;;) {
         const auto count = stream->read(values);
+        if (!count)
+            problem = stream->problem();
         if (!count || (mayContinue && !mayContinue()))
             return std::nullopt;
         pairs += *count / 2;
@@ -125,34 +127,42 @@ std::optional<PCMLength> measureByDecoding(const std::string& path,
 }
 
 /// Whether there is any sound near the start: noise is not decoded to its end.
-bool isSound(const std::string& path, const MayContinue& mayContinue) {
-    const auto file = WindowedFile::open(path, mayContinue);
+bool isSound(const std::string& path, const MayContinue& mayContinue, std::string& problem) {
+    const auto file = WindowedFile::open(path, mayContinue, &problem);
     auto source = file ? openSource(*file) : nullptr;
     const auto decoder = source ? AudioDecoder::open(std::move(source)) : nullptr;
-    return decoder && startsToSound(*decoder);
+    const bool isFound = decoder && startsToSound(*decoder);
+    if (file && !isFound)
+        problem = file->problem();
+    return isFound;
 }
 
 } // namespace
 
-std::unique_ptr<FFmpegPCMStream>
-openSound(const std::string& path, std::optional<std::uint64_t> length, MayContinue mayContinue) {
-    auto file = WindowedFile::open(path, std::move(mayContinue));
+std::unique_ptr<FFmpegPCMStream> openSound(const std::string& path,
+                                           std::optional<std::uint64_t> length,
+                                           MayContinue mayContinue, std::string* problem) {
+    auto file = WindowedFile::open(path, std::move(mayContinue), problem);
     auto source = file ? openSource(*file) : nullptr;
     auto decoder = source ? AudioDecoder::open(std::move(source)) : nullptr;
-    return decoder ? std::make_unique<FFmpegPCMStream>(path, std::move(file), std::move(decoder),
-                                                       length)
-                   : nullptr;
+    if (decoder)
+        return std::make_unique<FFmpegPCMStream>(path, std::move(file), std::move(decoder), length);
+    if (file && problem != nullptr)
+        *problem = file->problem();
+    return nullptr;
 }
 
 Measurement measureSound(const std::string& path, const MayContinue& mayContinue) {
-    const auto file = WindowedFile::open(path, mayContinue);
-    if (!file)
-        return {};
     Measurement result;
+    const auto file = WindowedFile::open(path, mayContinue, &result.problem);
+    if (!file)
+        return result;
     const auto mpeg = openMpeg(*file);
     result.length = mpeg ? measureMpeg(*mpeg, *file) : measureMp4(*file);
-    if (!result.length && !file->hasFailed() && isSound(path, mayContinue))
-        result.length = measureByDecoding(path, mayContinue);
+    if (!result.length && file->hasFailed())
+        result.problem = file->problem();
+    else if (!result.length && isSound(path, mayContinue, result.problem))
+        result.length = measureByDecoding(path, mayContinue, result.problem);
     result.wasStopped = !result.length && mayContinue && !mayContinue();
     return result;
 }

@@ -11,15 +11,18 @@
 namespace quarner {
 
 /// Opens a file for decoding. Null if it holds no sound, or none that there is a decoder for. With
-/// a length in pairs the stream delivers exactly that.
+/// a length in pairs the stream delivers exactly that. `problem` is set to why it could not be
+/// read.
 std::unique_ptr<FFmpegPCMStream> openSound(const std::string& path,
                                            std::optional<std::uint64_t> length = std::nullopt,
-                                           WindowedFile::MayContinue mayContinue = {});
+                                           WindowedFile::MayContinue mayContinue = {},
+                                           std::string* problem = nullptr);
 
 /// What measuring a file found.
 struct Measurement {
     std::optional<PCMLength> length;
     bool wasStopped = false; ///< by `mayContinue`, before the length was known
+    std::string problem;     ///< why there is no length; empty if no sound was found
 };
 
 /// Measures a file by the cheapest of three ways that is certain:

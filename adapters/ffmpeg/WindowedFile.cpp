@@ -4,6 +4,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <system_error>
 #include <utility>
 
 namespace quarner {
@@ -15,9 +17,20 @@ constexpr std::size_t largestReadAhead = 128 * 1024;
 
 } // namespace
 
-std::unique_ptr<WindowedFile> WindowedFile::open(const std::string& path, MayContinue mayContinue) {
+std::unique_ptr<WindowedFile> WindowedFile::open(const std::string& path, MayContinue mayContinue,
+                                                 std::string* problem) {
     std::unique_ptr<WindowedFile> file(new WindowedFile(path, std::move(mayContinue)));
-    return file->_source.isOpen() ? std::move(file) : nullptr;
+    if (file->_source.isOpen())
+        return file;
+    if (problem != nullptr)
+        *problem = file->_source.problem();
+    return nullptr;
+}
+
+std::string WindowedFile::problem() const {
+    if (!_hasFailed || _wasStopped)
+        return {};
+    return _error == 0 ? "unexpected end of the file" : std::generic_category().message(_error);
 }
 
 WindowedFile::WindowedFile(const std::string& path, MayContinue mayContinue)
@@ -71,6 +84,7 @@ bool WindowedFile::fill(Window& window, std::uint64_t offset, std::size_t count)
         });
         if (got <= 0) { // 0: the file has become shorter
             _hasFailed = true;
+            _error = got < 0 ? errno : 0;
             break;
         }
         filled += static_cast<std::size_t>(got);

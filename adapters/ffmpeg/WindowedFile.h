@@ -22,9 +22,10 @@ public:
     /// Asked before each read; reading fails after it has returned false.
     using MayContinue = std::function<bool()>;
 
-    /// Opens a file, symbolic links followed. Null if it is missing, not readable or not regular.
-    static std::unique_ptr<WindowedFile> open(const std::string& path,
-                                              MayContinue mayContinue = {});
+    /// Opens a file, symbolic links followed. Null if it is missing, not readable or not regular;
+    /// `problem` is then set to the reason, without the path.
+    static std::unique_ptr<WindowedFile> open(const std::string& path, MayContinue mayContinue = {},
+                                              std::string* problem = nullptr);
 
     WindowedFile(const WindowedFile&) = delete;
     WindowedFile& operator=(const WindowedFile&) = delete;
@@ -38,6 +39,8 @@ public:
 
     /// True after a read failed or was not continued. It stays true.
     bool hasFailed() const { return _hasFailed; }
+    /// Why a read failed, without the path; empty if none did, or if it was not continued.
+    std::string problem() const;
     /// True if it was `MayContinue` that ended the reading.
     bool wasStopped() const { return _wasStopped; }
 
@@ -64,6 +67,7 @@ private:
     std::array<Window, 4> _windows; // as many places are read in turn at most
     std::uint64_t _uses = 0;
     std::uint64_t _bytesRead = 0;
+    int _error = 0; // errno of the read that failed; 0 at an unexpected end
     bool _hasFailed = false;
     bool _wasStopped = false;
 };

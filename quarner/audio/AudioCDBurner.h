@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -69,8 +70,9 @@ protected:
     virtual bool isProtected(const std::string& resolvedPath) const;
     /// Makes the item of a file. Its properties are the record merged with what the item itself
     /// knows; the merged record is then passed to the delegate. Returns null if no item can be
-    /// made.
-    virtual std::shared_ptr<BurnItem> makeItem(const std::string& path, Dictionary& record) const;
+    /// made, and soon after `mayContinue` has returned false.
+    virtual std::shared_ptr<BurnItem> makeItem(const std::string& path, Dictionary& record,
+                                               const std::function<bool()>& mayContinue) const;
     /// Returns the report at the end of a run.
     virtual EndReport endReport(const std::vector<std::string>& protectedFiles,
                                 const std::vector<std::string>& incompatibleFiles) const;
@@ -103,7 +105,7 @@ private:
     void filterPath(const std::string& path, KnownPaths& known, AddFilesRun& run);
     bool isSupported(const std::string& resolvedPath);
     void performRun(AddFilesRun& run);
-    bool prepareMovie(const std::string& path) const;
+    std::function<bool()> timeToComplete() const;
     bool examineFile(const std::string& path, AddFilesRun& run);
 
     void fillTextBlock(const std::optional<std::string>& discName,

@@ -128,29 +128,31 @@ void AudioCDBurner::performRun(AddFilesRun& run) {
     tell(&QuarnDelegate::addFilesProgressDidEnd, endReport(run.protectedFiles, run.incompatible));
 }
 
-/// Lets the media service read the file on this thread, so that neither a huge file nor a damaged
-/// one holds up the main thread. Returns false if the run was cancelled and the file was not done
-/// soon after: a usual file is still completed and added.
-bool AudioCDBurner::prepareMovie(const std::string& path) const {
+/// What the work on one file asks: false if the run was cancelled and the file was not done soon
+/// after. A usual file is still completed and added.
+std::function<bool()> AudioCDBurner::timeToComplete() const {
     using Clock = std::chrono::steady_clock;
-    constexpr std::chrono::milliseconds timeToComplete(500);
-    std::optional<Clock::time_point> canceled;
-    return currentPlatform()->media->prepareMovie(path, [&] {
+    const auto canceled = std::make_shared<std::optional<Clock::time_point>>(); // for all copies
+    return [this, canceled] {
         if (_continue2AddFiles)
             return true;
-        if (!canceled)
-            canceled = Clock::now();
-        return Clock::now() - *canceled < timeToComplete;
-    });
+        if (!*canceled)
+            *canceled = Clock::now();
+        return Clock::now() - **canceled < std::chrono::milliseconds(500);
+    };
 }
 
-/// Adds or refuses a file. Returns false if the run was cancelled inside it.
+/// Adds or refuses a file. Returns false if the run was cancelled inside it. The services read the
+/// file on this thread, so that neither a huge file nor a damaged one holds up the main thread.
 bool AudioCDBurner::examineFile(const std::string& path, AddFilesRun& run) {
-    if (!prepareMovie(path))
+    const std::function<bool()> mayContinue = timeToComplete();
+    if (!currentPlatform()->media->prepareMovie(path, mayContinue))
         return false;
     const std::int64_t seconds = getMovieDuration(path);
     Dictionary record = burnItemRecord(path, seconds);
-    const std::shared_ptr<BurnItem> item = makeItem(path, record);
+    const std::shared_ptr<BurnItem> item = makeItem(path, record, mayContinue);
+    if (!item && !mayContinue())
+        return false;
     if (!item || seconds <= 0) {
         run.incompatible.push_back(path);
         return true;
@@ -160,9 +162,10 @@ bool AudioCDBurner::examineFile(const std::string& path, AddFilesRun& run) {
     return true;
 }
 
-std::shared_ptr<BurnItem> AudioCDBurner::makeItem(const std::string& path,
-                                                  Dictionary& record) const {
-    const std::shared_ptr<DRTrack> track = currentPlatform()->recording->trackForAudioFile(path);
+std::shared_ptr<BurnItem> AudioCDBurner::makeItem(const std::string& path, Dictionary& record,
+                                                  const std::function<bool()>& mayContinue) const {
+    const std::shared_ptr<DRTrack> track =
+        currentPlatform()->recording->trackForAudioFileWhile(path, mayContinue);
     if (!track)
         return nullptr;
     track->setPreGap(DRMSF::msfWithFrames(preGapFrames));

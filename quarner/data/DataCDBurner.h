@@ -42,7 +42,8 @@ public:
 protected:
     std::optional<std::string> identifyingPath(const BurnItem& item) const override;
     bool isProtected(const std::string& resolvedPath) const override;
-    std::shared_ptr<BurnItem> makeItem(const std::string& path, Dictionary& record) const override;
+    std::shared_ptr<BurnItem> makeItem(const std::string& path, Dictionary& record,
+                                       const std::function<bool()>& mayContinue) const override;
     EndReport endReport(const std::vector<std::string>& protectedFiles,
                         const std::vector<std::string>& incompatibleFiles) const override;
 

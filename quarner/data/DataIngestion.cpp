@@ -23,8 +23,9 @@ std::optional<std::string> DataCDBurner::identifyingPath(const BurnItem& item) c
 
 bool DataCDBurner::isProtected(const std::string& /*resolvedPath*/) const { return false; }
 
-std::shared_ptr<BurnItem> DataCDBurner::makeItem(const std::string& path,
-                                                 Dictionary& record) const {
+std::shared_ptr<BurnItem>
+DataCDBurner::makeItem(const std::string& path, Dictionary& record,
+                       const std::function<bool()>& /*mayContinue*/) const {
     const std::shared_ptr<DRFile> node = nodeOrNull(path);
     if (!node)
         return nullptr;

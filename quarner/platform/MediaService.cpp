@@ -11,4 +11,12 @@ bool MediaService::prepareMovie(const std::string& /*path*/, const MayContinue& 
     return true;
 }
 
+std::string MediaService::problemWithMovie(const std::string& path) {
+    const std::unique_ptr<QTMovie> movie = movieWithFile(path);
+    if (!movie)
+        return "unreadable: no sound could be found in it";
+    const QTTime time = movie->duration();
+    return time.scale == 0 || time.value / time.scale <= 0 ? "shorter than a second" : "";
+}
+
 } // namespace quarner

@@ -44,15 +44,22 @@ public:
     /// Asked often while a movie is prepared, on the same thread; false ends the work.
     using MayContinue = std::function<bool()>;
 
-    /// Does in advance what `movieWithFile` would need long for, and keeps the result, so that the
-    /// main thread is not held up. Called on a background thread before each `movieWithFile` of a
-    /// run. Returns false if `mayContinue`, which is never empty, ended it; true otherwise, also
-    /// for a file that cannot be opened. Does nothing by default.
+    /// Does in advance what `movieWithFile` would need long for, and keeps the result for the next
+    /// `movieWithFile` of this path, even if the file changes before that, so that the main thread
+    /// is not held up. Called on a background thread before each `movieWithFile` of a run. Returns
+    /// false if `mayContinue`, which is never empty, ended it; true otherwise, also for a file that
+    /// cannot be opened. Does nothing by default.
     virtual bool prepareMovie(const std::string& path, const MayContinue& mayContinue);
 
     /// Returns the types that can be opened, as file-name extensions and as type codes in single
     /// quotes. `flags` 0 asks for the common ones only.
     virtual std::vector<std::string> movieFileTypes(std::uint32_t flags) = 0;
+
+    /// Returns why a file that was refused is no movie, or one that is too short, in a few words
+    /// for a user: "unreadable: Input/output error". Empty if neither is known. Must return soon;
+    /// the default opens the movie, and a service for which that takes long returns what it noted
+    /// when it last opened it. Called on the main thread.
+    virtual std::string problemWithMovie(const std::string& path);
 };
 
 } // namespace quarner

@@ -5,11 +5,15 @@ namespace quarner {
 
 PCMStream::~PCMStream() = default;
 
+std::string PCMStream::problem() const { return {}; }
+
 PCMService::~PCMService() = default;
 
 std::optional<PCMLength> PCMService::measureWhile(const std::string& path,
                                                   const MayContinue& /*mayContinue*/) {
     return measure(path);
 }
+
+std::string PCMService::problemWith(const std::string& /*path*/) { return {}; }
 
 } // namespace quarner

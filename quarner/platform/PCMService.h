@@ -34,6 +34,10 @@ public:
     /// passage becomes silence of the same length. Returns `std::nullopt` if the file cannot be
     /// read any further.
     virtual std::optional<std::size_t> read(std::span<std::int16_t> samples) = 0;
+
+    /// Returns why the last `read` failed, in a few words without the path: "Input/output error".
+    /// Empty, as by default, if that is not known.
+    virtual std::string problem() const;
 };
 
 /// Measures and decodes audio files. Every operation may be called on any thread. Several streams
@@ -61,6 +65,10 @@ public:
     /// Opens a file for decoding. Returns null if that is not possible. May log what is wrong with
     /// the file.
     virtual std::unique_ptr<PCMStream> open(const std::string& path) = 0;
+
+    /// Returns why the file at a path could not be measured or opened when that last failed, in a
+    /// few words without the path. Reads no file. Empty, as by default, if that is not known.
+    virtual std::string problemWith(const std::string& path);
 };
 
 } // namespace quarner

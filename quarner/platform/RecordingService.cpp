@@ -5,6 +5,12 @@ namespace quarner {
 
 RecordingService::~RecordingService() = default;
 
+std::shared_ptr<DRTrack>
+RecordingService::trackForAudioFileWhile(const std::string& path,
+                                         const MayContinue& /*mayContinue*/) {
+    return trackForAudioFile(path);
+}
+
 std::shared_ptr<DRFile> RecordingService::fileWithPath(const std::string& /*path*/) {
     return nullptr;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -47,6 +48,14 @@ public:
     /// loop; within a handler, of the loop that called it. Every call within the same loop returns
     /// the same object, which the service keeps for as long as the loop exists. Never null.
     virtual std::shared_ptr<DRNotificationCenter> currentRunLoopCenter() = 0;
+
+    /// Asked often while a track is made, on the same thread; false ends the work.
+    using MayContinue = std::function<bool()>;
+
+    /// `trackForAudioFile`, but returns null soon after `mayContinue` has returned false. An empty
+    /// function never ends it. A service that makes tracks at once need not override this.
+    virtual std::shared_ptr<DRTrack> trackForAudioFileWhile(const std::string& path,
+                                                            const MayContinue& mayContinue);
 };
 
 } // namespace quarner

@@ -1,4 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include <functional>
+#include <thread>
+#include <utility>
+
+#include "quarner/platform/Platform.h"
 #include "tests/support/BurnerFixture.h"
 
 namespace quarner::testing {
@@ -50,6 +55,54 @@ TEST_F(AudioIngestionTest, AnotherExtensionIsAcceptedOnlyByASupportedTypeCode) {
 TEST_F(AudioIngestionTest, ATypeCodeOutsideTheListHelpsNobody) {
     platform.putSong("/x.wav", {.seconds = 5}, {.typeCode = typeCode("WAVE")});
     EXPECT_FALSE(burner->addFiles({"/x.wav"}));
+}
+
+/// Makes one track until its run is cancelled, and for as long after that as it may.
+class SlowRecording : public RecordingService {
+public:
+    SlowRecording(std::shared_ptr<RecordingService> recording, std::string slowPath)
+        : _recording(std::move(recording)), _slowPath(std::move(slowPath)) {}
+
+    std::vector<std::shared_ptr<DRDevice>> devices() override { return _recording->devices(); }
+    std::shared_ptr<DRBurn> burnForDevice(std::shared_ptr<DRDevice> device) override {
+        return _recording->burnForDevice(std::move(device));
+    }
+    std::shared_ptr<DRTrack> trackForAudioFile(const std::string& path) override {
+        return _recording->trackForAudioFile(path);
+    }
+    std::shared_ptr<DRTrack> trackForAudioFileWhile(const std::string& path,
+                                                    const MayContinue& mayContinue) override {
+        if (path != _slowPath)
+            return trackForAudioFile(path);
+        whenBegun();
+        while (mayContinue())
+            std::this_thread::yield();
+        return nullptr;
+    }
+    std::shared_ptr<DRNotificationCenter> currentRunLoopCenter() override {
+        return _recording->currentRunLoopCenter();
+    }
+
+    std::function<void()> whenBegun;
+
+private:
+    const std::shared_ptr<RecordingService> _recording;
+    const std::string _slowPath;
+};
+
+TEST_F(AudioIngestionTest, ACancelWhileATrackIsMadeEndsTheRunWithoutThatFile) {
+    putSongs({"/a.mp3", "/b.mp3", "/c.mp3"});
+    Platform slow = *currentPlatform();
+    const auto recording = std::make_shared<SlowRecording>(slow.recording, "/b.mp3");
+    recording->whenBegun = [this] { burner->cancelToAddFiles(); };
+    slow.recording = recording;
+    installPlatform(slow);
+    burner->addFiles({"/a.mp3", "/b.mp3", "/c.mp3"});
+    finishRuns();
+    EXPECT_THAT(paths(), ElementsAre("/a.mp3"));
+    EXPECT_THAT(incompatibleFiles(), IsEmpty());
+    EXPECT_EQ(delegate.count("addFilesProgressDidCanceled"), 1U);
+    EXPECT_EQ(delegate.count("addFilesProgressDidEnd"), 1U);
 }
 
 TEST_F(AudioIngestionTest, AFileOfWhichNoTrackCanBeMadeIsIncompatible) {

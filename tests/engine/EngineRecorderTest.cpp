@@ -114,6 +114,11 @@ TEST_F(EngineRecorderTest, AFileWithoutSoundGivesNoTrack) {
     EXPECT_NE(audioTrack(), nullptr);
 }
 
+TEST_F(EngineRecorderTest, MakingATrackEndsWhenItIsNotContinued) {
+    EXPECT_NE(recorder->trackForAudioFileWhile(song, [] { return true; }), nullptr);
+    EXPECT_EQ(recorder->trackForAudioFileWhile(song, [] { return false; }), nullptr);
+}
+
 TEST_F(EngineRecorderTest, AFileNodeKnowsItsPathAndStamp) {
     const auto node = recorder->fileWithPath(song);
     ASSERT_NE(node, nullptr);

@@ -24,6 +24,10 @@ public:
     std::optional<PCMLength> measure(const std::string& /*path*/) override {
         return opens ? std::optional(PCMLength{pairs, 44100, pairs}) : std::nullopt;
     }
+    std::optional<PCMLength> measureWhile(const std::string& path,
+                                          const MayContinue& mayContinue) override {
+        return !mayContinue || mayContinue() ? measure(path) : std::nullopt;
+    }
     std::unique_ptr<PCMStream> open(const std::string& /*path*/) override {
         if (!opens)
             return nullptr;

@@ -88,6 +88,22 @@ protected:
                 burnWith(fault, path);
     }
 
+    /// The end of a burn under a fault, which leaves the old image.
+    HostEnd endUnder(const std::string& fault, const std::vector<std::string>& sources) const {
+        const HostEnd end = burnUnder(fault, sources);
+        EXPECT_NE(end.status, 0);
+        for (const auto& [name, content] : _old)
+            EXPECT_TRUE(contentOf(inImages(name)) == content) << name << " is the old one";
+        return end;
+    }
+
+    /// How often a call concerns a path in a burn of these sources.
+    int calls(const std::string& call, const std::string& path,
+              const std::vector<std::string>& sources) const {
+        burnUnder("none 0 EIO once " + path, sources);
+        return loggedCalls().at(call);
+    }
+
     /// Interrupts each call that concerns a source which is refused.
     void interruptRefusalOf(const std::string& source) const {
         const std::string refusal = burnUnder("none 0 EIO once " + source, {source}).err;
@@ -99,15 +115,15 @@ protected:
             }
     }
 
-private:
-    std::string inImages(const std::string& name) const { return folder.file("images/" + name); }
-
     void restoreOldImage() const {
         std::filesystem::remove_all(folder.file("images"));
         makeFolder("images");
         for (const auto& [name, content] : _old)
             writeContent(inImages(name), content);
     }
+
+private:
+    std::string inImages(const std::string& name) const { return folder.file("images/" + name); }
 
     HostEnd burnUnder(const std::string& fault, const std::vector<std::string>& sources = {
                                                     "songs/two.m4a", "songs/one.mp3"}) const {
@@ -193,6 +209,35 @@ TEST_P(ProgramFaults, ThatOnlyInterruptACallDoNotChangeWhyASourceIsRefused) {
     interruptRefusalOf("songs/note.txt");
     makeFolder("songs/album.mp3");
     interruptRefusalOf("songs/album.mp3");
+}
+
+TEST_P(ProgramFaults, WhileASourceIsAddedAreTheReasonForItsRefusal) {
+    EXPECT_THAT(endUnder("pread 1 EIO always songs/one.mp3", {"songs/one.mp3"}).err,
+                HasSubstr("quarner: songs/one.mp3: unreadable: Input/output error\n"));
+    EXPECT_THAT(endUnder("pread 2 EIO once songs/two.m4a", {"songs/two.m4a"}).err,
+                HasSubstr("quarner: songs/two.m4a: unreadable: Input/output error\n"));
+    EXPECT_THAT(endUnder("pread 1 zero once songs/one.mp3", {"songs/one.mp3"}).err,
+                HasSubstr("quarner: songs/one.mp3: unreadable: unexpected end of the file\n"));
+}
+
+TEST_P(ProgramFaults, WhileASourceIsBurntAreToldWithTheSource) {
+    const std::string call = isData() ? "read" : "pread";
+    const int reads = calls(call, "songs/one.mp3", {"songs/one.mp3"});
+    restoreOldImage();
+    const auto last = call + ' ' + std::to_string(reads);
+    const HostEnd end = endUnder(last + " EIO once songs/one.mp3", {"songs/one.mp3"});
+    EXPECT_THAT(end.err, HasSubstr("songs/one.mp3: Input/output error)\n"));
+}
+
+TEST_P(ProgramFaults, NoFileIsReadAgainForTheReasonOfItsRefusalHoweverManyThereAre) {
+    makeFolder("junk");
+    std::vector<std::string> sources;
+    for (int i = 0; i < 600; ++i) {
+        sources.push_back("junk/" + std::to_string(1000 + i) + ".mp3");
+        writeContent(folder.file(sources.back()), "no sound");
+    }
+    EXPECT_EQ(calls("pread", "junk/1000.mp3", sources),
+              calls("pread", "junk/1000.mp3", {"junk/1000.mp3"}));
 }
 
 INSTANTIATE_TEST_SUITE_P(OfEveryKind, ProgramFaults,

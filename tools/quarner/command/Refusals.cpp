@@ -44,13 +44,8 @@ bool hasSupportedType(Quarner& burner, const std::string& path) {
 }
 
 std::string soundObstacle(const std::string& path) {
-    const auto movie = currentPlatform()->media->movieWithFile(path);
-    if (!movie)
-        return "unreadable: no sound could be found in it";
-    const QTTime time = movie->duration();
-    if (time.scale == 0 || time.value / time.scale <= 0)
-        return "shorter than a second";
-    return "unreadable: it could not be added";
+    const std::string problem = currentPlatform()->media->problemWithMovie(path);
+    return problem.empty() ? "unreadable: it could not be added" : problem;
 }
 
 } // namespace
