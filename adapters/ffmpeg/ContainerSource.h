@@ -20,7 +20,8 @@ namespace quarner {
 ///
 /// In an MP4 file the edit list is obeyed here: libavformat is told to ignore it, and the samples
 /// outside of it are not heard. Where there is no edit list, the delay that a note of the encoder
-/// names is not heard; it counts in ticks of the track. More than one cut is left to libavformat.
+/// names is not heard; it counts in ticks of the track. More than one cut is left to libavformat,
+/// and the length is then found by decoding.
 class ContainerSource : public PacketSource {
 public:
     /// Opens the best audio stream of a file. Null if there is none. The file must outlive the

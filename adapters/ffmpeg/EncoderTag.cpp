@@ -78,6 +78,7 @@ std::optional<EncoderTag> xingTagIn(Bytes frame, std::size_t start) {
         const std::uint32_t padding = trimming & 0xfff;
         tag.delay = (trimming >> 12) + decoderDelay;
         tag.padding = padding - std::min(padding, decoderDelay);
+        tag.isCopy = encoder == "Lavf" && number(frame, next + 4, 1) == 0; // names no version
         tag.isCrcRight = isCrcRight(frame, next + 34);
     }
     return tag;

@@ -14,6 +14,7 @@ struct EncoderTag {
     std::uint32_t delay = 0;   ///< samples before the sound, the decoder's own delay included
     std::uint32_t padding = 0; ///< samples behind the sound, less the decoder's own delay
     bool isTrimmed = false;    ///< delay and padding are noted
+    bool isCopy = false;       ///< of a program that copied frames from other files
     bool isCrcRight = false;   ///< the checksum of the note is there and right
 };
 

@@ -39,6 +39,13 @@ void Mp4Boxes::eachOfLevel(const Mp4Box& within, const std::function<void(const 
     }
 }
 
+void Mp4Boxes::prefetch(const Mp4Box& box) {
+    constexpr std::uint64_t largest = 1U << 20;
+    constexpr std::size_t behind = 4096; // libavformat reads this much at once
+    if (box.end - box.begin <= largest)
+        _file.view(box.begin, static_cast<std::size_t>(box.end - box.begin) + behind);
+}
+
 std::uint8_t Mp4Boxes::number8(const Mp4Box& box, std::uint64_t offset) {
     return static_cast<std::uint8_t>(read(box, offset, 1));
 }

@@ -11,13 +11,14 @@ namespace quarner {
 namespace {
 
 constexpr std::uint64_t mostPackets = 1'000'000; // that a demuxer is asked to hold in memory
-constexpr std::size_t mostEdits = 16;
+constexpr std::uint32_t mostEdits = 16;
 
 /// The tables of one track, as far as they were found.
 struct Track {
     bool isSound = false;
     std::uint32_t scale = 0;
     std::vector<Mp4Tables::Edit> edits;
+    std::uint64_t editCount = 0;
     Mp4Box times;   // stts
     Mp4Box sizes;   // stsz
     Mp4Box runs;    // stsc
@@ -63,6 +64,7 @@ std::optional<Mp4Tables> Reader::read() {
     const Track& sound = _sounds.front();
     _tables.scale = sound.scale;
     _tables.edits = sound.edits;
+    _tables.editCount = sound.editCount;
     _tables.isTooLarge = _packetsOfAll > mostPackets;
     const bool isTimed = readTimes(sound);
     _tables.isConsistent = !_hasFragments && isTimed && placesFit(sound) && !_boxes.hasFailed();
@@ -70,6 +72,7 @@ std::optional<Mp4Tables> Reader::read() {
 }
 
 void Reader::readMovie(const Mp4Box& movie) {
+    _boxes.prefetch(movie); // each number is read twice, here and by libavformat
     _boxes.each(movie, [&](const Mp4Box& box) {
         if (box.is("mvhd")) {
             _tables.movieScale = _boxes.number(box, _boxes.number8(box, 0) == 1 ? 20 : 12);
@@ -123,8 +126,9 @@ Track Reader::readTrack(const Mp4Box& trak) {
 void Reader::readEdits(const Mp4Box& box, Track& track) {
     const bool isWide = _boxes.number8(box, 0) == 1;
     const std::uint64_t size = isWide ? 20 : 12;
-    const std::size_t count = std::min<std::size_t>(_boxes.number(box, 4), mostEdits);
-    for (std::size_t i = 0; i < count; ++i) {
+    const std::uint32_t count = _boxes.number(box, 4);
+    track.editCount += count;
+    for (std::uint32_t i = 0; i < std::min(count, mostEdits); ++i) {
         const std::uint64_t at = 8 + i * size;
         Mp4Tables::Edit edit;
         edit.duration = isWide ? _boxes.number64(box, at) : _boxes.number(box, at);
@@ -206,8 +210,8 @@ bool Reader::placesFit(const Track& track) {
 std::optional<Mp4Tables::Window> Mp4Tables::edited() const {
     const auto isHeard = [](const Edit& edit) { return edit.mediaTime >= 0; };
     const auto edit = std::find_if(edits.begin(), edits.end(), isHeard);
-    if (edit == edits.end() || std::count_if(edit, edits.end(), isHeard) != 1 || movieScale == 0 ||
-        scale == 0)
+    if (editCount != edits.size() || edit == edits.end() ||
+        std::count_if(edit, edits.end(), isHeard) != 1 || movieScale == 0 || scale == 0)
         return std::nullopt;
     constexpr std::uint64_t longest = 1ULL << 40; // ticks; no file comes near
     if (edit->duration > longest || static_cast<std::uint64_t>(edit->mediaTime) > longest)

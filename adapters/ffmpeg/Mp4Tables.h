@@ -24,7 +24,8 @@ struct Mp4Tables {
     std::uint64_t ticks = 0;       ///< of all packets together
     std::uint32_t packetTicks = 0; ///< of each packet but the last; 0: they differ
     std::uint32_t lastPacketTicks = 0;
-    std::vector<Edit> edits;
+    std::vector<Edit> edits;     ///< the first 16 of the edit list
+    std::uint64_t editCount = 0; ///< of all edits
     bool isConsistent =
         false;               ///< the tables agree with each other, and all packets are in the file
     bool isTooLarge = false; ///< a demuxer would need too much memory for the tables
@@ -35,8 +36,8 @@ struct Mp4Tables {
         std::int64_t until = 0;
     };
 
-    /// What the edit list leaves. Nothing without an edit list, or if it is more than one cut at
-    /// either end.
+    /// What the edit list leaves. Nothing without an edit list, if it is more than one cut at
+    /// either end, or if it has more than 16 entries.
     ///
     /// Many programs write edit lists in milliseconds: an end within one tick of the movie around
     /// the end of the media is the end of the media. Only where the media ends with a whole packet,
@@ -45,7 +46,7 @@ struct Mp4Tables {
 
     /// True if the tables prove how many ticks are heard: they are consistent, and the edit list
     /// is one that `edited` understands.
-    bool areProof() const { return isConsistent && (edits.empty() || edited()); }
+    bool areProof() const { return isConsistent && (editCount == 0 || edited()); }
 };
 
 /// Reads the tables. Nothing if the file is no MP4 file, has no track of sound, or more than one.

@@ -27,11 +27,11 @@ std::uint32_t samplesPerFrame(std::uint32_t version, std::uint32_t layer) {
     return layer == 3 && version != 1 ? 576 : 1152;
 }
 
-std::uint32_t bytesPerFrame(const MpegHeader& header, std::uint32_t kilobits, bool isPadded) {
+std::uint32_t bytesPerFrame(const MpegHeader& header, bool isPadded) {
     const std::uint32_t padding = isPadded ? 1 : 0;
     if (header.layer == 1)
-        return 4 * (12000 * kilobits / header.rate + padding);
-    return header.samples / 8 * 1000 * kilobits / header.rate + padding;
+        return 4 * (12000 * header.bitRate / header.rate + padding);
+    return header.samples / 8 * 1000 * header.bitRate / header.rate + padding;
 }
 
 } // namespace
@@ -52,8 +52,8 @@ std::optional<MpegHeader> mpegHeader(std::span<const std::uint8_t> bytes) {
     header.rate = rates[rate] >> (header.version - 1);
     header.channels = bytes[3] >> 6 == 3 ? 1 : 2;
     header.samples = samplesPerFrame(header.version, header.layer);
-    header.frameBytes =
-        bytesPerFrame(header, bitRates(header.version, header.layer)[bitRate], (bytes[2] & 2) != 0);
+    header.bitRate = bitRates(header.version, header.layer)[bitRate];
+    header.frameBytes = bytesPerFrame(header, (bytes[2] & 2) != 0);
     return header;
 }
 

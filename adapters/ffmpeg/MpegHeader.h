@@ -15,6 +15,7 @@ struct MpegHeader {
     std::uint32_t layer = 0;   ///< 1 to 3
     std::uint32_t rate = 0;    ///< samples per second
     std::uint32_t channels = 0;
+    std::uint32_t bitRate = 0;    ///< kbit/s
     std::uint32_t frameBytes = 0; ///< the header included
     std::uint32_t samples = 0;    ///< of one channel in the frame
 

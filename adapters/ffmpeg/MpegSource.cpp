@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "adapters/ffmpeg/MpegProof.h"
+
 namespace quarner {
 
 namespace {
@@ -58,13 +60,14 @@ bool MpegSource::isCertain() {
 }
 
 std::optional<SoundLength> MpegSource::provenLength() {
-    if (!_tag || !_tag->isCrcRight || _tag->frames == 0)
+    if (!_tag || !_tag->isCrcRight || _tag->isCopy)
         return std::nullopt;
     const std::uint64_t bytes = _range.end - _range.begin;
     const bool isWhole = _tag->bytes == bytes || _tag->bytes + _first->frameBytes == bytes;
     const auto second = mpegHeader(_file.view(_frames.offset(), MpegHeader::size));
     const std::int64_t heard = _padding.from - std::int64_t(_tag->delay);
-    if (!isWhole || !second || !second->isLike(*_first) || heard <= 0)
+    if (!isWhole || !second || !second->isLike(*_first) || heard <= 0 ||
+        !MpegProof(_file, {_frames.offset(), _range.end}, *_first).fits(_tag->frames))
         return std::nullopt;
     return SoundLength{static_cast<std::uint64_t>(heard), _first->rate};
 }

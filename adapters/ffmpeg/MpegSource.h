@@ -33,8 +33,10 @@ public:
     /// True if the file begins with what can only be an MPEG audio stream.
     bool isCertain();
 
-    /// The length if the header proves it: the checksum of the encoder's tag is right, and its
-    /// number of bytes is the number that the file holds between its other tags.
+    /// The length if the header proves it: the checksum of the encoder's tag is right, its number
+    /// of bytes is the number that the file holds between its other tags, its number of frames can
+    /// be right, and all frames seem to have one format (`MpegProof`). Nothing otherwise, and for
+    /// the tag of a program that copied the frames of other files.
     std::optional<SoundLength> provenLength();
 
     /// The length as the headers of all frames tell it, read from here to the end. Nothing if

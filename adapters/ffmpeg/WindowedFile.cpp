@@ -57,9 +57,10 @@ const WindowedFile::Window* WindowedFile::windowWith(std::uint64_t offset, std::
         }
     Window& window = windowToReplace(offset);
     const bool goesOn = offset >= window.offset && offset <= window.end();
-    const std::size_t ahead = goesOn ? std::min(2 * window.bytes.size(), largestReadAhead) : 0;
+    window.ahead =
+        goesOn ? std::clamp(2 * window.ahead, smallestRead, largestReadAhead) : smallestRead;
     window.lastUse = _uses;
-    return fill(window, offset, std::max({count, ahead, smallestRead})) ? &window : nullptr;
+    return fill(window, offset, std::max(count, window.ahead)) ? &window : nullptr;
 }
 
 /// The window that ends where the range begins, so that reading on takes one window; otherwise the

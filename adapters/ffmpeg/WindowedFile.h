@@ -51,6 +51,7 @@ private:
     struct Window {
         std::uint64_t offset = 0;
         std::uint64_t lastUse = 0;
+        std::size_t ahead = 0; // how much was read at once, in order
         std::vector<std::uint8_t> bytes;
         std::uint64_t end() const { return offset + bytes.size(); }
     };

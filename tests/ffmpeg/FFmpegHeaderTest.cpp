@@ -12,6 +12,7 @@
 #include "tests/ffmpeg/Measuring.h"
 #include "tests/ffmpeg/PatchedM4A.h"
 #include "tests/support/AudioFixtures.h"
+#include "tests/support/Program.h"
 
 namespace quarner::testing {
 namespace {
@@ -39,20 +40,37 @@ protected:
 
     /// The tagged file with another number in its tag, at an offset, and the checksum that fits.
     std::string withNumber(std::size_t offset, const std::string& bytes) const {
-        constexpr std::size_t checksum = 154; // its offset
         std::string content = tagged;
         content.replace(tag + offset, bytes.size(), bytes);
+        return sealed(content);
+    }
+
+    /// Frames behind the tag, which says how many bytes they are, and how many frames.
+    std::string tagBefore(const std::string& frames, std::size_t count) const {
+        std::string content = tagged.substr(0, tag - tagInFrame + tagFrame) + frames;
+        content.replace(tag + framesField, 4, bigEndian(static_cast<std::uint32_t>(count)));
+        content.replace(tag + bytesField, 4,
+                        bigEndian(static_cast<std::uint32_t>(tagFrame + frames.size())));
+        return sealed(content);
+    }
+
+    /// The content with the checksum that fits its tag.
+    std::string sealed(std::string content) const {
+        constexpr std::size_t checksum = 154; // its offset
+        const std::size_t start = std::min(content.find("Info"), content.find("Xing"));
         unsigned sum = 0; // CRC-16/ARC
-        for (std::size_t i = tag - tagInFrame; i < tag + checksum; ++i) {
+        for (std::size_t i = start - tagInFrame; i < start + checksum; ++i) {
             sum ^= static_cast<unsigned char>(content[i]);
             for (int bit = 0; bit < 8; ++bit)
                 sum = (sum & 1) != 0 ? sum >> 1 ^ 0xa001 : sum >> 1;
         }
-        content[tag + checksum] = static_cast<char>(sum >> 8);
-        content[tag + checksum + 1] = static_cast<char>(sum & 0xff);
+        content[start + checksum] = static_cast<char>(sum >> 8);
+        content[start + checksum + 1] = static_cast<char>(sum & 0xff);
         return content;
     }
 
+    static constexpr std::size_t framesField = 8;
+    static constexpr std::size_t bytesField = 12;
     static constexpr std::size_t tagInFrame = 36; // of two channels
     static constexpr std::size_t tagFrame = 417;  // bytes
 
@@ -74,12 +92,40 @@ TEST_F(FFmpegHeaders, ATagWithTheRightChecksumAndNumberOfBytesProvesTheLength) {
             }
 }
 
+constexpr std::uint64_t usualSize = 3'400'000; // bytes of a song
+constexpr std::uint64_t hardly = usualSize / 50;
+
 TEST_F(FFmpegHeaders, AProvenFileIsHardlyRead) {
-    const std::string path = audioFixture(mp3Recipe());
-    const auto file = WindowedFile::open(path);
-    ASSERT_NE(file, nullptr);
-    ASSERT_TRUE(MpegSource(*file).provenLength());
-    EXPECT_LE(file->bytesRead(), 3 * 4096U);
+    for (AudioRecipe recipe : {mp3Recipe(), variableMP3Recipe()}) {
+        recipe.samples = 44100 * 60;
+        const auto file = WindowedFile::open(audioFixture(recipe));
+        ASSERT_NE(file, nullptr);
+        ASSERT_TRUE(MpegSource(*file).provenLength());
+        EXPECT_LE(file->bytesRead(), hardly);
+    }
+}
+
+/// The number of bytes that this process has read from files.
+std::uint64_t bytesRead() {
+    std::ifstream counts("/proc/self/io");
+    std::string name;
+    std::uint64_t bytes = 0;
+    counts >> name >> bytes;
+    return name == "rchar:" ? bytes : 0;
+}
+
+TEST_F(FFmpegHeaders, AnM4AIsHardlyRead) {
+    AudioRecipe recipe = aacRecipe();
+    recipe.samples = 44100 * 212; // the size of its tables counts
+    for (const bool isIndexFirst : {false, true}) {
+        if (isIndexFirst)
+            recipe.encoder.insert(recipe.encoder.end(), {"-movflags", "+faststart"});
+        const std::string path = audioFixture(recipe);
+        ASSERT_GT(std::filesystem::file_size(path), usualSize * 98 / 100);
+        const std::uint64_t before = bytesRead();
+        EXPECT_TRUE(service->measure(path));
+        EXPECT_LE(bytesRead() - before, hardly);
+    }
 }
 
 TEST_F(FFmpegHeaders, AFileOfAnotherKindIsNotSearchedForFrames) {
@@ -117,10 +163,74 @@ TEST_F(FFmpegHeaders, ATagBeforeFramesOfAnotherRateIsNotBelieved) {
     expectNotProven(tagged.substr(0, frames) + rest);
 }
 
+/// Frames of one second and a little.
+std::string fewFrames(std::uint32_t rate) {
+    AudioRecipe recipe = untaggedMP3Recipe();
+    recipe.rate = rate;
+    recipe.samples = rate;
+    return contentOf(audioFixture(recipe));
+}
+
+TEST_F(FFmpegHeaders, ATagBeforeFramesWhoseRateChangesIsNotBelieved) {
+    AudioRecipe recipe = untaggedMP3Recipe();
+    const std::string frames = contentOf(audioFixture(recipe));
+    recipe.rate = 32000;
+    const std::string other = contentOf(audioFixture(recipe));
+    const std::size_t same = proven(write(tagBefore(frames, 384))) ? 384 : 385;
+    ASSERT_TRUE(proven(write(tagBefore(frames, same))));
+    for (const std::string& joined :
+         {frames + other, frames + fewFrames(32000), frames + fewFrames(48000) + frames})
+        for (const std::size_t count : {same, 2 * same, 3 * same})
+            expectNotProven(tagBefore(joined, count));
+}
+
+/// Returns the path of two files joined by the ffmpeg program, which copies their frames.
+std::string joinedByFFmpeg(const TemporaryFolder& folder, const std::string& one,
+                           const std::string& other) {
+    const std::string list = folder.write("list.txt", "file '" + one + "'\nfile '" + other + "'\n");
+    const std::string path = folder.file("joined.mp3");
+    const ProgramResult result = runProgram({"ffmpeg", "-v", "error", "-y", "-f", "concat", "-safe",
+                                             "0", "-i", list, "-c", "copy", path});
+    EXPECT_EQ(result.status, 0) << result.output;
+    return path;
+}
+
+TEST_F(FFmpegHeaders, FilesOfTwoRatesJoinedByAProgramThatCopiesFramesArePlayedToTheirEnd) {
+    const auto threeSeconds = [](std::uint32_t rate) {
+        AudioRecipe recipe = mp3Recipe();
+        recipe.rate = rate;
+        recipe.samples = 3 * rate;
+        return audioFixture(recipe);
+    };
+    for (const std::uint32_t one : {32000U, 44100U, 48000U})
+        for (const std::uint32_t other : {32000U, 44100U, 48000U}) {
+            const std::string path = joinedByFFmpeg(folder, threeSeconds(one), threeSeconds(other));
+            ASSERT_NE(contentOf(path).find("Lavf"), std::string::npos);
+            EXPECT_TRUE(one == other || !proven(path));
+            const auto length = service->measure(path);
+            const auto ours = decoded(*service, path);
+            ASSERT_TRUE(length && ours);
+            EXPECT_EQ(ours->size(), 2 * length->discSamples);
+            EXPECT_GE(length->discSamples, 6 * 44100U) << one << " and " << other;
+            EXPECT_LT(length->discSamples, 6 * 44100U + 6 * 1152) << one << " and " << other;
+        }
+}
+
+TEST_F(FFmpegHeaders, ATagWithANumberOfFramesThatCannotBeRightIsNotBelieved) {
+    for (const std::uint32_t frames : {200U, 383U, 386U, 3840U, 3'000'000'000U, 0xffffffffU})
+        expectNotProven(withNumber(framesField, bigEndian(frames)));
+    AudioRecipe variable = variableMP3Recipe();
+    variable.samples = 44100 * 20;
+    const std::string content = contentOf(audioFixture(variable));
+    const std::size_t frames = content.find("Xing") + framesField;
+    for (const std::uint32_t count : {100U, 3840U, 0xffffffffU}) {
+        std::string lying = content;
+        expectNotProven(sealed(lying.replace(frames, 4, bigEndian(count))));
+    }
+}
+
 TEST_F(FFmpegHeaders, ATagThatLeavesNoSoundIsNotBelieved) {
-    constexpr std::size_t framesField = 8;
-    constexpr std::size_t bytesField = 12;
-    EXPECT_TRUE(proven(write(withNumber(framesField, std::string("\0\0\1\x7f", 4)))));
+    EXPECT_TRUE(proven(write(sealed(tagged))));
     EXPECT_FALSE(proven(write(withNumber(bytesField, std::string("\0\0\1\x7f", 4)))));
     EXPECT_GT(expectNotProven(withNumber(framesField, std::string("\0\0\0\1", 4))), 400'000U);
 }
@@ -146,15 +256,33 @@ TEST_F(FFmpegHeaders, TagsInFrontAndBehindDoNotCount) {
 
 TEST_F(FFmpegHeaders, AProvenFileWhosePacketsDoNotDecodePlaysAsLongAsItWasMeasured) {
     std::string content = tagged;
-    for (std::size_t i = content.size() / 2; i < content.size(); ++i)
-        content[i] = 0x55;
+    const auto headerAt = [&](std::size_t offset) {
+        const std::string bytes = content.substr(offset, MpegHeader::size);
+        return mpegHeader({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+    };
+    std::size_t at = tag - tagInFrame;
+    while (at < content.size()) {
+        const std::size_t size = headerAt(at).value().frameBytes;
+        if (at > content.size() / 2)
+            std::fill_n(content.begin() + std::ptrdiff_t(at + MpegHeader::size),
+                        size - MpegHeader::size, '\x55');
+        at += size;
+    }
+    ASSERT_EQ(content.size(), tagged.size());
     const std::string path = write(content);
     ASSERT_TRUE(proven(path));
     const auto ours = decoded(*service, path);
     ASSERT_TRUE(ours);
     EXPECT_EQ(ours->size(), 2 * 441441U);
-    EXPECT_TRUE(
-        std::all_of(ours->end() - 400000, ours->end(), [](auto value) { return value == 0; }));
+}
+
+TEST_F(FFmpegHeaders, ATagBeforeBytesThatAreNoFramesIsNotBelieved) {
+    for (const double from : {0.1, 0.5, 0.87}) {
+        std::string content = tagged;
+        const auto first = static_cast<std::ptrdiff_t>(from * static_cast<double>(content.size()));
+        std::fill_n(content.begin() + first, content.size() / 8, '\x55');
+        expectNotProven(content);
+    }
 }
 
 /// Writes a file of one size that takes no space beyond its content.

@@ -25,18 +25,23 @@ std::string noteText(std::uint32_t delay, std::uint32_t padding) {
 
 } // namespace
 
-PatchedM4A& PatchedM4A::addEdit(std::uint32_t mediaTime, std::uint32_t duration) {
-    const std::string entry = bigEndian(duration) + bigEndian(mediaTime) + bigEndian(0x10000);
-    for (const char* around : {"moov", "trak", "edts", "elst"}) {
-        const std::size_t name = content.find(around);
-        const auto low = static_cast<unsigned char>(content[name - 1]);
-        const auto high = static_cast<unsigned char>(content[name - 2]);
-        const std::size_t size = std::size_t(high) * 256 + low + entry.size();
-        content.replace(name - 2, 2, bigEndian(static_cast<std::uint32_t>(size)).substr(2));
+PatchedM4A& PatchedM4A::setEdits(const std::vector<Edit>& edits) {
+    constexpr std::size_t header = 12; // the name, the version and the number of entries
+    constexpr std::size_t entry = 12;
+    std::string entries;
+    for (const Edit& edit : edits)
+        entries += bigEndian(edit.duration) + bigEndian(edit.mediaTime) + bigEndian(0x10000);
+    set("mvhd", 16, bigEndian(44100));
+    set("elst", 8, bigEndian(static_cast<std::uint32_t>(edits.size())));
+    content.replace(content.find("elst") + header, entry, entries);
+    for (const char* name : {"moov", "trak", "edts", "elst"}) {
+        const std::size_t size = content.find(name) - 4;
+        std::uint32_t bytes = 0;
+        for (std::size_t i = size; i < size + 4; ++i)
+            bytes = bytes << 8 | static_cast<unsigned char>(content[i]);
+        content.replace(size, 4,
+                        bigEndian(bytes + static_cast<std::uint32_t>(entries.size() - entry)));
     }
-    constexpr std::size_t secondEntry = 24; // after the name
-    set("elst", 8, bigEndian(2));
-    content.insert(content.find("elst") + secondEntry, entry);
     return *this;
 }
 

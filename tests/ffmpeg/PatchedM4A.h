@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "tests/support/AudioFixtures.h"
 
@@ -39,8 +40,14 @@ public:
         set("mvhd", 16, bigEndian(movieScale));
         return set("elst", 12, bigEndian(duration)).set("elst", 16, bigEndian(mediaTime));
     }
-    /// Puts another entry behind the one that the edit list has.
-    PatchedM4A& addEdit(std::uint32_t mediaTime, std::uint32_t duration);
+    /// An edit list of any number of cuts. Each has a start in ticks of the media, or `emptyEdit`,
+    /// and a duration as above.
+    struct Edit {
+        std::uint32_t mediaTime;
+        std::uint32_t duration;
+    };
+    static constexpr std::uint32_t emptyEdit = 0xffffffff;
+    PatchedM4A& setEdits(const std::vector<Edit>& edits);
     PatchedM4A& removeEdit() { return set("edts", 0, "free"); }
 
     /// Declares that the sound has twice the sample rate of its core, as HE-AAC has: a decoder
