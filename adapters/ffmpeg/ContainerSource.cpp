@@ -6,6 +6,8 @@
 #include <sstream>
 #include <string_view>
 
+#include "adapters/ffmpeg/Mp4Limits.h"
+
 extern "C" {
 #include <libavutil/intreadwrite.h>
 }
@@ -14,12 +16,14 @@ namespace quarner {
 
 namespace {
 
-/// Formats that hold their sound themselves. Playlists and everything else that names further
-/// files or addresses stay out.
-constexpr std::array formats = {"mp3", "mov", "aac", "flac", "ogg", "wav",      "w64", "aiff",
-                                "au",  "caf", "ac3", "ape",  "asf", "matroska", "tta", "wv"};
+/// Formats that hold their sound themselves, that files named .mp3 or .m4a have, and whose headers
+/// cost libavformat little. Playlists and everything else that names further files or addresses
+/// stay out.
+constexpr std::array formats = {"mp3", "mov", "aac", "flac", "wav"};
 
-constexpr std::uint64_t mostHeader = 24U << 20; // bytes: tables, and pictures in the tags
+constexpr std::uint64_t mostTables = 24U << 20;  // bytes of an MP4 file, and pictures
+constexpr std::uint64_t mostHeader = 128U << 10; // bytes; libavformat takes long for many notes
+constexpr std::uint64_t mostProbed = 8U << 20;   // bytes, in search of the codec
 constexpr std::size_t smallestProbe = 4096;
 constexpr std::size_t largestProbe = 1U << 20;
 constexpr std::size_t skipNoteSize = 10; // two 32-bit counts and two reasons
@@ -69,30 +73,45 @@ std::string formatFound(WindowedFile& file, std::uint64_t offset) {
 
 std::unique_ptr<ContainerSource> ContainerSource::open(WindowedFile& file) {
     std::unique_ptr<ContainerSource> source(new ContainerSource(file));
-    if (source->_tables && source->_tables->isTooLarge)
-        return nullptr;
     return source->openInput() && source->findSound() ? std::move(source) : nullptr;
 }
 
 ContainerSource::ContainerSource(WindowedFile& file)
-    : _file(file), _input(file), _tables(mp4TablesOf(file)) {
-    if (!_tables)
-        return;
-    if (const auto window = _tables->edited()) {
-        _heard = *window;
-        _hasEdit = true;
-    }
-}
+    : _file(file), _range(bytesBetweenTags(file)), _input(file) {}
 
 ContainerSource::~ContainerSource() { avformat_close_input(&_format); }
 
+/// Reads what is to be known before libavformat sees the file. False if it must not see it.
+bool ContainerSource::prepare(const AVInputFormat& format) {
+    const std::string_view name = format.name;
+    if (!name.starts_with("mov")) {
+        const bool isFlac = name == "flac";
+        _input.present(_range,
+                       isFlac ? notesAsPadding(_file, _range.begin) : std::vector<ReplacedByte>());
+        _mostHeader = mostHeader;
+        return true;
+    }
+    if (!hasBearableTables(_file, _range.begin))
+        return false;
+    _input.present({_range.begin, _file.size()}, {});
+    _mostHeader = mostTables;
+    _tables = _range.begin == 0 ? mp4TablesOf(_file) : std::nullopt;
+    if (const auto window = _tables ? _tables->edited() : std::nullopt) {
+        _heard = *window;
+        _hasEdit = true;
+    }
+    return true;
+}
+
 bool ContainerSource::openInput() {
-    const AVInputFormat* format = formatAt(_file, 0);
-    _format = format != nullptr && isRead(*format) ? avformat_alloc_context() : nullptr;
+    const AVInputFormat* format = formatAt(_file, _range.begin);
+    if (format == nullptr || !isRead(*format) || !prepare(*format))
+        return false;
+    _format = avformat_alloc_context();
     if (_format == nullptr || _input.context() == nullptr)
         return false;
     _format->pb = _input.context();
-    _input.allow(mostHeader);
+    _input.allow(_mostHeader);
     AVDictionary* options = nullptr;
     av_dict_set(&options, "protocol_whitelist", "", 0);
     av_dict_set(&options, "format_whitelist", joinedFormats().c_str(), 0);
@@ -112,6 +131,7 @@ bool ContainerSource::findSound() {
         if (_format->streams[i]->codecpar->codec_type != AVMEDIA_TYPE_AUDIO)
             _format->streams[i]->discard = AVDISCARD_ALL;
     // The tables of an MP4 file name the codec; other containers have to be searched for it.
+    _input.allow(mostProbed);
     if (!isMp4() && avformat_find_stream_info(_format, nullptr) < 0)
         return false;
     const int best = av_find_best_stream(_format, AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);

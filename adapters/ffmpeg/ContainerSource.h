@@ -40,6 +40,7 @@ public:
 
 private:
     explicit ContainerSource(WindowedFile& file);
+    bool prepare(const AVInputFormat& format);
     bool openInput();
     bool findSound();
     bool isMp4() const;
@@ -47,10 +48,12 @@ private:
     void noteTrimming(Packet& packet);
 
     WindowedFile& _file;
+    const ByteRange _range; // without text tags
     FileInput _input;
     AVFormatContext* _format = nullptr;
     AVStream* _stream = nullptr;
     std::optional<Mp4Tables> _tables;
+    std::uint64_t _mostHeader = 0; // bytes
     bool _hasEdit = false;
     Mp4Tables::Window _heard = {0, Packet::open};
     std::int64_t _position = 0; // ticks before the next packet

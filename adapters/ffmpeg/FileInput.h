@@ -2,7 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
+#include "adapters/ffmpeg/FlacNotes.h"
+#include "adapters/ffmpeg/MpegTags.h"
 #include "adapters/ffmpeg/WindowedFile.h"
 
 extern "C" {
@@ -24,6 +27,9 @@ public:
     /// Null when there was no memory for it.
     AVIOContext* context() const { return _context; }
 
+    /// Presents only some bytes of the file, as if they were all of it, and some with other values.
+    void present(ByteRange range, std::vector<ReplacedByte> replaced);
+
     void allow(std::uint64_t bytes) { _allowed = bytes; }
 
     /// True after the file could not be read, or more than is allowed was wanted.
@@ -35,7 +41,9 @@ private:
 
     WindowedFile& _file;
     AVIOContext* _context = nullptr;
-    std::uint64_t _position = 0;
+    ByteRange _range; // of the file
+    std::vector<ReplacedByte> _replaced;
+    std::uint64_t _position = 0; // in the file
     std::uint64_t _allowed = 0;
     bool _isExhausted = false;
 };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/ffmpeg/Mp4Boxes.h"
 
+#include <algorithm>
+
 namespace quarner {
 
 namespace {
@@ -42,8 +44,9 @@ void Mp4Boxes::eachOfLevel(const Mp4Box& within, const std::function<void(const 
 void Mp4Boxes::prefetch(const Mp4Box& box) {
     constexpr std::uint64_t largest = 1U << 20;
     constexpr std::size_t behind = 4096; // libavformat reads this much at once
-    if (box.end - box.begin <= largest)
-        _file.view(box.begin, static_cast<std::size_t>(box.end - box.begin) + behind);
+    const std::uint64_t begin = box.begin - std::min<std::uint64_t>(box.begin, 16);
+    if (box.end - begin <= largest)
+        _file.view(begin, static_cast<std::size_t>(box.end - begin) + behind);
 }
 
 std::uint8_t Mp4Boxes::number8(const Mp4Box& box, std::uint64_t offset) {

@@ -36,7 +36,7 @@ public:
     /// it, and so do boxes within boxes without end.
     void each(const Mp4Box& within, const std::function<void(const Mp4Box&)>& visit);
 
-    /// Reads a box of a usual size in one go, with what a demuxer reads behind it.
+    /// Reads a box of a usual size in one go, with its header and what libavformat reads behind it.
     void prefetch(const Mp4Box& box);
 
     std::uint8_t number8(const Mp4Box& box, std::uint64_t offset);

@@ -10,7 +10,6 @@ namespace quarner {
 
 namespace {
 
-constexpr std::uint64_t mostPackets = 1'000'000; // that a demuxer is asked to hold in memory
 constexpr std::uint32_t mostEdits = 16;
 
 /// The tables of one track, as far as they were found.
@@ -33,7 +32,6 @@ public:
 
 private:
     void readMovie(const Mp4Box& movie);
-    void readFragment(const Mp4Box& fragment);
     Track readTrack(const Mp4Box& box);
     void readEdits(const Mp4Box& box, Track& track);
     bool readTimes(const Track& track);
@@ -44,7 +42,6 @@ private:
     Mp4Boxes _boxes;
     Mp4Tables _tables;
     std::vector<Track> _sounds;
-    std::uint64_t _packetsOfAll = 0; // of all tracks
     bool _hasFragments = false;
 };
 
@@ -55,24 +52,20 @@ std::optional<Mp4Tables> Reader::read() {
         if (box.is("moov"))
             readMovie(box);
         else if (box.is("moof"))
-            readFragment(box);
+            _hasFragments = true;
     });
-    if (!isMovie || _sounds.size() != 1) {
-        _tables.isTooLarge = _packetsOfAll > mostPackets;
-        return isMovie && _tables.isTooLarge ? std::optional(_tables) : std::nullopt;
-    }
+    if (!isMovie || _sounds.size() != 1)
+        return std::nullopt;
     const Track& sound = _sounds.front();
     _tables.scale = sound.scale;
     _tables.edits = sound.edits;
     _tables.editCount = sound.editCount;
-    _tables.isTooLarge = _packetsOfAll > mostPackets;
     const bool isTimed = readTimes(sound);
     _tables.isConsistent = !_hasFragments && isTimed && placesFit(sound) && !_boxes.hasFailed();
     return _tables;
 }
 
 void Reader::readMovie(const Mp4Box& movie) {
-    _boxes.prefetch(movie); // each number is read twice, here and by libavformat
     _boxes.each(movie, [&](const Mp4Box& box) {
         if (box.is("mvhd")) {
             _tables.movieScale = _boxes.number(box, _boxes.number8(box, 0) == 1 ? 20 : 12);
@@ -83,17 +76,6 @@ void Reader::readMovie(const Mp4Box& movie) {
             if (track.isSound)
                 _sounds.push_back(track);
         }
-    });
-}
-
-void Reader::readFragment(const Mp4Box& fragment) {
-    _hasFragments = true;
-    _boxes.each(fragment, [&](const Mp4Box& traf) {
-        if (traf.is("traf"))
-            _boxes.each(traf, [&](const Mp4Box& box) {
-                if (box.is("trun"))
-                    _packetsOfAll += _boxes.number(box, 4);
-            });
     });
 }
 
@@ -118,8 +100,6 @@ Track Reader::readTrack(const Mp4Box& trak) {
             track.offsets = box;
     };
     _boxes.each(trak, visit);
-    if (track.sizes.begin != track.sizes.end)
-        _packetsOfAll += _boxes.number(track.sizes, 8);
     return track;
 }
 
@@ -142,9 +122,7 @@ void Reader::readEdits(const Mp4Box& box, Track& track) {
 bool Reader::readTimes(const Track& track) {
     const std::uint32_t entries = _boxes.number(track.times, 4);
     bool isUniform = entries > 0;
-    _tables.isTooLarge =
-        _tables.isTooLarge || track.times.end - track.times.begin > 8 * (mostPackets + 1);
-    for (std::uint32_t i = 0; i < entries && !_tables.isTooLarge && !_boxes.hasFailed(); ++i) {
+    for (std::uint32_t i = 0; i < entries && !_boxes.hasFailed(); ++i) {
         const std::uint32_t count = _boxes.number(track.times, 8 + 8ULL * i);
         const std::uint32_t ticks = _boxes.number(track.times, 12 + 8ULL * i);
         const bool isLast = i + 1 == entries;
@@ -182,7 +160,7 @@ bool Reader::placesFit(const Track& track) {
     const std::uint64_t packets = _boxes.number(track.sizes, 8);
     const std::uint32_t runs = _boxes.number(track.runs, 4);
     const std::uint32_t chunks = _boxes.number(track.offsets, 4);
-    if (packets != _tables.packets || packets == 0 || packets > mostPackets || runs == 0)
+    if (packets != _tables.packets || packets == 0 || runs == 0)
         return false;
     std::uint64_t packet = 0;
     std::uint32_t run = 0;

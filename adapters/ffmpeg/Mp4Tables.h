@@ -27,8 +27,7 @@ struct Mp4Tables {
     std::vector<Edit> edits;     ///< the first 16 of the edit list
     std::uint64_t editCount = 0; ///< of all edits
     bool isConsistent =
-        false;               ///< the tables agree with each other, and all packets are in the file
-    bool isTooLarge = false; ///< a demuxer would need too much memory for the tables
+        false; ///< the tables agree with each other, and all packets are in the file
 
     /// The part of the media that the edit list selects, in ticks.
     struct Window {
@@ -49,7 +48,8 @@ struct Mp4Tables {
     bool areProof() const { return isConsistent && (editCount == 0 || edited()); }
 };
 
-/// Reads the tables. Nothing if the file is no MP4 file, has no track of sound, or more than one.
+/// Reads the tables, which must be bearable (`hasBearableTables`). Nothing if the file is no MP4
+/// file, has no track of sound, or more than one.
 std::optional<Mp4Tables> mp4TablesOf(WindowedFile& file);
 
 } // namespace quarner

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <atomic>
 #include <chrono>
@@ -105,15 +104,6 @@ TEST_F(FFmpegHeaders, AProvenFileIsHardlyRead) {
     }
 }
 
-/// The number of bytes that this process has read from files.
-std::uint64_t bytesRead() {
-    std::ifstream counts("/proc/self/io");
-    std::string name;
-    std::uint64_t bytes = 0;
-    counts >> name >> bytes;
-    return name == "rchar:" ? bytes : 0;
-}
-
 TEST_F(FFmpegHeaders, AnM4AIsHardlyRead) {
     AudioRecipe recipe = aacRecipe();
     recipe.samples = 44100 * 212; // the size of its tables counts
@@ -122,9 +112,9 @@ TEST_F(FFmpegHeaders, AnM4AIsHardlyRead) {
             recipe.encoder.insert(recipe.encoder.end(), {"-movflags", "+faststart"});
         const std::string path = audioFixture(recipe);
         ASSERT_GT(std::filesystem::file_size(path), usualSize * 98 / 100);
-        const std::uint64_t before = bytesRead();
+        const std::uint64_t before = bytesReadSoFar();
         EXPECT_TRUE(service->measure(path));
-        EXPECT_LE(bytesRead() - before, hardly);
+        EXPECT_LE(bytesReadSoFar() - before, hardly);
     }
 }
 
@@ -290,12 +280,6 @@ std::string sparse(const TemporaryFolder& folder, const std::string& content, st
     const std::string path = folder.write("sparse.mp3", content);
     std::filesystem::resize_file(path, size);
     return path;
-}
-
-long peakMemory() { // KiB
-    rusage usage = {};
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss;
 }
 
 TEST_F(FFmpegHeaders, MoreDamageThanIsReadThroughIsRefusedInLittleMemory) {

@@ -2,12 +2,31 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <fstream>
 
 #include "adapters/ffmpeg/FFmpegServices.h"
 #include "tests/ffmpeg/Decoding.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quarner::testing {
+
+/// Returns the number of bytes that this process has read from files.
+inline std::uint64_t bytesReadSoFar() {
+    std::ifstream counts("/proc/self/io");
+    std::string name;
+    std::uint64_t bytes = 0;
+    counts >> name >> bytes;
+    return name == "rchar:" ? bytes : 0;
+}
+
+/// Returns the most memory that this process has had, in KiB.
+inline long peakMemory() {
+    rusage usage = {};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
 
 /// For tests of the length and the sound of files.
 class Measuring : public ::testing::Test {

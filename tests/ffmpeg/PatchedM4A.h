@@ -17,6 +17,11 @@ inline std::string bigEndian(std::uint32_t value) {
     return bytes;
 }
 
+inline std::string zeros(std::size_t count) { return std::string(count, '\0'); }
+
+/// A box with a name and a content.
+std::string mp4Box(const std::string& name, const std::string& content);
+
 /// An M4A file of a recipe, with other numbers in boxes of it. As the ffmpeg program writes it, it
 /// has an edit list, and the box of the tables is the last one.
 class PatchedM4A {
@@ -61,7 +66,17 @@ public:
     /// Adds a note of the encoder about the samples before and behind the sound.
     PatchedM4A& noteDelay(std::uint32_t delay, std::uint32_t padding);
 
+    /// Adds boxes to the notes: title, lyrics, cover.
+    PatchedM4A& addNotes(const std::string& notes);
+
+    /// Adds bytes at the end of the last one of `boxes`. Each one lies in the one before it.
+    PatchedM4A& append(const std::vector<std::string>& boxes, const std::string& bytes);
+
     std::string content;
+
+private:
+    std::size_t endOf(const std::string& box) const;
+    void grow(const std::vector<std::string>& boxes, std::size_t bytes);
 };
 
 } // namespace quarner::testing
