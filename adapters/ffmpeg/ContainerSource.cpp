@@ -30,8 +30,11 @@ constexpr std::size_t skipNoteSize = 10; // two 32-bit counts and two reasons
 
 std::string joinedFormats() {
     std::string list;
-    for (const char* name : formats)
-        list += (list.empty() ? "" : ",") + std::string(name);
+    for (const char* name : formats) {
+        if (!list.empty())
+            list += ',';
+        list += name;
+    }
     return list;
 }
 

@@ -5,12 +5,8 @@
 #include "quarner/platform/DRKeys.h"
 
 namespace quarner {
-namespace {
 
-const bool registered =
-    registerBurner("AudioCDBurner", [] { return std::make_shared<AudioCDBurner>(); });
-
-} // namespace
+std::shared_ptr<Quarner> makeAudioCDBurner() { return std::make_shared<AudioCDBurner>(); }
 
 AudioCDBurner::AudioCDBurner()
     : _textBlock(std::make_unique<DRCDTextBlock>("", isoLatin1StringEncoding)) {}

@@ -4,12 +4,8 @@
 #include "quarner/front/BurnerRegistry.h"
 
 namespace quarner {
-namespace {
 
-const bool registered =
-    registerBurner("DataCDBurner", [] { return std::make_shared<DataCDBurner>(); });
-
-} // namespace
+std::shared_ptr<Quarner> makeDataCDBurner() { return std::make_shared<DataCDBurner>(); }
 
 std::vector<std::string> DataCDBurner::supportedFileTypes() { return {"mp3", "MP3", "m4a", "M4A"}; }
 

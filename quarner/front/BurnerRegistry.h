@@ -1,22 +1,20 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include <functional>
 #include <memory>
-#include <string>
 #include <string_view>
 
 namespace quarner {
 
 class Quarner;
 
-/// The burner classes by name, so that `front` can make a burner without including its class.
-using BurnerMaker = std::function<std::shared_ptr<Quarner>()>;
-
-/// Registers a class. Used by static objects: `const bool registered = registerBurner(...)`.
-bool registerBurner(std::string_view className, BurnerMaker maker);
-
-/// Returns a new burner of a class, or null if no class with that name is registered.
+/// Returns a new burner of a class, or null if there is no burner class with that name. So `front`
+/// makes burners without including their classes.
 std::shared_ptr<Quarner> makeBurner(std::string_view className);
+
+// The makers in the registry, each defined beside its class. They are named, and do not register
+// themselves, because a host that links a static library gets only the objects that it refers to.
+std::shared_ptr<Quarner> makeAudioCDBurner();
+std::shared_ptr<Quarner> makeDataCDBurner();
 
 } // namespace quarner

@@ -11,6 +11,10 @@
 //   QUARNER_FAULT_LOG   the log: a line with the name of the call for each call that has failed.
 //
 // Calls that take a descriptor count for the path at which the file was opened, or is now.
+
+// Both the calls of 32-bit offsets and those of 64 are replaced, so the one may not stand for the
+// other.
+#undef _FILE_OFFSET_BITS
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -163,37 +167,39 @@ FAULTY ssize_t write(int file, const void* buffer, size_t size) {
     return cut(size, [&](size_t part) { return call(file, buffer, part); });
 }
 
-#define FAULTY_TRANSFER(call, name, buffer_type)                                                   \
-    FAULTY ssize_t name(int file, buffer_type buffer, size_t size, off_t offset) {                 \
-        const auto following = next<ssize_t (*)(int, buffer_type, size_t, off_t)>(#name);          \
+#define FAULTY_TRANSFER(call, name, buffer_type, offset_type)                                      \
+    FAULTY ssize_t name(int file, buffer_type buffer, size_t size, offset_type offset) {           \
+        const auto following = next<ssize_t (*)(int, buffer_type, size_t, offset_type)>(#name);    \
         if (!fails(call, file))                                                                    \
             return following(file, buffer, size, offset);                                          \
         return cut(size, [&](size_t part) { return following(file, buffer, part, offset); });      \
     }
-FAULTY_TRANSFER("pread", pread, void*)
-FAULTY_TRANSFER("pread", pread64, void*)
-FAULTY_TRANSFER("pwrite", pwrite, const void*)
-FAULTY_TRANSFER("pwrite", pwrite64, const void*)
+FAULTY_TRANSFER("pread", pread, void*, off_t)
+FAULTY_TRANSFER("pread", pread64, void*, off64_t)
+FAULTY_TRANSFER("pwrite", pwrite, const void*, off_t)
+FAULTY_TRANSFER("pwrite", pwrite64, const void*, off64_t)
 
 FAULTY int fsync(int file) {
     return fails("fsync", file) ? failed() : next<int (*)(int)>("fsync")(file);
 }
 
-#define FAULTY_SIZE(name)                                                                          \
-    FAULTY int name(int file, off_t size) noexcept {                                               \
-        return fails("ftruncate", file) ? failed() : next<int (*)(int, off_t)>(#name)(file, size); \
+#define FAULTY_SIZE(name, size_type)                                                               \
+    FAULTY int name(int file, size_type size) noexcept {                                           \
+        if (fails("ftruncate", file))                                                              \
+            return failed();                                                                       \
+        return next<int (*)(int, size_type)>(#name)(file, size);                                   \
     }
-FAULTY_SIZE(ftruncate)
-FAULTY_SIZE(ftruncate64)
+FAULTY_SIZE(ftruncate, off_t)
+FAULTY_SIZE(ftruncate64, off64_t)
 
-#define FAULTY_RESERVE(name)                                                                       \
-    FAULTY int name(int file, int mode, off_t offset, off_t size) {                                \
+#define FAULTY_RESERVE(name, size_type)                                                            \
+    FAULTY int name(int file, int mode, size_type offset, size_type size) {                        \
         if (fails("fallocate", file))                                                              \
             return failed();                                                                       \
-        return next<int (*)(int, int, off_t, off_t)>(#name)(file, mode, offset, size);             \
+        return next<int (*)(int, int, size_type, size_type)>(#name)(file, mode, offset, size);     \
     }
-FAULTY_RESERVE(fallocate)
-FAULTY_RESERVE(fallocate64)
+FAULTY_RESERVE(fallocate, off_t)
+FAULTY_RESERVE(fallocate64, off64_t)
 
 FAULTY int flock(int file, int operation) noexcept {
     return fails("flock", file) ? failed() : next<int (*)(int, int)>("flock")(file, operation);
