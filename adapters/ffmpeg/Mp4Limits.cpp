@@ -22,21 +22,22 @@ constexpr std::uint64_t mostTopBoxes = 100'000;
 struct Table {
     std::uint32_t name;
     std::uint64_t countAt;    // the place of the number of entries, from the name on
-    std::uint64_t entryBytes; // of memory; 0: an entry is a packet
+    std::uint64_t entryBytes; // of the file; 0: an entry is a packet, and may take no bytes
+    std::uint64_t memory;     // bytes for an entry
 };
 
-constexpr std::array<Table, 12> tables = {{{Mp4Box::code("stsz"), 12, 0},
-                                           {Mp4Box::code("stz2"), 12, 0},
-                                           {Mp4Box::code("trun"), 8, 0},
-                                           {Mp4Box::code("stts"), 8, 8},
-                                           {Mp4Box::code("ctts"), 8, 16},
-                                           {Mp4Box::code("stsc"), 8, 12},
-                                           {Mp4Box::code("stco"), 8, 8},
-                                           {Mp4Box::code("co64"), 8, 8},
-                                           {Mp4Box::code("stss"), 8, 8},
-                                           {Mp4Box::code("stps"), 8, 8},
-                                           {Mp4Box::code("elst"), 8, 24},
-                                           {Mp4Box::code("dref"), 8, 128}}};
+constexpr std::array<Table, 12> tables = {{{Mp4Box::code("stsz"), 12, 0, 0},
+                                           {Mp4Box::code("stz2"), 12, 0, 0},
+                                           {Mp4Box::code("trun"), 8, 0, 0},
+                                           {Mp4Box::code("stts"), 8, 8, 8},
+                                           {Mp4Box::code("ctts"), 8, 8, 16},
+                                           {Mp4Box::code("stsc"), 8, 12, 12},
+                                           {Mp4Box::code("stco"), 8, 4, 8},
+                                           {Mp4Box::code("co64"), 8, 8, 8},
+                                           {Mp4Box::code("stss"), 8, 4, 8},
+                                           {Mp4Box::code("stps"), 8, 4, 8},
+                                           {Mp4Box::code("elst"), 8, 12, 24},
+                                           {Mp4Box::code("dref"), 8, 12, 128}}};
 
 /// Boxes that may hold tables where notes are expected.
 constexpr std::array<std::string_view, 24> holders = {
@@ -231,8 +232,11 @@ void Limits::count(std::uint64_t offset, std::uint64_t until) {
     const bool isLong = offset >= 4 && number(offset - 4, 4) == 1;
     for (const std::uint64_t shift : {std::uint64_t(0), isLong ? longSize : 0}) {
         const std::uint64_t at = offset + table->countAt + shift;
-        const std::uint64_t entries = number(at, 4);
-        _memory += entries * table->entryBytes;
+        std::uint64_t entries = number(at, 4);
+        if (table->entryBytes > 0) // libavformat reads them to the end of the file at most
+            entries =
+                std::min(entries, (_file.size() - std::min(at, _file.size())) / table->entryBytes);
+        _memory += entries * table->memory;
         _packets += table->entryBytes == 0 ? entries : 0;
         if (table->name == Mp4Box::code("stco") || table->name == Mp4Box::code("co64"))
             _chunks += entries;

@@ -54,6 +54,14 @@ TEST_F(FFmpegLimits, AFragmentOfTooManyPacketsIsRefused) {
     EXPECT_TRUE(isAccepted(content + mp4Box("mdat", run)));
 }
 
+TEST_F(FFmpegLimits, ANumberOfEntriesThatTheFileCannotHoldDoesNotCount) {
+    for (const char* name : {"elst", "dref", "stss"}) {
+        const std::string table = mp4Box(name, zeros(4) + bigEndian(0xeb5f1bcb) + zeros(48));
+        const std::string content = PatchedM4A(aacRecipe()).content;
+        EXPECT_TRUE(isAccepted(content + mp4Box("abcd", table))) << name;
+    }
+}
+
 TEST_F(FFmpegLimits, ChunksOfTooManySamplesAreRefused) {
     constexpr std::size_t samplesOfFirstChunk = 16;
     EXPECT_FALSE(isAccepted(PatchedM4A(aacRecipe())
