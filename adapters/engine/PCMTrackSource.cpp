@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/engine/PCMTrackSource.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -16,10 +13,6 @@ namespace quarner {
 namespace {
 
 constexpr std::size_t bytesPerPair = 4; // left and right, 16 bits each
-
-bool mayBeRead(const std::string& path) {
-    return faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) == 0;
-}
 
 /// Returns the buffer as samples. The engine's buffers come from operator new, so they are aligned
 /// and may hold objects of any trivial type.

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
-#include <unistd.h>
 
 #include <array>
 
 #include "adapters/glib/DesktopLink.h"
 #include "adapters/glib/GlibPointers.h"
 #include "adapters/glib/GlibServices.h"
+#include "adapters/posix/FileStamps.h"
 #include "adapters/posix/SystemCall.h"
 
 namespace quarner {
@@ -27,7 +26,9 @@ GObjectPtr<GFileInfo> queried(const std::string& path, const char* attribute) {
 
 std::optional<std::uint32_t> typeCodeOf(const std::string& path) {
     std::array<unsigned char, 4> bytes = {}; // a longer value is an error
-    if (getxattr(path.c_str(), typeCodeAttribute, bytes.data(), bytes.size()) != 4)
+    const ssize_t size = uninterrupted(
+        [&] { return getxattr(path.c_str(), typeCodeAttribute, bytes.data(), bytes.size()); });
+    if (size != 4)
         return std::nullopt;
     return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 |
            std::uint32_t{bytes[2]} << 8 | std::uint32_t{bytes[3]};
@@ -61,8 +62,7 @@ public:
 
     std::optional<FileAttributes> attributes(const std::string& path) override {
         struct stat found = {};
-        if (uninterrupted([&] { return stat(path.c_str(), &found); }) != 0 ||
-            faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0)
+        if (uninterrupted([&] { return stat(path.c_str(), &found); }) != 0 || !mayBeRead(path))
             return std::nullopt;
         return FileAttributes{.size = found.st_size, .hfsTypeCode = typeCodeOf(path)};
     }

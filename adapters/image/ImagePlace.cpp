@@ -20,9 +20,12 @@ void refuseIrreplaceable(const std::string& path) {
     if (!S_ISREG(found->st_mode))
         throw BurnFailure(DRError::WriteFailed, path + " is not a file and is not replaced");
     const auto askAccess = [&] { return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS); };
-    if (uninterrupted(askAccess) != 0)
-        throw BurnFailure(DRError::PermissionDenied,
-                          path + " may not be written to and is not replaced");
+    if (uninterrupted(askAccess) == 0)
+        return;
+    BurnFailure failure = writeFailure(errno, "asking for access to " + path);
+    if (failure.error() == DRError::PermissionDenied)
+        failure = {failure.error(), path + " may not be written to and is not replaced"};
+    throw failure;
 }
 
 void refuseClosedFolder(const std::string& folder) {

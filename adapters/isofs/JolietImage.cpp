@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/isofs/JolietImage.h"
 
-#include <fcntl.h>
 #include <glib.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <map>
@@ -85,7 +83,7 @@ void checkFiles(const DRFolder& folder) {
     for (const auto& node : folder.children()) {
         const std::string& path = node->sourcePath();
         const std::optional<FileStamp> now = stampOfFile(path);
-        if (!now || faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0)
+        if (!now || !mayBeRead(path))
             throw BurnFailure(DRError::SourceMissing, path + ": gone or not readable");
         if (*now != node->stamp())
             throw BurnFailure(DRError::SourceChanged, path + ": changed since it was added");

@@ -16,26 +16,35 @@ namespace quarner {
 /// A source file, read once from start to end.
 class JolietTrackSource::OpenFile {
 public:
-    explicit OpenFile(const JolietImage::Extent& extent) : _path(extent.path), _file(extent.path) {
+    explicit OpenFile(const JolietImage::Extent& extent)
+        : _path(extent.path), _stamp(extent.stamp), _file(extent.path) {
         if (!_file.isOpen())
             throw BurnFailure(DRError::SourceMissing, _path + ": " + _file.problem());
-        if (_file.stamp() != extent.stamp)
-            throw BurnFailure(DRError::SourceChanged, _path + ": changed since it was added");
+        if (_file.stamp() != _stamp)
+            throw changed();
         posix_fadvise(_file.number(), 0, 0, POSIX_FADV_SEQUENTIAL);
     }
 
     std::size_t read(std::span<std::byte> buffer) {
         const ssize_t count = _file.read(buffer);
         if (count < 0)
-            throw BurnFailure(DRError::SourceUnreadable,
-                              _path + ": " + std::generic_category().message(errno));
+            throw unreadable(std::generic_category().message(errno));
         if (count == 0)
-            throw BurnFailure(DRError::SourceChanged, _path + ": shorter than when it was added");
+            throw stampOfFile(_path) != _stamp ? changed()
+                                               : unreadable("unexpected end of the file");
         return static_cast<std::size_t>(count);
     }
 
 private:
+    BurnFailure changed() const {
+        return {DRError::SourceChanged, _path + ": changed since it was added"};
+    }
+    BurnFailure unreadable(const std::string& problem) const {
+        return {DRError::SourceUnreadable, _path + ": " + problem};
+    }
+
     const std::string _path;
+    const FileStamp _stamp;
     const RegularFile _file;
 };
 

@@ -23,4 +23,7 @@ inline FileStamp stampOf(const struct stat& status) {
 /// there is none. Any thread.
 std::optional<FileStamp> stampOfFile(const std::string& path);
 
+/// Returns whether this process may read what is at a path, by its effective user. Any thread.
+bool mayBeRead(const std::string& path);
+
 } // namespace quarner

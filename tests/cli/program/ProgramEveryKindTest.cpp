@@ -76,6 +76,7 @@ TEST_P(ProgramEveryKind, AnImageWithoutPermissionIsNamedBeforeAnythingIsAddedAnd
     EXPECT_EQ(end.status, 2);
     EXPECT_EQ(end.out, "");
     EXPECT_THAT(end.err, HasSubstr(image + " may not be written to and is not replaced"));
+    EXPECT_THAT(end.err, HasSubstr("or change the permissions of the file or folder.\n"));
     EXPECT_EQ(contentOf(folder.file(image)), "old");
     EXPECT_EQ(names("open").size(), 1U);
 }

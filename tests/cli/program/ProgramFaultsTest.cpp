@@ -97,6 +97,10 @@ protected:
         return end;
     }
 
+    int statusUnder(const std::string& fault, const std::vector<std::string>& sources) const {
+        return burnUnder(fault, sources).status;
+    }
+
     /// How often a call concerns a path in a burn of these sources.
     int calls(const std::string& call, const std::string& path,
               const std::vector<std::string>& sources) const {
@@ -161,7 +165,7 @@ private:
             EXPECT_TRUE(sourcesOnDisc() == _new) << "the new image is whole";
         else
             expectOldImage(end, fault, fault.isHarmless());
-        if (names("images") != imageFiles())
+        if (end.status != 0 || names("images") != imageFiles())
             expectNextBurnToClearUp();
     }
 
@@ -229,6 +233,15 @@ TEST_P(ProgramFaults, WhileASourceIsBurntAreToldWithTheSource) {
     EXPECT_THAT(end.err, HasSubstr("songs/one.mp3: Input/output error)\n"));
 }
 
+TEST_P(ProgramFaults, NoSourceHasChangedUnlessItsStampHas) {
+    const std::string call = isData() ? "read" : "pread";
+    const int reads = calls(call, "songs/one.mp3", {"songs/one.mp3"});
+    restoreOldImage();
+    const auto last = call + ' ' + std::to_string(reads);
+    const HostEnd end = endUnder(last + " zero once songs/one.mp3", {"songs/one.mp3"});
+    EXPECT_THAT(end.err, HasSubstr("songs/one.mp3: unexpected end of the file)\n"));
+}
+
 TEST_P(ProgramFaults, NoFileIsReadAgainForTheReasonOfItsRefusalHoweverManyThereAre) {
     makeFolder("junk");
     std::vector<std::string> sources;
@@ -238,6 +251,17 @@ TEST_P(ProgramFaults, NoFileIsReadAgainForTheReasonOfItsRefusalHoweverManyThereA
     }
     EXPECT_EQ(calls("pread", "junk/1000.mp3", sources),
               calls("pread", "junk/1000.mp3", {"junk/1000.mp3"}));
+}
+
+TEST_P(ProgramFaults, ThatOnlyInterruptAQuestionAboutASourceAreNotNoticed) {
+    for (const char* const call : {"faccessat", "getxattr"})
+        EXPECT_GT(calls(call, "songs/one.mp3", {"songs/one.mp3"}), 0) << call;
+    for (const char* const call : {"faccessat", "getxattr"})
+        for (int number = 1; number <= calls(call, "songs/one.mp3", {"songs/one.mp3"}); ++number) {
+            const Fault fault = {call, number, "EINTR", "once"};
+            EXPECT_EQ(statusUnder(fault.text() + " songs/one.mp3", {"songs/one.mp3"}), 0)
+                << fault.text();
+        }
 }
 
 INSTANTIATE_TEST_SUITE_P(OfEveryKind, ProgramFaults,

@@ -34,8 +34,8 @@ std::string_view adviceFor(DRError error) {
     case DRError::SourceUnreadable:
         return "Leave the file out, or replace it.";
     case DRError::PermissionDenied:
-        return "Choose a folder that you may write to with --image, or change the folder's "
-               "permissions.";
+        return "Choose a folder that you may write to with --image, or change the permissions of "
+               "the file or folder.";
     case DRError::ReadBackFailed:
     case DRError::VerifyFailed:
         return "Try again, preferably with a new disc.";

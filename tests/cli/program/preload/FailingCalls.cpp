@@ -153,6 +153,17 @@ FAULTY int fstat(int file, struct stat* status) noexcept {
     return next<int (*)(int, struct stat*)>("fstat")(file, status);
 }
 
+FAULTY int faccessat(int folder, const char* path, int mode, int flags) noexcept {
+    if (fails("faccessat", path))
+        return failed();
+    return next<int (*)(int, const char*, int, int)>("faccessat")(folder, path, mode, flags);
+}
+
+FAULTY ssize_t getxattr(const char* path, const char* name, void* value, size_t size) noexcept {
+    const auto call = next<ssize_t (*)(const char*, const char*, void*, size_t)>("getxattr");
+    return fails("getxattr", path) ? failed() : call(path, name, value, size);
+}
+
 FAULTY ssize_t read(int file, void* buffer, size_t size) {
     const auto call = next<ssize_t (*)(int, void*, size_t)>("read");
     if (!fails("read", file))
