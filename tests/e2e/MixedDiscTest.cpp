@@ -27,7 +27,7 @@ std::vector<std::int16_t> expectedSound(const DiscFile& file) {
     std::vector<std::int16_t> sound = decodedByFFmpeg(file.path);
     if (file.sourceSamples) {
         EXPECT_GE(sound.size(), 2 * *file.sourceSamples) << file.path;
-        sound.resize(2 * *file.sourceSamples);
+        sound.resize(static_cast<std::size_t>(2 * *file.sourceSamples));
     }
     return sound;
 }
