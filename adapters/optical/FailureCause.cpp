@@ -18,7 +18,7 @@ constexpr std::chrono::milliseconds removalTimeout{1000};
 
 /// Returns whether the drive still responds. The library does not report a drive that it loses
 /// during this query: the drive then has an unsuitable disc without a kind (MMC: profile 0).
-bool answers(burn::burn_drive* drive) {
+bool responds(burn::burn_drive* drive) {
     return burn::burn_drive_re_assess(drive, 0) == 1 &&
            (profileOf(drive) != 0 ||
             burn::burn_disc_get_status(drive) != burn::BURN_DISC_UNSUITABLE);
@@ -38,7 +38,7 @@ bool isMoreSevere(const LibraryMessage& message, const LibraryMessage* than) {
 
 DRError causeBehind(DRError error, const GrabbedDrive& grabbed, const DriveRecord& record,
                     const StopSignal& stop) {
-    if (answers(grabbed.handle()))
+    if (responds(grabbed.handle()))
         return burn::burn_disc_get_status(grabbed.handle()) == burn::BURN_DISC_EMPTY
                    ? DRError::MediaNotPresent
                    : error;

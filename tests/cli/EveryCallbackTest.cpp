@@ -25,7 +25,7 @@ BurnItemRef item() {
 
 const json itemJson = {{"itemPath", "/m/a.mp3"}, {"uri", "file:///m/a.mp3"}};
 
-/// What a program is told of each callback, and a call of it.
+/// What a program reads for each callback, and a call of it.
 const std::vector<std::pair<json, std::function<void(QuarnDelegate&)>>> callbacks = {
     {{{"event", "allFilesDidCleared"}}, [](auto& d) { d.allFilesDidCleared(); }},
     {{{"event", "burnItemDidDelete"}, {"item", itemJson}},

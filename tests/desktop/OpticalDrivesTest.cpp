@@ -174,7 +174,7 @@ TEST_F(DesktopOpticalDrives, ThatAreAskedForSomethingHaveNoProblem) {
 
 TEST_F(DesktopOpticalDrives, AreHeardOfOnlyWhereTheSystemTellsOfThem) {
     if (access("/run/udev/control", F_OK) == 0)
-        GTEST_SKIP() << "the device manager runs here, so they are heard of from the beginning";
+        GTEST_SKIP() << "the device manager runs here, so they are listed from the beginning";
     EXPECT_FALSE(receivesDriveEvents());
     plug(); // which the test bed reports as the device manager does
     EXPECT_TRUE(runUntil([] { return receivesDriveEvents(); }));

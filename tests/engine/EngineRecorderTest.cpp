@@ -70,7 +70,7 @@ protected:
         root->addChild(std::make_shared<DRFile>(song));
         return recorder->trackForRootFolder(root);
     }
-    /// Burns a layout; answers the code of its failure, or 0.
+    /// Burns a layout. Returns the code of its failure, or 0.
     std::uint32_t burn(const DRLayout& layout) {
         const auto made = recorder->burnForDevice(drive);
         const BurnLog log(loops->currentCenter(), made.get());

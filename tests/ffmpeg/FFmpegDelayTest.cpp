@@ -10,7 +10,7 @@ namespace {
 
 using Samples = std::vector<std::int16_t>;
 
-/// The samples before the sound of an M4A file, as different encoders tell of them.
+/// The samples before the sound of an M4A file, as different encoders note them.
 class FFmpegDelays : public Measuring {
 protected:
     static constexpr std::uint32_t packet = 1024; // samples of AAC

@@ -58,7 +58,7 @@ protected:
         root->addChild(std::make_shared<DRFile>(path, *stampOfFile(path)));
     }
 
-    /// Expects the answers around the exact number, which would show too low an upper bound.
+    /// Expects the results around the exact number, which would show too low an upper bound.
     void expectEstimate(std::uint64_t blocks) const {
         EXPECT_FALSE(discs->trackForRootFolder(root)->isEstimateBelow(blocks));
         EXPECT_TRUE(discs->trackForRootFolder(root)->isEstimateBelow(blocks + 1));

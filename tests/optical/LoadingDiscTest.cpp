@@ -28,7 +28,7 @@ TEST_F(LoadingDisc, IsToldOfAtOnce) {
     EXPECT_FALSE(drive->mediaIsPresent());
     EXPECT_FALSE(drive->mediaSpaceFree());
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
-    EXPECT_TRUE(recorder->commands().empty()) << "it is left alone meanwhile";
+    EXPECT_TRUE(recorder->commands().empty()) << "it is left alone until then";
     expectReleased();
 }
 

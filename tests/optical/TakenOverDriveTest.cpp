@@ -87,7 +87,7 @@ TEST_F(TakenOverDrive, ThatIsTheFirstOneHeardOfIsNotAskedAgainAfterAWhile) {
     const std::size_t asked = writer->commands().size();
     time += 2 * OpticalDrive::keptFor;
     EXPECT_TRUE(drive->mediaIsPresent());
-    EXPECT_EQ(writer->commands().size(), asked) << "its changes are told of";
+    EXPECT_EQ(writer->commands().size(), asked) << "its changes are reported";
 }
 
 } // namespace

@@ -24,7 +24,7 @@ protected:
         return run(commandLine(rest), settings);
     }
 
-    /// An M4A file of which an image takes so many bytes at least.
+    /// An M4A file of which an image takes at least `bytes` bytes.
     void largeSong(const std::string& name, std::uint32_t bytes) const {
         if (isData())
             paddedSong(name, bytes);

@@ -30,7 +30,7 @@ protected:
     /// The folder in which the machine has its /dev and /sys.
     static std::filesystem::path machineRoot() { return std::getenv("UMOCKDEV_DIR"); }
 
-    /// A file of so many seconds under a name in the folder.
+    /// A file that plays for a number of seconds, under a name in the folder.
     std::string song(const std::string& name, unsigned seconds = 10) const {
         AudioRecipe recipe = name.ends_with("m4a") ? aacRecipe() : mp3Recipe();
         recipe.samples = 44100ULL * seconds;
@@ -39,7 +39,7 @@ protected:
         return path;
     }
 
-    /// An M4A file of exactly so many bytes, which hardly takes any room: the rest is a free atom.
+    /// An M4A file of an exact size that takes hardly any space: the rest is a free atom.
     void paddedSong(const std::string& name, std::uint32_t bytes) const {
         const std::string path = song(name);
         const auto rest = bytes - static_cast<std::uint32_t>(std::filesystem::file_size(path));

@@ -41,7 +41,7 @@ public:
 
 private:
     EmulatedRecorder& _recorder;
-    bool _isWriting = false; // of the thread that answers commands
+    bool _isWriting = false; // of the thread that executes commands
     std::promise<void> _writing;
     std::promise<void> _end;
 };
@@ -234,7 +234,7 @@ TEST_F(ProgramDrives, ThatAUserMayNotOpenAreListedWithTheMissingGroup) {
     const std::string node = machineRoot() / "dev/sr0";
     ASSERT_EQ(chown(node.c_str(), 0, cdrom->gr_gid), 0);
     ASSERT_EQ(chmod(node.c_str(), 0660), 0);
-    // Later versions of umockdev answer the calls on every node through sockets.
+    // Later versions of umockdev handle the calls on every node through sockets.
     for (const auto& socket :
          std::filesystem::recursive_directory_iterator(machineRoot() / "ioctl"))
         std::filesystem::permissions(socket, std::filesystem::perms::all);

@@ -27,7 +27,8 @@ protected:
         return commandLine(std::vector<std::string>(count, "minute.mp3"), "images/");
     }
 
-    /// A burn that writes for a while: so many minutes of sound, or one file that takes as long.
+    /// A burn that writes for a while: a number of minutes of sound, or one file that takes as
+    /// long.
     std::vector<std::string> work(unsigned minutes) const {
         if (!isData())
             return songs(minutes);

@@ -45,7 +45,7 @@ class OpticalStage {
 public:
     /// How the drive is found.
     enum class Listing {
-        None,   ///< `drive` is made by hand: it is told of changes by `insert` alone
+        None,   ///< `drive` is made by hand: it learns of changes by `insert` alone
         ByUdev, ///< the recorder lists it and follows the events
     };
 

@@ -10,7 +10,7 @@
 namespace quarner::cli {
 
 /// What somebody whose burn failed with this code can do about it, as a sentence; the image would
-/// have so many bytes; empty where there is nothing to say.
+/// have a number of bytes; empty where there is nothing to say.
 std::string adviceForFailedBurn(std::int64_t code, std::uint64_t imageBytes);
 
 /// A failure in full, for people: what the code means, the text on what failed in brackets unless

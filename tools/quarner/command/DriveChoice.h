@@ -25,7 +25,7 @@ std::string chooseUsableDrive(const Host& host, const Target& target,
 /// Whether there is a drive of this name.
 bool isAttached(const std::string& name);
 
-/// What is told of a drive with a problem: see `Host::accessProblem`.
+/// What is printed for a drive with a problem: see `Host::accessProblem`.
 std::string problemText(const std::string& drive, const std::string& problem);
 
 /// The absolute path of an image. Throws `UsageProblem` for a name that does not end like one of

@@ -13,7 +13,7 @@
 
 namespace quarner::cli {
 
-/// `quarner watch`: tells of drives that come and go and of what changes in them, until it is
+/// `quarner watch`: reports drives that come and go and what changes in them, until it is
 /// interrupted or nobody reads any more.
 class WatchCommand : private QuarnerDeviceDelegate {
 public:
@@ -27,7 +27,7 @@ public:
     ExitStatus run();
 
 private:
-    /// One drive, and who hears of its changes.
+    /// One drive, and the delegate of its changes.
     struct WatchedDrive;
 
     void deviceDidAppeared(const std::string& deviceName) override;
@@ -41,7 +41,7 @@ private:
     Host& _host;
     const bool _json;
     std::optional<std::string> _only;
-    QuarnerDevice _anyDrive; ///< bound to none: it hears of all that come and go
+    QuarnerDevice _anyDrive; ///< bound to none: it reports all that come and go
     std::map<std::string, std::unique_ptr<WatchedDrive>> _drives;
 };
 

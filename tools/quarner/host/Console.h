@@ -16,7 +16,7 @@ struct Screen {
     bool isUtf8 = false;     ///< whether block characters can be shown
     std::function<std::size_t()> columns = [] {
         return std::size_t{80};
-    }; ///< asked afresh each time
+    }; ///< asked again each time
 };
 
 /// The screen on which the standard output of this process is shown.

@@ -9,7 +9,7 @@
 namespace quarner::cli {
 
 /// Listens to the status of burns for what a delegate is not told: what exactly failed. Make and
-/// destroy it on the main thread, and make it before the burn, so that it hears of the failure
+/// destroy it on the main thread, and make it before the burn, so that it receives the failure
 /// before the delegate does.
 class FailureDetail {
 public:

@@ -28,7 +28,7 @@ struct ImageRequest {
 struct Host {
     Console& console;
     EventLoop& loop;
-    /// Adds an image drive to the platform and answers its display name. Throws `UsageProblem`
+    /// Adds an image drive to the platform and returns its display name. Throws `UsageProblem`
     /// when that cannot be, or when a blank disc could not be burnt there.
     std::function<std::string(const ImageRequest&)> addImageDrive;
     /// Says what the next signal that asks the program to end runs, once, on the main loop; null
@@ -40,7 +40,7 @@ struct Host {
     /// What keeps the drive of a name from being used now: a sentence without its full stop. Empty
     /// where nothing is in the way. May take half a second.
     std::function<std::string(const std::string&)> accessProblem;
-    /// Whether the platform hears of drives that come and go, and of discs.
+    /// Whether the platform is notified of drives that come and go, and of discs.
     std::function<bool()> receivesDriveEvents;
     /// Where somebody is asked; nothing where nobody is there.
     std::optional<Terminal> terminal = std::nullopt;

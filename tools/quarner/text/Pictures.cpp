@@ -49,7 +49,7 @@ std::string sumRow(const Compilation& compilation, std::size_t columns) {
 }
 
 /// By the figures that are shown: a disc that came or went while they were asked for may have
-/// given the answer whether all fits.
+/// given whether all fits.
 std::string verdictOn(const Compilation& compilation) {
     const DiscTraits& disc = traitsOf(compilation.kind);
     if (compilation.used > compilation.free)

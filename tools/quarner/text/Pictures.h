@@ -13,7 +13,7 @@
 
 namespace quarner::cli {
 
-/// A bar that is filled to a fraction (kept between 0 and 1), so many columns wide with its
+/// A bar that is filled to a fraction (kept between 0 and 1), a number of columns wide with its
 /// brackets. A fraction above 0 shows, and only the whole fills the bar.
 std::string bar(double fraction, std::size_t columns, bool isUtf8);
 

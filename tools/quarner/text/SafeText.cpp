@@ -47,7 +47,7 @@ Character firstCharacter(std::string_view text) {
     return {code, static_cast<std::size_t>(g_unichar_to_utf8(code, nullptr)), true};
 }
 
-/// The longest beginning of a safe text that takes at most so many columns.
+/// The longest beginning of a safe text that takes at most `columns` columns.
 std::string_view beginning(std::string_view text, std::size_t columns) {
     std::size_t taken = 0;
     std::size_t bytes = 0;

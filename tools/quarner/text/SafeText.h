@@ -18,7 +18,7 @@ std::size_t displayWidth(std::string_view text);
 /// A safe text cut to a number of columns, with "..." at its end when something was left out.
 std::string shortened(std::string_view text, std::size_t columns);
 
-/// A safe text shortened and filled with spaces to exactly so many columns.
+/// A safe text shortened and filled with spaces to an exact number of columns.
 std::string leftAligned(std::string_view text, std::size_t columns);
 std::string rightAligned(std::string_view text, std::size_t columns);
 
