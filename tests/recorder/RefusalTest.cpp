@@ -11,7 +11,10 @@
 namespace quarner {
 namespace {
 
+using testing::Each;
 using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
 
 constexpr std::uint32_t blocksOf80Minutes = 359'847;
 
@@ -124,7 +127,8 @@ TEST_P(RecorderFailureLog, HasNothingOfACancellation) {
     burn->writeLayout(makeLayout({588 * 4000}));
     burn->abort();
     ASSERT_TRUE(runToEnd(*log));
-    EXPECT_THAT(kept->lines(), testing::IsEmpty());
+    // A library beneath may have said that it was stopped.
+    EXPECT_THAT(kept->lines(), Each(Not(StartsWith("burn failed"))));
 }
 
 INSTANTIATE_RECORDER_SUITE(RecorderRefusal);

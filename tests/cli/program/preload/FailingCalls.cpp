@@ -138,20 +138,18 @@ mode_t modeOf(int flags, va_list arguments) {
 FAULTY_OPEN(open)
 FAULTY_OPEN(open64)
 
-#define FAULTY_STATUS(call, name)                                                                  \
-    FAULTY int name(const char* path, struct stat* status) noexcept {                              \
-        if (fails(call, path))                                                                     \
+#define FAULTY_STATUS(call, name, file_type, status_type)                                          \
+    FAULTY int name(file_type file, struct status_type* status) noexcept {                         \
+        if (fails(call, file))                                                                     \
             return failed();                                                                       \
-        return next<int (*)(const char*, struct stat*)>(#name)(path, status);                      \
+        return next<int (*)(file_type, struct status_type*)>(#name)(file, status);                 \
     }
-FAULTY_STATUS("stat", stat)
-FAULTY_STATUS("stat", lstat)
-
-FAULTY int fstat(int file, struct stat* status) noexcept {
-    if (fails("fstat", file))
-        return failed();
-    return next<int (*)(int, struct stat*)>("fstat")(file, status);
-}
+FAULTY_STATUS("stat", stat, const char*, stat)
+FAULTY_STATUS("stat", stat64, const char*, stat64)
+FAULTY_STATUS("stat", lstat, const char*, stat)
+FAULTY_STATUS("stat", lstat64, const char*, stat64)
+FAULTY_STATUS("fstat", fstat, int, stat)
+FAULTY_STATUS("fstat", fstat64, int, stat64)
 
 FAULTY int faccessat(int folder, const char* path, int mode, int flags) noexcept {
     if (fails("faccessat", path))
