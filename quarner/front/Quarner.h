@@ -58,8 +58,10 @@ public:
     /// the file is opened, while it is added and when it is burned.
     virtual bool addFiles(const std::vector<std::string>& paths);
 
-    /// `cancelToAddFiles` Requests every running run to stop before its next file. A call of
-    /// `addFiles` takes this back: a run that has not noticed it by then continues. Any thread.
+    /// `cancelToAddFiles` Requests every running run to stop before its next file, or inside its
+    /// current one if that takes half a second longer: that file is then neither added nor
+    /// reported. A call of `addFiles` takes this back: a run that has not noticed it by then
+    /// continues. Any thread.
     void cancelToAddFiles();
 
     /// `removeItem:` Removes an item and reports `burnItemDidDelete`. Does nothing if the item is
