@@ -61,7 +61,7 @@ TEST_F(BusyDrive, IsNotWaitedForWhenTheBurnIsCancelled) {
     const auto log = observe(burning);
     const auto start = now();
     burning->writeLayout(audio({300}));
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    ASSERT_TRUE(loops->runUntil([&] { return !log->states().empty(); })) << "it has begun";
     burning->abort();
     ASSERT_TRUE(loops->runUntil([&] { return log->isOver(); }));
     EXPECT_EQ(log->code(), codeOf(DRError::UserCanceled)) << log->info();
@@ -75,7 +75,7 @@ TEST_F(BusyDrive, IsAskedAfreshAfterABurnThatCouldNotHaveIt) {
         const auto burning = makeBurn();
         const auto log = observe(burning);
         burning->writeLayout(audio({300}));
-        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        ASSERT_TRUE(loops->runUntil([&] { return !log->states().empty(); })) << "it has begun";
         recorder->removeMedium();
         drive->mediaChanged();
         EXPECT_TRUE(drive->mediaIsBlank()) << "what is known until the burn is over";

@@ -54,7 +54,7 @@ TEST_F(LoadingDisc, IsNotWaitedForWhenTheBurnIsCancelled) {
     const auto log = observe(burning);
     const auto start = std::chrono::steady_clock::now();
     burning->writeLayout(audio({310}));
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    ASSERT_TRUE(loops->runUntil([&] { return !log->states().empty(); })) << "it has begun";
     burning->abort();
     ASSERT_TRUE(loops->runUntil([&] { return log->isOver(); }));
     EXPECT_EQ(log->code(), codeOf(DRError::UserCanceled)) << log->info();
