@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "tools/quarner/text/CapacityBar.h"
 #include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {

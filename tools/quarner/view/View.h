@@ -5,7 +5,7 @@
 
 #include "quarner/front/QuarnDelegate.h"
 #include "tools/quarner/host/ExitStatus.h"
-#include "tools/quarner/text/Pictures.h"
+#include "tools/quarner/text/TrackTable.h"
 
 namespace quarner::cli {
 

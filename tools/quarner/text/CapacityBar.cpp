@@ -1,52 +1,20 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "tools/quarner/text/Pictures.h"
+#include "tools/quarner/text/CapacityBar.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 
-#include "quarner/front/BurnItemKeys.h"
-#include "quarner/util/MultiMedia.h"
 #include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
 namespace {
 
 constexpr char unknownTime[] = "--:--";
-constexpr std::size_t numberColumns = 3;
-constexpr std::size_t timeColumns = 10;
-constexpr std::size_t sizeColumns = 10;
-constexpr std::size_t widestList = 78;
 constexpr std::size_t widestBar = 32;
 constexpr std::size_t narrowestBar = 8;
 
 double keptWithinOne(double fraction) { return fraction > 0 ? std::min(fraction, 1.0) : 0.0; }
-
-std::string textUnder(const Dictionary& item, const char* key) {
-    const std::string* const text = valueFor(item, key).asString();
-    return text == nullptr ? std::string() : safeText(*text);
-}
-
-std::string row(std::string_view number, std::string_view name, std::string_view time,
-                std::string_view size, std::size_t columns) {
-    const std::size_t fixed = numberColumns + 2 + timeColumns + sizeColumns;
-    const std::size_t nameColumns =
-        std::max<std::size_t>(std::min(columns, widestList), fixed) - fixed;
-    return rightAligned(number, numberColumns) + "  " + leftAligned(name, nameColumns) +
-           rightAligned(time, timeColumns) + rightAligned(size, sizeColumns);
-}
-
-std::string sumRow(const Compilation& compilation, std::size_t columns) {
-    std::int64_t bytes = 0;
-    for (const Dictionary& item : compilation.items)
-        bytes += valueFor(item, kQuarnItemRealFileSizeKey).asInt64();
-    const std::size_t count = compilation.items.size();
-    const DiscTraits& disc = traitsOf(compilation.kind);
-    const std::string name = counted(count, disc.oneItem) + disc.pauses(count);
-    const bool countsTime = compilation.kind == DiscKind::Audio;
-    return row("", name, countsTime ? disc.capacityText(compilation.used) : "",
-               MultiMedia::stringWithFilesize(bytes), columns);
-}
 
 /// By the figures that are shown: a disc that came or went while they were asked for may have
 /// given whether all fits.
@@ -95,18 +63,6 @@ std::string timeLeftText(std::uint64_t seconds) {
     else
         std::snprintf(text, sizeof text, "%u:%02u", minutes, rest);
     return text;
-}
-
-std::vector<std::string> trackList(const Compilation& compilation, std::size_t columns) {
-    std::vector<std::string> lines;
-    for (const Dictionary& item : compilation.items)
-        lines.push_back(row(std::to_string(lines.size() + 1),
-                            textUnder(item, kQuarnItemDisplayNameKey),
-                            textUnder(item, kQuarnItemDurationKey),
-                            textUnder(item, kQuarnItemFileSizeKey), columns));
-    if (!lines.empty())
-        lines.push_back(sumRow(compilation, columns));
-    return lines;
 }
 
 std::string usageLine(const Compilation& compilation, std::size_t columns, bool isUtf8) {
