@@ -94,7 +94,9 @@ protected:
     }
 
     [[noreturn]] void burnAndExit(const Paths& paths, const std::shared_ptr<FileSystem>& files) {
-        _exit(burnThrough(files, paths).isDone ? 0 : 1);
+        const bool isDone = burnThrough(files, paths).isDone;
+        stage->shutDown(); // joins the thread of the burn
+        _exit(isDone ? 0 : 1);
     }
 
     /// All burns run in child processes: a process that has had threads must not fork again.
