@@ -110,9 +110,13 @@ TEST_P(RecorderWriting, TheSpeedIsTheBlocksOfASecond) {
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
     const Dictionary& last = log->records().at(log->records().size() - 2);
     ASSERT_EQ(BurnLog::stateOf(last), DRStatusStateVerifying);
-    EXPECT_GE(valueFor(last, DRStatusCurrentSpeedKey).asDouble(),
-              static_cast<double>(writing.blocksOnDisc()) / took.count())
-        << "a part of the burn is not slower than the whole";
+    const double speed = valueFor(last, DRStatusCurrentSpeedKey).asDouble();
+    EXPECT_GT(speed, 0.0);
+    // The speed is that of the last second, which may be slower than those before it.
+    if (took < std::chrono::seconds(1)) {
+        EXPECT_GE(speed, static_cast<double>(writing.blocksOnDisc()) / took.count())
+            << "a part of the burn is not slower than the whole";
+    }
 }
 
 TEST_P(RecorderWriting, ABurnGoesOnWhenNobodyHoldsItAnyMore) {
