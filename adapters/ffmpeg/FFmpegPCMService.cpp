@@ -42,7 +42,8 @@ std::optional<PCMLength> FFmpegPCMService::measureWhile(const std::string& path,
     const Measurement result = measureSound(path, mayContinue);
     if (!result.length)
         _problems.keep(path, result.problem);
-    if (!result.wasStopped)
+    const bool mayGoBetterNextTime = result.wasStopped || !result.problem.empty();
+    if (!mayGoBetterNextTime)
         _lengths.keep(path, *stamp, result.length);
     return result.length;
 } catch (...) {

@@ -34,7 +34,7 @@ std::string_view textFor(DRError error) {
     case DRError::SourceChanged:
         return "a source file has changed since it was added";
     case DRError::SourceUnreadable:
-        return "a source file cannot be decoded";
+        return "a source file cannot be read or decoded";
     case DRError::NoSpace:
         return "no space is left for the image";
     case DRError::PermissionDenied:

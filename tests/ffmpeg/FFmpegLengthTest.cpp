@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include <sys/resource.h>
+
 #include <gtest/gtest.h>
 
 #include "adapters/ffmpeg/FFmpegServices.h"
@@ -60,6 +62,20 @@ TEST(FFmpegLengths, AFileThatHasChangedIsMeasuredAnew) {
     EXPECT_EQ(service->measure(path).value().sourceSamples, 22050U);
     std::filesystem::remove(path);
     EXPECT_FALSE(service->measure(path));
+}
+
+TEST(FFmpegLengths, AFileThatCouldNotBeReadOnceIsReadAgain) {
+    const std::string path = audioFixture(mp3Recipe());
+    const auto pcm = makeFFmpegPCMService();
+    rlimit before = {};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none = {.rlim_cur = 0, .rlim_max = before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    const bool isMeasured = pcm->measure(path).has_value();
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_FALSE(isMeasured);
+    EXPECT_EQ(pcm->problemWith(path), "Too many open files");
+    EXPECT_TRUE(pcm->measure(path));
 }
 
 TEST(FFmpegLengths, TheCacheKeepsOnlyTheLastFilesAndOnlyWhileTheyStayTheSame) {
