@@ -39,6 +39,7 @@ public:
     std::uint64_t numberOfChildrenOfBurnItem(const BurnItemRef& item) const override;
     std::shared_ptr<const Dictionary> propertyOfBurnItem(const BurnItemRef& item) const override;
     void moveBurnItem(const std::set<std::uint64_t>& indexes, std::int64_t to) override;
+    void moveItems(const BurnItemList& items, const BurnItemRef& behind) override;
 
     // --- Capacity (AudioCapacity.cpp) ---
 
@@ -61,6 +62,8 @@ public:
     void burnStatusDidChange(const DRNotification& notification);
 
 protected:
+    bool addFilesAt(const std::vector<std::string>& paths, ContentList::Place place) override;
+
     // --- The steps of adding files in which the two burners differ ---
 
     /// Returns the resolved path of an item's file, which identifies a file that is already in the
@@ -102,6 +105,7 @@ protected:
 private:
     struct AddFilesRun;
     class KnownPaths;
+    bool startRun(const std::vector<std::string>& paths, ContentList::Place place);
     void filterPath(const std::string& path, KnownPaths& known, AddFilesRun& run);
     bool isSupported(const std::string& resolvedPath);
     void performRun(AddFilesRun& run);

@@ -10,8 +10,9 @@
 
 namespace quarner {
 
-/// The lists of one call of `addFiles`, shared by its two phases.
+/// The lists of one call of `addFiles` or its like, shared by its two phases.
 struct AudioCDBurner::AddFilesRun {
+    ContentList::Place place; ///< null: each file is appended
     std::vector<std::string> protectedFiles;
     std::vector<std::string> accepted;
     std::vector<std::string> incompatible;
@@ -63,14 +64,22 @@ private:
 };
 
 bool AudioCDBurner::addFiles(const std::vector<std::string>& paths) {
+    return startRun(sortedForUser(paths), nullptr);
+}
+
+bool AudioCDBurner::addFilesAt(const std::vector<std::string>& paths, ContentList::Place place) {
+    return startRun(paths, std::move(place));
+}
+
+bool AudioCDBurner::startRun(const std::vector<std::string>& paths, ContentList::Place place) {
     const auto self = std::static_pointer_cast<AudioCDBurner>(weak_from_this().lock());
     if (paths.empty() || !self)
         return false;
-    const std::vector<std::string> sorted = sortedForUser(paths);
     _continue2AddFiles = true;
     const auto run = std::make_shared<AddFilesRun>();
+    run->place = std::move(place);
     KnownPaths known(*this);
-    for (const std::string& path : sorted)
+    for (const std::string& path : paths)
         filterPath(path, known, *run);
     const bool anyAccepted = !run->accepted.empty();
     currentPlatform()->dispatch->asyncGlobal([self, run] { self->performRun(*run); });
@@ -157,7 +166,10 @@ bool AudioCDBurner::examineFile(const std::string& path, AddFilesRun& run) {
         run.incompatible.push_back(path);
         return true;
     }
-    _content.append(item);
+    if (run.place)
+        _content.insert(run.place, item);
+    else
+        _content.append(item);
     tell(&QuarnDelegate::fileDidAdded, record);
     return true;
 }

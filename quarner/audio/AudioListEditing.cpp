@@ -1,40 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include <algorithm>
-#include <unordered_set>
-
 #include "quarner/audio/AudioCDBurner.h"
 #include "quarner/platform/DRTrack.h"
 
 namespace quarner {
-namespace {
-
-/// Removes the items at these indexes, which are all in the list, and returns them in ascending
-/// order.
-BurnItemList takeItems(BurnItemList& items, const std::set<std::uint64_t>& indexes) {
-    BurnItemList taken;
-    BurnItemList kept;
-    for (std::size_t i = 0; i < items.size(); ++i)
-        (indexes.contains(i) ? taken : kept).push_back(items[i]);
-    items = std::move(kept);
-    return taken;
-}
-
-void moveItems(BurnItemList& items, const std::set<std::uint64_t>& indexes,
-               std::uint64_t destination) {
-    const bool isDroppedOntoItself = indexes.contains(destination);
-    if (isDroppedOntoItself)
-        return;
-    // Rows removed before the destination move the row at the destination forward.
-    const auto takenBefore = std::distance(indexes.begin(), indexes.lower_bound(destination));
-    const bool isAtEnd = destination >= items.size();
-    const BurnItemList moved = takeItems(items, indexes);
-    const auto place = isAtEnd
-                           ? items.end()
-                           : items.begin() + static_cast<std::ptrdiff_t>(destination) - takenBefore;
-    items.insert(place, moved.begin(), moved.end());
-}
-
-} // namespace
 
 std::uint64_t AudioCDBurner::numberOfChildrenOfBurnItem(const BurnItemRef& item) const {
     return item ? 0 : _content.snapshot().size();
@@ -62,22 +30,19 @@ void AudioCDBurner::removeItemOfClass(const BurnItemRef& item, std::string_view 
 }
 
 void AudioCDBurner::removeItems(const BurnItemList& items) {
-    const std::unordered_set<BurnItemRef> removed(items.begin(), items.end());
-    _content.change([&](BurnItemList& content) {
-        std::erase_if(content, [&](const BurnItemRef& item) { return removed.contains(item); });
-    });
+    _content.removeAll({items.begin(), items.end()});
     tell(&QuarnDelegate::burnItemsDidDelete, items);
 }
 
 void AudioCDBurner::moveBurnItem(const std::set<std::uint64_t>& indexes, std::int64_t to) {
-    bool isDone = false;
-    _content.change([&](BurnItemList& items) {
-        const bool isWithinList = indexes.empty() || *indexes.rbegin() < items.size();
-        isDone = !items.empty() && isWithinList;
-        if (isDone)
-            moveItems(items, indexes, static_cast<std::uint64_t>(to));
-    });
-    if (isDone)
+    if (_content.snapshot().empty())
+        return;
+    if (_content.move(indexes, static_cast<std::uint64_t>(to)))
+        tell(&QuarnDelegate::burnItemDidSorted);
+}
+
+void AudioCDBurner::moveItems(const BurnItemList& items, const BurnItemRef& behind) {
+    if (_content.moveBehind({items.begin(), items.end()}, behind))
         tell(&QuarnDelegate::burnItemDidSorted);
 }
 

@@ -3,59 +3,128 @@
 // - A published table never changes, nor does a slot of a chunk that a snapshot can see: one below
 //   the size of that snapshot. An append fills the next slot of the last chunk, which no snapshot
 //   has seen, and replaces the table only when that chunk is full.
-// - A removal replaces the table and one chunk. A new chunk has no slot that was ever seen beyond
-//   its last item, so it may be appended to if it is the last.
-// - Every place in the list has a rank. Ranks ascend along the list, whatever is removed, so the
-//   place of an item is found by its rank with a binary search.
+// - An insertion and a removal replace the table and one or two chunks. A new chunk has no slot
+//   that was ever seen beyond its last item, so it may be appended to if it is the last.
+// - Every chunk has a number, which its replacement keeps. `_chunks` knows the number of the chunk
+//   in which an item lies, so an item is found by looking through one chunk.
+// - The places are in the order of the list, those at one index in the order of what they insert.
 #include "quarner/front/ContentList.h"
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 #include <utility>
-#include <vector>
 
 namespace quarner {
 namespace {
 
 constexpr std::size_t chunkSize = 256;
 
+/// The number of items before an index that are not marked.
+std::size_t unmarkedBefore(const std::vector<bool>& isMarked, std::size_t index) {
+    return static_cast<std::size_t>(
+        std::count(isMarked.begin(), isMarked.begin() + static_cast<std::ptrdiff_t>(index), false));
+}
+
+std::vector<bool> marked(const BurnItemList& all, const std::unordered_set<BurnItemRef>& some) {
+    std::vector<bool> isMarked(all.size());
+    std::transform(all.begin(), all.end(), isMarked.begin(),
+                   [&](const BurnItemRef& item) { return some.contains(item); });
+    return isMarked;
+}
+
 } // namespace
 
 struct ContentList::Chunk {
     std::array<BurnItemRef, chunkSize> items;
-    std::array<std::uint64_t, chunkSize> ranks = {};
 
+    std::shared_ptr<Chunk> part(std::size_t from, std::size_t until) const {
+        auto part = std::make_shared<Chunk>();
+        std::copy(items.begin() + from, items.begin() + until, part->items.begin());
+        return part;
+    }
     std::shared_ptr<Chunk> without(std::size_t slot, std::size_t count) const {
-        auto rest = std::make_shared<Chunk>();
-        const auto copyRest = [&](const auto& from, auto& to) {
-            const auto place = std::copy_n(from.begin(), slot, to.begin());
-            std::copy_n(from.begin() + slot + 1, count - slot - 1, place);
-        };
-        copyRest(items, rest->items);
-        copyRest(ranks, rest->ranks);
+        auto rest = part(0, slot);
+        std::copy(items.begin() + slot + 1, items.begin() + count, rest->items.begin() + slot);
         return rest;
+    }
+    std::shared_ptr<Chunk> with(BurnItemRef item, std::size_t slot, std::size_t count) const {
+        auto longer = part(0, slot);
+        std::copy(items.begin() + slot, items.begin() + count, longer->items.begin() + slot + 1);
+        longer->items[slot] = std::move(item);
+        return longer;
     }
 };
 
 struct ContentList::Table {
     std::vector<std::shared_ptr<Chunk>> chunks;
-    std::vector<std::size_t> starts; // the index of each chunk's first item
+    std::vector<std::size_t> starts;    // the index of each chunk's first item
+    std::vector<std::uint64_t> numbers; // of the chunks
 
     std::size_t chunkAt(std::size_t index) const {
         const auto next = std::upper_bound(starts.begin(), starts.end(), index);
         return static_cast<std::size_t>(next - starts.begin()) - 1;
     }
+    std::size_t chunkWithNumber(std::uint64_t number) const {
+        const auto found = std::find(numbers.begin(), numbers.end(), number);
+        return static_cast<std::size_t>(found - numbers.begin());
+    }
     std::size_t endOf(std::size_t chunk, std::size_t size) const {
         return chunk + 1 < starts.size() ? starts[chunk + 1] : size;
     }
-    void addChunk(std::shared_ptr<Chunk> chunk, std::size_t start) {
-        chunks.push_back(std::move(chunk));
-        starts.push_back(start);
+    void insertChunk(std::size_t place, std::shared_ptr<Chunk> chunk, std::size_t start,
+                     std::uint64_t number) {
+        const auto offset = static_cast<std::ptrdiff_t>(place);
+        chunks.insert(chunks.begin() + offset, std::move(chunk));
+        starts.insert(starts.begin() + offset, start);
+        numbers.insert(numbers.begin() + offset, number);
     }
     void dropChunk(std::size_t chunk) {
-        chunks.erase(chunks.begin() + static_cast<std::ptrdiff_t>(chunk));
-        starts.erase(starts.begin() + static_cast<std::ptrdiff_t>(chunk));
+        const auto offset = static_cast<std::ptrdiff_t>(chunk);
+        chunks.erase(chunks.begin() + offset);
+        starts.erase(starts.begin() + offset);
+        numbers.erase(numbers.begin() + offset);
     }
+};
+
+struct ContentList::PlaceState {
+    std::size_t index = 0; ///< of the item behind the place
+    std::size_t own = 0;   ///< the items right before the place that it has inserted
+
+    /// The items before an index are `by` more now.
+    void shift(std::size_t from, std::size_t by) {
+        if (from > index - own)
+            own = index - from;
+        index += by;
+    }
+    /// Only the items that are not marked remain.
+    void keepUnmarked(const std::vector<bool>& isMarked) {
+        const std::size_t before = unmarkedBefore(isMarked, index - own);
+        index = unmarkedBefore(isMarked, index);
+        own = index - before;
+    }
+};
+
+class ContentList::Change {
+public:
+    explicit Change(ContentList& list)
+        : _list(list), _lock(list._mutex), _before(list._table), _isFirst(list._changes.empty()) {}
+    ~Change() {
+        const bool hasNews = _isFirst && !_list._changes.empty();
+        const auto onFirst = hasNews ? _list._onFirst : nullptr;
+        _lock.unlock();
+        _before.reset();
+        if (onFirst)
+            (*onFirst)();
+    }
+    Change(const Change&) = delete;
+    Change& operator=(const Change&) = delete;
+
+private:
+    ContentList& _list;
+    std::unique_lock<std::mutex> _lock;
+    std::shared_ptr<Table> _before;
+    const bool _isFirst;
 };
 
 std::span<const BurnItemRef> ContentList::Snapshot::runFrom(std::size_t index) const {
@@ -78,85 +147,313 @@ ContentList::Snapshot ContentList::snapshot() const {
 
 bool ContentList::contains(const BurnItemRef& item) const {
     const std::lock_guard lock(_mutex);
-    return _ranks.contains(item.get());
+    return _chunks.contains(item.get());
 }
 
 void ContentList::append(BurnItemRef item) {
-    const std::lock_guard lock(_mutex);
-    if (isLastChunkFull()) {
-        auto longer = std::make_shared<Table>(*_table);
-        longer->addChunk(std::make_shared<Chunk>(), _size);
-        _table = std::move(longer);
-    }
-    fillNextSlot(std::move(item));
+    const Change change(*this);
+    recordOne(ListChange::Kind::Inserted, _size, item);
+    appendLocked(std::move(item));
 }
+
+ContentList::Place ContentList::placeBefore(std::uint64_t index) {
+    const std::lock_guard lock(_mutex);
+    return index < _size ? newPlace(static_cast<std::size_t>(index), true) : newPlace(_size, false);
+}
+
+ContentList::Place ContentList::placeBehind(const BurnItemRef& item) {
+    const std::lock_guard lock(_mutex);
+    if (!item)
+        return newPlace(0, true);
+    const std::optional<std::size_t> index = indexOf(item);
+    return index ? newPlace(*index + 1, true) : newPlace(_size, false);
+}
+
+ContentList::Place ContentList::newPlace(std::size_t index, bool isInFront) {
+    const auto isBefore = [&](const Place& other) {
+        return other->index < index || (other->index == index && (other->own > 0 || !isInFront));
+    };
+    const std::vector<Place> all = places();
+    const auto behind = std::partition_point(all.begin(), all.end(), isBefore);
+    auto place = std::make_shared<PlaceState>(PlaceState{.index = index});
+    _places.insert(_places.begin() + (behind - all.begin()), place);
+    return place;
+}
+
+std::vector<ContentList::Place> ContentList::places() {
+    std::vector<Place> all;
+    for (const auto& weak : _places)
+        if (Place place = weak.lock())
+            all.push_back(std::move(place));
+    _places.assign(all.begin(), all.end());
+    return all;
+}
+
+void ContentList::insert(const Place& place, BurnItemRef item) {
+    const Change change(*this);
+    const std::size_t index = place->index;
+    recordOne(ListChange::Kind::Inserted, index, item);
+    insertLocked(index, std::move(item));
+    const std::vector<Place> all = places();
+    const auto self = std::find(all.begin(), all.end(), place);
+    std::for_each(self + 1, all.end(), [&](const Place& later) { later->shift(index, 1); });
+    ++place->index;
+    ++place->own;
+}
+
+bool ContentList::remove(const BurnItemRef& item) {
+    const Change change(*this);
+    bool isFound = false;
+    while (const std::optional<std::size_t> index = indexOf(item)) {
+        recordOne(ListChange::Kind::Removed, *index, item);
+        removeLocked(*index);
+        isFound = true;
+    }
+    return isFound;
+}
+
+void ContentList::removeAll(const std::unordered_set<BurnItemRef>& removed) {
+    BurnItemList items; // released after the lock
+    const Change change(*this);
+    items = itemsLocked();
+    removeMarked(items, marked(items, removed));
+}
+
+void ContentList::clear() {
+    BurnItemList items; // released after the lock
+    const Change change(*this);
+    items = itemsLocked();
+    removeMarked(items, std::vector<bool>(items.size(), true));
+}
+
+bool ContentList::move(const std::set<std::uint64_t>& indexes, std::uint64_t before) {
+    const Change change(*this);
+    if (!indexes.empty() && *indexes.rbegin() >= _size)
+        return false;
+    if (indexes.contains(before))
+        return true;
+    std::vector<bool> isMoved(_size);
+    for (const std::uint64_t index : indexes)
+        isMoved[static_cast<std::size_t>(index)] = true;
+    moveLocked(itemsLocked(), isMoved,
+               static_cast<std::size_t>(std::min<std::uint64_t>(before, _size)));
+    return true;
+}
+
+bool ContentList::moveBehind(const std::unordered_set<BurnItemRef>& moved,
+                             const BurnItemRef& behind) {
+    const Change change(*this);
+    const std::optional<std::size_t> index = indexOf(behind);
+    if (behind && !index)
+        return false;
+    const BurnItemList items = itemsLocked();
+    moveLocked(items, marked(items, moved), behind ? *index + 1 : 0);
+    return true;
+}
+
+void ContentList::change(const std::function<void(BurnItemList&)>& change) {
+    BurnItemList before; // these two released after the lock
+    BurnItemList items;
+    const Change locked(*this);
+    before = itemsLocked();
+    items = before;
+    change(items);
+    replaceLocked(items);
+    recordMarked(ListChange::Kind::Removed, before, std::vector<bool>(before.size(), true));
+    recordMarked(ListChange::Kind::Inserted, items, std::vector<bool>(items.size(), true));
+    findPlacesAgain(before);
+}
+
+void ContentList::findPlacesAgain(const BurnItemList& before) {
+    std::vector<Place> all = places();
+    for (const Place& place : all) {
+        std::size_t left = place->index;
+        while (left > 0 && !indexOf(before[left - 1]))
+            --left;
+        *place = {.index = left == 0 ? 0 : *indexOf(before[left - 1]) + 1};
+    }
+    std::stable_sort(all.begin(), all.end(),
+                     [](const Place& a, const Place& b) { return a->index < b->index; });
+    _places.assign(all.begin(), all.end());
+}
+
+void ContentList::recordChanges(std::function<void()> onFirst) {
+    std::vector<ListChange> discarded; // these two released after the lock
+    std::shared_ptr<const std::function<void()>> previous;
+    if (onFirst)
+        previous = std::make_shared<const std::function<void()>>(std::move(onFirst));
+    const std::lock_guard lock(_mutex);
+    discarded.swap(_changes);
+    previous.swap(_onFirst);
+}
+
+std::vector<ListChange> ContentList::takeChanges() {
+    const std::lock_guard lock(_mutex);
+    return std::exchange(_changes, {});
+}
+
+void ContentList::recordMarked(ListChange::Kind kind, const BurnItemList& items,
+                               const std::vector<bool>& isMarked, std::size_t to) {
+    if (!_onFirst)
+        return;
+    ListChange change{.kind = kind, .to = to};
+    for (std::size_t row = 0; row < items.size(); ++row)
+        if (isMarked[row]) {
+            change.rows.push_back(row);
+            change.items.push_back(items[row]);
+        }
+    if (!change.rows.empty())
+        _changes.push_back(std::move(change));
+}
+
+void ContentList::recordOne(ListChange::Kind kind, std::size_t row, const BurnItemRef& item) {
+    if (!_onFirst)
+        return;
+    const bool isNextInserted = kind == ListChange::Kind::Inserted && !_changes.empty() &&
+                                _changes.back().kind == kind &&
+                                _changes.back().rows.back() + 1 == row;
+    if (!isNextInserted)
+        _changes.push_back({.kind = kind});
+    _changes.back().rows.push_back(row);
+    _changes.back().items.push_back(item);
+}
+
+std::size_t ContentList::endOf(std::size_t chunk) const { return _table->endOf(chunk, _size); }
 
 bool ContentList::isLastChunkFull() const {
     return _table->starts.empty() || _size - _table->starts.back() == chunkSize;
 }
 
 void ContentList::fillNextSlot(BurnItemRef item) {
-    Chunk& last = *_table->chunks.back();
-    const std::size_t slot = _size - _table->starts.back();
-    _ranks.emplace(item.get(), _nextRank);
-    last.ranks[slot] = _nextRank++;
-    last.items[slot] = std::move(item);
+    _chunks.emplace(item.get(), _table->numbers.back());
+    _table->chunks.back()->items[_size - _table->starts.back()] = std::move(item);
     ++_size;
 }
 
-bool ContentList::remove(const BurnItemRef& item) {
-    std::shared_ptr<Table> previous; // released after the lock, with what it alone still holds
-    const std::lock_guard lock(_mutex);
-    const auto [first, last] = _ranks.equal_range(item.get());
-    if (first == last)
-        return false;
-    for (auto rank = first; rank != last; ++rank) {
-        previous = std::exchange(_table, tableWithout(indexOfRank(rank->second)));
-        --_size;
-    }
-    _ranks.erase(first, last);
-    return true;
-}
-
-std::size_t ContentList::indexOfRank(std::uint64_t rank) const {
-    const auto& chunks = _table->chunks;
-    const auto next = std::upper_bound(
-        chunks.begin(), chunks.end(), rank,
-        [](std::uint64_t wanted, const auto& chunk) { return wanted < chunk->ranks.front(); });
-    const auto chunk = static_cast<std::size_t>(next - chunks.begin()) - 1;
+std::size_t ContentList::indexIn(std::uint64_t number, const BurnItemRef& item) const {
+    const std::size_t chunk = _table->chunkWithNumber(number);
     const std::size_t start = _table->starts[chunk];
-    const auto ranks = std::span(chunks[chunk]->ranks).first(_table->endOf(chunk, _size) - start);
-    const auto place = std::lower_bound(ranks.begin(), ranks.end(), rank);
-    return start + static_cast<std::size_t>(place - ranks.begin());
+    const auto items = std::span(_table->chunks[chunk]->items).first(endOf(chunk) - start);
+    return start +
+           static_cast<std::size_t>(std::find(items.begin(), items.end(), item) - items.begin());
 }
 
-std::shared_ptr<ContentList::Table> ContentList::tableWithout(std::size_t index) const {
+ContentList::Chunks::iterator ContentList::entryOf(const BurnItemRef& item, std::uint64_t number) {
+    const auto [first, last] = _chunks.equal_range(item.get());
+    return std::find_if(first, last, [&](const auto& entry) { return entry.second == number; });
+}
+
+std::optional<std::size_t> ContentList::indexOf(const BurnItemRef& item) const {
+    const auto found = _chunks.find(item.get());
+    return found == _chunks.end() ? std::nullopt : std::optional(indexIn(found->second, item));
+}
+
+BurnItemList ContentList::itemsLocked() const {
+    const Snapshot now(_table, _size);
+    return {now.begin(), now.end()};
+}
+
+void ContentList::appendLocked(BurnItemRef item) {
+    if (isLastChunkFull()) {
+        auto longer = std::make_shared<Table>(*_table);
+        longer->insertChunk(longer->chunks.size(), std::make_shared<Chunk>(), _size, _nextChunk++);
+        _table = std::move(longer);
+    }
+    fillNextSlot(std::move(item));
+}
+
+void ContentList::insertLocked(std::size_t index, BurnItemRef item) {
+    if (index == _size) {
+        appendLocked(std::move(item));
+        return;
+    }
+    auto table = std::make_shared<Table>(*_table);
+    std::size_t chunk = table->chunkAt(index);
+    if (endOf(chunk) - table->starts[chunk] == chunkSize) {
+        splitChunk(*table, chunk);
+        chunk = table->chunkAt(index);
+    }
+    const std::size_t start = table->starts[chunk];
+    const std::size_t count = table->endOf(chunk, _size) - start;
+    _chunks.emplace(item.get(), table->numbers[chunk]);
+    table->chunks[chunk] = table->chunks[chunk]->with(std::move(item), index - start, count);
+    for (std::size_t later = chunk + 1; later < table->starts.size(); ++later)
+        ++table->starts[later];
+    _table = std::move(table);
+    ++_size;
+}
+
+void ContentList::splitChunk(Table& table, std::size_t chunk) {
+    constexpr std::size_t half = chunkSize / 2;
+    const std::shared_ptr<Chunk> whole = table.chunks[chunk];
+    const std::uint64_t number = _nextChunk++;
+    for (std::size_t slot = half; slot < chunkSize; ++slot)
+        entryOf(whole->items[slot], table.numbers[chunk])->second = number;
+    table.chunks[chunk] = whole->part(0, half);
+    table.insertChunk(chunk + 1, whole->part(half, chunkSize), table.starts[chunk] + half, number);
+}
+
+void ContentList::removeLocked(std::size_t index) {
     auto table = std::make_shared<Table>(*_table);
     const std::size_t chunk = table->chunkAt(index);
     const std::size_t start = table->starts[chunk];
-    const std::size_t count = table->endOf(chunk, _size) - start;
+    const std::size_t count = endOf(chunk) - start;
+    _chunks.erase(entryOf(table->chunks[chunk]->items[index - start], table->numbers[chunk]));
     for (std::size_t later = chunk + 1; later < table->starts.size(); ++later)
         --table->starts[later];
     if (count == 1)
         table->dropChunk(chunk);
     else
         table->chunks[chunk] = table->chunks[chunk]->without(index - start, count);
-    return table;
+    _table = std::move(table);
+    --_size;
+    for (const Place& place : places()) {
+        if (place->index <= index)
+            continue;
+        if (index >= place->index - place->own)
+            --place->own;
+        --place->index;
+    }
 }
 
-void ContentList::change(const std::function<void(BurnItemList&)>& change) {
-    BurnItemList items;              // these two released after the lock, with whatever items
-    std::shared_ptr<Table> previous; // they alone still hold
-    const std::lock_guard lock(_mutex);
-    const Snapshot before(_table, _size);
-    items.assign(before.begin(), before.end());
-    change(items);
-    previous = std::exchange(_table, std::make_shared<Table>());
-    _ranks.clear();
+void ContentList::removeMarked(const BurnItemList& items, const std::vector<bool>& isRemoved) {
+    BurnItemList kept;
+    for (std::size_t i = 0; i < items.size(); ++i)
+        if (!isRemoved[i])
+            kept.push_back(items[i]);
+    for (const Place& place : places())
+        place->keepUnmarked(isRemoved);
+    recordMarked(ListChange::Kind::Removed, items, isRemoved);
+    replaceLocked(kept);
+}
+
+void ContentList::moveLocked(const BurnItemList& items, const std::vector<bool>& isMoved,
+                             std::size_t before) {
+    const std::size_t to = unmarkedBefore(isMoved, before);
+    BurnItemList moved;
+    BurnItemList order;
+    for (std::size_t i = 0; i < items.size(); ++i)
+        (isMoved[i] ? moved : order).push_back(items[i]);
+    order.insert(order.begin() + static_cast<std::ptrdiff_t>(to), moved.begin(), moved.end());
+    if (order == items)
+        return;
+    for (const Place& place : places()) {
+        place->keepUnmarked(isMoved);
+        if (to < place->index)
+            place->shift(to, moved.size());
+    }
+    recordMarked(ListChange::Kind::Moved, items, isMoved, to);
+    replaceLocked(order);
+}
+
+void ContentList::replaceLocked(const BurnItemList& items) {
+    _table = std::make_shared<Table>();
+    _chunks.clear();
     _size = 0;
     for (const BurnItemRef& item : items) {
         if (isLastChunkFull())
-            _table->addChunk(std::make_shared<Chunk>(), _size);
+            _table->insertChunk(_table->chunks.size(), std::make_shared<Chunk>(), _size,
+                                _nextChunk++);
         fillNextSlot(item);
     }
 }

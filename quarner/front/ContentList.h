@@ -7,10 +7,15 @@
 #include <iterator>
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <set>
 #include <span>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
+#include <vector>
 
+#include "quarner/front/ListChange.h"
 #include "quarner/platform/BurnItem.h"
 #include "quarner/platform/Export.h"
 
@@ -19,11 +24,12 @@ namespace quarner {
 /// The items of a compilation, published as immutable snapshots: a reader sees a whole list, and
 /// changes made at the same time on several threads follow one another without loss. Any thread.
 ///
-/// A snapshot costs nothing to take. Appending an item and removing one take hardly longer in a
-/// long list than in a short one; `change` takes time in proportion to the list.
+/// A snapshot costs nothing to take. Appending, inserting and removing an item take hardly longer
+/// in a long list than in a short one; the other changes take time in proportion to the list.
 class QUARNER_EXPORT ContentList {
     struct Chunk;
     struct Table;
+    struct PlaceState;
 
 public:
     /// The list as it was at one moment. It does not change, and keeps its items alive. Any thread.
@@ -100,27 +106,90 @@ public:
 
     void append(BurnItemRef item);
 
+    /// A place between two items at which one owner inserts items, each behind the one before. It
+    /// stays where it is while the list changes: behind the item before it, and if that is removed
+    /// or moved away, behind the one before that. What others add at this place comes behind it.
+    /// The list forgets a place that has no owner.
+    using Place = std::shared_ptr<PlaceState>;
+
+    /// Returns a new place before the item at an index; an index past the end means the end. The
+    /// items of other places that are right before it stay together: if one of them has inserted
+    /// the item before, or if this is the end, the new place is behind it; otherwise before it.
+    Place placeBefore(std::uint64_t index);
+    /// Returns a new place right behind an item, or at the start for null. Returns one at the end
+    /// if the item is not in the list.
+    Place placeBehind(const BurnItemRef& item);
+
+    /// Inserts an item at a place of this list.
+    void insert(const Place& place, BurnItemRef item);
+
     /// Removes every occurrence of an item. Returns whether there was any.
     bool remove(const BurnItemRef& item);
+
+    /// Removes every occurrence of these items.
+    void removeAll(const std::unordered_set<BurnItemRef>& items);
+
+    void clear();
+
+    /// Moves the items at these indexes, in their order, to before the item that is now at the
+    /// index `before`; past the end means the end. Moves nothing if that item is one of them.
+    /// Returns false, and moves nothing, if an index is outside the list.
+    bool move(const std::set<std::uint64_t>& indexes, std::uint64_t before);
+
+    /// Moves those of the items that are in the list, in their order there, to right behind an
+    /// item, or to the start for null; if that item is one of them, to behind the one before it
+    /// that is not. Returns false, and moves nothing, if that item is not in the list.
+    bool moveBehind(const std::unordered_set<BurnItemRef>& items, const BurnItemRef& behind);
 
     /// Replaces the list by a changed copy. The change runs while other changes wait, so it must
     /// not call back into this list.
     void change(const std::function<void(BurnItemList&)>& change);
 
-private:
-    using Ranks = std::unordered_multimap<const BurnItem*, std::uint64_t>;
+    /// Records every change from now on, for `takeChanges`. `onFirst` is called on the thread of a
+    /// change, outside all locks, when no change was recorded before it. Discards what was recorded
+    /// so far. A null `onFirst` ends the recording.
+    void recordChanges(std::function<void()> onFirst);
 
-    // These four under the lock.
+    /// Returns the recorded changes, in the order in which they were made, and forgets them.
+    std::vector<ListChange> takeChanges();
+
+private:
+    /// Locks the list for a change. On its destruction the lock is released first, then what was
+    /// removed, and then the recorder is notified.
+    class Change;
+    using Chunks = std::unordered_multimap<const BurnItem*, std::uint64_t>;
+
+    // All of these under the lock.
+    std::size_t endOf(std::size_t chunk) const;
     bool isLastChunkFull() const;
     void fillNextSlot(BurnItemRef item);
-    std::size_t indexOfRank(std::uint64_t rank) const;
-    std::shared_ptr<Table> tableWithout(std::size_t index) const;
+    std::size_t indexIn(std::uint64_t number, const BurnItemRef& item) const;
+    std::optional<std::size_t> indexOf(const BurnItemRef& item) const;
+    Chunks::iterator entryOf(const BurnItemRef& item, std::uint64_t number);
+    void appendLocked(BurnItemRef item);
+    void insertLocked(std::size_t index, BurnItemRef item);
+    void splitChunk(Table& table, std::size_t chunk);
+    void removeLocked(std::size_t index);
+    BurnItemList itemsLocked() const;
+    void replaceLocked(const BurnItemList& items);
+    void moveLocked(const BurnItemList& items, const std::vector<bool>& isMoved,
+                    std::size_t before);
+    void removeMarked(const BurnItemList& items, const std::vector<bool>& isRemoved);
+    Place newPlace(std::size_t index, bool isInFront);
+    std::vector<Place> places();
+    void findPlacesAgain(const BurnItemList& before);
+    void recordOne(ListChange::Kind kind, std::size_t row, const BurnItemRef& item);
+    void recordMarked(ListChange::Kind kind, const BurnItemList& items,
+                      const std::vector<bool>& isMarked, std::size_t to = 0);
 
     mutable std::mutex _mutex;
     std::shared_ptr<Table> _table;
     std::size_t _size = 0;
-    Ranks _ranks;
-    std::uint64_t _nextRank = 0;
+    Chunks _chunks; // of each occurrence of each item, by the number of the chunk
+    std::uint64_t _nextChunk = 0;
+    std::vector<std::weak_ptr<PlaceState>> _places; // in the order of the list
+    std::shared_ptr<const std::function<void()>> _onFirst;
+    std::vector<ListChange> _changes;
 };
 
 } // namespace quarner

@@ -2,6 +2,7 @@
 #include "quarner/front/Quarner.h"
 
 #include <limits>
+#include <utility>
 
 #include "quarner/front/BurnerRegistry.h"
 #include "quarner/platform/Platform.h"
@@ -18,6 +19,23 @@ Quarner::~Quarner() = default;
 bool Quarner::addFile(const std::string& path) { return addFiles({path}); }
 
 bool Quarner::addFiles(const std::vector<std::string>& /*paths*/) { return false; }
+
+bool Quarner::addFilesInOrder(const std::vector<std::string>& paths) {
+    return addFilesInOrder(paths, std::numeric_limits<std::uint64_t>::max());
+}
+
+bool Quarner::addFilesInOrder(const std::vector<std::string>& paths, std::uint64_t row) {
+    return addFilesAt(paths, _content.placeBefore(row));
+}
+
+bool Quarner::addFilesBehind(const std::vector<std::string>& paths, const BurnItemRef& item) {
+    return addFilesAt(paths, _content.placeBehind(item));
+}
+
+// NOLINTNEXTLINE(performance-unnecessary-value-param): a burner that adds files keeps it
+bool Quarner::addFilesAt(const std::vector<std::string>& /*paths*/, ContentList::Place /*place*/) {
+    return false;
+}
 
 void Quarner::cancelToAddFiles() { _continue2AddFiles = false; }
 
@@ -37,8 +55,18 @@ std::shared_ptr<const Dictionary> Quarner::propertyOfBurnItem(const BurnItemRef&
 
 void Quarner::moveBurnItem(const std::set<std::uint64_t>& /*indexes*/, std::int64_t /*to*/) {}
 
+void Quarner::moveItems(const BurnItemList& /*items*/, const BurnItemRef& /*behind*/) {}
+
+ContentList::Snapshot Quarner::items() const { return _content.snapshot(); }
+
+void Quarner::recordChanges(std::function<void()> onFirst) {
+    _content.recordChanges(std::move(onFirst));
+}
+
+std::vector<ListChange> Quarner::takeChanges() { return _content.takeChanges(); }
+
 void Quarner::clearAll() {
-    _content.change([](BurnItemList& items) { items.clear(); });
+    _content.clear();
     tell(&QuarnDelegate::allFilesDidCleared);
 }
 

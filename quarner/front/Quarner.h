@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -12,6 +13,7 @@
 
 #include "quarner/front/BurnItemKeys.h"
 #include "quarner/front/ContentList.h"
+#include "quarner/front/ListChange.h"
 #include "quarner/front/QuarnDelegate.h"
 #include "quarner/platform/BurnItem.h"
 #include "quarner/platform/DRBurn.h"
@@ -58,6 +60,21 @@ public:
     /// the file is opened, while it is added and when it is burned.
     virtual bool addFiles(const std::vector<std::string>& paths);
 
+    /// As `addFiles`, but keeps the order of the paths. The files of one call stay together, behind
+    /// those of earlier calls of `addFilesInOrder`, whatever other runs and edits do to the list
+    /// while the call's run is under way.
+    bool addFilesInOrder(const std::vector<std::string>& paths);
+
+    /// The same, but inserts the files before the row that is now at `row`, from 0; a row past the
+    /// end means the end. The files stay behind the item that is now before that row. If that item
+    /// is removed or moved, they stay behind the one before it. If the run of an earlier call has
+    /// inserted that item and is still under way, this call's files come behind all of its files.
+    bool addFilesInOrder(const std::vector<std::string>& paths, std::uint64_t row);
+
+    /// The same, but names the item before the first file instead of a row, which a run may move at
+    /// any time: null inserts at the start. An item that is not in the list means the end.
+    bool addFilesBehind(const std::vector<std::string>& paths, const BurnItemRef& item);
+
     /// `cancelToAddFiles` Requests every running run to stop before its next file, or inside its
     /// current one if that takes half a second longer: that file is then neither added nor
     /// reported. A call of `addFiles` takes this back: a run that has not noticed it by then
@@ -89,6 +106,28 @@ public:
     /// Reports `burnItemDidSorted`, also if nothing moves. Does nothing if the list is empty, or if
     /// any index is outside the list.
     virtual void moveBurnItem(const std::set<std::uint64_t>& indexes, std::int64_t to);
+
+    /// Moves those of the items that are in the list, in their order there, to right behind an
+    /// item, or to the start for null. An item that moves itself stands for the one before it that
+    /// does not. Items are named rather than rows because a run may insert rows at any time.
+    /// Reports `burnItemDidSorted`, also if the order stays the same. Does nothing if `behind` is
+    /// not in the list.
+    virtual void moveItems(const BurnItemList& items, const BurnItemRef& behind);
+
+    /// Returns the list as it is now. That copies no item, however long the list is: the items are
+    /// shared with the burner and do not change. Any thread.
+    ContentList::Snapshot items() const;
+
+    /// Records every change of the list from now on, so that a copy of it, such as the rows of a
+    /// window, can follow it (see `takeChanges`). `onFirst` is called after a change if no other
+    /// change was waiting to be taken, on the thread that made the change: the main thread, or that
+    /// of a run. It must not throw. Recording starts with what `items` then returns: set it before
+    /// files are added. A null `onFirst` ends the recording; a call on another thread may still be
+    /// running then. Any thread.
+    void recordChanges(std::function<void()> onFirst);
+
+    /// Returns the changes that were recorded and not taken yet, in order. Any thread.
+    std::vector<ListChange> takeChanges();
 
     /// `clearAll` Empties the list and reports `allFilesDidCleared`.
     void clearAll();
@@ -143,6 +182,9 @@ protected:
         if (QuarnDelegate* const listener = delegate())
             (listener->*operation)(arguments...);
     }
+
+    /// Adds files in the order of the paths, at a place of `_content`. Neutral value: false.
+    virtual bool addFilesAt(const std::vector<std::string>& paths, ContentList::Place place);
 
     std::atomic<QuarnDelegate*> _delegate = nullptr;
     std::atomic<bool> _continue2AddFiles = false;

@@ -55,6 +55,10 @@ TEST(BurnerFront, TheBaseIgnoresWhatItCannotDo) {
     base->removeItem(track);
     base->removeItems({track});
     base->moveBurnItem({0}, 1);
+    base->moveItems({track}, nullptr);
+    EXPECT_FALSE(base->addFilesInOrder({"/a.mp3"}));
+    EXPECT_FALSE(base->addFilesBehind({"/a.mp3"}, nullptr));
+    EXPECT_TRUE(base->items().empty());
     base->burnWithDevice(QuarnerDevice("none"), "Disc");
     base->stopBurn();
     EXPECT_EQ(base->numberOfChildrenOfBurnItem(track), 0U);
