@@ -5,11 +5,13 @@
 
 #include "fuzz/Input.h"
 #include "fuzz/Target.h"
+#include "quarner/platform/DiscFormat.h"
 
 /// The blocks from the first descriptor on; the system area before them is never looked at.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using quarner::dataBlockSize;
     using quarner::fuzz::require;
-    constexpr std::size_t systemArea = std::size_t(16) * 2048;
+    constexpr std::size_t systemArea = std::size_t(16) * dataBlockSize;
     constexpr std::size_t shortestRecord = 34;
     constexpr std::size_t longestName = (255 - 33) / 2;
     std::vector<std::byte> head(systemArea +

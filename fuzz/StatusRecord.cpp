@@ -9,6 +9,7 @@
 #include "quarner/device/QuarnerDevice.h"
 #include "quarner/platform/DRKeys.h"
 #include "quarner/platform/DRTrack.h"
+#include "quarner/platform/DiscFormat.h"
 #include "quarner/platform/NullPlatform.h"
 
 namespace quarner::fuzz {
@@ -115,8 +116,8 @@ void checkRecord(const std::shared_ptr<OneTrackBurner>& burner, const Dictionary
 }
 
 void checkDisc(const QuarnerDevice& device) {
-    constexpr std::uint64_t blockSize = 2048;
-    require(device.freeSizeOfDisc() % blockSize == 0 && device.usedSizeOfDisc() % blockSize == 0,
+    require(device.freeSizeOfDisc() % dataBlockSize == 0 &&
+                device.usedSizeOfDisc() % dataBlockSize == 0,
             "sizes are whole blocks");
     require(!device.stringForFreeSizeOfDisc().empty() && !device.stringForUsedSizeOfDisc().empty(),
             "a size has a text");

@@ -8,8 +8,6 @@
 namespace quarner {
 namespace {
 
-constexpr std::size_t mostTracks = 99; // Red Book
-
 TrackPlan planTrack(const DRTrack& track) {
     const std::uint32_t length = track.length().totalFrames();
     if (track.sampleCount > std::uint64_t(length) * DRTrack::samplesPerSector)

@@ -5,16 +5,9 @@
 #include <vector>
 
 #include "quarner/platform/DRBurn.h"
+#include "quarner/platform/DiscFormat.h"
 
 namespace quarner {
-
-/// Bytes in a sector of an audio track: 588 stereo samples of 16 bits (Red Book).
-inline constexpr std::uint32_t audioSectorSize = 2352;
-/// Bytes in a block of a data track: the user data of a mode 1 sector (ECMA-130).
-inline constexpr std::uint32_t dataBlockSize = 2048;
-/// The part of the first track's pre-gap that lies before sector 0 of the disc. The drive writes
-/// it, and an image does not contain it (Red Book: two seconds).
-inline constexpr std::uint32_t leadingGapSectors = 150;
 
 /// One track on the disc, in sectors.
 struct TrackPlan {
@@ -37,7 +30,7 @@ struct DiscPlan {
 };
 
 /// Returns the plan of an audio disc. Throws `BurnFailure` if there is no track, if there are more
-/// than 99, or if a track is shorter than its samples.
+/// than `mostTracks`, or if a track is shorter than its samples.
 DiscPlan planAudioDisc(const DRLayout& layout);
 
 } // namespace quarner

@@ -33,9 +33,9 @@ bool isWellFormed(char32_t character, std::size_t length) {
     return character >= smallest[length] && !isSurrogate && character <= 0x10FFFFU;
 }
 
-bool isControl(char32_t character) { return character < 0x20U || character == 0x7FU; }
-
 } // namespace
+
+bool isControl(char32_t character) { return character < 0x20U || character == 0x7FU; }
 
 std::optional<char32_t> takeCharacter(std::string_view& text) {
     const std::string_view all = text;

@@ -11,6 +11,9 @@ namespace quarner {
 /// byte, if the text does not begin with valid UTF-8.
 std::optional<char32_t> takeCharacter(std::string_view& text);
 
+/// Returns whether a character is one of the control characters of ASCII.
+bool isControl(char32_t character);
+
 /// Returns a file name as valid UTF-8. Each invalid byte and each control character becomes U+FFFD.
 std::string readableName(std::string_view name);
 

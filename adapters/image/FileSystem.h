@@ -16,6 +16,9 @@ namespace quarner {
 /// unless the comment says otherwise. Every operation throws a `BurnFailure` that names the file.
 class ImageFile {
 public:
+    /// The number of threads that read an image back at once.
+    static constexpr unsigned readers = 2;
+
     ImageFile() = default;
     virtual ~ImageFile();
     ImageFile(const ImageFile&) = delete;

@@ -21,7 +21,7 @@ public:
     void write(std::span<const std::byte> sectors) override { _iso->append(sectors); }
     void closeSession() override {}
     void finish() override { _iso->sync(); }
-    unsigned readers() const override { return 2; }
+    unsigned readers() const override { return ImageFile::readers; }
     void readBack(std::uint64_t firstSector, std::span<std::byte> buffer) override;
     void beginVerification() override {}
     void commit() override;

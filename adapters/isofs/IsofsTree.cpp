@@ -15,10 +15,12 @@
 #include <mutex>
 #include <new>
 
+#include "quarner/platform/DiscFormat.h"
+
 namespace quarner {
 namespace {
 
-constexpr int blockSize = 2048;
+constexpr int blockSize = dataBlockSize; // the libraries count with this type
 
 struct ImageRelease {
     void operator()(IsoImage* image) const { iso_image_unref(image); }

@@ -19,7 +19,7 @@ struct IsofsTree {
         FileStamp stamp;
     };
 
-    std::uint64_t blocks = 0;    ///< of 2048 bytes, the whole disc
+    std::uint64_t blocks = 0;    ///< of `dataBlockSize` bytes, the whole disc
     std::vector<std::byte> head; ///< the blocks before the files' content
 
     /// Lays out the entries. Opens no file. Returns an empty text, or what went wrong; the tree

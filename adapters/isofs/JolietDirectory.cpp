@@ -3,12 +3,13 @@
 
 #include <algorithm>
 
+#include "quarner/platform/DiscFormat.h"
+
 namespace quarner {
 namespace {
 
 using Bytes = std::span<const std::byte>;
 
-constexpr std::size_t blockSize = 2048;
 constexpr std::size_t firstDescriptor = 16;
 constexpr std::size_t rootRecordOffset = 156;
 constexpr std::size_t nameOffset = 33;
@@ -23,7 +24,7 @@ std::uint32_t littleEndian32(Bytes bytes, std::size_t at) {
 }
 
 Bytes blocksFrom(Bytes head, std::size_t block, std::size_t size) {
-    const std::size_t start = block * blockSize;
+    const std::size_t start = block * dataBlockSize;
     return start > head.size() || head.size() - start < size ? Bytes{} : head.subspan(start, size);
 }
 
@@ -37,7 +38,7 @@ bool isJolietDescriptor(Bytes descriptor) {
 Bytes rootDirectory(Bytes head) {
     constexpr std::uint32_t terminator = 255;
     for (std::size_t block = firstDescriptor;; ++block) {
-        const Bytes descriptor = blocksFrom(head, block, blockSize);
+        const Bytes descriptor = blocksFrom(head, block, dataBlockSize);
         if (descriptor.empty() || byteAt(descriptor, 0) == terminator)
             return {};
         if (isJolietDescriptor(descriptor))
@@ -67,7 +68,7 @@ std::map<std::u16string, JolietRecord> jolietRootDirectory(Bytes head) {
     for (std::size_t at = 0; at < directory.size();) {
         const std::size_t length = byteAt(directory, at);
         if (length == 0) {
-            at = (at / blockSize + 1) * blockSize;
+            at = (at / dataBlockSize + 1) * dataBlockSize;
             continue;
         }
         const Bytes record = directory.subspan(at, std::min(length, directory.size() - at));

@@ -23,10 +23,10 @@ std::uint64_t blocksOf(const DRFolder& folder) {
 /// the two trees.
 std::uint64_t mostBlocksOf(const DRFolder& folder) {
     constexpr std::uint64_t mostFixed = 1000;
-    constexpr std::uint64_t recordsInABlock = JolietImage::blockSize / 162;
+    constexpr std::uint64_t recordsInABlock = dataBlockSize / 162;
     std::uint64_t blocks = mostFixed + 2 * folder.children().size() / recordsInABlock;
     for (const auto& node : folder.children())
-        blocks += node->stamp().size / JolietImage::blockSize + 1;
+        blocks += node->stamp().size / dataBlockSize + 1;
     return blocks;
 }
 

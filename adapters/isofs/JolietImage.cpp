@@ -103,7 +103,7 @@ std::unique_ptr<const JolietImage> JolietImage::ofFolder(const DRFolder& folder)
     image->_blocks = tree.blocks;
     image->_head = std::move(tree.head);
     image->_extents = extentsOf(folder, entries, jolietRootDirectory(image->_head));
-    if (!areInOrder(image->_extents, image->_head.size() / blockSize, image->_blocks))
+    if (!areInOrder(image->_extents, image->_head.size() / dataBlockSize, image->_blocks))
         throw BurnFailure(DRError::Internal, "the files of the data disc overlap");
     return image;
 }

@@ -8,27 +8,26 @@
 #include <vector>
 
 #include "quarner/platform/DRFolder.h"
+#include "quarner/platform/DiscFormat.h"
 #include "quarner/platform/FileStamp.h"
 
 namespace quarner {
 
 /// The layout of a data disc's file system: the blocks that describe it, and the position of each
-/// file's content. Blocks have 2048 bytes. Immutable.
+/// file's content. Blocks have `dataBlockSize` bytes. Immutable.
 ///
 /// The disc is laid out as follows: 16 blocks of system area; the descriptors, path tables and
 /// directories of an ISO 9660 tree that lists nothing and of a Joliet tree that lists every file;
 /// then the files. Each file begins with a new block, and the rest of its last block is zero.
 class JolietImage {
 public:
-    static constexpr std::size_t blockSize = 2048;
-
     /// The content of a file on the disc.
     struct Extent {
         std::string path; ///< the file on disk
         FileStamp stamp;  ///< when the file was added
         std::uint32_t firstBlock = 0;
 
-        std::uint64_t blocks() const { return (stamp.size + blockSize - 1) / blockSize; }
+        std::uint64_t blocks() const { return (stamp.size + dataBlockSize - 1) / dataBlockSize; }
     };
 
     /// Lays out a folder. Checks every file as `checkFiles` does, but opens none. Throws

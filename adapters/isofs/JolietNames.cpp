@@ -44,8 +44,6 @@ std::string encoded(std::u32string_view characters) {
     return text;
 }
 
-bool isControl(char32_t character) { return character < 0x20 || character == 0x7F; }
-
 bool isLegalInName(char32_t character) {
     constexpr std::u32string_view forbidden = U"*/:;?\\";
     return !isControl(character) && forbidden.find(character) == std::u32string_view::npos;

@@ -72,10 +72,9 @@ std::size_t JolietTrackSource::readSome(std::span<std::byte> buffer) {
     if (_position < _image->head().size())
         return readHead(buffer);
     const auto& extents = _image->extents();
-    const std::uint64_t next =
-        _nextExtent < extents.size()
-            ? std::uint64_t(extents[_nextExtent].firstBlock) * JolietImage::blockSize
-            : _image->blocks() * JolietImage::blockSize;
+    const std::uint64_t next = _nextExtent < extents.size()
+                                   ? std::uint64_t(extents[_nextExtent].firstBlock) * dataBlockSize
+                                   : _image->blocks() * dataBlockSize;
     if (_position >= next && _nextExtent < extents.size())
         return readFile(extents[_nextExtent], buffer);
     const auto zeros =
@@ -95,8 +94,7 @@ std::size_t JolietTrackSource::readFile(const JolietImage::Extent& extent,
                                         std::span<std::byte> buffer) {
     if (!_file)
         _file = std::make_unique<OpenFile>(extent);
-    const std::uint64_t end =
-        std::uint64_t(extent.firstBlock) * JolietImage::blockSize + extent.stamp.size;
+    const std::uint64_t end = std::uint64_t(extent.firstBlock) * dataBlockSize + extent.stamp.size;
     const std::size_t count = _file->read(
         buffer.first(std::size_t(std::min<std::uint64_t>(buffer.size(), end - _position))));
     if (_position + count == end) {

@@ -5,15 +5,16 @@
 #include <stdexcept>
 #include <utility>
 
+#include "quarner/platform/DiscFormat.h"
+
 namespace quarner {
 namespace {
 
 /// Returns the size of the files alone, in whole blocks.
 std::uint64_t blocksOf(const DRFolder& folder) {
-    constexpr std::uint64_t blockSize = 2048;
     std::uint64_t blocks = 0;
     for (const auto& node : folder.children())
-        blocks += (node->stamp().size + blockSize - 1) / blockSize;
+        blocks += (node->stamp().size + dataBlockSize - 1) / dataBlockSize;
     return blocks;
 }
 

@@ -3,11 +3,10 @@
 #include <string>
 
 #include "fuzz/seeds/Seeds.h"
+#include "quarner/platform/DiscFormat.h"
 
 namespace quarner::fuzz {
 namespace {
-
-constexpr std::size_t blockSize = 2048;
 
 std::string bigEndian(std::uint64_t number, int bytes) {
     std::string text;
@@ -38,14 +37,14 @@ std::string wide(std::string_view name) {
     return text;
 }
 
-std::string padded(std::string bytes, std::size_t size = blockSize) {
+std::string padded(std::string bytes, std::size_t size = dataBlockSize) {
     bytes.resize(size);
     return bytes;
 }
 
 /// The supplementary descriptor of a tree whose root directory lies here.
 std::string descriptor(std::uint32_t block, std::uint32_t size) {
-    std::string bytes(blockSize, '\0');
+    std::string bytes(dataBlockSize, '\0');
     bytes[0] = 2;
     bytes.replace(88, 3, "%/E");
     bytes.replace(156, 34, record(std::string(1, '\0'), block, size));
@@ -63,20 +62,22 @@ void putJolietDirectories(const SeedFolder& folder) {
     const auto put = [&](std::string_view name, const std::string& bytes) {
         folder.put("joliet-directory", name, bytes);
     };
-    const std::string dots = record(std::string(1, '\0'), 18, 2048) + record("\x01", 18, 2048);
+    const std::string dots =
+        record(std::string(1, '\0'), 18, dataBlockSize) + record("\x01", 18, dataBlockSize);
     put("two-files",
         disc(padded(dots + record(wide("one.mp3"), 20, 5000) + record(wide("two.mp3"), 23, 100)),
-             2048));
+             dataBlockSize));
     put("two-blocks", disc(padded(dots) + padded(record(wide("one.mp3"), 20, 1)), 4096));
-    put("directory-behind-the-end", descriptor(4000000000, 2048) + terminator);
+    put("directory-behind-the-end", descriptor(4000000000, dataBlockSize) + terminator);
     put("directory-larger-than-the-disc", disc(padded(dots), 0xFFFFFFFF));
     put("record-cut-off",
-        disc(padded(dots) + record(wide("one.mp3"), 20, 1).substr(0, 34), 2048 + 34));
-    put("name-longer-than-its-record", disc(padded("\x22" + std::string(31, 'x') + "\xFF"), 2048));
-    put("odd-name", disc(padded(record("abc", 20, 1)), 2048));
-    put("record-of-one-byte", disc(padded("\x01\x01\x01"), 2048));
+        disc(padded(dots) + record(wide("one.mp3"), 20, 1).substr(0, 34), dataBlockSize + 34));
+    put("name-longer-than-its-record",
+        disc(padded("\x22" + std::string(31, 'x') + "\xFF"), dataBlockSize));
+    put("odd-name", disc(padded(record("abc", 20, 1)), dataBlockSize));
+    put("record-of-one-byte", disc(padded("\x01\x01\x01"), dataBlockSize));
     put("no-terminator", padded("\x01") + padded("\x01"));
-    put("cut-descriptor", descriptor(18, 2048).substr(0, 200));
+    put("cut-descriptor", descriptor(18, dataBlockSize).substr(0, 200));
     put("empty", "");
 }
 

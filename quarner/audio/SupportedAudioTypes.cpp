@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include "quarner/audio/SupportedAudioTypes.h"
+
 #include <algorithm>
 #include <array>
 
@@ -22,12 +24,14 @@ std::vector<std::string> withoutPlaylistsAndScores(std::vector<std::string> type
 
 } // namespace
 
+std::vector<std::string> supportedAudioTypes() { return {"mp3", "MP3", "m4a", "M4A"}; }
+
 std::vector<std::string> AudioCDBurner::supportedFileTypes() {
     constexpr std::uint32_t commonTypesOnly = 0;
     if (!_supportedFiles)
         _supportedFiles = std::make_unique<std::vector<std::string>>(
             withoutPlaylistsAndScores(currentPlatform()->media->movieFileTypes(commonTypesOnly)));
-    return {"mp3", "MP3", "m4a", "M4A"};
+    return supportedAudioTypes();
 }
 
 } // namespace quarner

@@ -5,6 +5,7 @@
 
 #include "quarner/device/QuarnerDevice.h"
 #include "quarner/platform/DRKeys.h"
+#include "quarner/platform/DiscFormat.h"
 #include "quarner/util/MultiMedia.h"
 
 namespace quarner {
@@ -56,9 +57,8 @@ std::string QuarnerDevice::stringForFreeTimeOfDisc() const {
 }
 
 std::uint64_t QuarnerDevice::bytesUnder(const char* blocksKey) const {
-    constexpr int blockShift = 11; // 2048 bytes
     const std::optional<Dictionary> media = mediaInfo();
-    return media ? valueFor(*media, blocksKey).asUInt64() << blockShift : 0;
+    return media ? valueFor(*media, blocksKey).asUInt64() * dataBlockSize : 0;
 }
 
 std::uint64_t QuarnerDevice::usedSizeOfDisc() const {

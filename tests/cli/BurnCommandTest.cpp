@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <filesystem>
 
+#include "quarner/platform/DiscFormat.h"
 #include "tests/cli/BurnCommandFixture.h"
 
 namespace quarner::cli {
@@ -105,7 +106,7 @@ TEST_P(BurnCommandTest, AServicesTextThatSaysNothingMoreIsNotRepeated) {
 
 TEST_P(BurnCommandTest, AHundredFilesAreTooManyTracksForAnAudioDiscAlone) {
     host.platform.putSong("/m/short.mp3", {.seconds = 5});
-    const std::vector<std::string> files(99, "/m/short.mp3");
+    const std::vector<std::string> files(mostTracks, "/m/short.mp3");
     std::vector<std::string> arguments = {"--dry-run"};
     arguments.insert(arguments.end(), files.begin(), files.end());
     EXPECT_EQ(burn(arguments), 0);

@@ -5,7 +5,10 @@
 
 #include <limits>
 #include <set>
+#include <string>
 #include <string_view>
+
+#include "quarner/platform/DiscFormat.h"
 
 namespace quarner::testing {
 namespace {
@@ -36,6 +39,11 @@ TEST(DRErrors, NoOtherCodeOfOursHasAText) {
     for (std::uint32_t code = 0x80020000; code <= 0x8002FFFF; ++code)
         texts.insert(textForBurnErrorCode(signedCode(DRError(code))));
     EXPECT_EQ(texts.size(), std::size(all) + 1) << "a code is missing in this test's list";
+}
+
+TEST(DRErrors, TheTextNamesTheMostTracks) {
+    const std::string_view text = textForBurnErrorCode(signedCode(DRError::TooManyTracks));
+    EXPECT_NE(text.find(" " + std::to_string(mostTracks) + " tracks"), text.npos) << text;
 }
 
 TEST(DRErrors, ACodeThatIsNotInTheTableIsUnknown) {

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "quarner/platform/DRKeys.h"
+#include "quarner/platform/DiscFormat.h"
 #include "tests/desktop/DesktopFixture.h"
 
 namespace quarner::testing {
@@ -14,8 +15,6 @@ using ::testing::AnyOf;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-constexpr std::uintmax_t sectorSize = 2352;
 
 class DesktopBurning : public DesktopTest {
 protected:
@@ -64,7 +63,8 @@ TEST_F(DesktopBurning, AHostAddsFilesReadsTheListAndBurnsItToAnImage) {
         EXPECT_EQ(call.thread, std::this_thread::get_id()) << call.text;
 
     EXPECT_THAT(filesInFolder(), ElementsAre("mix.bin", "mix.cue", "one.mp3", "two.m4a"));
-    EXPECT_EQ(std::filesystem::file_size(folder.file("mix.bin")), (375 + 150 + 450) * sectorSize);
+    EXPECT_EQ(std::filesystem::file_size(folder.file("mix.bin")),
+              (375 + 150 + 450) * audioSectorSize);
     EXPECT_FALSE(drive.isDiscBlank());
     EXPECT_EQ(drive.usedTimeOfDisc(), 13U);
 }
@@ -99,7 +99,8 @@ TEST_F(DesktopBurning, ANewBlankIsBurntAfterTheFirstDiscWasEjected) {
     delegate.forget();
     burner->burnWithDevice(drive, std::nullopt);
     ASSERT_TRUE(runUntilCalled("burnProgressDidDone"));
-    EXPECT_EQ(std::filesystem::file_size(folder.file("mix.bin")), (375 + 150 + 450) * sectorSize);
+    EXPECT_EQ(std::filesystem::file_size(folder.file("mix.bin")),
+              (375 + 150 + 450) * audioSectorSize);
 }
 
 TEST_F(DesktopBurning, StoppingEndsInACancellationAndLeavesNoImage) {

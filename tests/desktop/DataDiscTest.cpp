@@ -12,6 +12,7 @@
 #include "adapters/isofs/JolietDiscs.h"
 #include "adapters/posix/FileStamps.h"
 #include "quarner/data/DataCDBurner.h"
+#include "quarner/platform/DiscFormat.h"
 #include "tests/desktop/DesktopFixture.h"
 #include "tests/support/Program.h"
 
@@ -46,7 +47,7 @@ protected:
     }
     /// The volume name in the Joliet descriptor, without padding; ASCII only.
     std::string volumeName() const {
-        constexpr std::size_t descriptor = 17 * 2048;
+        constexpr std::size_t descriptor = 17 * dataBlockSize;
         constexpr std::size_t place = 40;
         const std::string field = contentOf(image()).substr(descriptor + place, 32);
         std::string name;

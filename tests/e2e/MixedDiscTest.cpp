@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "quarner/platform/DRTrack.h"
+#include "quarner/platform/DiscFormat.h"
 #include "tests/e2e/MixedDisc.h"
 #include "tests/support/AudioFixtures.h"
 
@@ -64,8 +65,9 @@ TEST(MixedDisc, EveryReaderSeesTheSameTracks) {
 TEST(MixedDisc, TheUsedCapacityCountsEverySectorAndEveryPreGap) {
     const MixedDisc disc;
     const std::uint64_t size = std::filesystem::file_size(disc.bin());
-    EXPECT_EQ(size % 2352, 0U);
-    const std::uint64_t framesOfTheDisc = size / 2352 + preGap; // that of track 1 is not in the BIN
+    EXPECT_EQ(size % audioSectorSize, 0U);
+    const std::uint64_t framesOfTheDisc =
+        size / audioSectorSize + preGap; // that of track 1 is not in the BIN
     EXPECT_EQ(disc.usedCapacity(), framesOfTheDisc / 75);
 }
 

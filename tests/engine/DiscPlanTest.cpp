@@ -44,8 +44,8 @@ TEST(DiscPlan, KnowsTheTrackOfASector) {
 
 TEST(DiscPlan, RefusesWhatIsNoDisc) {
     EXPECT_EQ(errorOf({}), DRError::EmptyLayout);
-    EXPECT_EQ(errorOf(DRLayout(99, makeTrack(300, 150))), DRError());
-    EXPECT_EQ(errorOf(DRLayout(100, makeTrack(300, 150))), DRError::TooManyTracks);
+    EXPECT_EQ(errorOf(DRLayout(mostTracks, makeTrack(300, 150))), DRError());
+    EXPECT_EQ(errorOf(DRLayout(mostTracks + 1, makeTrack(300, 150))), DRError::TooManyTracks);
     EXPECT_EQ(errorOf({nullptr}), DRError::Internal);
 }
 

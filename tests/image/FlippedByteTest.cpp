@@ -3,11 +3,16 @@
 
 #include <fstream>
 
+#include "quarner/platform/DiscFormat.h"
 #include "tests/image/ForwardingFiles.h"
 #include "tests/image/ImageTest.h"
 
 namespace quarner {
 namespace {
+
+// Signed: an offset below 0 counts from the end.
+constexpr std::int64_t soundSector = audioSectorSize;
+constexpr std::int64_t dataBlock = dataBlockSize;
 
 /// Changes one byte of a file as soon as it has reached the disk.
 class FlippedByte : public ForwardingFiles {
@@ -82,8 +87,8 @@ std::vector<Flaw> flawsAt(const ImageFormat& format, const char* ending,
 
 INSTANTIATE_TEST_SUITE_P(InBin, FlippedByteTest,
                          testing::ValuesIn(flawsAt(cueFormat(), ".bin.part",
-                                                   {0, 2352 * 1024, 2352 * 2001 - 1, 2352 * 2100,
-                                                    -1})));
+                                                   {0, soundSector * 1024, soundSector * 2001 - 1,
+                                                    soundSector * 2100, -1})));
 INSTANTIATE_TEST_SUITE_P(InCue, FlippedByteTest,
                          testing::ValuesIn(flawsAt(cueFormat(), "cue.part", {6, -2})));
 INSTANTIATE_TEST_SUITE_P(InLastCue, FlippedByteTest,
@@ -91,7 +96,8 @@ INSTANTIATE_TEST_SUITE_P(InLastCue, FlippedByteTest,
 // In the system area, in a descriptor, in a file, and in the padding of its last block.
 INSTANTIATE_TEST_SUITE_P(InIso, FlippedByteTest,
                          testing::ValuesIn(flawsAt(isoFormat(), ".iso.part",
-                                                   {0, 2048 * 17 + 40, 2048 * 1024, -2048, -1})));
+                                                   {0, dataBlock * 17 + 40, dataBlock * 1024,
+                                                    -dataBlock, -1})));
 
 } // namespace
 } // namespace quarner

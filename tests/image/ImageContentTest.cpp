@@ -23,7 +23,7 @@ TEST_F(ImageContent, IsTheTracksWithTwoSecondsOfSilenceBeforeAllButTheFirst) {
     const Outcome outcome = burn(layout);
     ASSERT_TRUE(outcome.isDone) << outcome.info;
     const std::vector<std::string> tracks = tracksOf(layout);
-    const std::string silence(150 * 2352, '\0');
+    const std::string silence(150 * audioSectorSize, '\0');
     EXPECT_TRUE(contentOf(bin()) == tracks[0] + silence + tracks[1] + silence + tracks[2]);
     EXPECT_EQ(contentOf(cue()), "FILE \"mix.bin\" BINARY\n"
                                 "  TRACK 01 AUDIO\n"
@@ -50,12 +50,12 @@ TEST_F(ImageContent, KeepsThePreGapsThatTheTracksSay) {
                                 "    INDEX 01 00:00:10\n"
                                 "  TRACK 02 AUDIO\n"
                                 "    INDEX 01 00:04:10\n");
-    EXPECT_EQ(contentOf(bin()).size(), 610U * 2352);
+    EXPECT_EQ(contentOf(bin()).size(), 610U * audioSectorSize);
 }
 
 TEST_F(ImageContent, NinetyNineTracksFit) {
     DRLayout layout;
-    for (int i = 0; i < 99; ++i) {
+    for (std::size_t i = 0; i < mostTracks; ++i) {
         const auto track = makeTrack(100);
         track->setLength(DRMSF::msfWithFrames(2)); // a small disc
         layout.push_back(track);
@@ -118,7 +118,7 @@ TEST_F(ImageContent, AnImageOfAnotherProgramIsAWrittenDiscToo) {
     };
     std::ofstream(cue()) << "FILE \"mix.bin\" BINARY\n  TRACK 01 MODE1/2048\n";
     EXPECT_EQ(usedBlocks(), 0U) << "the BIN is missing";
-    std::ofstream(bin()) << std::string(2048 * 300, 'x');
+    std::ofstream(bin()) << std::string(dataBlockSize * 300, 'x');
     EXPECT_EQ(usedBlocks(), 0U) << "no sectors of sound";
     std::ofstream(cue()) << "FILE mix.bin BINARY\n";
     EXPECT_EQ(usedBlocks(), 0U) << "the BIN is not found";

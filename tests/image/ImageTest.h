@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "quarner/platform/DiscFormat.h"
 #include "tests/recorder/BurnLog.h"
 #include "tests/recorder/CueStage.h"
 #include "tests/recorder/IsoStage.h"
@@ -139,7 +140,8 @@ protected:
         std::vector<std::string> tracks;
         for (const auto& track : layout) {
             tracks.push_back(contentOf(track->path));
-            tracks.back().resize(std::size_t(track->length().totalFrames()) * 2352, '\0');
+            tracks.back().resize(std::size_t(track->length().totalFrames()) * audioSectorSize,
+                                 '\0');
         }
         return tracks;
     }

@@ -8,6 +8,7 @@
 #include "adapters/isofs/IsofsTree.h"
 #include "adapters/isofs/JolietDiscs.h"
 #include "adapters/posix/FileStamps.h"
+#include "quarner/platform/DiscFormat.h"
 #include "tests/support/Program.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -165,18 +166,20 @@ TEST_F(DifficultNames, IsoinfoExtractsEveryFileByteForByte) {
 
 TEST_F(JolietDisc, TheEstimateIsTheExactSizeOfTheImage) {
     add("one.mp3", noise(1, 1));
-    add("two.mp3", noise(2048, 2));
+    add("two.mp3", noise(dataBlockSize, 2));
     add("three.mp3", noise(2049, 3));
     const std::string image = burn();
-    EXPECT_EQ(std::filesystem::file_size(image), track->estimateLength() * 2048);
+    EXPECT_EQ(std::filesystem::file_size(image), track->estimateLength() * dataBlockSize);
 }
 
 TEST_F(JolietDisc, BearsTheNameOfTheRootFolder) {
     root = rootNamed("Größte Hits");
     add("one.mp3", "x");
     const std::string image = contentOf(burn());
-    EXPECT_EQ(image.substr(16 * 2048 + 40, 12), "GR__TE_HITS ") << "the primary descriptor";
-    EXPECT_EQ(image.substr(17 * 2048 + 40, 8), std::string("\0G\0r\0\xF6\0\xDF", 8)) << "Joliet";
+    EXPECT_EQ(image.substr(16 * dataBlockSize + 40, 12), "GR__TE_HITS ")
+        << "the primary descriptor";
+    EXPECT_EQ(image.substr(17 * dataBlockSize + 40, 8), std::string("\0G\0r\0\xF6\0\xDF", 8))
+        << "Joliet";
 }
 
 TEST_F(JolietDisc, AnyTitleGivesADiscThatReadersList) {

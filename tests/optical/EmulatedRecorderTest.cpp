@@ -5,6 +5,7 @@
 
 #include <cerrno>
 
+#include "quarner/platform/DiscFormat.h"
 #include "tests/optical/LibburnSession.h"
 #include "tests/optical/Noise.h"
 #include "tests/support/optical/OpticalBed.h"
@@ -77,7 +78,8 @@ TEST_F(EmulatedRecorderTest, TakesAnAudioSessionAtOnce) {
     EXPECT_EQ(disc.contentOf(disc.tracks[0]), first);
     EXPECT_EQ(disc.contentOf(disc.tracks[1]), second);
     EXPECT_EQ(disc.sectors.size(), 150U + 310 + 150 + 400) << "each sector was sent";
-    EXPECT_EQ(disc.bytes(310, 460, 2352), std::vector<std::byte>(150 * 2352)) << "silence";
+    EXPECT_EQ(disc.bytes(310, 460, audioSectorSize), std::vector<std::byte>(150 * audioSectorSize))
+        << "silence";
 }
 
 TEST_F(EmulatedRecorderTest, TakesADataTrackAtOnce) {
@@ -156,8 +158,8 @@ TEST_F(EmulatedRecorderTest, ReadsSoundWithItsOffset) {
         return session.readAudio(10, 20);
     };
     const auto expected = [&](int samples) {
-        const auto first = content.begin() + 10 * 2352 + samples * 4;
-        return std::vector<std::byte>(first, first + 20 * 2352);
+        const auto first = content.begin() + 10 * audioSectorSize + samples * 4;
+        return std::vector<std::byte>(first, first + 20 * audioSectorSize);
     };
     for (const int samples : {0, 30, 587, 588, 1200, -1, -588, -1200})
         EXPECT_EQ(moved(samples), expected(samples)) << samples;

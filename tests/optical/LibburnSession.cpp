@@ -16,14 +16,15 @@
 #include <thread>
 
 #include "adapters/optical/WritingThread.h"
+#include "quarner/platform/DiscFormat.h"
 
 namespace quarner {
 namespace {
 
 using namespace burn;
 
-constexpr int cdSector = 2352;
-constexpr int dataSector = 2048;
+constexpr int cdSector = audioSectorSize;
+constexpr int dataSector = dataBlockSize;
 
 struct FreeDisc {
     void operator()(burn_disc* disc) const { burn_disc_free(disc); }

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "quarner/platform/DiscFormat.h"
+
 namespace quarner {
 
 /// Bytes that differ from sector to sector and from seed to seed.
@@ -19,11 +21,11 @@ inline std::vector<std::byte> noise(std::size_t size, std::uint32_t seed) {
 }
 
 inline std::vector<std::byte> noiseOfSound(std::size_t sectors, std::uint32_t seed) {
-    return noise(sectors * 2352, seed);
+    return noise(sectors * audioSectorSize, seed);
 }
 
 inline std::vector<std::byte> noiseOfData(std::size_t sectors, std::uint32_t seed) {
-    return noise(sectors * 2048, seed);
+    return noise(sectors * dataBlockSize, seed);
 }
 
 } // namespace quarner

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "quarner/platform/DiscFormat.h"
+
 namespace quarner {
 namespace {
 
@@ -55,7 +57,7 @@ public:
     SampleOffset offsetOfWritten() const {
         SampleOffset sound(static_cast<std::uint64_t>(sectors()));
         const std::span<const std::byte> bytes = bytesOf(disc);
-        const std::size_t half = bytes.size() / 2 / 2352 * 2352;
+        const std::size_t half = bytes.size() / 2 / audioSectorSize * audioSectorSize;
         sound.add(bytes.first(half));
         sound.add(bytes.subspan(half));
         return sound;
@@ -66,7 +68,7 @@ public:
 
 private:
     bool read(std::int64_t sector, std::span<std::byte> buffer) const {
-        const std::int64_t last = sector + std::int64_t(buffer.size()) / 2352;
+        const std::int64_t last = sector + std::int64_t(buffer.size()) / audioSectorSize;
         if (last > sectors() || (sector < 0 && !readsBeforeTheDisc))
             return false;
         for (std::int64_t i = 0; i < std::int64_t(buffer.size()) / 4; ++i) {
@@ -92,8 +94,10 @@ TEST_P(SampleOffsets, AreFoundAtTheFirstSoundAndUndoneOverTheWholeDisc) {
         ASSERT_EQ(sound.find(drive.reader()), GetParam());
         Samples back(std::size_t(total), 1);
         const auto bytes = std::as_writable_bytes(std::span(back));
-        ASSERT_TRUE(sound.readAligned(0, bytes.first(256 * 2352), GetParam(), drive.reader()));
-        ASSERT_TRUE(sound.readAligned(256, bytes.subspan(256 * 2352), GetParam(), drive.reader()));
+        ASSERT_TRUE(
+            sound.readAligned(0, bytes.first(256 * audioSectorSize), GetParam(), drive.reader()));
+        ASSERT_TRUE(sound.readAligned(256, bytes.subspan(256 * audioSectorSize), GetParam(),
+                                      drive.reader()));
         EXPECT_TRUE(back == drive.disc);
     }
 }
@@ -113,7 +117,9 @@ TEST_P(SampleOffsets, OfAToneFromTheStartAreFoundWhereTheDriveReadsBeforeTheDisc
 
 TEST_P(SampleOffsets, OfAToneFromTheStartAreFoundWhereItChanges) {
     const std::int64_t total = 300 * perSector;
-    for (const std::int64_t change : {5000, 2352 * 4, 2352 * 5, 99'999, int(total) - 700}) {
+    // Inside a sector, between two, and near the end.
+    for (const std::int64_t change :
+         {std::int64_t(5000), 16 * perSector, 20 * perSector, std::int64_t(99'999), total - 700}) {
         ShiftingDrive silent(tone(change) + silence(total - change), GetParam());
         EXPECT_EQ(silent.offsetOfWritten().find(silent.reader()), GetParam()) << change;
         ShiftingDrive loud(tone(change) + noise(total - change), GetParam());
@@ -169,7 +175,7 @@ TEST(SampleOffset, OfADiscThatCannotBeReadIsNotFound) {
     const ShiftingDrive drive(noise(300 * perSector), 0);
     const auto fails = [](std::int64_t, std::span<std::byte>) { return false; };
     EXPECT_EQ(drive.offsetOfWritten().find(fails), std::nullopt);
-    std::vector<std::byte> buffer(2352);
+    std::vector<std::byte> buffer(audioSectorSize);
     EXPECT_FALSE(drive.offsetOfWritten().readAligned(0, buffer, 0, fails));
 }
 

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "quarner/platform/DiscFormat.h"
 #include "tests/recorder/SourceStage.h"
 #include "tests/support/Layouts.h"
 
@@ -32,8 +33,8 @@ public:
     /// The sound, padded with silence to whole sectors and to at least four seconds.
     std::string expectedContentOf(const std::string& path) override {
         std::string content = contentOf(path);
-        const std::size_t sectors = (content.size() + sectorSize - 1) / sectorSize;
-        content.resize(std::max<std::size_t>(sectors, shortest) * sectorSize, '\0');
+        const std::size_t sectors = (content.size() + audioSectorSize - 1) / audioSectorSize;
+        content.resize(std::max<std::size_t>(sectors, shortest) * audioSectorSize, '\0');
         return content;
     }
 
@@ -42,7 +43,6 @@ private:
         return audioTrack(*this->service(), this->makeSource(1000));
     }
 
-    static constexpr std::size_t sectorSize = 2352;
     static constexpr std::uint32_t gap = 150;
     static constexpr std::uint32_t shortest = 300;
 };

@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "quarner/platform/DiscFormat.h"
 #include "tests/recorder/AudioStage.h"
 #include "tests/recorder/ImageStage.h"
 
@@ -20,7 +21,7 @@ public:
     std::vector<std::string> contentsOf(const std::string& cuePath) const override;
     std::vector<std::string> filesOfImage() const override { return {"mix.bin", "mix.cue"}; }
     std::string partEnding() const override { return ".bin.part"; }
-    std::uint64_t blockSize() const override { return 2352; }
+    std::uint64_t blockSize() const override { return audioSectorSize; }
 
     void whileReading(const std::string& path, std::function<void()> function) override {
         sound->setReadHook([=](const std::string& read, std::uint64_t pairs) {

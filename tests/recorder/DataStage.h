@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "adapters/isofs/JolietDirectory.h"
+#include "quarner/platform/DiscFormat.h"
 #include "tests/recorder/SourceStage.h"
 #include "tests/support/Layouts.h"
 
@@ -23,7 +24,7 @@ public:
     DRLayout layoutOfBlocks(std::uint32_t blocks) override {
         const std::string path = this->makeSource(1);
         const std::uint64_t others = this->layoutOf({path})[0]->estimateLength() - 1;
-        std::filesystem::resize_file(path, (blocks - others) * sectorSize);
+        std::filesystem::resize_file(path, (blocks - others) * dataBlockSize);
         return this->layoutOf({path});
     }
     DRLayout hugeLayout() override {
@@ -39,12 +40,9 @@ protected:
     static std::vector<std::string> filesOf(const std::string& disc) {
         std::vector<std::string> contents;
         for (const auto& [name, file] : jolietRootDirectory(std::as_bytes(std::span(disc))))
-            contents.push_back(disc.substr(file.firstBlock * sectorSize, file.size));
+            contents.push_back(disc.substr(file.firstBlock * dataBlockSize, file.size));
         return contents;
     }
-
-private:
-    static constexpr std::size_t sectorSize = 2048;
 };
 
 } // namespace quarner

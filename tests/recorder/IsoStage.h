@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "adapters/isofs/JolietDiscs.h"
+#include "quarner/platform/DiscFormat.h"
 #include "tests/recorder/DataStage.h"
 #include "tests/recorder/ImageStage.h"
 
@@ -67,7 +68,7 @@ public:
     }
     std::vector<std::string> filesOfImage() const override { return {"mix.iso"}; }
     std::string partEnding() const override { return ".iso.part"; }
-    std::uint64_t blockSize() const override { return 2048; }
+    std::uint64_t blockSize() const override { return dataBlockSize; }
 
     void whileReading(const std::string&, std::function<void()> function) override {
         _discs->setReadHook([=](std::uint64_t read, std::uint64_t size) {

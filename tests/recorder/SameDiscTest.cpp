@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "quarner/platform/DiscFormat.h"
 #include "tests/recorder/BurnLog.h"
 #include "tests/recorder/CueStage.h"
 #include "tests/recorder/IsoStage.h"
@@ -70,10 +71,11 @@ TEST_F(SameAudioDisc, HasTheCueSheetOfItsTracks) {
 TEST_F(SameAudioDisc, IsTheImageSectorBySector) {
     burnBoth({588 * 310 + 1, 1, 588 * 450});
     const std::string bin = contentOf(image.bin());
-    const std::vector<std::byte> bytes = disc.bytes(0, disc.end(), 2352);
+    const std::vector<std::byte> bytes = disc.bytes(0, disc.end(), audioSectorSize);
     EXPECT_TRUE(std::ranges::equal(std::as_bytes(std::span(bin)), bytes));
-    EXPECT_EQ(disc.sectors.size(), bytes.size() / 2352 + sectorsOfPreGap) << "each was sent";
-    EXPECT_EQ(disc.bytes(-150, 0, 2352), std::vector<std::byte>(150 * 2352));
+    EXPECT_EQ(disc.sectors.size(), bytes.size() / audioSectorSize + sectorsOfPreGap)
+        << "each was sent";
+    EXPECT_EQ(disc.bytes(-150, 0, audioSectorSize), std::vector<std::byte>(150 * audioSectorSize));
     EXPECT_TRUE(optical.contentsOnDisc() == image.contentsOnDisc());
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "quarner/platform/DiscFormat.h"
 #include "tests/cli/program/HostFixture.h"
 #include "tools/quarner/disc/DiscKind.h"
 
@@ -29,7 +30,7 @@ protected:
         if (isData())
             paddedSong(name, bytes);
         else
-            song(name, bytes / (75 * 2352) + 1);
+            song(name, bytes / (75 * audioSectorSize) + 1);
     }
 
     /// The files of an image of this kind, sorted; the first holds the content.

@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "quarner/platform/DiscFormat.h"
 #include "tests/cli/program/EveryKind.h"
 
 namespace quarner::testing {
@@ -39,7 +40,7 @@ TEST_P(ProgramEveryKind, AnImageThatExistsIsReplacedByAWholeOne) {
     ASSERT_EQ(burn({"a.mp3"}).status, 0);
     ASSERT_EQ(burn({"b.m4a"}).status, 0);
     const auto size = std::filesystem::file_size(folder.file(imageFiles().front()));
-    EXPECT_EQ(size % (isData() ? 2048 : 2352), 0U);
+    EXPECT_EQ(size % (isData() ? dataBlockSize : audioSectorSize), 0U);
     EXPECT_GT(size, 3'000'000U);
     EXPECT_THAT(names("."), ElementsAreArray(withImage({"a.mp3", "b.m4a"})));
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <cstdlib>
 
+#include "quarner/platform/DiscFormat.h"
 #include "tests/cli/program/HostFixture.h"
 #include "tests/support/Program.h"
 
@@ -69,7 +70,7 @@ TEST_F(ProgramStatus, Is2ForAFolderInThePlaceOfTheBinBeforeAnythingIsAdded) {
 
 TEST_F(ProgramStatus, Is0ForADiscThatAnotherProgramMadeWhichIsNotBlank) {
     folder.write("other.cue", "FILE \"other.bin\" BINARY\n  TRACK 01 MODE1/2048\n");
-    folder.write("other.bin", std::string(2048 * 300, 'x'));
+    folder.write("other.bin", std::string(dataBlockSize * 300, 'x'));
     const HostEnd end = run({"disc", "--image", "other.cue"});
     EXPECT_EQ(end.status, 0);
     EXPECT_THAT(end.out, HasSubstr("Disc:    CD-R, written\n"));
@@ -202,7 +203,7 @@ TEST_F(ProgramStatus, Is4WhenTheFilesDoNotFitADataDisc) {
     shorter.push_back("--dry-run");
     EXPECT_EQ(run(shorter).status, 4);
     // What fits by itself, but not with the file system.
-    paddedSong("brim.m4a", 333'000U * 2048 - 10);
+    paddedSong("brim.m4a", 333'000U * dataBlockSize - 10);
     shorter[5] = "brim.m4a";
     shorter.pop_back();
     const HostEnd brim = run(shorter);

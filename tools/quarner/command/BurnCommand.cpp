@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "quarner/platform/DRErrors.h"
+#include "quarner/platform/DiscFormat.h"
 #include "tools/quarner/command/BurnProblems.h"
 #include "tools/quarner/command/DriveChoice.h"
 #include "tools/quarner/command/Refusals.h"
@@ -12,11 +13,6 @@
 #include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
-namespace {
-
-constexpr std::size_t mostTracks = 99; // Red Book
-
-} // namespace
 
 BurnCommand::BurnCommand(Host& host, BurnOptions options, View& view)
     : _host(host), _options(std::move(options)), _disc(traitsOf(_options.kind)), _view(view),

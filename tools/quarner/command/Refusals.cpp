@@ -57,7 +57,7 @@ std::string reasonForRefusal(DiscKind kind, Quarner& burner, const std::string& 
     if (traitsOf(kind).refusesProtected && Paths::isQuickTimeProtectedFile(resolved))
         return "copy-protected";
     if (!hasSupportedType(burner, resolved))
-        return "unsupported type (mp3 and m4a can be added)";
+        return "unsupported type (" + supportedTypes(burner, " and ") + " can be added)";
     return soundObstacle(resolved);
 }
 

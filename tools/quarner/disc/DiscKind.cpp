@@ -1,14 +1,20 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "tools/quarner/disc/DiscKind.h"
 
+#include <algorithm>
+#include <vector>
+
 #include "quarner/device/QuarnerDevice.h"
 #include "quarner/front/Quarner.h"
+#include "quarner/platform/DRMSF.h"
+#include "quarner/platform/DiscFormat.h"
 #include "quarner/util/MultiMedia.h"
+#include "quarner/util/Paths.h"
 
 namespace quarner::cli {
 namespace {
 
-constexpr std::uint64_t bytesPerSecond = 75ULL * 2352; // of an audio CD (Red Book)
+constexpr std::uint64_t bytesPerSecond = std::uint64_t(DRMSF::framesPerSecond) * audioSectorSize;
 
 std::string durationText(std::uint64_t seconds) {
     return MultiMedia::stringWithDuration(static_cast<std::int64_t>(seconds), false);
@@ -57,5 +63,18 @@ constexpr DiscTraits dataDisc = {
 } // namespace
 
 const DiscTraits& traitsOf(DiscKind kind) { return kind == DiscKind::Data ? dataDisc : audioDisc; }
+
+std::string supportedTypes(Quarner& burner, std::string_view separator) {
+    std::vector<std::string> extensions;
+    for (const std::string& type : burner.supportedFileTypes()) {
+        const std::string extension = Paths::lowercaseExtension("." + type);
+        if (std::find(extensions.begin(), extensions.end(), extension) == extensions.end())
+            extensions.push_back(extension);
+    }
+    std::string text;
+    for (const std::string& extension : extensions)
+        text.append(text.empty() ? "" : separator).append(extension);
+    return text;
+}
 
 } // namespace quarner::cli

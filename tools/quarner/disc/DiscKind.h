@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace quarner {
 class Quarner;
@@ -52,5 +53,9 @@ struct DiscTraits {
 };
 
 const DiscTraits& traitsOf(DiscKind kind);
+
+/// Returns the extensions of the files that a burner accepts, each once and in lower case, with
+/// `separator` between them: "mp3, m4a".
+std::string supportedTypes(Quarner& burner, std::string_view separator);
 
 } // namespace quarner::cli

@@ -7,6 +7,7 @@
 #include <sstream>
 #include <string_view>
 
+#include "quarner/front/Quarner.h"
 #include "tools/quarner/options/NearestName.h"
 #include "tools/quarner/text/SafeText.h"
 
@@ -52,7 +53,7 @@ public:
     Message messageFor(const CLI::ParseError& end) const;
 
 private:
-    void addBurn(DiscKind kind, const char* description, const char* image, const char* example);
+    void addBurn(DiscKind kind, const char* how, const char* image, const char* example);
     void addBurnOptions(CLI::App& command, const char* title);
     void addQuery(const char* name, const char* description, const char* example, Query query);
     void addTarget(CLI::App& command, const std::string& name, const char* image);
@@ -97,9 +98,9 @@ Grammar::Grammar() {
     _app.footer(std::string("Example:\n  quarner audio --image mix.cue one.mp3 two.m4a\n\n"
                             "quarner COMMAND --help describes a command.\n") +
                 statusHelp + outputHelp);
-    addBurn(DiscKind::Audio, "Burn audio files (mp3, m4a) to an audio CD",
+    addBurn(DiscKind::Audio, "to an audio CD",
             "FILE.cue and FILE.bin; files of these names are replaced", audioExample);
-    addBurn(DiscKind::Data, "Burn audio files (mp3, m4a) as they are to a data CD",
+    addBurn(DiscKind::Data, "as they are to a data CD",
             "The image of a disc; a file of this name is replaced", dataExample);
     addQuery("drives", "List the drives and what they can do", drivesExample, Query::Drives);
     addQuery("disc", "Show the disc in a drive", discExample, Query::Disc);
@@ -107,10 +108,10 @@ Grammar::Grammar() {
     addQuery("watch", "Report drives and discs as they come and go", watchExample, Query::Watch);
 }
 
-void Grammar::addBurn(DiscKind kind, const char* description, const char* image,
-                      const char* example) {
+void Grammar::addBurn(DiscKind kind, const char* how, const char* image, const char* example) {
     const DiscTraits& disc = traitsOf(kind);
-    CLI::App* const command = _app.add_subcommand(disc.command, description);
+    CLI::App* const command = _app.add_subcommand(
+        disc.command, "Burn audio files (" + supportedTypes(*disc.makeBurner(), ", ") + ") " + how);
     command->allow_extras();
     addTarget(*command, std::string("FILE") + disc.extension, image);
     addBurnOptions(*command, disc.titleHelp);
