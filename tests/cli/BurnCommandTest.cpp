@@ -128,16 +128,18 @@ TEST_P(BurnCommandTest, ADryRunDoesEverythingUpToTheBurn) {
 }
 
 TEST_P(BurnCommandTest, InterruptingTheAddingStopsAtTheNextFile) {
+    std::future<void> interruption;
     host.platform.onCall(ServiceCall::MovieWithFile, [&](const std::string& path) {
         if (path == "/m/b.m4a")
-            host.interrupt();
+            interruption = host.interrupt();
     });
-    host.platform.backgroundQueue().hold();
-    host.atEachTurn = [&] { host.platform.backgroundQueue().releaseOne(); };
-    // The last file of the run waits until the interruption has been dealt with.
+    // On a background thread, which continues once the interruption has been dealt with.
     const auto making =
         GetParam() == DiscKind::Data ? ServiceCall::FileWithPath : ServiceCall::TrackForAudioFile;
-    host.platform.onCall(making, [&](const std::string&) { g_usleep(20000); });
+    host.platform.onCall(making, [&](const std::string& path) {
+        if (path == "/m/b.m4a")
+            interruption.wait();
+    });
     EXPECT_EQ(burn({"--json", "/m/a.mp3", "/m/b.m4a", "/m/c.mp3"}), 130);
     EXPECT_THAT(events(), Contains("addFilesProgressDidCanceled"));
     EXPECT_THAT(events(), Not(Contains("burnProgressDidStarted")));
@@ -179,7 +181,7 @@ TEST_P(BurnCommandTest, ABurnThatWasCancelledWhileVerifyingLeavesACompleteDisc) 
         host.platform.playBurns({.progressReports = 2000});
         host.atEachTurn = [=, this, isDone = false]() mutable {
             if (host.out().find("Verifying") != std::string::npos && !std::exchange(isDone, true))
-                isAtOnce ? endAtOnce() : host.interrupt();
+                isAtOnce ? endAtOnce() : void(host.interrupt());
         };
         EXPECT_EQ(burn({"/m/a.mp3"}), 130);
         EXPECT_EQ(host.err(), "quarner: cancelled; the disc is complete, but was not verified\n");

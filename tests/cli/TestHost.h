@@ -4,7 +4,9 @@
 #include <glib.h>
 
 #include <functional>
+#include <future>
 #include <map>
+#include <memory>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -60,9 +62,14 @@ public:
         return static_cast<int>(runCommand(host, std::get<Command>(parsed)));
     }
 
-    /// What Ctrl-C does. Any thread.
-    void interrupt() {
-        loop.post([this] { std::exchange(_interruption, nullptr)(); });
+    /// What Ctrl-C does. Any thread. The future is ready once the command has dealt with it.
+    std::future<void> interrupt() {
+        const auto dealtWith = std::make_shared<std::promise<void>>();
+        loop.post([this, dealtWith] {
+            std::exchange(_interruption, nullptr)();
+            dealtWith->set_value();
+        });
+        return dealtWith->get_future();
     }
 
     /// From now on nobody reads what the program tells.

@@ -182,7 +182,7 @@ TEST_F(DesktopBurning, ADriveWithoutADiscIsRefusedAtOnce) {
     burner->burnWithDevice(drive, std::nullopt);
     EXPECT_THAT(delegate.calls(),
                 ElementsAre("burnProgressDidStarted", "burnProgressDidError(Quarn, 0)"));
-    runFor(std::chrono::milliseconds(50));
+    runPending();
     EXPECT_EQ(delegate.calls().size(), 2U);
     EXPECT_THAT(filesInFolder(), ElementsAre("one.mp3"));
 }
@@ -252,7 +252,7 @@ TEST_F(DesktopBurning, AThreadHearsOfEachBurnThroughTheLoopThatItThenHas) {
 
 TEST_F(DesktopBurning, StoppingWithoutABurnDoesNothing) {
     burner->stopBurn();
-    runFor(std::chrono::milliseconds(20));
+    runPending();
     EXPECT_THAT(delegate.calls(), IsEmpty());
 }
 

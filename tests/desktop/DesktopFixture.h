@@ -53,10 +53,10 @@ protected:
         return runUntil([&] { return delegate.count(call) >= times; });
     }
 
-    /// Turns the loop for `time`, to check that something does not happen.
-    static void runFor(std::chrono::milliseconds time) {
-        const auto end = std::chrono::steady_clock::now() + time;
-        runUntil([&] { return std::chrono::steady_clock::now() > end; });
+    /// Runs the loop until nothing more is queued for it.
+    static void runPending() {
+        while (g_main_context_iteration(nullptr, FALSE)) {
+        }
     }
 
     /// Copies one of the generated songs into the folder under a name of its own.

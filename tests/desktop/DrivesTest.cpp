@@ -31,7 +31,6 @@ protected:
         return addImageDrive(
             {.path = folder.file(name), .minutes = minutes, .loadExisting = loadExisting});
     }
-    static void settle() { runFor(std::chrono::milliseconds(20)); }
 };
 
 TEST_F(DesktopDrives, DrivesAreListedByNamesOfTheirOwn) {
@@ -110,7 +109,7 @@ TEST_F(DesktopDrives, AnExistingImageIsLoadedAsAWrittenDiscOnRequest) {
 
 TEST_F(DesktopDrives, ChangesAreHeardThroughTheLoopAndNotInline) {
     const std::string name = add("mix.cue");
-    settle();
+    runPending();
     DriveReport report;
     QuarnerDevice drive(name);
     drive.setDelegate(&report);
@@ -120,7 +119,7 @@ TEST_F(DesktopDrives, ChangesAreHeardThroughTheLoopAndNotInline) {
     insertBlankDisc(name);
     removeImageDrive(other);
     EXPECT_THAT(report.calls, IsEmpty());
-    settle();
+    runPending();
     EXPECT_THAT(report.calls,
                 ElementsAre("appeared " + other, "changed", "changed", "disappeared " + other));
 }
@@ -129,10 +128,10 @@ TEST_F(DesktopDrives, AHandleKeepsADriveThatIsGoneAndDoesNotRebind) {
     const std::string name = add("mix.cue");
     DriveReport report;
     QuarnerDevice drive(name);
-    settle();
+    runPending();
     drive.setDelegate(&report);
     EXPECT_TRUE(removeImageDrive(name));
-    settle();
+    runPending();
     EXPECT_THAT(report.calls, ElementsAre("disappeared " + name));
     EXPECT_EQ(drive.deviceName(), name);
     EXPECT_FALSE(drive.isDiscInDevice());
@@ -153,10 +152,10 @@ TEST_F(DesktopDrives, AnUnboundHandleIsNeutralAndStillHearsOfDrives) {
     EXPECT_EQ(drive.stringForFreeTimeOfDisc(), "00:00:00");
     drive.eject();
     const std::string name = add("mix.cue");
-    settle();
+    runPending();
     drive.setDelegate(nullptr);
     removeImageDrive(name);
-    settle();
+    runPending();
     EXPECT_THAT(report.calls, ElementsAre("appeared " + name));
 }
 

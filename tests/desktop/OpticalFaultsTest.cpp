@@ -32,10 +32,10 @@ protected:
         expectOneEnd();
     }
     void expectOneEnd() {
-        runFor(std::chrono::milliseconds(20));
+        EXPECT_TRUE(runUntil([&] { return recorder->openCount() == 0; }));
+        runPending();
         const std::vector<std::string> calls = delegate.calls();
         EXPECT_EQ(std::count_if(calls.begin(), calls.end(), isEnd), 1);
-        EXPECT_EQ(recorder->openCount(), 0);
     }
     void expectNextBurnWorks() {
         recorder->setFaults({});

@@ -18,7 +18,8 @@ using namespace std::chrono_literals;
 /// A track whose bytes all are its number, and which counts what was read of it.
 class NumberSource : public TrackSource {
 public:
-    explicit NumberSource(std::uint8_t number) : _number(number) {}
+    NumberSource(std::uint8_t number, std::atomic<std::uint64_t>& bytesReadOfAll)
+        : _number(number), _bytesReadOfAll(bytesReadOfAll) {}
     void check() override {
         if (failsAtTheEnd)
             throw BurnFailure(DRError::SourceChanged, "changed");
@@ -26,10 +27,14 @@ public:
     void read(std::span<std::byte> buffer) override {
         while (waitsFor != nullptr && waitsFor->bytesRead < waitsForBytes && !isReleased)
             std::this_thread::sleep_for(1ms);
+        reader = std::this_thread::get_id();
         isRead = true;
+        isRead.notify_all();
         isHeld.wait(true);
         std::fill(buffer.begin(), buffer.end(), std::byte(_number));
         bytesRead += buffer.size();
+        _bytesReadOfAll += buffer.size();
+        _bytesReadOfAll.notify_all();
     }
     void close() override {}
 
@@ -39,6 +44,7 @@ public:
     std::atomic<bool> isReleased = false; ///< waits no longer
     std::atomic<bool> isHeld = false;     ///< nothing is read until this is false again
     std::atomic<bool> isRead = false;     ///< the first reading has begun
+    std::atomic<std::thread::id> reader;  ///< the thread of the last reading
     std::atomic<std::uint64_t> bytesRead = 0;
 
     void letGo() {
@@ -48,6 +54,7 @@ public:
 
 private:
     const std::uint8_t _number;
+    std::atomic<std::uint64_t>& _bytesReadOfAll;
 };
 
 class ReadAheadTest : public testing::Test {
@@ -59,29 +66,33 @@ protected:
         plan.sectorSize = sectorSize;
         for (const std::uint32_t length : lengths) {
             plan.tracks.push_back({.length = length});
-            sources.push_back(std::make_unique<NumberSource>(std::uint8_t(sources.size() + 1)));
+            sources.push_back(
+                std::make_unique<NumberSource>(std::uint8_t(sources.size() + 1), bytesRead));
         }
     }
     NumberSource& source(std::size_t index) { return dynamic_cast<NumberSource&>(*sources[index]); }
-    std::uint64_t bytesRead() {
-        std::uint64_t sum = 0;
-        for (std::size_t i = 0; i < sources.size(); ++i)
-            sum += source(i).bytesRead;
-        return sum;
+
+    /// Waits until as many bytes of all tracks have been read, and expects that no more were.
+    void expectRead(std::uint64_t bytes) {
+        for (std::uint64_t read = bytesRead; read < bytes; read = bytesRead)
+            bytesRead.wait(read);
+        EXPECT_EQ(bytesRead, bytes);
     }
 
-    /// What was read of all tracks once no more is.
-    std::uint64_t settledBytes() {
-        std::uint64_t before = 0;
-        do {
-            before = bytesRead();
-            std::this_thread::sleep_for(50ms);
-        } while (bytesRead() != before);
-        return before;
+    /// Takes a first buffer, and expects that the readers fill all the memory and then read one
+    /// buffer for each that is written. `bytes` are those that were read when it is full.
+    void expectMemoryIsTheLimit(ReadAhead& ahead, std::uint64_t bytes) {
+        EXPECT_FALSE(ahead.next().empty());
+        expectRead(bytes);
+        for (int i = 1; i <= 40; ++i) {
+            EXPECT_FALSE(ahead.next().empty()); // the writer is done with the one before
+            expectRead(bytes + std::uint64_t(i) * bufferSize);
+        }
     }
 
     DiscPlan plan;
     TrackSources sources;
+    std::atomic<std::uint64_t> bytesRead = 0; ///< of all tracks
     std::stop_source stop;
 };
 
@@ -103,19 +114,19 @@ TEST_F(ReadAheadTest, ReadsASecondTrackMeanwhileAndNoFurtherThanItsMemory) {
     makeTracks({100'000, 100'000, 100'000});
     source(0).waitsFor = &source(1);
     ReadAhead ahead(plan, sources, 2, stop.get_token());
-    EXPECT_FALSE(ahead.next().empty());
-    EXPECT_LE(settledBytes(), ReadAhead::buffers * bufferSize);
+    expectMemoryIsTheLimit(ahead, ReadAhead::buffers * bufferSize);
 }
 
 TEST_F(ReadAheadTest, AnEighthOfTheMemoryIsLeftToTheTrackThatIsBeingWritten) {
     makeTracks({100'000, 100'000});
     source(0).isHeld = true;
     ReadAhead ahead(plan, sources, 2, stop.get_token());
-    while (source(1).bytesRead == 0)
-        std::this_thread::sleep_for(1ms);
     constexpr std::size_t held = 1; // by the first track, which waits with it
-    EXPECT_EQ(settledBytes(), (ReadAhead::buffers - ReadAhead::buffers / 8 - held) * bufferSize);
+    constexpr auto others = (ReadAhead::buffers - ReadAhead::buffers / 8 - held) * bufferSize;
+    expectRead(others);
     source(0).letGo();
+    expectRead(ReadAhead::buffers * bufferSize);
+    EXPECT_EQ(source(1).bytesRead, others);
     while (!ahead.next().empty()) {
     }
     EXPECT_EQ(source(0).bytesRead, 100'000U * sectorSize);
@@ -125,19 +136,20 @@ TEST_F(ReadAheadTest, OneThreadReadsOneTrackAtATimeAndUsesAllTheMemory) {
     makeTracks({1, 100'000, 1});
     source(0).isHeld = true;
     ReadAhead ahead(plan, sources, 1, stop.get_token());
-    EXPECT_EQ(settledBytes(), 0U);
+    source(0).isRead.wait(false);
+    EXPECT_EQ(bytesRead, 0U);
     source(0).letGo();
-    while (source(1).bytesRead == 0)
-        std::this_thread::sleep_for(1ms);
-    EXPECT_EQ(settledBytes(), sectorSize + (ReadAhead::buffers - 1) * bufferSize);
+    expectRead(sectorSize + (ReadAhead::buffers - 1) * bufferSize);
+    EXPECT_EQ(source(0).reader, source(1).reader);
+    EXPECT_FALSE(ahead.next().empty());
+    EXPECT_TRUE(ahead.next().empty()) << "the end of the first track";
+    expectMemoryIsTheLimit(ahead, sectorSize + ReadAhead::buffers * bufferSize);
 }
 
 TEST_F(ReadAheadTest, TheTrackThatIsBeingWrittenMayUseAllTheMemory) {
     makeTracks({100'000});
-    const ReadAhead ahead(plan, sources, 2, stop.get_token());
-    while (bytesRead() == 0)
-        std::this_thread::sleep_for(1ms);
-    EXPECT_EQ(settledBytes(), ReadAhead::buffers * bufferSize);
+    ReadAhead ahead(plan, sources, 2, stop.get_token());
+    expectMemoryIsTheLimit(ahead, ReadAhead::buffers * bufferSize);
 }
 
 TEST_F(ReadAheadTest, TheSameMemoryIsUsedAgain) {
@@ -154,8 +166,7 @@ TEST_F(ReadAheadTest, AfterAStopOnlyThePieceUnderWayIsRead) {
     source(0).isHeld = true;
     {
         const ReadAhead ahead(plan, sources, 1, stop.get_token());
-        while (!source(0).isRead)
-            std::this_thread::sleep_for(1ms);
+        source(0).isRead.wait(false);
         stop.request_stop();
         source(0).letGo();
     }

@@ -3,8 +3,10 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <memory>
 #include <mutex>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "adapters/glib/GlibServices.h"
@@ -188,10 +190,19 @@ TEST(GlibDispatch, ShuttingDownWaitsForRunningWorkAndDropsWhatHasNotBegun) {
     const int limit = std::max(4, static_cast<int>(std::thread::hardware_concurrency()));
     std::atomic<int> begun = 0;
     std::atomic<int> ended = 0;
+    // While all threads work, other work waits; once the service shuts down it is destroyed at
+    // once.
+    const auto isShutDown = [&] {
+        auto held = std::make_shared<int>();
+        const std::weak_ptr<int> work = held;
+        dispatch->asyncGlobal([held = std::move(held)] {});
+        return work.expired();
+    };
     for (int i = 0; i < limit + 10; ++i)
         dispatch->asyncGlobal([&] {
             ++begun;
-            std::this_thread::sleep_for(100ms);
+            while (begun < limit || !isShutDown())
+                std::this_thread::yield();
             ++ended;
         });
     while (begun < limit)

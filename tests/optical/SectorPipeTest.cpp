@@ -37,15 +37,21 @@ TEST(SectorPipe, HandsOverEveryByteInOrderWhateverTheSizes) {
 
 TEST(SectorPipe, ReturnsToTheGiverOnlyWhenAllIsTaken) {
     SectorPipe pipe;
-    std::atomic<bool> isGiven = false;
-    std::jthread giver([&] { isGiven = pipe.give(count(10), {}, always); });
+    std::atomic<bool> hasReturned = false;
+    std::atomic<int> checks = 0; // one for each interval in which it waits
+    std::jthread giver([&] {
+        EXPECT_TRUE(pipe.give(count(10), {}, [&] { return ++checks > 0; }));
+        hasReturned = true;
+    });
     std::vector<std::byte> buffer(9);
     EXPECT_EQ(pipe.take(buffer), 9U);
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    EXPECT_FALSE(isGiven);
+    const int checksSoFar = checks;
+    while (checks == checksSoFar && !hasReturned)
+        std::this_thread::yield();
+    EXPECT_FALSE(hasReturned);
     EXPECT_EQ(pipe.take(std::span(buffer).first(1)), 1U);
     giver.join();
-    EXPECT_TRUE(isGiven);
+    EXPECT_TRUE(hasReturned);
 }
 
 TEST(SectorPipe, StopsGivingWhenAskedTo) {

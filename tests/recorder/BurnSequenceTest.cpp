@@ -73,8 +73,7 @@ TEST_P(RecorderBurn, ASecondLayoutForTheSameBurnIsIgnored) {
 TEST_P(RecorderBurn, NoRecordComesBeforeTheCallerIsBackInItsRunLoop) {
     const auto burn = makeBurn();
     const auto log = observe(burn);
-    burn->writeLayout({});
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    stage->loops().waitForPostAfter([&] { burn->writeLayout({}); });
     EXPECT_TRUE(log->records().empty());
     ASSERT_TRUE(runToEnd(*log));
     EXPECT_EQ(log->code(), codeOf(DRError::EmptyLayout));

@@ -25,6 +25,7 @@ public:
         while (_platform && _platform->runOnce()) {
         }
     }
+    void waitForPostAfter(const std::function<void()>& start) override { start(); }
 
 private:
     const std::unique_ptr<ScriptedPlatform>& _platform;

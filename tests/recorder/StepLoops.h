@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <memory>
@@ -58,6 +59,15 @@ public:
         }
     }
 
+    void waitForPostAfter(const std::function<void()>& start) override {
+        std::unique_lock lock(_mutex);
+        const std::size_t before = _posts;
+        lock.unlock();
+        start();
+        lock.lock();
+        _changed.wait(lock, [&] { return _posts > before; });
+    }
+
 private:
     void turn(RunLoopCenter& center) {
         if (center.deliverOne())
@@ -72,10 +82,12 @@ private:
 
     void wake(std::thread::id loopThread) {
         std::unique_lock lock(_mutex);
+        const bool isOtherThread = std::this_thread::get_id() != loopThread;
+        _posts += isOtherThread ? 1 : 0;
         _woken = true;
         _idle = false;
         _changed.notify_all();
-        if (std::this_thread::get_id() != loopThread)
+        if (isOtherThread)
             _changed.wait(lock, [&] { return !_isInStep || (_idle && !_woken); });
     }
 
@@ -85,6 +97,7 @@ private:
     bool _isInStep = false;
     bool _woken = false;
     bool _idle = false;
+    std::size_t _posts = 0; ///< by threads other than the loop's
 };
 
 } // namespace quarner

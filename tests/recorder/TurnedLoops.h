@@ -22,6 +22,9 @@ public:
     virtual bool runUntil(const std::function<bool()>& condition) = 0;
     /// Delivers all notifications that are queued for this thread.
     virtual void runPending() = 0;
+    /// Calls `start` and waits until another thread has queued a notification. Returns at once if
+    /// nothing is queued while no loop turns.
+    virtual void waitForPostAfter(const std::function<void()>& start) = 0;
 };
 
 } // namespace quarner
