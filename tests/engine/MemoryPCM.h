@@ -16,6 +16,7 @@ public:
     std::uint64_t pairs = 0; ///< what every file plays
     bool opens = true;
     bool failsAtTheEnd = false; ///< a read beyond the last sample fails
+    std::string problem;        ///< of a file that cannot be opened or read
     std::atomic<int> opened = 0;
     std::atomic<int> openNow = 0; ///< streams that are open now
 
@@ -34,6 +35,7 @@ public:
         ++opened;
         return std::make_unique<Stream>(*this);
     }
+    std::string problemWith(const std::string& /*path*/) override { return problem; }
 
 private:
     class Stream : public PCMStream {
@@ -49,6 +51,7 @@ private:
                 samples[i] = valueAt(_next++);
             return count;
         }
+        std::string problem() const override { return _service.problem; }
 
     private:
         MemoryPCM& _service;

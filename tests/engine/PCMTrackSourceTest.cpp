@@ -29,12 +29,13 @@ protected:
 
     /// The code with which an operation fails; none for one that works.
     template <typename Operation>
-    static std::optional<DRError> failureOf(const Operation& operation) {
+    std::optional<DRError> failureOf(const Operation& operation) {
         try {
             operation();
             return std::nullopt;
         } catch (const BurnFailure& failure) {
             EXPECT_NE(failure.info(), "");
+            info = failure.info();
             return failure.error();
         }
     }
@@ -48,6 +49,7 @@ protected:
         return value;
     }
 
+    std::string info; ///< of the last failure
     TemporaryFolder folder;
     std::string path = folder.write("song.mp3", "song");
     std::shared_ptr<MemoryPCM> pcm = std::make_shared<MemoryPCM>();
@@ -120,6 +122,18 @@ TEST_F(PCMTrackSourceTest, AFileThatCannotBeOpenedIsUnreadable) {
     PCMTrackSource source = makeSource(100, 100);
     pcm->opens = false;
     EXPECT_EQ(failureOfReading(source), DRError::SourceUnreadable);
+    EXPECT_EQ(info, path);
+    pcm->problem = "out of order";
+    EXPECT_EQ(failureOfReading(source), DRError::SourceUnreadable);
+    EXPECT_EQ(info, path + ": out of order");
+}
+
+TEST_F(PCMTrackSourceTest, AReadErrorIsNamed) {
+    PCMTrackSource source = makeSource(100, 0);
+    pcm->failsAtTheEnd = true;
+    pcm->problem = "out of order";
+    EXPECT_EQ(failureOfReading(source), DRError::SourceUnreadable);
+    EXPECT_EQ(info, path + ": out of order");
 }
 
 TEST_F(PCMTrackSourceTest, AFileThatCannotBeOpenedBecauseItChangedIsNamedAsChanged) {
@@ -132,6 +146,7 @@ TEST_F(PCMTrackSourceTest, AFileThatCannotBeOpenedBecauseItChangedIsNamedAsChang
 TEST_F(PCMTrackSourceTest, AFileThatPlaysLessThanMeasuredIsUnreadable) {
     PCMTrackSource source = makeSource(100, 99);
     EXPECT_EQ(failureOfReading(source), DRError::SourceUnreadable);
+    EXPECT_EQ(info, path + ": plays shorter than measured");
 }
 
 TEST_F(PCMTrackSourceTest, AFileThatPlaysLessBecauseItChangedIsNamedAsChanged) {
@@ -143,6 +158,12 @@ TEST_F(PCMTrackSourceTest, AFileThatPlaysLessBecauseItChangedIsNamedAsChanged) {
 TEST_F(PCMTrackSourceTest, AFileThatPlaysLongerThanMeasuredFailsTheBurn) {
     PCMTrackSource source = makeSource(100, 101);
     EXPECT_EQ(failureOfReading(source), DRError::SourceUnreadable);
+}
+
+TEST_F(PCMTrackSourceTest, AFileThatPlaysLongerBecauseItChangedIsNamedAsChanged) {
+    PCMTrackSource source = makeSource(100, 101);
+    changeFile();
+    EXPECT_EQ(failureOfReading(source), DRError::SourceChanged);
 }
 
 TEST_F(PCMTrackSourceTest, AFileThatFailsBeyondItsMeasuredLengthIsWhole) {

@@ -41,6 +41,15 @@ TEST_F(ProgressMeterTest, TheEndIsReportedHoweverSoon) {
     EXPECT_EQ(meter.fractionToReport(), 1.0);
 }
 
+TEST_F(ProgressMeterTest, TheSpeedIsMeasuredOverAtLeastASecond) {
+    ProgressMeter meter(clock, 1'000'000);
+    now += 900ms;
+    meter.advance(900);
+    now += 200ms;
+    meter.advance(2000);
+    EXPECT_DOUBLE_EQ(meter.speed(), 2900 / 1.1);
+}
+
 TEST_F(ProgressMeterTest, TheSpeedIsThatOfTheLastSecond) {
     ProgressMeter meter(clock, 1'000'000);
     EXPECT_EQ(meter.speed(), 0.0);

@@ -36,11 +36,12 @@ public:
         _bytesReadOfAll += buffer.size();
         _bytesReadOfAll.notify_all();
     }
-    void close() override {}
+    void close() override { isClosed = true; }
 
     bool failsAtTheEnd = false;
     const NumberSource* waitsFor = nullptr; ///< nothing is read before so much of it was
     std::uint64_t waitsForBytes = 1;
+    std::atomic<bool> isClosed = false;
     std::atomic<bool> isReleased = false; ///< waits no longer
     std::atomic<bool> isHeld = false;     ///< nothing is read until this is false again
     std::atomic<bool> isRead = false;     ///< the first reading has begun
@@ -95,6 +96,14 @@ protected:
     std::atomic<std::uint64_t> bytesRead = 0; ///< of all tracks
     std::stop_source stop;
 };
+
+TEST_F(ReadAheadTest, AFileIsClosedOnceItsTrackHasBeenRead) {
+    makeTracks({1, 1});
+    ReadAhead readAhead(plan, sources, 1, stop.get_token());
+    while (!readAhead.next().empty()) {
+    }
+    EXPECT_TRUE(source(0).isClosed);
+}
 
 TEST_F(ReadAheadTest, GivesEveryTrackInOrderAndWhole) {
     makeTracks({1000, 0, 70000, 1, 256, 20000});

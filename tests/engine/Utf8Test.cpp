@@ -43,5 +43,13 @@ TEST(ReadableName, ReplacesWhatIsNotUtf8AndWhatIsAControlCharacter) {
     EXPECT_EQ(readableName(""), "");
 }
 
+TEST(Utf8, NoSequenceBeginsWithAByteOfAnother) {
+    for (const char* text : {"\x84\x80\x80\x80", "\xFC\x80\x80\x80"}) {
+        std::string_view rest = text;
+        EXPECT_EQ(takeCharacter(rest), std::nullopt);
+        EXPECT_EQ(rest.size(), 3U);
+    }
+}
+
 } // namespace
 } // namespace quarner
