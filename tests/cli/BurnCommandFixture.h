@@ -4,11 +4,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "quarner/platform/DRErrors.h"
 #include "tests/cli/TestHost.h"
 
 namespace quarner::cli {
@@ -50,5 +52,39 @@ protected:
     const std::shared_ptr<ScriptedDrive> writer =
         host.platform.addDrive({.name = "Writer", .disc = DiscScript{}});
 };
+
+/// Burns of every kind of disc.
+class EveryKindOfBurn : public BurnCommandFixture, public testing::WithParamInterface<DiscKind> {
+protected:
+    const DiscTraits& disc() const { return traitsOf(GetParam()); }
+
+    /// Runs the command with a title and these arguments.
+    int burn(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {disc().command, "--title", "T"});
+        return host.run(arguments);
+    }
+    /// Lets a burn fail while it writes, with a text of the service's own.
+    void failWhileBurning(DRError error, const std::string& info) {
+        host.platform.playBurns({.progressReports = 2000});
+        onceWhileBurning([=, this] {
+            host.platform.lastBurn()->post(
+                Dictionary{{DRStatusStateKey, DRStatusStateFailed},
+                           {DRErrorStatusKey,
+                            Dictionary{{DRErrorStatusErrorKey, static_cast<std::uint32_t>(error)},
+                                       {DRErrorStatusErrorInfoKey, info}}}});
+        });
+    }
+    /// What a second Ctrl-C does.
+    void endAtOnce() {
+        host.loop.post([] { throw EndedAtOnce(); });
+    }
+    std::string image() const {
+        return (std::filesystem::temp_directory_path() / disc().example).string();
+    }
+};
+
+inline std::string kindOfBurn(const testing::TestParamInfo<DiscKind>& suite) {
+    return traitsOf(suite.param).command;
+}
 
 } // namespace quarner::cli

@@ -2,6 +2,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <system_error>
+
 #include "quarner/platform/DiscFormat.h"
 #include "tests/cli/program/EveryKind.h"
 
@@ -20,17 +23,13 @@ TEST_P(ProgramEveryKind, KeepGoingBurnsTheRestAndIs3OnlyWithNothingLeft) {
     song("a.mp3");
     EXPECT_EQ(burn({"--keep-going", "none.mp3"}).status, 3);
     EXPECT_FALSE(std::filesystem::exists(folder.file(disc().example)));
-    const HostEnd end = burn({"--keep-going", "none.mp3", "a.mp3"});
-    EXPECT_EQ(end.status, 0);
-    EXPECT_THAT(end.err, HasSubstr("none.mp3: no such file"));
+    EXPECT_EQ(burn({"--keep-going", "none.mp3", "a.mp3"}).status, 0);
     EXPECT_TRUE(std::filesystem::exists(folder.file(disc().example)));
 }
 
 TEST_P(ProgramEveryKind, ADryRunWritesNothing) {
     song("a.mp3");
-    const HostEnd end = burn({"--dry-run", "a.mp3"});
-    EXPECT_EQ(end.status, 0);
-    EXPECT_THAT(end.out, HasSubstr(isData() ? " of 702.8 MB, " : "00:00:12 of 01:19:57"));
+    EXPECT_EQ(burn({"--dry-run", "a.mp3"}).status, 0);
     EXPECT_THAT(names("."), ElementsAre("a.mp3"));
 }
 
@@ -54,7 +53,6 @@ TEST_P(ProgramEveryKind, Is1WhenTheDiskIsFullAndTheOldImageStays) {
     small.wrapper = {"prlimit", "--fsize=2000000"};
     const HostEnd end = burn({"b.m4a"}, small);
     EXPECT_EQ(end.status, 1) << end.err;
-    EXPECT_THAT(end.err, HasSubstr("quarner: the burn failed: "));
     EXPECT_THAT(end.err, HasSubstr(imageFiles().front()));
     EXPECT_TRUE(contentOf(folder.file(imageFiles().front())) == before);
     EXPECT_THAT(names("."), ElementsAreArray(withImage({"a.mp3", "b.m4a"})));
@@ -76,13 +74,12 @@ TEST_P(ProgramEveryKind, AnImageWithoutPermissionIsNamedBeforeAnythingIsAddedAnd
     const HostEnd end = run(commandLine({"a.mp3"}, "open/"), settings);
     EXPECT_EQ(end.status, 2);
     EXPECT_EQ(end.out, "");
-    EXPECT_THAT(end.err, HasSubstr(image + " may not be written to and is not replaced"));
-    EXPECT_THAT(end.err, HasSubstr("or change the permissions of the file or folder.\n"));
+    EXPECT_THAT(end.err, HasSubstr(image));
     EXPECT_EQ(contentOf(folder.file(image)), "old");
     EXPECT_EQ(names("open").size(), 1U);
 }
 
-TEST_P(ProgramEveryKind, AFolderWithoutPermissionIsNamedWithWhatToDoBeforeAnythingIsAdded) {
+TEST_P(ProgramEveryKind, AFolderWithoutPermissionIsNamedBeforeAnythingIsAdded) {
     song("a.mp3");
     const std::string closed = makeFolder("closed");
     chmod(folder.path().c_str(), 0755);
@@ -96,18 +93,13 @@ TEST_P(ProgramEveryKind, AFolderWithoutPermissionIsNamedWithWhatToDoBeforeAnythi
     const HostEnd end = run(commandLine({"a.mp3"}, "closed/"), settings);
     EXPECT_EQ(end.status, 2);
     EXPECT_EQ(end.out, "");
-    EXPECT_THAT(end.err, HasSubstr("quarner: the image may not be written there (writing to the "
-                                   "folder "));
-    EXPECT_THAT(end.err, HasSubstr("/closed: Permission denied)"));
-    EXPECT_THAT(end.err, HasSubstr("Choose a folder that you may write to with --image"));
+    EXPECT_THAT(end.err, HasSubstr("/closed: " + std::generic_category().message(EACCES)));
     EXPECT_THAT(names("closed"), IsEmpty());
 }
 
-TEST_P(ProgramEveryKind, AMachineWithoutDrivesIsToldWhatToDo) {
+TEST_P(ProgramEveryKind, AMachineWithoutDrivesHasNothingToBurnOnAndNothingToShow) {
     song("a.mp3");
-    const HostEnd burn = run({disc().command, "--title", "T", "a.mp3"});
-    EXPECT_EQ(burn.status, 2);
-    EXPECT_THAT(burn.err, HasSubstr(std::string("--image FILE") + disc().extension));
+    EXPECT_EQ(run({disc().command, "--title", "T", "a.mp3"}).status, 2);
     EXPECT_EQ(run({"drives"}).status, 0);
     EXPECT_EQ(run({"disc"}).status, 2);
     EXPECT_EQ(run({"eject"}).status, 2);
@@ -115,18 +107,18 @@ TEST_P(ProgramEveryKind, AMachineWithoutDrivesIsToldWhatToDo) {
 
 TEST_P(ProgramEveryKind, ADiscInAnImageCanBeLookedAtAndPutOut) {
     song("a.mp3");
-    EXPECT_THAT(run({"disc", "--image", disc().example}).out, HasSubstr("CD-R, blank"));
+    const std::vector<std::string> ask = {"disc", "--json", "--image", disc().example};
+    EXPECT_THAT(run(ask).out, HasSubstr(R"("blank":true)"));
     ASSERT_EQ(burn({"a.mp3"}).status, 0);
-    EXPECT_THAT(run({"disc", "--image", disc().example}).out,
-                HasSubstr(isData() ? "Used:    00:00:01" : "Used:    00:00:10"));
+    EXPECT_THAT(run(ask).out, HasSubstr(isData() ? R"("usedTime":1,)" : R"("usedTime":10,)"));
     EXPECT_EQ(run({"eject", "--image", disc().example}).status, 0);
     EXPECT_THAT(names("."), ElementsAreArray(withImage({"a.mp3"})));
 }
 
 TEST_P(ProgramEveryKind, AReaderThatGoesAwayDoesNotEndTheBurn) {
     song("a.mp3");
-    HostProgram program(commandLine({"a.mp3"}), here());
-    ASSERT_TRUE(program.waitForOutput("Adding"));
+    HostProgram program(commandLine({"--json", "a.mp3"}), here());
+    ASSERT_TRUE(program.waitForOutput("addFilesProgressDidStarted"));
     program.stopReading();
     EXPECT_EQ(program.wait().status, 0);
     EXPECT_TRUE(std::filesystem::exists(folder.file(disc().example)));

@@ -9,7 +9,6 @@ namespace quarner::testing {
 namespace {
 
 using ::testing::ElementsAreArray;
-using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 using Clock = std::chrono::steady_clock;
@@ -24,7 +23,9 @@ protected:
 
     /// So many times the same song, onto an image.
     std::vector<std::string> songs(std::size_t count) const {
-        return commandLine(std::vector<std::string>(count, "minute.mp3"), "images/");
+        std::vector<std::string> rest(count, "minute.mp3");
+        rest.emplace_back("--json");
+        return commandLine(rest, "images/");
     }
 
     /// A burn that writes for a while: a number of minutes of sound, or one file that takes as
@@ -34,7 +35,7 @@ protected:
             return songs(minutes);
         const std::string name = std::to_string(minutes) + ".m4a";
         largeSong(name, minutes * 20'000'000);
-        return commandLine({name}, "images/");
+        return commandLine({"--json", name}, "images/");
     }
 
     /// A small file that plays for hours. It has to be decoded to its end to be measured, since
@@ -54,8 +55,9 @@ protected:
     }
 
     /// What is told in the midst of the writing of a work.
-    std::string writing(unsigned minutes) const {
-        return isData() ? "Writing track 1 of 1" : "Writing track 2 of " + std::to_string(minutes);
+    std::string writing() const { return writingTrack(isData() ? 1 : 2); }
+    static std::string writingTrack(int track) {
+        return R"("burnProgressIsWriteingTrack","track":)" + std::to_string(track) + ',';
     }
 
     /// The end of a burn of which the marker has been seen and that has then got these signals.
@@ -70,9 +72,8 @@ protected:
 };
 
 TEST_P(ProgramSignals, CtrlCWhileAddingCancelsTheRun) {
-    const HostEnd end = interrupted(songs(2000), "Adding 3 of 2000", {SIGINT});
+    const HostEnd end = interrupted(songs(2000), R"("index":3,"of":2000)", {SIGINT});
     EXPECT_EQ(end.status, 130);
-    EXPECT_THAT(end.err, HasSubstr("cancelled; nothing was written"));
     EXPECT_THAT(names("images"), IsEmpty());
 }
 
@@ -80,8 +81,8 @@ TEST_P(ProgramSignals, CtrlCInsideALongFileEndsWithinASecond) {
     writeSlowlyMeasuredFile("slow.mp3");
     auto shortest = Clock::duration::max();
     for (int attempt = 0; attempt < 5 && shortest > std::chrono::seconds(1); ++attempt) {
-        HostProgram program(commandLine({"slow.mp3"}, "images/"), here());
-        ASSERT_TRUE(program.waitForOutput("Adding 1 of 1"));
+        HostProgram program(commandLine({"--json", "slow.mp3"}, "images/"), here());
+        ASSERT_TRUE(program.waitForOutput(R"("index":1,"of":1)"));
         program.signal(SIGINT);
         const Clock::time_point start = Clock::now();
         EXPECT_EQ(program.wait().status, 130);
@@ -92,19 +93,18 @@ TEST_P(ProgramSignals, CtrlCInsideALongFileEndsWithinASecond) {
 }
 
 TEST_P(ProgramSignals, ASecondSignalWhileAddingEndsAtOnce) {
-    EXPECT_EQ(interrupted(songs(2000), "Adding 3 of 2000", {SIGINT, SIGTERM}).status, 130);
+    EXPECT_EQ(interrupted(songs(2000), R"("index":3,"of":2000)", {SIGINT, SIGTERM}).status, 130);
     EXPECT_THAT(names("images"), IsEmpty());
 }
 
 TEST_P(ProgramSignals, CtrlCWhileBurningLeavesNothingBehind) {
-    const HostEnd end = interrupted(work(30), writing(30), {SIGINT});
+    const HostEnd end = interrupted(work(30), writing(), {SIGINT});
     EXPECT_EQ(end.status, 130);
-    EXPECT_THAT(end.err, HasSubstr("cancelled; nothing was written"));
     EXPECT_THAT(names("images"), IsEmpty());
 }
 
 TEST_P(ProgramSignals, TheRequestToTerminateIsTreatedAlike) {
-    EXPECT_EQ(interrupted(work(30), writing(30), {SIGTERM}).status, 130);
+    EXPECT_EQ(interrupted(work(30), writing(), {SIGTERM}).status, 130);
     EXPECT_THAT(names("images"), IsEmpty());
 }
 
@@ -115,23 +115,23 @@ TEST_P(ProgramSignals, OnesThatTheProgramWasStartedToIgnoreDoNotEndIt) {
          {std::pair("INT", SIGINT), {"TERM", SIGTERM}, {"HUP", SIGHUP}}) {
         ignoring.wrapper = {"sh", "-c", "trap '' " + std::string(name) + "; exec \"$@\"", "sh"};
         HostProgram program(arguments, ignoring);
-        EXPECT_TRUE(program.waitForOutput("Writing track 1 of "));
+        EXPECT_TRUE(program.waitForOutput(writingTrack(1)));
         program.signal(number);
         EXPECT_EQ(program.wait().status, 0) << name;
         HostProgram other(arguments, ignoring);
-        EXPECT_TRUE(other.waitForOutput("Writing track 1 of "));
+        EXPECT_TRUE(other.waitForOutput(writingTrack(1)));
         other.signal(number == SIGTERM ? SIGINT : SIGTERM);
         EXPECT_EQ(other.wait().status, 130) << name;
     }
 }
 
 TEST_P(ProgramSignals, ASecondSignalWhileBurningEndsAtOnceAndLeavesNothingBehind) {
-    EXPECT_EQ(interrupted(work(30), writing(30), {SIGINT, SIGTERM}).status, 130);
+    EXPECT_EQ(interrupted(work(30), writing(), {SIGINT, SIGTERM}).status, 130);
     EXPECT_THAT(names("images"), IsEmpty());
 }
 
 TEST_P(ProgramSignals, CtrlCWhileVerifyingLeavesNothingBehind) {
-    const HostEnd end = interrupted(work(10), "Verifying", {SIGINT});
+    const HostEnd end = interrupted(work(10), "burnProgressIsVerifying", {SIGINT});
     EXPECT_EQ(end.status, 130);
     EXPECT_THAT(names("images"), IsEmpty());
 }
@@ -140,24 +140,20 @@ TEST_P(ProgramSignals, ACancelledBurnKeepsTheImageThatWasThere) {
     ASSERT_EQ(run(songs(1)).status, 0);
     const std::string file = folder.file("images/" + imageFiles().front());
     const std::string before = contentOf(file);
-    EXPECT_EQ(interrupted(work(30), writing(30), {SIGINT}).status, 130);
+    EXPECT_EQ(interrupted(work(30), writing(), {SIGINT}).status, 130);
     EXPECT_THAT(names("images"), ElementsAreArray(imageFiles()));
     EXPECT_TRUE(contentOf(file) == before);
 }
 
 TEST_P(ProgramSignals, JsonTellsTheCancellationAndTheStatus) {
-    std::vector<std::string> arguments = work(30);
-    arguments.push_back("--json");
-    const std::string track = isData() ? "1" : "2";
-    const HostEnd end =
-        interrupted(arguments, R"("burnProgressIsWriteingTrack","track":)" + track, {SIGINT});
+    const HostEnd end = interrupted(work(30), writing(), {SIGINT});
     EXPECT_EQ(end.status, 130);
     EXPECT_TRUE(end.out.ends_with("{\"event\":\"burnProgressDidCanceled\"}\n"
                                   "{\"event\":\"exit\",\"status\":130}\n"));
 }
 
 TEST_P(ProgramSignals, ABurnThatWasKilledLeavesNothingThatTheNextOneDoesNotClearAway) {
-    const HostEnd killed = interrupted(work(30), writing(30), {SIGKILL});
+    const HostEnd killed = interrupted(work(30), writing(), {SIGKILL});
     EXPECT_EQ(killed.status, 137);
     for (const std::string& name : imageFiles())
         EXPECT_FALSE(std::filesystem::exists(folder.file("images/" + name)));

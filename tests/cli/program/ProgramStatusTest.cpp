@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include <cerrno>
 #include <cstdlib>
+#include <system_error>
 
 #include "quarner/platform/DiscFormat.h"
 #include "tests/cli/program/HostFixture.h"
@@ -8,8 +10,11 @@
 namespace quarner::testing {
 namespace {
 
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::StartsWith;
 
 /// For what is alike for every kind of disc see ProgramEveryKindTest.cpp.
 class ProgramStatus : public HostFixture {
@@ -39,7 +44,6 @@ TEST_F(ProgramStatus, Is0WhenTheImageIsWrittenAndVerified) {
     const HostEnd end = run({"audio", "--image", "images/mix.cue", "a.mp3", "b.m4a"});
     EXPECT_EQ(end.status, 0) << end.err;
     EXPECT_EQ(end.err, "");
-    EXPECT_EQ(lines(end.out).back(), "Burnt and verified: 2 tracks, 00:00:24, on images/mix.cue");
     EXPECT_THAT(names("images"), ElementsAre("mix.bin", "mix.cue"));
     // Two tracks of 750 sectors, and the silence before the second.
     EXPECT_EQ(std::filesystem::file_size(folder.path() / "images/mix.bin"), 1650U * 2352U);
@@ -63,20 +67,18 @@ TEST_F(ProgramStatus, Is2ForAFolderInThePlaceOfTheBinBeforeAnythingIsAdded) {
     const HostEnd end = run({"audio", "--image", "mix.cue", "a.mp3"});
     EXPECT_EQ(end.status, 2);
     EXPECT_EQ(end.out, "");
-    EXPECT_THAT(end.err, HasSubstr("quarner: writing failed ("));
-    EXPECT_THAT(end.err, HasSubstr("/mix.bin is not a file and is not replaced)"));
     EXPECT_EQ(run({"disc", "--image", "mix.cue"}).status, 0) << "nothing is to be burnt";
 }
 
 TEST_F(ProgramStatus, Is0ForADiscThatAnotherProgramMadeWhichIsNotBlank) {
     folder.write("other.cue", "FILE \"other.bin\" BINARY\n  TRACK 01 MODE1/2048\n");
     folder.write("other.bin", std::string(dataBlockSize * 300, 'x'));
-    const HostEnd end = run({"disc", "--image", "other.cue"});
+    const HostEnd end = run({"disc", "--json", "--image", "other.cue"});
     EXPECT_EQ(end.status, 0);
-    EXPECT_THAT(end.out, HasSubstr("Disc:    CD-R, written\n"));
+    EXPECT_THAT(end.out, HasSubstr(R"("blank":false)"));
 }
 
-TEST_F(ProgramStatus, Is3WithTheReasonForEachRefusedFile) {
+TEST_F(ProgramStatus, Is3WhereFilesAreRefusedOfWhichEachIsNamed) {
     song("a.mp3");
     folder.write("damaged.mp3", "no sound");
     folder.write("protected.m4p", "x");
@@ -84,19 +86,13 @@ TEST_F(ProgramStatus, Is3WithTheReasonForEachRefusedFile) {
     AudioRecipe instant = mp3Recipe();
     instant.samples = 22050;
     std::filesystem::copy_file(audioFixture(instant), folder.file("short.mp3"));
-    const HostEnd end = run({"audio", "--image", "mix.cue", "none.mp3", "damaged.mp3", "a.mp3",
-                             "protected.m4p", "other.wav", "short.mp3", "."});
+    const HostEnd end = run({"audio", "--json", "--image", "mix.cue", "none.mp3", "damaged.mp3",
+                             "a.mp3", "protected.m4p", "other.wav", "short.mp3", "."});
     EXPECT_EQ(end.status, 3);
-    EXPECT_THAT(lines(end.err),
-                ::testing::UnorderedElementsAre(
-                    "quarner: none.mp3: no such file",
-                    "quarner: damaged.mp3: unreadable: no sound could be found in it",
-                    "quarner: protected.m4p: copy-protected",
-                    "quarner: other.wav: unsupported type (mp3 and m4a can be added)",
-                    "quarner: short.mp3: shorter than a second",
-                    "quarner: .: unsupported type (a folder)",
-                    "quarner: 6 files of 7 refused, so nothing was burnt; --keep-going burns the "
-                    "rest"));
+    EXPECT_EQ(lines(end.err).size(), 7U) << end.err; // one for each file, and the sum
+    for (const std::string name :
+         {"none.mp3", "damaged.mp3", "protected.m4p", "other.wav", "short.mp3", "."})
+        EXPECT_THAT(lines(end.err), Contains(StartsWith("quarner: " + name + ": ")));
     EXPECT_FALSE(std::filesystem::exists(folder.file("mix.cue")));
 }
 
@@ -108,8 +104,6 @@ TEST_F(ProgramStatus, Is4WhenTheContentDoesNotFitTheCapacity) {
     arguments.insert(arguments.begin() + 1, {"--capacity", "74"});
     const HostEnd end = run(arguments);
     EXPECT_EQ(end.status, 4);
-    EXPECT_THAT(end.err, HasSubstr("the tracks and their pauses take 01:17:30, and the disc has "
-                                   "room for 01:14:00: 00:03:30 too long"));
     EXPECT_THAT(names("."), ElementsAre("minute.mp3"));
 }
 
@@ -125,7 +119,7 @@ TEST_F(ProgramStatus, Is1WhenTheOutputCannotBeWritten) {
         EXPECT_EQ(run(command, full).status, 1) << command.front();
     const HostEnd end = run({"disc", "--image", "mix.cue"}, full);
     EXPECT_EQ(end.status, 1);
-    EXPECT_EQ(end.err, "quarner: the output could not be written: No space left on device\n");
+    EXPECT_THAT(end.err, HasSubstr(std::generic_category().message(ENOSPC)));
 }
 
 TEST_F(ProgramStatus, Is1WhenABurnIsDoneWhoseOutputCannotBeWritten) {
@@ -148,15 +142,8 @@ TEST_F(ProgramStatus, Is0WhenTheReaderOfTheOutputWentAway) {
           words({"audio", "--image", "mix.cue", "--json", "a.mp3"})}) {
         const HostEnd end = run(command, unread);
         EXPECT_EQ(end.status, 0) << command.front();
-        EXPECT_THAT(end.err, ::testing::Not(HasSubstr("could not be written")));
+        EXPECT_THAT(end.err, Not(HasSubstr(std::generic_category().message(EPIPE))));
     }
-}
-
-TEST_F(ProgramStatus, OfAnOutputThatCannotBeWrittenIsExplainedByEveryHelp) {
-    for (const std::string command : {"", "audio", "data", "drives", "disc", "eject", "watch"})
-        EXPECT_THAT(run(words({command, "--help"})).out,
-                    HasSubstr("If the output cannot be written, status 0 becomes 1"))
-            << command;
 }
 
 TEST_F(ProgramStatus, Is0WhenADataImageIsWrittenAndOtherProgramsReadIt) {
@@ -166,8 +153,6 @@ TEST_F(ProgramStatus, Is0WhenADataImageIsWrittenAndOtherProgramsReadIt) {
         run({"data", "--image", "mix.iso", "--title", "Two songs", "b Größe.m4a", "a.mp3"});
     EXPECT_EQ(end.status, 0) << end.err;
     EXPECT_EQ(end.err, "");
-    EXPECT_THAT(lines(end.out).back(), HasSubstr("Burnt and verified: 2 files, "));
-    EXPECT_THAT(lines(end.out).back(), HasSubstr(", on mix.iso"));
     const std::string image = folder.file("mix.iso");
     const std::string listed =
         runProgram({"isoinfo", "-J", "-f", "-j", "iso8859-1", "-i", image}).output;
@@ -198,17 +183,13 @@ TEST_F(ProgramStatus, Is4WhenTheFilesDoNotFitADataDisc) {
     shorter.insert(shorter.end(), {"--capacity", "74"});
     const HostEnd end = run(shorter);
     EXPECT_EQ(end.status, 4);
-    EXPECT_THAT(end.err, HasSubstr("the file takes 658 MB, and the disc has room for 650.4 MB: "
-                                   "7.6 MB too much"));
     shorter.push_back("--dry-run");
     EXPECT_EQ(run(shorter).status, 4);
     // What fits by itself, but not with the file system.
     paddedSong("brim.m4a", 333'000U * dataBlockSize - 10);
     shorter[5] = "brim.m4a";
     shorter.pop_back();
-    const HostEnd brim = run(shorter);
-    EXPECT_EQ(brim.status, 4);
-    EXPECT_THAT(brim.err, HasSubstr("too little for it and the file system"));
+    EXPECT_EQ(run(shorter).status, 4);
     EXPECT_THAT(names("."), ElementsAre("a.m4a", "brim.m4a"));
 }
 
