@@ -11,6 +11,8 @@
 #include "quarner/device/QuarnerDevice.h"
 #include "quarner/device/QuarnerDeviceDelegate.h"
 #include "quarner/front/BurnItemKeys.h"
+#include "quarner/front/FileRefusal.h"
+#include "quarner/front/ListChange.h"
 #include "quarner/front/OSXEnvironment.h"
 #include "quarner/front/QuarnDelegate.h"
 #include "quarner/front/Quarner.h"

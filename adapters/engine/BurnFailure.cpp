@@ -23,9 +23,9 @@ DRError codeForErrno(int errorNumber) {
 
 } // namespace
 
-BurnFailure writeFailure(int errorNumber, const std::string& attempt) {
+BurnFailure writeFailure(int errorNumber, const std::string& attempt, const std::string& path) {
     return {codeForErrno(errorNumber),
-            attempt + ": " + std::generic_category().message(errorNumber)};
+            attempt + path + ": " + std::generic_category().message(errorNumber), path};
 }
 
 } // namespace quarner

@@ -11,7 +11,8 @@ namespace {
 TrackPlan planTrack(const DRTrack& track) {
     const std::uint32_t length = track.length().totalFrames();
     if (track.sampleCount > std::uint64_t(length) * DRTrack::samplesPerSector)
-        throw BurnFailure(DRError::Internal, track.path + ": the track is shorter than its sound");
+        throw BurnFailure(DRError::Internal, track.path + ": the track is shorter than its sound",
+                          track.path);
     return {.preGap = track.preGap().totalFrames(), .length = length};
 }
 

@@ -36,14 +36,16 @@ PCMTrackSource::PCMTrackSource(std::shared_ptr<PCMService> service,
 void PCMTrackSource::check() {
     const std::optional<FileStamp> now = stampOfFile(_track->path);
     if (!now || !mayBeRead(_track->path))
-        throw BurnFailure(DRError::SourceMissing, _track->path + ": gone or not readable");
+        throw BurnFailure(DRError::SourceMissing, _track->path + ": gone or not readable",
+                          _track->path);
     if (*now != _track->stamp)
-        throw BurnFailure(DRError::SourceChanged, _track->path + ": changed since it was added");
+        throw BurnFailure(DRError::SourceChanged, _track->path + ": changed since it was added",
+                          _track->path);
 }
 
 void PCMTrackSource::fail(const std::string& problem) const {
     throw BurnFailure(DRError::SourceUnreadable,
-                      problem.empty() ? _track->path : _track->path + ": " + problem);
+                      problem.empty() ? _track->path : _track->path + ": " + problem, _track->path);
 }
 
 void PCMTrackSource::open() {

@@ -18,6 +18,16 @@ Dictionary recordWith(const char* state, const std::optional<BurnProgress>& prog
     return record;
 }
 
+Dictionary dictionaryOf(const BurnFailure& failure) {
+    Dictionary error = {{DRErrorStatusErrorKey, static_cast<std::uint32_t>(failure.error())},
+                        {DRErrorStatusErrorInfoKey, failure.info()}};
+    if (!failure.path().empty())
+        error.emplace(DRErrorStatusFileKey, failure.path());
+    if (failure.sector())
+        error.emplace(DRErrorStatusSectorKey, *failure.sector());
+    return error;
+}
+
 } // namespace
 
 StatusReporter::StatusReporter(std::shared_ptr<RunLoopCenter> center,
@@ -44,9 +54,7 @@ void StatusReporter::failed(const BurnFailure& failure) const {
     if (failure.error() != DRError::UserCanceled)
         currentPlatform()->log->log("burn failed: " + failure.info());
     Dictionary record = recordWith(DRStatusStateFailed, std::nullopt);
-    record.emplace(DRErrorStatusKey,
-                   Dictionary{{DRErrorStatusErrorKey, static_cast<std::uint32_t>(failure.error())},
-                              {DRErrorStatusErrorInfoKey, failure.info()}});
+    record.emplace(DRErrorStatusKey, dictionaryOf(failure));
     post(std::move(record));
 }
 

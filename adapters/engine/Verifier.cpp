@@ -60,10 +60,12 @@ void Verifier::verifyChunk(std::size_t chunk, std::span<std::byte> buffer) {
 }
 
 void Verifier::fail(std::uint64_t firstSector, std::uint64_t sectors) const {
-    throw BurnFailure(DRError::VerifyFailed, "the " + std::to_string(sectors) + " sectors from " +
-                                                 std::to_string(firstSector) + " on (track " +
-                                                 std::to_string(_plan.trackAtSector(firstSector)) +
-                                                 ") differ from what was sent");
+    throw BurnFailure(DRError::VerifyFailed,
+                      "the " + std::to_string(sectors) + " sectors from " +
+                          std::to_string(firstSector) + " on (track " +
+                          std::to_string(_plan.trackAtSector(firstSector)) +
+                          ") differ from what was sent",
+                      {}, firstSector);
 }
 
 } // namespace quarner

@@ -54,8 +54,8 @@ public:
         return audioFileExtensions();
     }
 
-    std::string problemWithMovie(const std::string& path) override {
-        return _problems.find(path).value_or("");
+    std::optional<MovieProblem> movieProblem(const std::string& path) override {
+        return _problems.find(path).value_or(std::nullopt);
     }
 
 private:
@@ -70,22 +70,27 @@ private:
     }
 
     void noteProblem(const std::string& path, const Length& length) {
-        const std::string problem = problemOf(path, length);
-        if (!problem.empty() || _problems.find(path))
+        const std::optional<MovieProblem> problem = problemOf(path, length);
+        if (problem || _problems.find(path))
             _problems.keep(path, problem);
     }
 
-    std::string problemOf(const std::string& path, const Length& length) {
+    std::optional<MovieProblem> problemOf(const std::string& path, const Length& length) {
+        using Kind = MovieProblem::Kind;
+        if (length && length->sourceSamples >= length->sourceRate)
+            return std::nullopt;
         if (length)
-            return length->sourceSamples < length->sourceRate ? "shorter than a second" : "";
+            return MovieProblem{Kind::TooShort, {}};
         const std::string cause = _pcm->problemWith(path);
-        return "unreadable: " + (cause.empty() ? "no sound could be found in it" : cause);
+        if (cause.empty())
+            return MovieProblem{Kind::NoSound, "no sound could be found in it"};
+        return MovieProblem{_pcm->isDamaged(path) ? Kind::Damaged : Kind::Unreadable, cause};
     }
 
     const std::shared_ptr<PCMService> _pcm;
     std::mutex _mutex;
     std::multimap<std::string, Length> _prepared; // several runs may prepare the same file
-    PathCache<std::string> _problems{mostProblems};
+    PathCache<std::optional<MovieProblem>> _problems{mostProblems};
 };
 
 } // namespace

@@ -21,19 +21,27 @@ public:
                                           const MayContinue& mayContinue) override;
     std::unique_ptr<PCMStream> open(const std::string& path) override;
     std::string problemWith(const std::string& path) override {
-        return _problems.find(path).value_or("");
+        return _problems.find(path).value_or(Problem()).text;
+    }
+    bool isDamaged(const std::string& path) override {
+        return _problems.find(path).value_or(Problem()).isDamage;
     }
 
 private:
+    struct Problem {
+        std::string text;
+        bool isDamage = false;
+    };
+
     LengthCache _lengths{512};
-    PathCache<std::string> _problems{512};
+    PathCache<Problem> _problems{512};
 };
 
 std::optional<PCMLength> FFmpegPCMService::measureWhile(const std::string& path,
                                                         const MayContinue& mayContinue) try {
     const auto stamp = stampOfFile(path);
     if (!stamp) {
-        _problems.keep(path, RegularFile(path).problem());
+        _problems.keep(path, {.text = RegularFile(path).problem()});
         return std::nullopt;
     }
     if (const auto known = _lengths.find(path, *stamp))
@@ -41,7 +49,7 @@ std::optional<PCMLength> FFmpegPCMService::measureWhile(const std::string& path,
     const FFmpegLogScope scope(path, FFmpegLogScope::Reports::Nowhere);
     const Measurement result = measureSound(path, mayContinue);
     if (!result.length)
-        _problems.keep(path, result.problem);
+        _problems.keep(path, {result.problem, result.isDamaged});
     const bool mayGoBetterNextTime = result.wasStopped || !result.problem.empty();
     if (!mayGoBetterNextTime)
         _lengths.keep(path, *stamp, result.length);
@@ -58,7 +66,7 @@ std::unique_ptr<PCMStream> FFmpegPCMService::open(const std::string& path) try {
     std::string problem;
     auto stream = openSound(path, length->discSamples, {}, &problem);
     if (!stream)
-        _problems.keep(path, problem);
+        _problems.keep(path, {.text = problem});
     return stream;
 } catch (...) {
     return nullptr;

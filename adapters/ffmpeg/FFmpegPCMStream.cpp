@@ -43,6 +43,8 @@ std::string FFmpegPCMStream::problem() const {
            " MiB of damage in one place";
 }
 
+bool FFmpegPCMStream::isDamaged() const { return !_file->hasFailed(); }
+
 std::optional<FFmpegPCMStream::Source> FFmpegPCMStream::source() const {
     return _hasOneRate ? std::optional(_source) : std::nullopt;
 }

@@ -30,6 +30,8 @@ public:
 
     std::optional<std::size_t> read(std::span<std::int16_t> samples) override;
     std::string problem() const override;
+    /// Whether that is damage in the file.
+    bool isDamaged() const;
 
     /// The samples heard so far, silence in place of damage included, and their rate. Nothing if
     /// the rate has changed.

@@ -105,16 +105,18 @@ std::optional<PCMLength> measureMp4(WindowedFile& file) {
 
 /// Decodes a file from its start to its end.
 std::optional<PCMLength> measureByDecoding(const std::string& path, const MayContinue& mayContinue,
-                                           std::string& problem) {
-    const auto stream = openSound(path, std::nullopt, mayContinue, &problem);
+                                           Measurement& result) {
+    const auto stream = openSound(path, std::nullopt, mayContinue, &result.problem);
     if (!stream)
         return std::nullopt;
     std::array<std::int16_t, 8192> values = {};
     std::uint64_t pairs = 0;
     for (;;) {
         const auto count = stream->read(values);
-        if (!count)
-            problem = stream->problem();
+        if (!count) {
+            result.problem = stream->problem();
+            result.isDamaged = stream->isDamaged();
+        }
         if (!count || (mayContinue && !mayContinue()))
             return std::nullopt;
         pairs += *count / 2;
@@ -162,7 +164,7 @@ Measurement measureSound(const std::string& path, const MayContinue& mayContinue
     if (!result.length && file->hasFailed())
         result.problem = file->problem();
     else if (!result.length && isSound(path, mayContinue, result.problem))
-        result.length = measureByDecoding(path, mayContinue, result.problem);
+        result.length = measureByDecoding(path, mayContinue, result);
     result.wasStopped = !result.length && mayContinue && !mayContinue();
     return result;
 }

@@ -23,6 +23,7 @@ struct Measurement {
     std::optional<PCMLength> length;
     bool wasStopped = false; ///< by `mayContinue`, before the length was known
     std::string problem;     ///< why there is no length; empty if no sound was found
+    bool isDamaged = false;  ///< whether the problem is damage in the file
 };
 
 /// Measures a file by the cheapest of three ways that is certain:

@@ -3,9 +3,10 @@
 #include <thread>
 #include <utility>
 
-#include "adapters/glib/GlibMainQueue.h"
 #include "adapters/glib/GlibServices.h"
+#include "adapters/glib/WakeSource.h"
 #include "adapters/glib/WorkPool.h"
+#include "adapters/runloop/MainThreadQueue.h"
 
 namespace quarner {
 namespace {
@@ -17,17 +18,34 @@ std::size_t threadLimit() {
     return std::max<std::size_t>(fewestThreads, std::thread::hardware_concurrency());
 }
 
+std::unique_ptr<LoopSource> sourceOfDefaultContext(LoopSource::Nesting nesting,
+                                                   LoopSource::Turn turn) {
+    return std::make_unique<WakeSource>(g_main_context_default(), nesting, std::move(turn));
+}
+
 class Dispatch : public GlibDispatch {
 public:
     void asyncGlobal(std::function<void()> work) override { _pool->submit(std::move(work)); }
-    void syncMain(std::function<void()> work) override { _mainQueue.runAndWait(work); }
+    void syncMain(std::function<void()> work) override {
+        if (isMainThread())
+            work();
+        else
+            _mainQueue.runAndWait(work);
+    }
+    void asyncMain(std::function<void()> work) override { _mainQueue.post(std::move(work)); }
     void shutDown() override {
         _mainQueue.shutDown(); // first: the pool's work may be waiting for the main queue
         _pool->shutDown();
     }
 
 private:
-    GlibMainQueue _mainQueue;
+    bool isMainThread() const {
+        return std::this_thread::get_id() == _makerThread ||
+               g_main_context_is_owner(g_main_context_default());
+    }
+
+    const std::thread::id _makerThread = std::this_thread::get_id();
+    MainThreadQueue _mainQueue{sourceOfDefaultContext};
     const std::shared_ptr<WorkPool> _pool = std::make_shared<WorkPool>(threadLimit());
 };
 

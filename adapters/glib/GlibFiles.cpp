@@ -3,11 +3,13 @@
 #include <sys/xattr.h>
 
 #include <array>
+#include <cerrno>
 
 #include "adapters/glib/DesktopLink.h"
 #include "adapters/glib/GlibPointers.h"
 #include "adapters/glib/GlibServices.h"
 #include "adapters/posix/FileStamps.h"
+#include "adapters/posix/RegularFile.h"
 #include "adapters/posix/SystemCall.h"
 
 namespace quarner {
@@ -37,6 +39,11 @@ std::optional<std::uint32_t> typeCodeOf(const std::string& path) {
 bool exists(const std::string& path) {
     struct stat found = {};
     return uninterrupted([&] { return stat(path.c_str(), &found); }) == 0;
+}
+
+bool isFolder(const std::string& path) {
+    struct stat found = {};
+    return uninterrupted([&] { return stat(path.c_str(), &found); }) == 0 && S_ISDIR(found.st_mode);
 }
 
 std::vector<std::string> namesOf(GIcon* icon) {
@@ -88,6 +95,18 @@ public:
             next = targetOfDesktopLink(*target);
         }
         return target && exists(*target) ? target : std::nullopt;
+    }
+
+    std::optional<FileProblem> problem(const std::string& path) override {
+        const RegularFile file(path);
+        if (file.isOpen())
+            return std::nullopt;
+        if (file.error() == RegularFile::notRegular)
+            return FileProblem{FileProblem::Kind::NotAFile,
+                               isFolder(path) ? "a folder" : "not a file on disk"};
+        const bool isMissing = file.error() == ENOENT || file.error() == ENOTDIR;
+        return FileProblem{isMissing ? FileProblem::Kind::Missing : FileProblem::Kind::Unreadable,
+                           file.problem()};
     }
 };
 

@@ -6,34 +6,24 @@
 #include <functional>
 #include <memory>
 
+#include "adapters/runloop/LoopSource.h"
+
 namespace quarner {
 
-/// A source of a GMainContext without data of its own: `wake` makes the loop call one function. The
-/// data is queued elsewhere, under its owner's mutex.
-class WakeSource {
+/// A source of a GMainContext.
+class WakeSource : public LoopSource {
 public:
-    enum class Nesting {
-        No, ///< not called by a loop that runs inside the function itself
-        Yes
-    };
-
-    /// Does a part of the work and returns whether there is more. Must not throw.
-    using Turn = std::function<bool()>;
     /// Called when the context ends, on the thread that released it. May destroy the source. Must
     /// not throw.
     using ContextEnded = std::function<void()>;
 
-    /// Attaches to the context without keeping it alive. The loop's thread calls `turn` once per
-    /// turn of the loop, after one or more calls of `wake` or after a call that returned true.
+    /// Attaches to the context without keeping it alive.
     WakeSource(GMainContext* context, Nesting nesting, Turn turn,
                ContextEnded contextEnded = nullptr);
-    /// `turn` is not called afterwards. On a thread other than the loop's, a call may still be
-    /// running; `turn` itself is destroyed after it.
-    ~WakeSource();
-    WakeSource(const WakeSource&) = delete;
-    WakeSource& operator=(const WakeSource&) = delete;
+    /// If a call of `turn` is still running on another thread, `turn` is destroyed after it.
+    ~WakeSource() override;
 
-    void wake(); ///< Any thread. Does nothing once the context has ended.
+    void wake() override; ///< Does nothing once the context has ended.
 
 private:
     struct Attachment;

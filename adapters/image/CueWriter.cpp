@@ -83,7 +83,7 @@ void CueWriter::beginVerification() {
 
 void CueWriter::verifySheet(const std::string& path, const std::string& binPath) {
     if (_files->content(path) != cueSheet(_plan, CueNames::baseName(binPath)))
-        throw BurnFailure(DRError::VerifyFailed, path + " differs from what was written");
+        throw BurnFailure(DRError::VerifyFailed, path + " differs from what was written", path);
 }
 
 void CueWriter::commit() {

@@ -112,11 +112,13 @@ std::unique_ptr<SectorWriter> ImageDrive::writerFor(const DiscPlan& plan,
     if (plan.sectorSize == dataBlockSize) {
         if (std::optional<IsoNames> names = isoNames(_path))
             return std::make_unique<IsoWriter>(_files, std::move(*names), stop);
-        throw BurnFailure(DRError::WrongMedia, _path + ": a data disc needs the extension iso");
+        throw BurnFailure(DRError::WrongMedia, _path + ": a data disc needs the extension iso",
+                          _path);
     }
     if (std::optional<CueNames> names = cueNames(_path))
         return std::make_unique<CueWriter>(_files, std::move(*names), stop);
-    throw BurnFailure(DRError::WrongMedia, _path + ": an audio disc needs the extension cue");
+    throw BurnFailure(DRError::WrongMedia, _path + ": an audio disc needs the extension cue",
+                      _path);
 }
 
 void ImageDrive::refuseUnlessReady(const DiscPlan& plan) const {

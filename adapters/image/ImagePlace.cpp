@@ -18,11 +18,11 @@ void refuseIrreplaceable(const std::string& path) {
     if (!found)
         return;
     if (!S_ISREG(found->st_mode))
-        throw BurnFailure(DRError::WriteFailed, path + " is not a file and is not replaced");
+        throw BurnFailure(DRError::WriteFailed, path + " is not a file and is not replaced", path);
     const auto askAccess = [&] { return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS); };
     if (uninterrupted(askAccess) == 0)
         return;
-    BurnFailure failure = writeFailure(errno, "asking for access to " + path);
+    BurnFailure failure = writeFailure(errno, "asking for access to ", path);
     if (failure.error() == DRError::PermissionDenied)
         failure = {failure.error(), path + " may not be written to and is not replaced"};
     throw failure;
@@ -33,7 +33,7 @@ void refuseClosedFolder(const std::string& folder) {
         return faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS);
     };
     if (uninterrupted(askAccess) != 0)
-        throw writeFailure(errno, "writing to the folder " + folder);
+        throw writeFailure(errno, "writing to the folder ", folder);
 }
 
 } // namespace
@@ -43,7 +43,7 @@ std::optional<struct stat> statusOf(const std::string& path) {
     if (uninterrupted([&] { return stat(path.c_str(), &found); }) == 0)
         return found;
     if (errno != ENOENT)
-        throw writeFailure(errno, "looking at " + path);
+        throw writeFailure(errno, "looking at ", path);
     return std::nullopt;
 }
 
@@ -52,7 +52,7 @@ bool isThere(const std::string& path) {
     if (uninterrupted([&] { return lstat(path.c_str(), &found); }) == 0)
         return true;
     if (errno != ENOENT)
-        throw writeFailure(errno, "looking at " + path);
+        throw writeFailure(errno, "looking at ", path);
     return false;
 }
 

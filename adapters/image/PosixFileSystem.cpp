@@ -42,7 +42,7 @@ FileDescriptor openedLock(const std::string& path) {
     constexpr int flags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
     FileDescriptor file(uninterrupted([&] { return open(path.c_str(), flags, readableByAll); }));
     if (!file.isOpen())
-        throw writeFailure(errno, "creating " + path);
+        throw writeFailure(errno, "creating ", path);
     return file;
 }
 
@@ -50,10 +50,10 @@ void takeLock(const FileDescriptor& file, const std::string& path) {
     if (uninterrupted([&] { return flock(file.number(), LOCK_EX | LOCK_NB); }) == 0)
         return;
     if (errno == EWOULDBLOCK)
-        throw BurnFailure(DRError::DeviceBusy, path + " is held by another burn");
+        throw BurnFailure(DRError::DeviceBusy, path + " is held by another burn", path);
     const bool hasNoLocks = errno == ENOLCK || errno == EOPNOTSUPP || errno == ENOSYS;
     if (!hasNoLocks)
-        throw writeFailure(errno, "locking " + path);
+        throw writeFailure(errno, "locking ", path);
 }
 
 /// Returns whether the file is still the one at the path: the last holder may have removed it
@@ -62,11 +62,11 @@ bool isAtPath(const FileDescriptor& file, const std::string& path) {
     struct stat opened = {};
     struct stat found = {};
     if (uninterrupted([&] { return fstat(file.number(), &opened); }) != 0)
-        throw writeFailure(errno, "locking " + path);
+        throw writeFailure(errno, "locking ", path);
     if (uninterrupted([&] { return stat(path.c_str(), &found); }) == 0)
         return opened.st_dev == found.st_dev && opened.st_ino == found.st_ino;
     if (errno != ENOENT)
-        throw writeFailure(errno, "locking " + path);
+        throw writeFailure(errno, "locking ", path);
     return false;
 }
 
@@ -96,7 +96,7 @@ std::unique_ptr<ImageLock> PosixFileSystem::lock(const std::string& path, const 
             return std::make_unique<PosixLock>(path, std::move(file));
     }
     throw BurnFailure(DRError::WriteFailed,
-                      "locking " + path + ": the file system does not keep the file there");
+                      "locking " + path + ": the file system does not keep the file there", path);
 }
 
 std::optional<std::string> PosixFileSystem::content(const std::string& path) {
@@ -105,7 +105,7 @@ std::optional<std::string> PosixFileSystem::content(const std::string& path) {
     if (file.error() == ENOENT)
         return std::nullopt;
     if (!file.isOpen()) // before anything is written: not a write failure of the image
-        throw writeFailure(file.error(), "reading " + path);
+        throw writeFailure(file.error(), "reading ", path);
     std::string text;
     std::array<char, 4096> buffer = {};
     posix_fadvise(file.number(), 0, 0, POSIX_FADV_DONTNEED);
@@ -117,13 +117,13 @@ std::optional<std::string> PosixFileSystem::content(const std::string& path) {
     }
     if (count < 0)
         throw BurnFailure(DRError::ReadBackFailed,
-                          "reading " + path + ": " + std::generic_category().message(errno));
+                          "reading " + path + ": " + std::generic_category().message(errno), path);
     return text;
 }
 
 void PosixFileSystem::rename(const std::string& from, const std::string& to) {
     if (uninterrupted([&] { return std::rename(from.c_str(), to.c_str()); }) != 0)
-        throw writeFailure(errno, "renaming " + from + " to " + to);
+        throw writeFailure(errno, "renaming " + from + " to ", to);
 }
 
 bool PosixFileSystem::link(const std::string& existing, const std::string& name) {
@@ -132,7 +132,7 @@ bool PosixFileSystem::link(const std::string& existing, const std::string& name)
 
 void PosixFileSystem::remove(const std::string& path) {
     if (uninterrupted([&] { return unlink(path.c_str()); }) != 0 && errno != ENOENT)
-        throw writeFailure(errno, "removing " + path);
+        throw writeFailure(errno, "removing ", path);
 }
 
 void PosixFileSystem::syncFolder(const std::string& folder) {
@@ -141,7 +141,7 @@ void PosixFileSystem::syncFolder(const std::string& folder) {
     if (!file.isOpen())
         return; // a folder may be writable but not readable
     if (uninterrupted([&] { return fsync(file.number()); }) != 0 && errno != EINVAL)
-        throw writeFailure(errno, "writing " + folder);
+        throw writeFailure(errno, "writing ", folder);
 }
 
 } // namespace

@@ -25,7 +25,7 @@ FileDescriptor create(const std::string& path, mode_t mode) {
     constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
     FileDescriptor file(uninterrupted([&] { return open(path.c_str(), flags, mode); }));
     if (!file.isOpen())
-        throw writeFailure(errno, "creating " + path);
+        throw writeFailure(errno, "creating ", path);
     return file;
 }
 
@@ -76,7 +76,7 @@ FileDescriptor createLike(const std::string& path, const std::string& replaced) 
     const std::optional<struct stat> old = statusOf(replaced);
     FileDescriptor file = create(path, old ? readableByOwner : readableByAll);
     if (old && !takeAccess(file, *old))
-        throw writeFailure(errno, "setting the permissions of " + path);
+        throw writeFailure(errno, "setting the permissions of ", path);
     return file;
 }
 
@@ -107,7 +107,7 @@ void PosixImageFile::reserve(std::uint64_t size) {
     if (uninterrupted(allocate) == 0)
         return;
     if (errno != EOPNOTSUPP && errno != ENOSYS && errno != EINVAL)
-        throw writeFailure(errno, "reserving space for " + _path);
+        throw writeFailure(errno, "reserving space for ", _path);
 }
 
 void PosixImageFile::append(std::span<const std::byte> bytes) {
@@ -142,11 +142,12 @@ void PosixImageFile::writeAll(std::span<const std::byte> bytes) {
             bytes = bytes.subspan(static_cast<std::size_t>(count));
             offset += count;
         } else if (count == 0) {
-            throw BurnFailure(DRError::WriteFailed, "writing " + _path + ": no byte is taken");
+            throw BurnFailure(DRError::WriteFailed, "writing " + _path + ": no byte is taken",
+                              _path);
         } else if (errno == EINVAL && leaveDirectMode(_file)) {
             _isDirect = false;
         } else {
-            throw writeFailure(errno, "writing " + _path);
+            throw writeFailure(errno, "writing ", _path);
         }
     }
 }
@@ -164,7 +165,7 @@ void PosixImageFile::sync() {
     const auto cutOff = [this] { return ftruncate(_file.number(), static_cast<off_t>(_written)); };
     const auto sync = [this] { return fsync(_file.number()); };
     if (uninterrupted(cutOff) != 0 || uninterrupted(sync) != 0)
-        throw writeFailure(errno, "writing " + _path);
+        throw writeFailure(errno, "writing ", _path);
     posix_fadvise(_file.number(), 0, 0, POSIX_FADV_DONTNEED);
     posix_fadvise(_file.number(), 0, 0, POSIX_FADV_SEQUENTIAL);
 }
@@ -191,7 +192,8 @@ void PosixImageFile::readPart(std::uint64_t offset, std::span<std::byte> buffer,
         if (count < 0 && (errno != EINVAL || !leaveDirectMode(_file)))
             throw readFailure(errno, _path);
         if (count == 0)
-            throw BurnFailure(DRError::VerifyFailed, _path + " is shorter than what was written");
+            throw BurnFailure(DRError::VerifyFailed, _path + " is shorter than what was written",
+                              _path);
         got += count > 0 ? static_cast<std::size_t>(count) : 0;
     }
 }

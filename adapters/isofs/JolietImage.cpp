@@ -59,7 +59,8 @@ Extents extentsOf(const DRFolder& folder, const std::vector<IsofsTree::Entry>& e
         const auto record = records.find(utf16(entries[i].name));
         if (record == records.end() || record->second.size != node.stamp().size)
             throw BurnFailure(DRError::Internal,
-                              node.sourcePath() + ": not listed on the disc as it should be");
+                              node.sourcePath() + ": not listed on the disc as it should be",
+                              node.sourcePath());
         if (node.stamp().size > 0)
             extents.push_back({node.sourcePath(), node.stamp(), record->second.firstBlock});
     }
@@ -84,9 +85,9 @@ void checkFiles(const DRFolder& folder) {
         const std::string& path = node->sourcePath();
         const std::optional<FileStamp> now = stampOfFile(path);
         if (!now || !mayBeRead(path))
-            throw BurnFailure(DRError::SourceMissing, path + ": gone or not readable");
+            throw BurnFailure(DRError::SourceMissing, path + ": gone or not readable", path);
         if (*now != node->stamp())
-            throw BurnFailure(DRError::SourceChanged, path + ": changed since it was added");
+            throw BurnFailure(DRError::SourceChanged, path + ": changed since it was added", path);
     }
 }
 

@@ -19,7 +19,7 @@ public:
     explicit OpenFile(const JolietImage::Extent& extent)
         : _path(extent.path), _stamp(extent.stamp), _file(extent.path) {
         if (!_file.isOpen())
-            throw BurnFailure(DRError::SourceMissing, _path + ": " + _file.problem());
+            throw BurnFailure(DRError::SourceMissing, _path + ": " + _file.problem(), _path);
         if (_file.stamp() != _stamp)
             throw changed();
         posix_fadvise(_file.number(), 0, 0, POSIX_FADV_SEQUENTIAL);

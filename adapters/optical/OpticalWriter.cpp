@@ -130,7 +130,8 @@ void OpticalWriter::readBack(std::uint64_t firstSector, std::span<std::byte> buf
     const bool isRead = _sound ? _sound->readAligned(firstSector, buffer, _offset, read)
                                : read(std::int64_t(firstSector), buffer);
     if (!isRead)
-        fail(DRError::ReadBackFailed, "reading back from sector " + std::to_string(firstSector));
+        fail(DRError::ReadBackFailed, "reading back from sector " + std::to_string(firstSector),
+             firstSector);
 }
 
 bool OpticalWriter::readSectors(std::int64_t firstSector, std::span<std::byte> buffer) {
@@ -158,12 +159,13 @@ bool OpticalWriter::readSome(std::int64_t firstSector, std::span<std::byte> buff
     return result == 1 && count == size;
 }
 
-void OpticalWriter::fail(DRError error, const std::string& attempt) {
+void OpticalWriter::fail(DRError error, const std::string& attempt,
+                         std::optional<std::uint64_t> sector) {
     _stop->throwIfRequested();
     const std::string reason = BurnLibrary::shared().failureSince(_jobStart);
     const std::string text = _record.node + ": " + attempt + (reason.empty() ? "" : ": " + reason);
     _job.reset();
-    throw BurnFailure(causeBehind(error, *_drive, _record, *_stop), text);
+    throw BurnFailure(causeBehind(error, *_drive, _record, *_stop), text, {}, sector);
 }
 
 } // namespace quarner

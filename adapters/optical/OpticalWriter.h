@@ -48,7 +48,8 @@ private:
     bool readSectors(std::int64_t firstSector, std::span<std::byte> buffer);
     bool readSome(std::int64_t firstSector, std::span<std::byte> buffer);
     void findOffset();
-    [[noreturn]] void fail(DRError error, const std::string& attempt);
+    [[noreturn]] void fail(DRError error, const std::string& attempt,
+                           std::optional<std::uint64_t> sector = std::nullopt);
 
     // `_job` uses `_drive` and `_pipe`: it is declared after them, so that it is destroyed first.
     const std::unique_ptr<GrabbedDrive> _drive;

@@ -80,6 +80,17 @@ std::vector<BurnRecord>::iterator firstNotSent(std::vector<BurnRecord>& records,
     return std::min(beyond, inState == records.end() ? inState : inState + 1);
 }
 
+Dictionary errorDictionary(std::uint32_t code, const BurnErrorInfo& info) {
+    Dictionary error = {{DRErrorStatusErrorKey, code}};
+    if (!info.message.empty())
+        error[DRErrorStatusErrorInfoKey] = info.message;
+    if (!info.path.empty())
+        error[DRErrorStatusFileKey] = info.path;
+    if (info.sector)
+        error[DRErrorStatusSectorKey] = *info.sector;
+    return error;
+}
+
 } // namespace
 
 Dictionary BurnRecord::dictionary() const {
@@ -94,7 +105,7 @@ Dictionary BurnRecord::dictionary() const {
     set(DRStatusCurrentTrackKey, track);
     set(DRStatusTotalTracksKey, of);
     if (error)
-        record[DRErrorStatusKey] = Dictionary{{DRErrorStatusErrorKey, *error}};
+        record[DRErrorStatusKey] = errorDictionary(*error, errorInfo);
     return record;
 }
 
@@ -106,8 +117,9 @@ std::vector<BurnRecord> recordsOf(const BurnScript& script, const DRLayout& layo
     records.erase(firstNotSent(records, script), records.end());
     if (!records.empty() && records.back().state == DRStatusStateDone)
         records.pop_back();
-    records.push_back(
-        {.state = DRStatusStateFailed, .error = static_cast<std::uint32_t>(script.code)});
+    records.push_back({.state = DRStatusStateFailed,
+                       .error = static_cast<std::uint32_t>(script.code),
+                       .errorInfo = script.errorInfo});
     return records;
 }
 

@@ -23,27 +23,47 @@ void MainQueue::runAndWait(std::function<void()> work, bool isCallerInBackground
     _changed.wait(lock, [&] { return item->isDone || (_isClosed && !item->isBegun); });
 }
 
+void MainQueue::post(std::function<void()> work) {
+    const auto item = std::make_shared<Item>();
+    item->work = std::move(work);
+    item->isPosted = true;
+    {
+        const std::lock_guard lock(_mutex);
+        if (_isClosed)
+            return;
+        _items.push_back(item);
+    }
+    _ticker->tick();
+}
+
 bool MainQueue::serveOne() {
     const ItemRef item = takeNext();
     if (!item)
         return false;
     item->work();
+    finish(item);
+    return true;
+}
+
+void MainQueue::finish(const ItemRef& item) {
     {
         const std::lock_guard lock(_mutex);
         item->isDone = true;
+        if (item->isPosted)
+            _isRunningPosted = false;
     }
     _changed.notify_all();
-    return true;
 }
 
 MainQueue::ItemRef MainQueue::takeNext() {
     const std::lock_guard lock(_mutex);
     const auto next = std::find_if(_items.begin(), _items.end(),
-                                   [&](const ItemRef& item) { return !isHeldBack(*item); });
+                                   [&](const ItemRef& item) { return mayRun(*item); });
     if (next == _items.end())
         return nullptr;
     ItemRef item = *next;
     item->isBegun = true;
+    _isRunningPosted = _isRunningPosted || item->isPosted;
     _items.erase(next);
     return item;
 }
@@ -51,7 +71,7 @@ MainQueue::ItemRef MainQueue::takeNext() {
 bool MainQueue::hasWork() const {
     const std::lock_guard lock(_mutex);
     return std::any_of(_items.begin(), _items.end(),
-                       [&](const ItemRef& item) { return !isHeldBack(*item); });
+                       [&](const ItemRef& item) { return mayRun(*item); });
 }
 
 std::size_t MainQueue::heldBackgroundCallers() const {
@@ -63,10 +83,11 @@ std::size_t MainQueue::heldBackgroundCallers() const {
 }
 
 void MainQueue::close() {
+    std::deque<ItemRef> dropped; // destroyed after the lock is released
     {
         const std::lock_guard lock(_mutex);
         _isClosed = true;
-        _items.clear();
+        dropped.swap(_items);
     }
     _changed.notify_all();
 }

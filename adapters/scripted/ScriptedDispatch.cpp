@@ -22,6 +22,11 @@ void ScriptedDispatch::syncMain(std::function<void()> work) {
         main.runAndWait(std::move(work), BackgroundQueue::isOnItsThread());
 }
 
+void ScriptedDispatch::asyncMain(std::function<void()> work) {
+    if (!_context->fails(ServiceCall::AsyncMain))
+        main.post(std::move(work));
+}
+
 bool ScriptedDispatch::isBackgroundBusy() const {
     const std::size_t running = background.running();
     return running > main.heldBackgroundCallers();

@@ -19,6 +19,7 @@ public:
 
     void asyncGlobal(std::function<void()> work) override;
     void syncMain(std::function<void()> work) override;
+    void asyncMain(std::function<void()> work) override;
 
     bool isMainThread() const { return std::this_thread::get_id() == _mainThread; }
 

@@ -93,4 +93,15 @@ std::optional<std::string> ScriptedFiles::resolveAlias(const std::string& path) 
     return file ? std::optional(target) : std::nullopt;
 }
 
+std::optional<FileProblem> ScriptedFiles::problem(const std::string& path) {
+    const std::optional<FileScript> file = _store->file(path);
+    if (_context->fails(ServiceCall::FileProblem, path))
+        return std::nullopt;
+    if (!file)
+        return FileProblem{FileProblem::Kind::Missing, {}};
+    if (file->problem || file->isReadable)
+        return file->problem;
+    return FileProblem{FileProblem::Kind::Unreadable, "Permission denied"};
+}
+
 } // namespace quarner

@@ -42,6 +42,7 @@ public:
     std::optional<FileAttributes> attributes(const std::string& path) override;
     Icon icon(const std::string& path) override;
     std::optional<std::string> resolveAlias(const std::string& path) override;
+    std::optional<FileProblem> problem(const std::string& path) override;
 
 private:
     const std::shared_ptr<ScriptedContext> _context;

@@ -43,6 +43,17 @@ std::vector<std::string> ScriptedMedia::movieFileTypes(std::uint32_t /*flags*/) 
     return _types;
 }
 
+std::optional<MovieProblem> ScriptedMedia::movieProblem(const std::string& path) {
+    const std::optional<MediaScript> media = _files->media(path);
+    return media && media->problem ? media->problem : MediaService::movieProblem(path);
+}
+
+MediaTags ScriptedMedia::tags(const std::string& path) {
+    const bool isFailing = _context->fails(ServiceCall::Tags, path);
+    const std::optional<MediaScript> media = _files->media(path);
+    return isFailing || !media ? MediaTags() : media->tags;
+}
+
 void ScriptedMedia::setMovieFileTypes(std::vector<std::string> types) {
     const std::lock_guard lock(_mutex);
     _types.swap(types);

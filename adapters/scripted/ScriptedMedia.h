@@ -19,6 +19,8 @@ public:
 
     std::unique_ptr<QTMovie> movieWithFile(const std::string& path) override;
     std::vector<std::string> movieFileTypes(std::uint32_t flags) override;
+    std::optional<MovieProblem> movieProblem(const std::string& path) override;
+    MediaTags tags(const std::string& path) override;
 
     void setMovieFileTypes(std::vector<std::string> types);
 

@@ -65,7 +65,7 @@ void AudioCDBurner::writeOrRefuse(DRLayout layout, bool isFitting) {
 }
 
 void AudioCDBurner::refuseBurn() {
-    tell(&QuarnDelegate::burnProgressDidError, BurnError{burnErrorDomain, 0});
+    tell(&QuarnDelegate::burnProgressDidError, BurnError{burnErrorDomain, 0, {}});
 }
 
 void AudioCDBurner::fillTextBlock(const std::optional<std::string>& discName,

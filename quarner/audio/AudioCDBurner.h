@@ -108,6 +108,9 @@ private:
     bool startRun(const std::vector<std::string>& paths, ContentList::Place place);
     void filterPath(const std::string& path, KnownPaths& known, AddFilesRun& run);
     bool isSupported(const std::string& resolvedPath);
+    void refuse(const std::string& path, const std::string& resolvedPath,
+                RefusalReason reason) const;
+    void refuseExamined(const std::string& path) const;
     void performRun(AddFilesRun& run);
     std::function<bool()> timeToComplete() const;
     bool examineFile(const std::string& path, AddFilesRun& run);

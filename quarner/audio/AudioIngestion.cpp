@@ -34,6 +34,32 @@ bool contains(const std::vector<std::string>& list, const std::string& text) {
     return std::find(list.begin(), list.end(), text) != list.end();
 }
 
+RefusalReason reasonOf(FileProblem::Kind kind) {
+    switch (kind) {
+    case FileProblem::Kind::Missing:
+        return RefusalReason::Missing;
+    case FileProblem::Kind::NotAFile:
+        return RefusalReason::NotAFile;
+    case FileProblem::Kind::Unreadable:
+        break;
+    }
+    return RefusalReason::Unreadable;
+}
+
+RefusalReason reasonOf(MovieProblem::Kind kind) {
+    switch (kind) {
+    case MovieProblem::Kind::NoSound:
+        return RefusalReason::NoSound;
+    case MovieProblem::Kind::TooShort:
+        return RefusalReason::TooShort;
+    case MovieProblem::Kind::Damaged:
+        return RefusalReason::Damaged;
+    case MovieProblem::Kind::Unreadable:
+        break;
+    }
+    return RefusalReason::Unreadable;
+}
+
 } // namespace
 
 /// The paths of the files in the content list, updated at every query.
@@ -88,15 +114,48 @@ bool AudioCDBurner::startRun(const std::vector<std::string>& paths, ContentList:
 
 void AudioCDBurner::filterPath(const std::string& path, KnownPaths& known, AddFilesRun& run) {
     const std::string resolved = Paths::realPath(path);
-    if (known.contain(resolved))
+    if (known.contain(resolved)) {
+        if (const RefusalReport report = refusalReport())
+            (*report)({path, RefusalReason::AlreadyInList, {}});
         return;
+    }
     // A path rejected here is reported as the caller wrote it; an accepted one is resolved.
-    if (isProtected(resolved))
+    if (isProtected(resolved)) {
         run.protectedFiles.push_back(path);
-    else if (isSupported(resolved))
+        refuse(path, resolved, RefusalReason::Protected);
+    } else if (isSupported(resolved)) {
         run.accepted.push_back(resolved);
-    else
+    } else {
         run.incompatible.push_back(path);
+        refuse(path, resolved, RefusalReason::UnsupportedType);
+    }
+}
+
+/// Reports that a file was refused for a reason, or for not being a readable file at all.
+void AudioCDBurner::refuse(const std::string& path, const std::string& resolvedPath,
+                           RefusalReason reason) const {
+    const RefusalReport report = refusalReport();
+    if (!report)
+        return;
+    if (const auto problem = currentPlatform()->files->problem(resolvedPath))
+        (*report)({path, reasonOf(problem->kind), problem->detail});
+    else
+        (*report)({path, reason, {}});
+}
+
+/// Reports that a file with a supported type was refused when it was examined.
+void AudioCDBurner::refuseExamined(const std::string& path) const {
+    if (!refusalReport())
+        return;
+    const std::shared_ptr<const Platform> platform = currentPlatform();
+    std::optional<MovieProblem> problem;
+    if (!platform->files->problem(path))
+        platform->dispatch->syncMain([&] { problem = platform->media->movieProblem(path); });
+    const RefusalReport report = refusalReport();
+    if (!problem)
+        refuse(path, path, RefusalReason::Unreadable);
+    else if (report)
+        (*report)({path, reasonOf(problem->kind), problem->detail});
 }
 
 std::optional<std::string> AudioCDBurner::identifyingPath(const BurnItem& item) const {
@@ -164,6 +223,7 @@ bool AudioCDBurner::examineFile(const std::string& path, AddFilesRun& run) {
         return false;
     if (!item || seconds <= 0) {
         run.incompatible.push_back(path);
+        refuseExamined(path);
         return true;
     }
     if (run.place)

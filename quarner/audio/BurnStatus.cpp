@@ -28,6 +28,15 @@ std::uint64_t timeLeft(std::uint64_t blocks, float speed, float fraction) {
     return static_cast<std::uint64_t>(left);
 }
 
+BurnErrorInfo infoOf(const Dictionary& error) {
+    BurnErrorInfo info;
+    info.path = textUnder(error, DRErrorStatusFileKey);
+    info.message = textUnder(error, DRErrorStatusErrorInfoKey);
+    if (const Value& sector = valueFor(error, DRErrorStatusSectorKey); sector.isNumber())
+        info.sector = sector.asUInt64();
+    return info;
+}
+
 using StateReport = void (QuarnDelegate::*)();
 using TrackReport = void (QuarnDelegate::*)(std::int64_t, std::int64_t);
 
@@ -89,13 +98,14 @@ void AudioCDBurner::reportState(const Dictionary& status, const std::string& sta
 
 void AudioCDBurner::reportFailure(const Dictionary& status) {
     const Dictionary* error = valueFor(status, DRErrorStatusKey).asDictionary();
-    const std::uint32_t code =
-        error == nullptr ? 0 : valueFor(*error, DRErrorStatusErrorKey).asUInt32();
+    const Dictionary noError;
+    const Dictionary& about = error == nullptr ? noError : *error;
+    const std::uint32_t code = valueFor(about, DRErrorStatusErrorKey).asUInt32();
     if (code == static_cast<std::uint32_t>(DRError::UserCanceled))
         tell(&QuarnDelegate::burnProgressDidCanceled);
     else
         tell(&QuarnDelegate::burnProgressDidError,
-             BurnError{burnErrorDomain, static_cast<std::int32_t>(code)});
+             BurnError{burnErrorDomain, static_cast<std::int32_t>(code), infoOf(about)});
 }
 
 void AudioCDBurner::endBurn(const DRNotification& notification) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "quarner/platform/BurnItem.h"
+#include "quarner/platform/DRErrors.h"
 #include "quarner/platform/Export.h"
 
 namespace quarner {
@@ -27,6 +28,7 @@ struct BurnError {
     /// 0: the content does not fit (or the failure carried no code); otherwise the recording
     /// service's 32-bit code read as signed, see DRErrors.h.
     std::int64_t code = 0;
+    BurnErrorInfo info = {}; ///< empty for a burn that is refused before it starts
 
     bool operator==(const BurnError&) const = default;
 };

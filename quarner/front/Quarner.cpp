@@ -37,6 +37,19 @@ bool Quarner::addFilesAt(const std::vector<std::string>& /*paths*/, ContentList:
     return false;
 }
 
+void Quarner::reportRefusals(std::function<void(const FileRefusal&)> report) {
+    RefusalReport shared; // the previous one is released after the lock
+    if (report)
+        shared = std::make_shared<const std::function<void(const FileRefusal&)>>(std::move(report));
+    const std::lock_guard lock(_mutex);
+    shared.swap(_refusalReport);
+}
+
+Quarner::RefusalReport Quarner::refusalReport() const {
+    const std::lock_guard lock(_mutex);
+    return _refusalReport;
+}
+
 void Quarner::cancelToAddFiles() { _continue2AddFiles = false; }
 
 void Quarner::removeItem(const BurnItemRef& /*item*/) {}

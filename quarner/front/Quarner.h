@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
@@ -13,6 +14,7 @@
 
 #include "quarner/front/BurnItemKeys.h"
 #include "quarner/front/ContentList.h"
+#include "quarner/front/FileRefusal.h"
 #include "quarner/front/ListChange.h"
 #include "quarner/front/QuarnDelegate.h"
 #include "quarner/platform/BurnItem.h"
@@ -74,6 +76,13 @@ public:
     /// The same, but names the item before the first file instead of a row, which a run may move at
     /// any time: null inserts at the start. An item that is not in the list means the end.
     bool addFilesBehind(const std::vector<std::string>& paths, const BurnItemRef& item);
+
+    /// Calls `report` for every file that is refused from now on, at the time when it is refused:
+    /// inside `addFiles` and its like, on that thread, for the files that are refused there, also
+    /// if the call then returns false; on the thread of the run for those that it refuses. Runs
+    /// overlap. Working out the reason takes the time of an attempt to open the file. `report` must
+    /// not throw; it is kept until the last call of it has returned. A null one ends the reports.
+    void reportRefusals(std::function<void(const FileRefusal&)> report);
 
     /// `cancelToAddFiles` Requests every running run to stop before its next file, or inside its
     /// current one if that takes half a second longer: that file is then neither added nor
@@ -186,10 +195,18 @@ protected:
     /// Adds files in the order of the paths, at a place of `_content`. Neutral value: false.
     virtual bool addFilesAt(const std::vector<std::string>& paths, ContentList::Place place);
 
+    using RefusalReport = std::shared_ptr<const std::function<void(const FileRefusal&)>>;
+    /// Returns what `reportRefusals` was given; null if refusals are not reported.
+    RefusalReport refusalReport() const;
+
     std::atomic<QuarnDelegate*> _delegate = nullptr;
     std::atomic<bool> _continue2AddFiles = false;
     ContentList _content;
     std::shared_ptr<DRBurn> _burner;
+
+private:
+    mutable std::mutex _mutex;
+    RefusalReport _refusalReport;
 };
 
 } // namespace quarner

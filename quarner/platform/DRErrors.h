@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <string_view>
 
 #include "quarner/platform/Export.h"
@@ -35,6 +37,17 @@ enum class DRError : std::uint32_t {
     VerifyFailed = 0x8002F025,     ///< what was read back differs from what was written
 
     Internal = 0x8002F0FF, ///< an internal error, for instance out of memory
+};
+
+/// What the error of a burn is about, for programs. Empty where that is not known.
+struct BurnErrorInfo {
+    std::string path = {};                    ///< the source file, or the file of the image
+    std::optional<std::uint64_t> sector = {}; ///< the first sector of the disc that is concerned
+    /// The recording service's or the drive's own words, in English: for a log, and for users who
+    /// want to know more than the code says.
+    std::string message = {};
+
+    bool operator==(const BurnErrorInfo&) const = default;
 };
 
 /// Returns one English sentence for a code that a delegate received (`BurnError::code`), for

@@ -59,6 +59,10 @@ inline constexpr char DRErrorStatusKey[] = "DRErrorStatusKey";
 inline constexpr char DRErrorStatusErrorKey[] = "DRErrorStatusErrorKey";
 /// Text: what failed, and with which file. The service also writes it to the diagnostic log.
 inline constexpr char DRErrorStatusErrorInfoKey[] = "DRErrorStatusErrorInfoKey";
+/// Text: the path of the file that the error is about. Absent if it is about none.
+inline constexpr char DRErrorStatusFileKey[] = "DRErrorStatusFileKey";
+/// Number: the first sector of the disc that the error is about. Absent if it is about none.
+inline constexpr char DRErrorStatusSectorKey[] = "DRErrorStatusSectorKey";
 
 // The states of a burn, in the order of their records.
 inline constexpr char DRStatusStatePreparing[] = "DRStatusStatePreparing";

@@ -23,6 +23,12 @@ public:
     /// at once. If the main queue is shut down while the caller waits, the work is dropped and the
     /// call returns.
     virtual void syncMain(std::function<void()> work) = 0;
+
+    /// Submits work to the main thread and returns at once, also on the main thread itself. What
+    /// was submitted by this call runs in that order and one at a time: never inside other such
+    /// work, not even in a loop that it runs. If the main queue is shut down before, the work is
+    /// dropped. The work must not throw.
+    virtual void asyncMain(std::function<void()> work) = 0;
 };
 
 } // namespace quarner

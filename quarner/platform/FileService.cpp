@@ -5,4 +5,9 @@ namespace quarner {
 
 FileService::~FileService() = default;
 
+std::optional<FileProblem> FileService::problem(const std::string& path) {
+    return attributes(path) ? std::nullopt
+                            : std::optional(FileProblem{FileProblem::Kind::Missing, {}});
+}
+
 } // namespace quarner

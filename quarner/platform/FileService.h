@@ -18,6 +18,22 @@ struct FileAttributes {
     std::optional<std::uint32_t> hfsTypeCode;
 };
 
+/// Why a file cannot be read.
+struct FileProblem {
+    enum class Kind {
+        Missing,   ///< nothing is at the path
+        NotAFile,  ///< a folder, a device, a socket or the like
+        Unreadable ///< the file may not be opened, or opening it fails
+    };
+
+    Kind kind = Kind::Missing;
+    /// A few English words without the path, such as "Permission denied" or "a folder". May be
+    /// empty.
+    std::string detail = {};
+
+    bool operator==(const FileProblem&) const = default;
+};
+
 /// Information about files. Every operation may be called on any thread and never throws.
 class QUARNER_EXPORT FileService {
 public:
@@ -40,6 +56,10 @@ public:
     /// `std::nullopt` if the file is not an alias, or if its target is gone. A symbolic link is not
     /// an alias.
     virtual std::optional<std::string> resolveAlias(const std::string& path) = 0;
+
+    /// Returns why the file at a path cannot be read; `std::nullopt` if it can be opened. The
+    /// default tells only whether its attributes can be read: a file without them is missing.
+    virtual std::optional<FileProblem> problem(const std::string& path);
 };
 
 } // namespace quarner

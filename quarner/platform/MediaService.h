@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,6 +29,34 @@ public:
     QTMovie& operator=(const QTMovie&) = delete;
 
     virtual QTTime duration() const = 0;
+};
+
+/// Why a file is no movie, or one that is too short.
+struct MovieProblem {
+    enum class Kind {
+        Unreadable, ///< the file cannot be read
+        NoSound,    ///< no sound that can be decoded was found in it
+        Damaged,    ///< too much of its sound is damaged
+        TooShort    ///< it plays for less than a second
+    };
+
+    Kind kind = Kind::Unreadable;
+    std::string detail = {}; ///< a few English words without the path; may be empty
+
+    bool operator==(const MovieProblem&) const = default;
+};
+
+/// What a file says about its own content, for display. Every text is valid UTF-8 without control
+/// characters, has at most `mostBytes` bytes, and is empty if the file does not say it.
+struct MediaTags {
+    static constexpr std::size_t mostBytes = 1024;
+
+    std::string title = {};
+    std::string artist = {};
+    std::string album = {};
+    std::uint32_t track = 0; ///< the number on its album, from 1; 0 if the file does not say it
+
+    bool operator==(const MediaTags&) const = default;
 };
 
 /// The media service: which files can be played, and their duration.
@@ -55,11 +85,18 @@ public:
     /// quotes. `flags` 0 asks for the common ones only.
     virtual std::vector<std::string> movieFileTypes(std::uint32_t flags) = 0;
 
-    /// Returns why a file that was refused is no movie, or one that is too short, in a few words
-    /// for a user: "unreadable: Input/output error". Empty if neither is known. Must return soon;
-    /// the default opens the movie, and a service for which that takes long returns what it noted
-    /// when it last opened it. Called on the main thread.
+    /// Returns why a file that was refused is no movie, or one that is too short; `std::nullopt` if
+    /// neither is known. Must return soon; the default opens the movie, and a service for which
+    /// that takes long returns what it noted when it last opened it. Called on the main thread.
+    virtual std::optional<MovieProblem> movieProblem(const std::string& path);
+
+    /// The same in a few words for a user: "unreadable: Input/output error". Empty if there is no
+    /// problem. The default words what `movieProblem` returns.
     virtual std::string problemWithMovie(const std::string& path);
+
+    /// Reads the tags of a file, but not its sound. Empty, as by default, if it has none or cannot
+    /// be read. Any thread; may wait for the disk.
+    virtual MediaTags tags(const std::string& path);
 };
 
 } // namespace quarner

@@ -16,4 +16,6 @@ std::optional<PCMLength> PCMService::measureWhile(const std::string& path,
 
 std::string PCMService::problemWith(const std::string& /*path*/) { return {}; }
 
+bool PCMService::isDamaged(const std::string& /*path*/) { return false; }
+
 } // namespace quarner

@@ -69,6 +69,10 @@ public:
     /// Returns why the file at a path could not be measured or opened when that last failed, in a
     /// few words without the path. Reads no file. Empty, as by default, if that is not known.
     virtual std::string problemWith(const std::string& path);
+
+    /// Returns whether that problem is damage in the file rather than a failure to read it. False
+    /// by default.
+    virtual bool isDamaged(const std::string& path);
 };
 
 } // namespace quarner

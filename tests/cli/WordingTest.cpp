@@ -700,85 +700,24 @@ TEST_F(WatchWording, AMachineWithoutDrivesIsSaidToHaveNoneYet) {
     EXPECT_THAT(host.outLines(), ElementsAre("There is no drive yet."));
 }
 
-/// Why a file is refused. The files exist, and the platform says about them what the test wants.
-class RefusalWording : public testing::Test {
-protected:
-    RefusalWording() {
-        std::string pattern =
-            (std::filesystem::path(testing::TempDir()) / "quarner-refusals-XXXXXX").string();
-        folder = mkdtemp(pattern.data());
-    }
-    ~RefusalWording() override { std::filesystem::remove_all(folder); }
-
-    std::string file(const std::string& name, const MediaScript& media = {.isPlayable = false}) {
-        const std::string path = (folder / name).string();
-        std::ofstream(path) << "content";
-        platform.putSong(path, media);
-        return path;
-    }
-
-    std::string reason(const std::string& path) {
-        return reasonForRefusal(DiscKind::Audio, *burner, path);
-    }
-
-    ScriptedPlatform platform;
+TEST(RefusalWording, EveryReasonHasItsWords) {
     const std::shared_ptr<Quarner> burner = Quarner::audioCDBurner();
-    std::filesystem::path folder;
-};
-
-TEST_F(RefusalWording, AMissingFile) {
-    EXPECT_EQ(reason((folder / "none.mp3").string()), "no such file");
-    EXPECT_EQ(reason(file("plain.mp3") + "/below.mp3"), "no such file");
-    EXPECT_EQ(reason(""), "no such file");
-}
-
-TEST_F(RefusalWording, AFolder) {
-    std::filesystem::create_directory(folder / "album.mp3");
-    EXPECT_EQ(reason((folder / "album.mp3").string()), "unsupported type (a folder)");
-}
-
-TEST_F(RefusalWording, APipe) {
-    const std::string pipe = (folder / "pipe.mp3").string();
-    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    EXPECT_EQ(reason(pipe), "unsupported type (not a file on disk)");
-}
-
-TEST_F(RefusalWording, CopyProtectedMedia) {
-    EXPECT_EQ(reason(file("a.m4p")), "copy-protected");
-    EXPECT_EQ(reason(file("a.M4B")), "copy-protected");
-}
-
-TEST_F(RefusalWording, ADataDiscKnowsNoProtectedMedia) {
-    const auto data = Quarner::dataCDBurner();
-    EXPECT_EQ(reasonForRefusal(DiscKind::Data, *data, file("a.m4p")),
-              "unsupported type (mp3 and m4a can be added)");
-    EXPECT_EQ(reasonForRefusal(DiscKind::Data, *data, file("a.mp3")),
+    const auto text = [&](RefusalReason reason, const std::string& detail = {}) {
+        return reasonText({"/a.mp3", reason, detail}, *burner);
+    };
+    EXPECT_EQ(text(RefusalReason::Missing), "no such file");
+    EXPECT_EQ(text(RefusalReason::Unreadable, "Permission denied"),
+              "unreadable: Permission denied");
+    EXPECT_EQ(text(RefusalReason::Unreadable), "unreadable: it could not be added");
+    EXPECT_EQ(text(RefusalReason::NotAFile, "a folder"), "unsupported type (a folder)");
+    EXPECT_EQ(text(RefusalReason::UnsupportedType), "unsupported type (mp3 and m4a can be added)");
+    EXPECT_EQ(text(RefusalReason::Protected), "copy-protected");
+    EXPECT_EQ(text(RefusalReason::NoSound, "no sound could be found in it"),
               "unreadable: no sound could be found in it");
-}
-
-TEST_F(RefusalWording, AnotherTypeThanTheSupportedOnes) {
-    EXPECT_EQ(reason(file("a.wav", {.seconds = 10.0})),
-              "unsupported type (mp3 and m4a can be added)");
-}
-
-TEST_F(RefusalWording, AFileWithoutSound) {
-    EXPECT_EQ(reason(file("a.mp3")), "unreadable: no sound could be found in it");
-}
-
-TEST_F(RefusalWording, AFileThatIsTooShort) {
-    EXPECT_EQ(reason(file("a.mp3", {.seconds = 0.5})), "shorter than a second");
-    EXPECT_EQ(reason(file("b.mp3", {.time = QTTime{0, 0}})), "shorter than a second");
-}
-
-TEST_F(RefusalWording, AFileOfWhichNoTrackCouldBeMade) {
-    EXPECT_EQ(reason(file("a.mp3", {.seconds = 10.0, .makesTrack = false})),
-              "unreadable: it could not be added");
-}
-
-TEST_F(RefusalWording, AnAliasIsJudgedByWhatItStandsFor) {
-    const std::string target = file("a.wav");
-    platform.putFile("/alias.mp3", {.aliasOf = target});
-    EXPECT_EQ(reason("/alias.mp3"), "unsupported type (mp3 and m4a can be added)");
+    EXPECT_EQ(text(RefusalReason::TooShort), "shorter than a second");
+    EXPECT_EQ(text(RefusalReason::Damaged, "more than 16 MiB of damage in one place"),
+              "unreadable: more than 16 MiB of damage in one place");
+    EXPECT_EQ(text(RefusalReason::AlreadyInList), "already added");
 }
 
 } // namespace

@@ -136,9 +136,20 @@ TYPED_TEST(BothBurnStatus, AFailureWithoutACodeHasTheCodeOfARefusal) {
     burn->post(
         Dictionary{{DRStatusStateKey, DRStatusStateFailed}, {DRErrorStatusKey, Dictionary{}}});
     this->finishRuns();
-    EXPECT_EQ(this->delegate.errors().back(), (BurnError{"Quarn", 0}));
+    EXPECT_EQ(this->delegate.errors().back(), (BurnError{"Quarn", 0, {}}));
     EXPECT_THAT(this->heardOf({.state = DRStatusStateFailed}),
                 ElementsAre("burnProgressDidError(Quarn, 0)"));
+}
+
+TYPED_TEST(BothBurnStatus, AnErrorSaysWhichFileAndSectorItIsAbout) {
+    const BurnErrorInfo info = {.path = "/a.mp3", .sector = 0, .message = "/a.mp3: gone"};
+    this->heardOf({.state = DRStatusStateFailed,
+                   .error = static_cast<std::uint32_t>(DRError::SourceMissing),
+                   .errorInfo = info});
+    EXPECT_EQ(this->delegate.errors().back(),
+              (BurnError{"Quarn", signedCode(DRError::SourceMissing), info}));
+    this->heardOf({.state = DRStatusStateFailed, .error = 0x8002F012});
+    EXPECT_EQ(this->delegate.errors().back().info, BurnErrorInfo());
 }
 
 TYPED_TEST(BothBurnStatus, AfterDoneNothingMoreIsHeardAndTheBurnObjectIsGone) {

@@ -131,6 +131,7 @@ class EagerDispatch : public DispatchService {
 public:
     void asyncGlobal(std::function<void()> work) override { std::thread(std::move(work)).join(); }
     void syncMain(std::function<void()> work) override { work(); }
+    void asyncMain(std::function<void()> work) override { work(); }
 };
 
 TYPED_TEST(BothIngestionRuns, ARunMayBeginAndEndBeforeTheCallReturns) {

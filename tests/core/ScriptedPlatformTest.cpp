@@ -103,7 +103,7 @@ TEST_F(ScriptedPlatformTest, ABurnFailsAtAFractionWithACode) {
     burner->burnWithDevice(QuarnerDevice("Writer"), std::nullopt);
     finishRuns();
     ASSERT_EQ(delegate.errors().size(), 1U);
-    EXPECT_EQ(delegate.errors().front(), (BurnError{"Quarn", signedCode(DRError::NoSpace)}));
+    EXPECT_EQ(delegate.errors().front(), (BurnError{"Quarn", signedCode(DRError::NoSpace), {}}));
     EXPECT_EQ(delegate.count("burnProgressDidChanaged(0.5, 0)"), 1U);
     EXPECT_EQ(delegate.count("burnProgressDidChanaged(1, 0)"), 0U);
 }
@@ -162,6 +162,41 @@ TEST_F(ScriptedPlatformTest, AHeldMainQueueStopsTheRunAtThePlayTime) {
     EXPECT_TRUE(platform.mainQueue().releaseOne());
     finishRuns();
     EXPECT_EQ(count(), 1U);
+}
+
+TEST_F(ScriptedPlatformTest, WorkPostedToTheMainThreadRunsLaterInOrderAndNotWithinOtherPostedWork) {
+    const auto dispatch = currentPlatform()->dispatch;
+    std::vector<int> order;
+    dispatch->asyncMain([&] {
+        order.push_back(1);
+        dispatch->asyncMain([&] { order.push_back(3); });
+        EXPECT_FALSE(platform.runOnce());
+    });
+    dispatch->asyncMain([&] { order.push_back(2); });
+    EXPECT_THAT(order, ElementsAre());
+    finishRuns();
+    EXPECT_THAT(order, ElementsAre(1, 2, 3));
+}
+
+TEST_F(ScriptedPlatformTest, PostedWorkIsHeldWithTheMainQueue) {
+    platform.mainQueue().hold();
+    bool hasRun = false;
+    currentPlatform()->dispatch->asyncMain([&] { hasRun = true; });
+    finishRuns();
+    EXPECT_EQ(platform.mainQueue().waiting(), 1U);
+    EXPECT_FALSE(hasRun);
+    platform.mainQueue().release();
+    finishRuns();
+    EXPECT_TRUE(hasRun);
+}
+
+TEST_F(ScriptedPlatformTest, TagsAreAsScripted) {
+    const MediaTags tags = {.title = "One", .artist = "A", .album = "B", .track = 7};
+    platform.putSong("/a.mp3", {.seconds = 1, .tags = tags});
+    EXPECT_EQ(currentPlatform()->media->tags("/a.mp3"), tags);
+    EXPECT_EQ(currentPlatform()->media->tags("/b.mp3"), MediaTags());
+    platform.fail(ServiceCall::Tags);
+    EXPECT_EQ(currentPlatform()->media->tags("/a.mp3"), MediaTags());
 }
 
 TEST_F(ScriptedPlatformTest, RunUntilGivesUpAfterItsTimeout) {
@@ -230,8 +265,8 @@ TEST_F(ScriptedPlatformTest, EveryCallCanFail) {
           ServiceCall::DriveInfo, ServiceCall::DriveStatus, ServiceCall::EjectMedia,
           ServiceCall::MovieWithFile, ServiceCall::MovieFileTypes, ServiceCall::DisplayName,
           ServiceCall::Attributes, ServiceCall::IconOfFile, ServiceCall::ResolveAlias,
-          ServiceCall::AsyncGlobal, ServiceCall::SyncMain, ServiceCall::CompareTexts,
-          ServiceCall::LocalizedNumber, ServiceCall::LocalizedString})
+          ServiceCall::AsyncGlobal, ServiceCall::SyncMain, ServiceCall::AsyncMain,
+          ServiceCall::CompareTexts, ServiceCall::LocalizedNumber, ServiceCall::LocalizedString})
         platform.fail(call);
     EXPECT_THAT(results(), ::testing::Each(false));
     services->dispatch->asyncGlobal([] { FAIL(); });

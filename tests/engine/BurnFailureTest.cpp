@@ -10,15 +10,17 @@ namespace {
 
 TEST(WriteFailure, HasTheCodeOfTheSystemsReason) {
     for (const int full : {ENOSPC, EDQUOT})
-        EXPECT_EQ(writeFailure(full, "x").error(), DRError::NoSpace) << full;
+        EXPECT_EQ(writeFailure(full, "x", "/y").error(), DRError::NoSpace) << full;
     for (const int forbidden : {EACCES, EPERM, EROFS})
-        EXPECT_EQ(writeFailure(forbidden, "x").error(), DRError::PermissionDenied) << forbidden;
+        EXPECT_EQ(writeFailure(forbidden, "x", "/y").error(), DRError::PermissionDenied)
+            << forbidden;
     for (const int other : {EIO, ENODEV, EFBIG})
-        EXPECT_EQ(writeFailure(other, "x").error(), DRError::WriteFailed) << other;
+        EXPECT_EQ(writeFailure(other, "x", "/y").error(), DRError::WriteFailed) << other;
 }
 
 TEST(WriteFailure, NamesTheAttemptAndTheReason) {
-    EXPECT_EQ(writeFailure(ENOSPC, "creating mix.bin").info(),
+    EXPECT_EQ(writeFailure(ENOSPC, "creating ", "mix.bin").path(), "mix.bin");
+    EXPECT_EQ(writeFailure(ENOSPC, "creating ", "mix.bin").info(),
               "creating mix.bin: No space left on device");
 }
 

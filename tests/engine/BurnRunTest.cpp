@@ -273,6 +273,8 @@ TEST_F(BurnRunTest, ADiscThatDiffersFailsWithTheTrackThatDoes) {
     perform();
     EXPECT_EQ(log.code(), codeOf(DRError::VerifyFailed));
     EXPECT_THAT(log.info(), HasSubstr("sectors from 1024 on (track 2)"));
+    EXPECT_EQ(log.sector(), 1024U);
+    EXPECT_EQ(log.path(), "");
     EXPECT_THAT(disc->calls, Not(Contains("commit")));
 }
 

@@ -36,6 +36,8 @@ protected:
         } catch (const BurnFailure& failure) {
             EXPECT_NE(failure.info(), "");
             info = failure.info();
+            EXPECT_NE(failure.path(), "");
+            EXPECT_TRUE(failure.info().starts_with(failure.path()));
             return failure.error();
         }
     }

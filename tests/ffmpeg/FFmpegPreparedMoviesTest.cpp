@@ -21,13 +21,22 @@ protected:
 
     /// Why a file with this content is refused.
     std::string problemOf(const std::string& content) const {
-        const std::string path = folder.write("refused.mp3", content);
-        prepare(path);
-        media->movieWithFile(path);
-        return media->problemWithMovie(path);
+        open(content);
+        return media->problemWithMovie(refused);
+    }
+    std::optional<MovieProblem::Kind> kindOf(const std::string& content) const {
+        open(content);
+        const std::optional<MovieProblem> problem = media->movieProblem(refused);
+        return problem ? std::optional(problem->kind) : std::nullopt;
+    }
+    void open(const std::string& content) const {
+        folder.write("refused.mp3", content);
+        prepare(refused);
+        media->movieWithFile(refused);
     }
 
     const std::shared_ptr<MediaService> media = makeFFmpegMediaService(service);
+    const std::string refused = folder.file("refused.mp3");
     const std::string song = contentOf(audioFixture(mp3Recipe()));
 };
 
@@ -78,10 +87,21 @@ TEST_F(FFmpegPreparedMovies, TheProblemSaysWhatIsTheMatterWithAFile) {
     EXPECT_EQ(problemOf("no sound"), "unreadable: no sound could be found in it");
 }
 
+TEST_F(FFmpegPreparedMovies, TheProblemHasAKind) {
+    AudioRecipe instant = mp3Recipe();
+    instant.samples = 22050;
+    EXPECT_EQ(kindOf(contentOf(audioFixture(instant))), MovieProblem::Kind::TooShort);
+    EXPECT_EQ(kindOf(song + std::string(17U << 20, '\x55') + song), MovieProblem::Kind::Damaged);
+    EXPECT_EQ(kindOf(song), std::nullopt);
+    EXPECT_EQ(kindOf("no sound"), MovieProblem::Kind::NoSound);
+}
+
 TEST_F(FFmpegPreparedMovies, AFileThatIsGoneHasAReasonOfItsOwn) {
     const std::string path = folder.file("none.mp3");
     EXPECT_EQ(media->movieWithFile(path), nullptr);
     EXPECT_EQ(media->problemWithMovie(path), "unreadable: No such file or directory");
+    EXPECT_EQ(media->movieProblem(path),
+              (MovieProblem{MovieProblem::Kind::Unreadable, "No such file or directory"}));
 }
 
 } // namespace

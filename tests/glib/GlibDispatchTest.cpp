@@ -67,6 +67,31 @@ TEST(GlibDispatch, TheThreadThatOwnsTheDefaultContextRunsWorkAtOnce) {
     owner.join();
 }
 
+TEST(GlibDispatch, PostedWorkRunsOnTheMainThreadInOrderAndNeverAtOnce) {
+    const auto dispatch = makeGlibDispatch();
+    std::vector<int> order;
+    std::thread([&] { dispatch->asyncMain([&] { order.push_back(1); }); }).join();
+    dispatch->asyncMain([&] {
+        order.push_back(2);
+        dispatch->asyncMain([&] { order.push_back(4); });
+        runPendingTurns();
+        order.push_back(3);
+    });
+    EXPECT_TRUE(order.empty());
+    ASSERT_TRUE(runLoopUntil([&] { return order.size() == 4; }));
+    EXPECT_EQ(order, (std::vector<int>{1, 2, 3, 4}));
+}
+
+TEST(GlibDispatch, PostedWorkIsDroppedByTheShutDown) {
+    const auto dispatch = makeGlibDispatch();
+    bool hasRun = false;
+    dispatch->asyncMain([&] { hasRun = true; });
+    dispatch->shutDown();
+    dispatch->asyncMain([&] { hasRun = true; });
+    runPendingTurns();
+    EXPECT_FALSE(hasRun);
+}
+
 TEST(GlibDispatch, BackgroundWorkRunsFourAtATimeAtLeast) {
     const auto dispatch = makeGlibDispatch();
     Gate gate;

@@ -51,6 +51,32 @@ protected:
     const std::shared_ptr<FileService> files = makeGlibFileService();
 };
 
+TEST_F(GlibFiles, TheProblemOfAFileIsWhatKeepsItFromBeingRead) {
+    using Kind = FileProblem::Kind;
+    const std::string file = folder.write("a.mp3");
+    EXPECT_EQ(files->problem(file), std::nullopt);
+    const FileProblem missing = {Kind::Missing, "No such file or directory"};
+    EXPECT_EQ(files->problem(folder.file("none.mp3")), missing);
+    EXPECT_EQ(files->problem(""), missing);
+    EXPECT_EQ(files->problem(file + "/below"), (FileProblem{Kind::Missing, "Not a directory"}));
+    EXPECT_EQ(files->problem(folder.path().string()), (FileProblem{Kind::NotAFile, "a folder"}));
+    const std::string pipe = folder.file("pipe.mp3");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(files->problem(pipe), (FileProblem{Kind::NotAFile, "not a file on disk"}));
+}
+
+TEST_F(GlibFiles, AFileWithoutPermissionIsUnreadable) {
+    const std::string file = folder.write("secret.mp3");
+    ASSERT_EQ(chmod(file.c_str(), 0), 0);
+    ASSERT_EQ(chmod(folder.path().c_str(), 0755), 0);
+    const auto look = [&] {
+        EXPECT_EQ(files->problem(file),
+                  (FileProblem{FileProblem::Kind::Unreadable, "Permission denied"}));
+    };
+    if (!runUnprivileged(look))
+        GTEST_SKIP() << "this process cannot give up its rights";
+}
+
 TEST_F(GlibFiles, TheDisplayNameIsTheNameInTheFolder) {
     EXPECT_EQ(files->displayName(folder.write("Grüße \"aus\" 東京 🎵.mp3")),
               "Grüße \"aus\" 東京 🎵.mp3");

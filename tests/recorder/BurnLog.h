@@ -76,6 +76,18 @@ public:
         return text == nullptr ? std::string() : *text;
     }
 
+    std::string path() const {
+        const Dictionary found = error();
+        const std::string* path = valueFor(found, DRErrorStatusFileKey).asString();
+        return path == nullptr ? std::string() : *path;
+    }
+    /// Nothing if the failure is about no sector.
+    std::optional<std::uint64_t> sector() const {
+        const Dictionary found = error();
+        const Value& sector = valueFor(found, DRErrorStatusSectorKey);
+        return sector.isNumber() ? std::optional(sector.asUInt64()) : std::nullopt;
+    }
+
     static std::string stateOf(const Dictionary& record) {
         const std::string* state = valueFor(record, DRStatusStateKey).asString();
         return state == nullptr ? std::string() : *state;

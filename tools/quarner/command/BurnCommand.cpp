@@ -9,7 +9,6 @@
 #include "tools/quarner/command/BurnProblems.h"
 #include "tools/quarner/command/DriveChoice.h"
 #include "tools/quarner/command/Refusals.h"
-#include "tools/quarner/host/FailureDetail.h"
 #include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
@@ -21,11 +20,15 @@ BurnCommand::BurnCommand(Host& host, BurnOptions options, View& view)
     if (isAsked() && !_host.terminal->show && !_options.dryRun)
         throw UsageProblem("the question cannot be shown; --yes burns without asking");
     _burner->setDelegate(&_relay);
+    _burner->reportRefusals([this](const FileRefusal& refused) {
+        _host.loop.post([this, refused] { refuse(refused); });
+    });
 }
 
 BurnCommand::~BurnCommand() {
     _host.onInterruption(nullptr);
     _burner->setDelegate(nullptr);
+    _burner->reportRefusals(nullptr);
 }
 
 ExitStatus BurnCommand::run() {
@@ -108,23 +111,17 @@ void BurnCommand::interrupt() {
 }
 
 void BurnCommand::addFiles() {
-    if (_burner->addFiles(_options.files))
-        _host.loop.run();
-    else
-        refuse(_options.files); // of these the burner reports nothing
+    if (!_burner->addFiles(_options.files)) // then the delegate is not told of the end
+        _host.loop.post([this] { _host.loop.quit(); });
+    _host.loop.run();
 }
 
-void BurnCommand::addFilesProgressDidEnd(const EndReport& report) {
-    for (const auto& [reason, paths] : report)
-        refuse(paths);
-    _host.loop.quit();
-}
+void BurnCommand::addFilesProgressDidEnd(const EndReport& /*report*/) { _host.loop.quit(); }
 
-void BurnCommand::refuse(const std::vector<std::string>& paths) {
-    _refusedCount += paths.size();
-    for (const std::string& path : paths)
-        _host.console.error("quarner: " + safeText(path) + ": " +
-                            reasonForRefusal(_options.kind, *_burner, path));
+void BurnCommand::refuse(const FileRefusal& refusal) {
+    ++_refusedCount;
+    _host.console.error("quarner: " + safeText(refusal.path) + ": " +
+                        reasonText(refusal, *_burner));
 }
 
 Compilation BurnCommand::compilation() const {
@@ -141,13 +138,12 @@ Compilation BurnCommand::compilation() const {
 }
 
 BurnCommand::Outcome BurnCommand::burn(const Compilation& compiled) {
-    const FailureDetail detail;
     if (_device.device()) {
         _isStarted = true;
         _burner->burnWithDevice(_device, _options.title);
         _host.loop.run();
     } else { // of which a burner of data discs says nothing
-        _errorCode = signedCode(DRError::DeviceVanished);
+        _error.code = signedCode(DRError::DeviceVanished);
     }
     switch (_burnEnd) {
     case BurnEnd::Done:
@@ -155,7 +151,7 @@ BurnCommand::Outcome BurnCommand::burn(const Compilation& compiled) {
     case BurnEnd::Canceled:
         return cancellation();
     default:
-        return failure(compiled, detail.text());
+        return failure(compiled);
     }
 }
 
@@ -173,7 +169,7 @@ void BurnCommand::burnProgressDidCanceled() {
 
 void BurnCommand::burnProgressDidError(const BurnError& error) {
     _burnEnd = BurnEnd::Error;
-    _errorCode = error.code;
+    _error = error;
     _host.loop.quit();
 }
 
@@ -220,13 +216,13 @@ BurnCommand::Outcome BurnCommand::success(const Compilation& compiled) const {
                 _disc.capacityText(compiled.used) + ", on " + place};
 }
 
-BurnCommand::Outcome BurnCommand::failure(const Compilation& compiled,
-                                          const std::string& detail) const {
-    if (_errorCode == signedCode(DRError::MediaTooSmall) || (_errorCode == 0 && compiled.hasDisc))
+BurnCommand::Outcome BurnCommand::failure(const Compilation& compiled) const {
+    if (_error.code == signedCode(DRError::MediaTooSmall) || (_error.code == 0 && compiled.hasDisc))
         return overflow(compiled);
-    const std::int64_t code = _errorCode == 0 ? signedCode(DRError::MediaNotPresent) : _errorCode;
+    const std::int64_t code = _error.code == 0 ? signedCode(DRError::MediaNotPresent) : _error.code;
     return {ExitStatus::Failed,
-            "the burn failed: " + explainedFailure(code, detail, _disc.imageBytes(compiled.used))};
+            "the burn failed: " +
+                explainedFailure(code, _error.info.message, _disc.imageBytes(compiled.used))};
 }
 
 } // namespace quarner::cli

@@ -51,7 +51,7 @@ private:
     bool isAsked() const;
     BurnQuestion::Answer ask();
     void addFiles();
-    void refuse(const std::vector<std::string>& paths);
+    void refuse(const FileRefusal& refusal);
     Compilation compilation() const;
     Outcome burn(const Compilation& compiled);
     Outcome refusal() const;
@@ -59,7 +59,7 @@ private:
     Outcome cancellation() const;
     const char* leftByCancellation() const;
     Outcome success(const Compilation& compiled) const;
-    Outcome failure(const Compilation& compiled, const std::string& detail) const;
+    Outcome failure(const Compilation& compiled) const;
 
     Host& _host;
     const BurnOptions _options;
@@ -75,7 +75,7 @@ private:
     bool _isVerifying = false; ///< the disc is complete and closed
     std::size_t _refusedCount = 0;
     enum class BurnEnd { None, Done, Canceled, Error } _burnEnd = BurnEnd::None;
-    std::int64_t _errorCode = 0;
+    BurnError _error;
 };
 
 } // namespace quarner::cli

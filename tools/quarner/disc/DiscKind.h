@@ -38,7 +38,6 @@ struct DiscTraits {
     const char* titleHelp; ///< what a title does
     const char* excess;    ///< how content is that does not fit: "too long"
     const char* overhead;  ///< said where content does not fit that is not more than the room
-    bool refusesProtected; ///< whether its burner tells protected files from others
     bool tellsTimeLeft;    ///< whether its burner knows how long the burn takes
 
     std::shared_ptr<Quarner> (*makeBurner)();

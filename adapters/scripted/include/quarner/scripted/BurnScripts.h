@@ -22,6 +22,7 @@ struct QUARNER_EXPORT BurnRecord {
     std::optional<std::int64_t> track = std::nullopt;
     std::optional<std::int64_t> of = std::nullopt;
     std::optional<std::uint32_t> error = std::nullopt; ///< the service's code
+    BurnErrorInfo errorInfo = {};                      ///< only with an error
 
     /// The record as the recording service delivers it.
     Dictionary dictionary() const;
@@ -39,6 +40,7 @@ struct BurnScript {
     /// The burn fails with `code` right after the first record with this state.
     std::optional<std::string> failsIn = std::nullopt;
     DRError code = DRError::WriteFailed;
+    BurnErrorInfo errorInfo = {};
 };
 
 /// Returns the records that a script sends for a layout, in order. The last one, and no other, is

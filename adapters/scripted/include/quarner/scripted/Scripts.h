@@ -8,6 +8,7 @@
 
 #include "quarner/platform/DRKeys.h"
 #include "quarner/platform/DRMSF.h"
+#include "quarner/platform/FileService.h"
 #include "quarner/platform/MediaService.h"
 #include "quarner/platform/Value.h"
 
@@ -62,6 +63,9 @@ struct FileScript {
     bool nodeThrows = false;
     /// The initial entries of the node's property dictionary.
     Dictionary nodeProperties = {};
+    /// Why the file cannot be read. By default nothing if it is readable, otherwise "Permission
+    /// denied".
+    std::optional<FileProblem> problem = std::nullopt;
 };
 
 /// The media of a file. The play time of the media service and the length of the recording
@@ -80,6 +84,9 @@ struct MediaScript {
     bool makesTrack = true; ///< if false, no track can be made from it
     /// The initial entries of the track's property dictionary.
     Dictionary trackProperties = {};
+    /// Why the media service refuses the file, instead of what follows from its play time.
+    std::optional<MovieProblem> problem = std::nullopt;
+    MediaTags tags = {};
 };
 
 /// Returns the number of a type code of four characters: `typeCode("M4P ")`.

@@ -24,16 +24,19 @@ enum class ServiceCall {
     // The media service
     MovieWithFile,  ///< null; subject: the path
     MovieFileTypes, ///< an empty list; no subject
+    Tags,           ///< empty tags; subject: the path
 
     // The file service; subject: the path
     DisplayName,  ///< the last component
     Attributes,   ///< `std::nullopt`
     IconOfFile,   ///< an icon without names
     ResolveAlias, ///< `std::nullopt`
+    FileProblem,  ///< `std::nullopt`
 
     // The dispatch service; no subject
     AsyncGlobal, ///< the work is dropped
     SyncMain,    ///< the work is dropped, and the call returns at once
+    AsyncMain,   ///< the work is dropped
 
     // The text service
     CompareTexts,    ///< 0; subject: the first text
