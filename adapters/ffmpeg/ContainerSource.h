@@ -35,6 +35,9 @@ public:
     /// The tables of an MP4 file.
     const std::optional<Mp4Tables>& tables() const { return _tables; }
 
+    /// What the file says about itself; null if nothing. Valid as long as the source.
+    const AVDictionary* notes() const { return _format->metadata; }
+
     /// The part that remains after trimming, in ticks of the tables.
     Mp4Tables::Window heard() const { return _heard; }
 

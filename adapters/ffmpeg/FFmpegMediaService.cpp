@@ -6,6 +6,7 @@
 
 #include "adapters/ffmpeg/ContainerSource.h"
 #include "adapters/ffmpeg/FFmpegServices.h"
+#include "adapters/ffmpeg/FileTags.h"
 #include "adapters/ffmpeg/PathCache.h"
 
 namespace quarner {
@@ -57,6 +58,8 @@ public:
     std::optional<MovieProblem> movieProblem(const std::string& path) override {
         return _problems.find(path).value_or(std::nullopt);
     }
+
+    MediaTags tags(const std::string& path) override { return readTags(path); }
 
 private:
     std::optional<Length> takePrepared(const std::string& path) {
