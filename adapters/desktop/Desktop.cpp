@@ -28,10 +28,10 @@ std::shared_ptr<DesktopPlatform> current() {
     return installed().desktop;
 }
 
-std::shared_ptr<DesktopPlatform> currentOrNew() {
+std::shared_ptr<DesktopPlatform> currentOrNew(const DesktopOptions& options) {
     const std::lock_guard lock(installed().mutex);
     if (!installed().desktop)
-        installed().desktop = std::make_shared<DesktopPlatform>();
+        installed().desktop = std::make_shared<DesktopPlatform>(options.postToMain);
     return installed().desktop;
 }
 
@@ -51,7 +51,11 @@ std::shared_ptr<Drive> driveNamed(const std::string& name, DriveList& drives) {
 
 } // namespace
 
-void installDesktopPlatform() { installPlatform(currentOrNew()->services()); }
+void installDesktopPlatform() { installDesktopPlatform({}); }
+
+void installDesktopPlatform(const DesktopOptions& options) {
+    installPlatform(currentOrNew(options)->services());
+}
 
 void uninstallDesktopPlatform() {
     const std::shared_ptr<DesktopPlatform> desktop = takeCurrent();

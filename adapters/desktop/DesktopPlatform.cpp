@@ -10,9 +10,10 @@
 
 namespace quarner {
 
-DesktopPlatform::DesktopPlatform() : _dispatch(makeGlibDispatch()) {
+DesktopPlatform::DesktopPlatform(const PostToLoop& postToMain)
+    : _dispatch(makeGlibDispatch(postToMain)) {
     const std::shared_ptr<PCMService> pcm = makeFFmpegPCMService();
-    const std::shared_ptr<RunLoops> runLoops = makeGlibRunLoops();
+    const std::shared_ptr<RunLoops> runLoops = makeGlibRunLoops(postToMain);
     _opticalDrives = std::make_shared<OpticalDrives>(runLoops);
     _imageDrives = std::make_shared<ImageDrives>(runLoops);
     _services = {

@@ -25,6 +25,10 @@ std::unique_ptr<LoopSource> sourceOfDefaultContext(LoopSource::Nesting nesting,
 
 class Dispatch : public GlibDispatch {
 public:
+    Dispatch(const PostToLoop& postToMain, std::chrono::milliseconds patience)
+        : _isOnGlib(!postToMain),
+          _mainQueue(postToMain ? postedSources(postToMain) : sourceOfDefaultContext, patience) {}
+
     void asyncGlobal(std::function<void()> work) override { _pool->submit(std::move(work)); }
     void syncMain(std::function<void()> work) override {
         if (isMainThread())
@@ -41,16 +45,21 @@ public:
 private:
     bool isMainThread() const {
         return std::this_thread::get_id() == _makerThread ||
-               g_main_context_is_owner(g_main_context_default());
+               (_isOnGlib && g_main_context_is_owner(g_main_context_default()));
     }
 
     const std::thread::id _makerThread = std::this_thread::get_id();
-    MainThreadQueue _mainQueue{sourceOfDefaultContext};
+    const bool _isOnGlib;
+    MainThreadQueue _mainQueue;
     const std::shared_ptr<WorkPool> _pool = std::make_shared<WorkPool>(threadLimit());
 };
 
 } // namespace
 
-std::shared_ptr<GlibDispatch> makeGlibDispatch() { return std::make_shared<Dispatch>(); }
+// NOLINTNEXTLINE(performance-unnecessary-value-param): reads as the other makers do
+std::shared_ptr<GlibDispatch> makeGlibDispatch(PostToLoop postToMain,
+                                               std::chrono::milliseconds patience) {
+    return std::make_shared<Dispatch>(postToMain, patience);
+}
 
 } // namespace quarner

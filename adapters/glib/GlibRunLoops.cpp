@@ -3,6 +3,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -51,6 +52,36 @@ private:
     std::optional<WakeSource> _source;
 };
 
+/// A centre whose notifications a function posts to its loop.
+class PostedCenter : public RunLoopCenter {
+public:
+    PostedCenter() : RunLoopCenter([this] { _source->wake(); }) {}
+
+    static std::shared_ptr<PostedCenter> of(const PostToLoop& post) {
+        auto center = std::make_shared<PostedCenter>();
+        const auto turn = [weak = std::weak_ptr(center)] {
+            const auto alive = weak.lock();
+            return alive && alive->takeTurn();
+        };
+        center->_source = postedSources(post)(LoopSource::Nesting::No, turn);
+        return center;
+    }
+
+    /// As `GlibCenter::close`.
+    void close() { _isClosed = true; }
+
+private:
+    bool takeTurn() {
+        if (_isClosed)
+            return false;
+        deliverOne();
+        return hasPending();
+    }
+
+    std::atomic<bool> _isClosed = false;
+    std::unique_ptr<LoopSource> _source;
+};
+
 /// The centres of all contexts that were asked for one, each for as long as its context exists.
 class Centers : public std::enable_shared_from_this<Centers> {
 public:
@@ -89,29 +120,43 @@ private:
 
 class GlibRunLoops : public RunLoops {
 public:
-    GlibRunLoops() = default;
+    explicit GlibRunLoops(const PostToLoop& postToMain)
+        : _main(postToMain ? PostedCenter::of(postToMain) : nullptr) {}
     /// Observers may keep a centre longer: it stays silent then.
     ~GlibRunLoops() override {
+        if (_main)
+            _main->close();
         for (const auto& center : _centers->all())
             center->close();
     }
 
     std::shared_ptr<RunLoopCenter> currentCenter() override {
         const ContextPtr context(g_main_context_ref_thread_default(), g_main_context_unref);
+        const bool isOnMain =
+            std::this_thread::get_id() == _makerThread || context.get() == g_main_context_default();
+        if (_main && isOnMain)
+            return _main;
         return _centers->of(context.get());
     }
 
     void postToAll(const DRNotification& notification) override {
+        if (_main)
+            _main->post(notification);
         for (const auto& center : _centers->all())
             center->post(notification);
     }
 
 private:
+    const std::thread::id _makerThread = std::this_thread::get_id();
+    const std::shared_ptr<PostedCenter> _main; // null if GLib's loop is the main loop
     const std::shared_ptr<Centers> _centers = std::make_shared<Centers>();
 };
 
 } // namespace
 
-std::shared_ptr<RunLoops> makeGlibRunLoops() { return std::make_shared<GlibRunLoops>(); }
+// NOLINTNEXTLINE(performance-unnecessary-value-param): reads as the other makers do
+std::shared_ptr<RunLoops> makeGlibRunLoops(PostToLoop postToMain) {
+    return std::make_shared<GlibRunLoops>(postToMain);
+}
 
 } // namespace quarner

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <chrono>
 #include <memory>
 
+#include "adapters/runloop/MainThreadQueue.h"
 #include "adapters/runloop/RunLoops.h"
 #include "quarner/platform/DispatchService.h"
 #include "quarner/platform/FileService.h"
@@ -23,17 +25,25 @@ public:
 };
 
 /// Runs background work on a bounded number of threads, at least four; further work waits for a
-/// free thread. The main queue is the default GMainContext: its loop must run for `syncMain` to
-/// return on other threads. The calling thread is taken as the main thread, as is the thread that
-/// owns that context during a call. Destroying the service drops the work queued for the main
-/// thread; accepted background work still runs.
-std::shared_ptr<GlibDispatch> makeGlibDispatch();
+/// free thread. Destroying the service drops the work queued for the main thread; accepted
+/// background work still runs.
+///
+/// The calling thread is taken as the main thread. Work for it goes through `postToMain`. If that
+/// is empty, it goes through the default GMainContext, whose loop must run for `syncMain` to return
+/// on other threads, and the thread that owns that context during a call is taken as the main
+/// thread, too. The log says so once if a caller has waited `patience` for the main thread.
+std::shared_ptr<GlibDispatch>
+makeGlibDispatch(PostToLoop postToMain = {},
+                 std::chrono::milliseconds patience = MainThreadQueue::usualPatience);
 
 /// Run loops. A thread's centre belongs to the GMainContext that is the thread's default when it
 /// first asks for its centre (`g_main_context_push_thread_default`; otherwise the default context).
 /// Each turn of that context's loop delivers one notification, never within the posting and never
 /// within another delivery, nested loops included. A thread that ends releases its centre.
-std::shared_ptr<RunLoops> makeGlibRunLoops();
+///
+/// With a `postToMain`, the calling thread and threads without a context of their own share one
+/// centre, which delivers through that function.
+std::shared_ptr<RunLoops> makeGlibRunLoops(PostToLoop postToMain = {});
 
 /// Files on disk. The type code is the extended attribute `user.hfs.type` with four bytes; any
 /// other size is ignored. `attributes` returns `std::nullopt` for a file that the caller may not

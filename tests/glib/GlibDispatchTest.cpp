@@ -10,7 +10,9 @@
 #include <vector>
 
 #include "adapters/glib/GlibServices.h"
+#include "quarner/platform/Platform.h"
 #include "tests/glib/GlibLoop.h"
+#include "tests/support/KeptLog.h"
 
 namespace quarner {
 namespace {
@@ -80,6 +82,22 @@ TEST(GlibDispatch, PostedWorkRunsOnTheMainThreadInOrderAndNeverAtOnce) {
     EXPECT_TRUE(order.empty());
     ASSERT_TRUE(runLoopUntil([&] { return order.size() == 4; }));
     EXPECT_EQ(order, (std::vector<int>{1, 2, 3, 4}));
+}
+
+TEST(GlibDispatch, AWaitForALoopThatNobodyTurnsIsLogged) {
+    const auto log = std::make_shared<KeptLog>();
+    installPlatform({.log = log});
+    const auto dispatch = makeGlibDispatch({}, 1ms);
+    std::atomic<bool> isOver = false;
+    dispatch->asyncGlobal([&] {
+        dispatch->syncMain([] {});
+        isOver = true;
+    });
+    while (log->lines().empty())
+        std::this_thread::yield();
+    EXPECT_TRUE(runLoopUntil([&] { return isOver.load(); }));
+    EXPECT_EQ(log->lines().size(), 1U);
+    installPlatform({});
 }
 
 TEST(GlibDispatch, PostedWorkIsDroppedByTheShutDown) {

@@ -2,19 +2,21 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
 #include "quarner/platform/Export.h"
 
-/// The platform of a desktop host: GLib's main loop and log, the user's locale, the desktop's files
-/// and aliases, sound through FFmpeg, the optical drives of the machine, and drives whose discs are
-/// image files.
+/// The platform of a desktop host: a main loop, GLib's or the host's own, GLib's log, the user's
+/// locale, the desktop's files and aliases, sound through FFmpeg, the optical drives of the
+/// machine, and drives whose discs are image files.
 namespace quarner {
 
 /// Installs the platform. Call it before anything else of the framework, on the main thread. That
 /// thread then runs the loop of the default GMainContext: files are added, and burns and drives
-/// reported, only while the loop runs. A thread with its own default GMainContext receives the
+/// reported, only while the loop runs. If a run that adds files waits five seconds for it, the log
+/// says so once. A thread with its own default GMainContext receives the
 /// reports of what it started through that context's loop.
 ///
 /// Names and numbers use the locale that the environment names at the time of this call.
@@ -24,6 +26,26 @@ namespace quarner {
 /// A second call reinstalls the same platform, drives included, if another one was installed in
 /// between.
 QUARNER_EXPORT void installDesktopPlatform();
+
+/// The options of the desktop platform.
+struct DesktopOptions {
+    /// Runs a function on the main thread, in a later turn of its loop, in the order of the calls:
+    /// what a toolkit calls "invoke" or "post". It is called on any thread, the main thread
+    /// included, and must never run the function at once. With Qt:
+    ///
+    ///     [app](std::function<void()> work) {
+    ///         QMetaObject::invokeMethod(app, std::move(work), Qt::QueuedConnection);
+    ///     }
+    ///
+    /// Files are then added, and burns and drives reported, while that loop runs, and the host need
+    /// not turn a GMainContext. It must remain callable until `uninstallDesktopPlatform` has
+    /// returned; a function that the loop never runs is lost without harm after that. Empty for the
+    /// loop of the default GMainContext.
+    std::function<void(std::function<void()>)> postToMain = {};
+};
+
+/// The same with options, which count if the platform is not installed yet.
+QUARNER_EXPORT void installDesktopPlatform(const DesktopOptions& options);
 
 /// Uninstalls the platform and installs the null platform. Main thread only. For a host that ends
 /// before its work does.
