@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "quarner/platform/Export.h"
+
+/// Playlists, whose files a host adds in their order (`Quarner::addFilesInOrder`).
+namespace quarner {
+
+/// Returns whether a path has the extension of a playlist that `readPlaylist` reads: m3u, m3u8, pls
+/// or xspf, ignoring case.
+QUARNER_EXPORT bool isPlaylist(const std::string& path);
+
+/// Reads a playlist from the disk. Returns the paths of its entries in their order, those of a
+/// missing file included; `std::nullopt` if the playlist cannot be read, has more than 4 MiB, or is
+/// not one of the format that its extension names. Any thread; uses no network and needs no
+/// platform.
+///
+/// A relative entry is resolved against the folder of the playlist, and a `file:` URI is turned
+/// into a path. Any other URI is returned as it stands: the burner refuses it as missing. If there
+/// is no file of an entry's name, the name is also tried with slashes for backslashes, and as
+/// Latin-1 if it is not UTF-8.
+QUARNER_EXPORT std::optional<std::vector<std::string>> readPlaylist(const std::string& path);
+
+} // namespace quarner
