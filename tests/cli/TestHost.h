@@ -87,8 +87,8 @@ public:
     std::vector<ImageRequest> images;
     int platformEndings = 0;
     int accessQuestions = 0;
-    /// What the commands are told of the machine, where they read answers, and whether a question
-    /// is seen there.
+    /// What the host reports about the machine, where the commands read what is typed, and whether
+    /// a question is seen there.
     std::map<std::string, std::string> accessProblems;
     bool receivesDriveEvents = true;
     std::optional<int> keyboard;

@@ -12,7 +12,7 @@
 #include "quarner/platform/DRKeys.h"
 #include "quarner/platform/Platform.h"
 #include "tests/engine/MemoryDisc.h"
-#include "tests/recorder/BurnLog.h"
+#include "tests/support/BurnLog.h"
 #include "tests/support/KeptLog.h"
 
 namespace quarner {

@@ -5,7 +5,7 @@
 
 #include "quarner/platform/DRKeys.h"
 #include "tests/engine/MemoryDrive.h"
-#include "tests/recorder/StepLoops.h"
+#include "tests/support/StepLoops.h"
 
 namespace quarner {
 namespace {

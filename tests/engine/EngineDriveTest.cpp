@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/engine/MemoryDrive.h"
-#include "tests/recorder/StepLoops.h"
+#include "tests/support/StepLoops.h"
 
 namespace quarner {
 namespace {

@@ -10,8 +10,8 @@
 #include "quarner/platform/Platform.h"
 #include "tests/engine/MemoryDrive.h"
 #include "tests/engine/MemoryPCM.h"
-#include "tests/recorder/BurnLog.h"
-#include "tests/recorder/StepLoops.h"
+#include "tests/support/BurnLog.h"
+#include "tests/support/StepLoops.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quarner {

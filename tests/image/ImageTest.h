@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "quarner/platform/DiscFormat.h"
-#include "tests/recorder/BurnLog.h"
 #include "tests/recorder/CueStage.h"
 #include "tests/recorder/IsoStage.h"
+#include "tests/support/BurnLog.h"
 
 namespace quarner {
 

@@ -7,7 +7,7 @@
 #include <filesystem>
 
 #include "tests/optical/DeviceNotes.h"
-#include "tests/recorder/StepLoops.h"
+#include "tests/support/StepLoops.h"
 #include "tests/support/optical/EventLoss.h"
 #include "tests/support/optical/UdevBed.h"
 

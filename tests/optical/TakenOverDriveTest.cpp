@@ -6,9 +6,9 @@
 #include "adapters/engine/EngineRecorder.h"
 #include "adapters/optical/OpticalDrives.h"
 #include "tests/optical/DeviceNotes.h"
-#include "tests/recorder/BurnLog.h"
-#include "tests/recorder/RawSound.h"
-#include "tests/recorder/StepLoops.h"
+#include "tests/support/BurnLog.h"
+#include "tests/support/RawSound.h"
+#include "tests/support/StepLoops.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/optical/OpticalBed.h"
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "quarner/platform/RecordingService.h"
-#include "tests/recorder/TurnedLoops.h"
+#include "tests/support/TurnedLoops.h"
 
 namespace quarner {
 

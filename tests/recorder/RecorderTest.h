@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/recorder/BurnLog.h"
 #include "tests/recorder/RecorderStage.h"
+#include "tests/support/BurnLog.h"
 
 namespace quarner {
 

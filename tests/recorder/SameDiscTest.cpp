@@ -7,10 +7,10 @@
 #include <filesystem>
 
 #include "quarner/platform/DiscFormat.h"
-#include "tests/recorder/BurnLog.h"
 #include "tests/recorder/CueStage.h"
 #include "tests/recorder/IsoStage.h"
 #include "tests/recorder/OpticalRecorderStage.h"
+#include "tests/support/BurnLog.h"
 #include "tests/support/Program.h"
 
 namespace quarner::testing {

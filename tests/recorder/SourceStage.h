@@ -7,9 +7,9 @@
 #include <memory>
 #include <string>
 
-#include "tests/recorder/RawSound.h"
 #include "tests/recorder/RecorderStage.h"
-#include "tests/recorder/StepLoops.h"
+#include "tests/support/RawSound.h"
+#include "tests/support/StepLoops.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quarner {

@@ -11,7 +11,7 @@
 #include <thread>
 
 #include "adapters/runloop/RunLoops.h"
-#include "tests/recorder/TurnedLoops.h"
+#include "tests/support/TurnedLoops.h"
 
 namespace quarner {
 
