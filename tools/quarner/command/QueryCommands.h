@@ -6,8 +6,8 @@
 
 namespace quarner::cli {
 
-/// The commands that ask a drive for something. Each prints its answer, as lines for people or as
-/// JSON, without the exit line. They throw `UsageProblem` when there is no drive to ask.
+/// The commands that ask a drive for something. Each prints the result, as lines for people or as
+/// JSON, without the exit line. They throw `UsageProblem` if there is no drive to ask.
 ExitStatus listDrives(Host& host, const Target& target, bool json);
 ExitStatus showDisc(Host& host, const Target& target, bool json);
 ExitStatus ejectDisc(Host& host, const Target& target, bool json);
