@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <gtest/gtest.h>
+#include <libavformat/version.h>
 
 #include "adapters/ffmpeg/Resampler.h"
 #include "tests/ffmpeg/Measuring.h"
@@ -34,6 +35,13 @@ protected:
         EXPECT_EQ(ours.size(), theirs.size());
         EXPECT_LE(largestDifference(ours, theirs), 1);
     }
+
+    /// FFmpeg 7 counts the delay at the rate of the decoded sound, which is twice that of the
+    /// track, and so plays half of it.
+    void expectAsFFmpegPlaysHighEfficiency(const std::string& content, const Samples& ours) const {
+        if (LIBAVFORMAT_VERSION_MAJOR < 61)
+            expectAsFFmpegPlaysIt(content, ours);
+    }
 };
 
 TEST_F(FFmpegDelays, ThatAreNotedAreNotHeard) {
@@ -55,7 +63,7 @@ TEST_F(FFmpegDelays, OfHighEfficiencyCountInTheClockOfTheTrack) {
                 plain(22050, channels).declareHighEfficiency(22050).noteDelay(delay, 700).content;
             const Samples ours = decodedContent(noted);
             EXPECT_EQ(ours, without(whole, 2 * std::size_t(delay)));
-            expectAsFFmpegPlaysIt(noted, ours);
+            expectAsFFmpegPlaysHighEfficiency(noted, ours);
         }
 }
 
@@ -66,7 +74,7 @@ TEST_F(FFmpegDelays, OfHighEfficiencyAtOtherRatesCountInTheClockOfTheTrack) {
         const Samples ours = decodedContent(noted);
         const std::uint64_t packets = (5 * rate + 7 + 2 * packet - 1) / packet;
         EXPECT_EQ(ours.size() / 2, resampledLength(2 * (packets * packet - 2112), 2 * rate));
-        expectAsFFmpegPlaysIt(noted, ours);
+        expectAsFFmpegPlaysHighEfficiency(noted, ours);
     }
 }
 
