@@ -17,6 +17,7 @@
 #include "quarner/front/QuarnDelegate.h"
 #include "quarner/front/Quarner.h"
 #include "quarner/platform/DRErrors.h"
+#include "quarner/project/DiscProject.h"
 #include "quarner/util/MultiMedia.h"
 #include "quarner/util/Paths.h"
 

@@ -102,7 +102,7 @@ std::string driveAccessProblem(const std::string& displayName) {
     const auto desktop = current();
     const auto drive =
         desktop ? driveNamed<OpticalDrive>(displayName, desktop->opticalDrives()) : nullptr;
-    return drive ? drive->accessProblem().value_or("") : "";
+    return drive ? drive->accessProblem() : "";
 }
 
 bool receivesDriveEvents() {

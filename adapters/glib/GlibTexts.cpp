@@ -14,6 +14,7 @@ namespace quarner {
 namespace {
 
 constexpr int mostDecimals = 64;
+constexpr char libraryDomain[] = "quarner";
 
 int sign(int comparison) { return (comparison > 0) - (comparison < 0); }
 
@@ -67,6 +68,18 @@ public:
     std::string localizedString(const std::string& key) override {
         // The translation of an empty key is the header of the catalogue.
         return key.empty() ? key : dgettext(nullptr, key.c_str());
+    }
+
+    std::string libraryText(const std::string& message) override {
+        return message.empty() ? message : dgettext(libraryDomain, message.c_str());
+    }
+
+    std::string libraryTextForCount(const std::string& one, const std::string& many,
+                                    std::uint64_t count) override {
+        // Rules look at the last digits only.
+        constexpr std::uint64_t most = 1'000'000'000;
+        const auto number = static_cast<unsigned long>(count < most ? count : most + count % most);
+        return dngettext(libraryDomain, one.c_str(), many.c_str(), number);
     }
 
 private:

@@ -114,9 +114,9 @@ void OpticalDrive::updateCache(const DiscFacts& disc, bool isTransient,
         _cached = Cached{disc, _clock(), isTransient};
 }
 
-std::optional<std::string> OpticalDrive::accessProblem() const {
+std::string OpticalDrive::accessProblem() const {
     const std::lock_guard asking(_querying); // a query has it open too
-    return mayQuery() ? quarner::accessProblem(_record.node) : std::nullopt;
+    return mayQuery() ? quarner::accessProblem(_record.node).value_or("") : "";
 }
 
 Dictionary OpticalDrive::info() const { return {{DRDeviceCanWriteCDKey, _record.canWriteCD}}; }

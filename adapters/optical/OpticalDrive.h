@@ -41,9 +41,8 @@ public:
     /// of status.
     void mediaChanged();
 
-    /// Returns why the drive cannot be opened: see AccessProblem.h. `std::nullopt` while a burn
-    /// uses it.
-    std::optional<std::string> accessProblem() const;
+    /// See AccessProblem.h. Empty while a burn uses the drive.
+    std::string accessProblem() const override;
 
     Dictionary info() const override;
     Dictionary status() const override;

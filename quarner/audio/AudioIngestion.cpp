@@ -226,6 +226,8 @@ bool AudioCDBurner::examineFile(const std::string& path, AddFilesRun& run) {
         refuseExamined(path);
         return true;
     }
+    if (_readsTags)
+        item->setTags(std::make_shared<const MediaTags>(currentPlatform()->media->tags(path)));
     if (run.place)
         _content.insert(run.place, item);
     else

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "quarner/data/DataCDBurner.h"
+#include "quarner/data/RootFolder.h"
 #include "quarner/device/QuarnerDevice.h"
 #include "quarner/platform/Platform.h"
 
@@ -22,20 +23,10 @@ void DataCDBurner::burnWithDevice(const QuarnerDevice& device,
     const bool knowsSpeeds = device.availableBurnSpeeds().has_value();
     _burner->setProperties(burnSettings(knowsSpeeds ? device.availableBurnSpeeds() : std::nullopt));
     const std::shared_ptr<const DRTrack> track =
-        recording->trackForRootFolder(rootFolder(discNamed.value_or("")));
+        recording->trackForRootFolder(rootFolderOf(_content.snapshot(), discNamed.value_or("")));
     const std::uint64_t freeBytes = device.freeSizeOfDisc();
     const bool isFitting = track ? track->isEstimateBelow(freeBytes) : freeBytes > 0;
     writeOrRefuse(track ? DRLayout{track} : DRLayout{}, isFitting);
-}
-
-std::shared_ptr<const DRFolder> DataCDBurner::rootFolder(const std::string& name) const {
-    const auto folder = std::make_shared<DRFolder>(name);
-    const ContentList::Snapshot items = _content.snapshot();
-    for (const BurnItemRef& item : items)
-        if (auto node = std::dynamic_pointer_cast<const DRFile>(item))
-            folder->addChild(std::move(node));
-    folder->setExplicitFilesystemMask(DRFilesystemMaskJoliet);
-    return folder;
 }
 
 } // namespace quarner

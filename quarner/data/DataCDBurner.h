@@ -46,9 +46,6 @@ protected:
                                        const std::function<bool()>& mayContinue) const override;
     EndReport endReport(const std::vector<std::string>& protectedFiles,
                         const std::vector<std::string>& incompatibleFiles) const override;
-
-private:
-    std::shared_ptr<const DRFolder> rootFolder(const std::string& name) const;
 };
 
 } // namespace quarner

@@ -16,13 +16,25 @@ std::vector<std::string> QuarnerDevice::devices() {
 QuarnerDevice::QuarnerDevice(const std::string& deviceName) {
     const auto recording = currentPlatform()->recording;
     _center = recording->currentRunLoopCenter();
-    for (const auto& drive : recording->devices()) {
-        if (drive->displayName() != deviceName)
-            continue;
-        _device = drive;
-        observe(DRDeviceStatusChangedNotification, drive.get(),
-                &QuarnerDevice::deviceStatusDidChanged);
-    }
+    for (const auto& drive : recording->devices())
+        if (drive->displayName() == deviceName)
+            bind(drive);
+    observeAllDrives();
+}
+
+QuarnerDevice::QuarnerDevice(const std::shared_ptr<DRDevice>& drive)
+    : _center(currentPlatform()->recording->currentRunLoopCenter()) {
+    if (drive)
+        bind(drive);
+    observeAllDrives();
+}
+
+void QuarnerDevice::bind(const std::shared_ptr<DRDevice>& drive) {
+    _device = drive;
+    observe(DRDeviceStatusChangedNotification, drive.get(), &QuarnerDevice::deviceStatusDidChanged);
+}
+
+void QuarnerDevice::observeAllDrives() {
     observe(DRDeviceDisappearedNotification, nullptr, &QuarnerDevice::deviceDidDisappeared);
     observe(DRDeviceAppearedNotification, nullptr, &QuarnerDevice::deviceDidAppeared);
 }

@@ -30,6 +30,8 @@ public:
     /// `initWithDeviceName:` Binds to the drive with this display name, compared exactly. If
     /// several have it, binds to the last; if none has it, binds to no drive. Never fails.
     explicit QuarnerDevice(const std::string& deviceName);
+    /// Binds to a drive, or to none if it is null.
+    explicit QuarnerDevice(const std::shared_ptr<DRDevice>& drive);
     ~QuarnerDevice();
     QuarnerDevice(const QuarnerDevice&) = delete;
     QuarnerDevice& operator=(const QuarnerDevice&) = delete;
@@ -91,8 +93,8 @@ public:
     void deviceDidDisappeared(const DRNotification& notification);
 
 private:
-    std::optional<Dictionary> mediaInfo() const;
-    std::uint64_t bytesUnder(const char* blocksKey) const;
+    void bind(const std::shared_ptr<DRDevice>& drive);
+    void observeAllDrives();
     void observe(const char* name, const DRObject* sender,
                  void (QuarnerDevice::*handler)(const DRNotification&));
 

@@ -37,6 +37,8 @@ bool Quarner::addFilesAt(const std::vector<std::string>& /*paths*/, ContentList:
     return false;
 }
 
+void Quarner::readTags(bool isWanted) { _readsTags = isWanted; }
+
 void Quarner::reportRefusals(std::function<void(const FileRefusal&)> report) {
     RefusalReport shared; // the previous one is released after the lock
     if (report)
@@ -116,5 +118,10 @@ void Quarner::stopBurn() {
 QuarnDelegate* Quarner::delegate() const { return _delegate; }
 
 void Quarner::setDelegate(QuarnDelegate* delegate) { _delegate = delegate; }
+
+void Quarner::setSharedDelegate(std::shared_ptr<QuarnDelegate> delegate) {
+    _delegate = delegate.get();
+    _sharedDelegate = std::move(delegate);
+}
 
 } // namespace quarner

@@ -77,6 +77,10 @@ public:
     /// any time: null inserts at the start. An item that is not in the list means the end.
     bool addFilesBehind(const std::vector<std::string>& paths, const BurnItemRef& item);
 
+    /// Whether the tags of each file that is added from now on are read as well (`BurnItem::tags`).
+    /// Off at first: it takes the time of another look at the file. Any thread.
+    void readTags(bool isWanted);
+
     /// Calls `report` for every file that is refused from now on, at the time when it is refused:
     /// inside `addFiles` and its like, on that thread, for the files that are refused there, also
     /// if the call then returns false; on the thread of the run for those that it refuses. Runs
@@ -184,6 +188,12 @@ public:
     QuarnDelegate* delegate() const;
     void setDelegate(QuarnDelegate* delegate);
 
+    /// The same for a delegate that the burner then owns: it is kept until the burner, which every
+    /// run that adds files keeps alive, is destroyed or another delegate is shared. So nobody has
+    /// to wait for the end of a run before dropping it. A call that is under way on another thread
+    /// may still use the one that is replaced.
+    void setSharedDelegate(std::shared_ptr<QuarnDelegate> delegate);
+
 protected:
     /// Calls an operation of the delegate if there is one.
     template <typename Operation, typename... Arguments>
@@ -200,7 +210,9 @@ protected:
     RefusalReport refusalReport() const;
 
     std::atomic<QuarnDelegate*> _delegate = nullptr;
+    std::shared_ptr<QuarnDelegate> _sharedDelegate; // only its owner: `_delegate` is what is called
     std::atomic<bool> _continue2AddFiles = false;
+    std::atomic<bool> _readsTags = false;
     ContentList _content;
     std::shared_ptr<DRBurn> _burner;
 

@@ -11,6 +11,8 @@
 
 namespace quarner {
 
+struct MediaTags;
+
 /// One entry of a compilation: an object that carries a property dictionary. Items are compared
 /// by identity. An item is filled before it enters a compilation and never changes afterwards,
 /// so a host may read it on any thread.
@@ -33,7 +35,12 @@ public:
         _properties = std::make_shared<const Dictionary>(std::move(properties));
     }
 
+    /// The tags of the item's file, for display; null if they were not read (`Quarner::readTags`).
+    std::shared_ptr<const MediaTags> tags() const { return _tags; }
+    void setTags(std::shared_ptr<const MediaTags> tags) { _tags = std::move(tags); }
+
 private:
+    std::shared_ptr<const MediaTags> _tags;
     std::shared_ptr<const Dictionary> _properties = std::make_shared<const Dictionary>();
 };
 

@@ -43,6 +43,11 @@ public:
 
     /// Ejects the disc. Returns whether that worked; false while a burn uses the drive.
     virtual bool ejectMedia() = 0;
+
+    /// Returns why the drive cannot be used now, in one English sentence without a full stop, and
+    /// in brackets what can be done; empty if it can be used, or if nothing is known. May take half
+    /// a second. The default returns an empty text.
+    virtual std::string accessProblem() const;
 };
 
 } // namespace quarner

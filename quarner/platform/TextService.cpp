@@ -5,4 +5,11 @@ namespace quarner {
 
 TextService::~TextService() = default;
 
+std::string TextService::libraryText(const std::string& message) { return message; }
+
+std::string TextService::libraryTextForCount(const std::string& one, const std::string& many,
+                                             std::uint64_t count) {
+    return count == 1 ? one : many;
+}
+
 } // namespace quarner

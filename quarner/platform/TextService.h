@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "quarner/platform/Export.h"
@@ -27,6 +28,15 @@ public:
     /// Returns the translation of a key in the host application's default string table, or the key
     /// itself if there is none.
     virtual std::string localizedString(const std::string& key) = 0;
+
+    /// Returns one of this library's own messages, an English sentence, in the user's language. The
+    /// default returns the message itself.
+    virtual std::string libraryText(const std::string& message);
+
+    /// Returns that of two messages which the count asks for, in the user's language, which may
+    /// have other rules for it than English. The default returns `one` for 1, otherwise `many`.
+    virtual std::string libraryTextForCount(const std::string& one, const std::string& many,
+                                            std::uint64_t count);
 };
 
 } // namespace quarner

@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "quarner/project/BurnTexts.h"
+
+#include "quarner/project/Texts.h"
+#include "quarner/util/MultiMedia.h"
+
+namespace quarner {
+namespace {
+
+// Both without a default, so that the compiler names a code that is missing.
+
+const char* messageFor(DRError code) {
+    switch (code) {
+    case DRError::UserCanceled:
+        return "The burn was cancelled.";
+    case DRError::DeviceBusy:
+        return "The drive is busy with another burn or program.";
+    case DRError::DeviceVanished:
+        return "The drive was unplugged.";
+    case DRError::MediaNotPresent:
+        return "There is no disc in the drive.";
+    case DRError::MediaNotWritable:
+        return "The disc cannot be written.";
+    case DRError::MediaTooSmall:
+        return "The content does not fit the disc.";
+    case DRError::WrongMedia:
+        return "The disc is not a recordable CD.";
+    case DRError::EmptyLayout:
+        return "There is nothing to write.";
+    case DRError::TooManyTracks:
+        return "A disc holds at most 99 tracks.";
+    case DRError::DeviceNotPermitted:
+        return "The drive may not be opened.";
+    case DRError::SourceMissing:
+        return "A source file is gone or unreadable.";
+    case DRError::SourceChanged:
+        return "A source file has changed since it was added.";
+    case DRError::SourceUnreadable:
+        return "A source file cannot be read or decoded.";
+    case DRError::NoSpace:
+        return "No space is left for the image.";
+    case DRError::PermissionDenied:
+        return "The image may not be written there.";
+    case DRError::WriteFailed:
+        return "Writing failed.";
+    case DRError::ReadBackFailed:
+        return "The written disc cannot be read back.";
+    case DRError::VerifyFailed:
+        return "The written disc differs from what was sent to it.";
+    case DRError::Internal:
+        return "An internal error occurred.";
+    }
+    return "The drive reported an unknown error.";
+}
+
+const char* adviceFor(DRError code) {
+    switch (code) {
+    case DRError::DeviceBusy:
+        return "Wait until the other burn or program has ended.";
+    case DRError::DeviceVanished:
+        return "Reconnect the drive and use a new disc.";
+    case DRError::DeviceNotPermitted:
+        return "An administrator can change that; then log in again.";
+    case DRError::MediaNotPresent:
+    case DRError::MediaNotWritable:
+    case DRError::WrongMedia:
+        return "Insert a blank CD-R or CD-RW.";
+    case DRError::MediaTooSmall:
+        return "Remove some files, or use a larger disc.";
+    case DRError::EmptyLayout:
+        return "Add files first.";
+    case DRError::TooManyTracks:
+        return "Burn the files to several discs.";
+    case DRError::SourceMissing:
+        return "Restore the file and try again.";
+    case DRError::SourceChanged:
+        return "Try again with the file as it is now.";
+    case DRError::SourceUnreadable:
+        return "Leave the file out, or replace it.";
+    case DRError::NoSpace:
+        return "The image takes {size}: make room for it, or put it on another file system.";
+    case DRError::PermissionDenied:
+        return "Choose a folder that you may write to, or change the permissions of the file or "
+               "folder.";
+    case DRError::ReadBackFailed:
+    case DRError::VerifyFailed:
+        return "Try again, preferably with a new disc.";
+    case DRError::UserCanceled:
+    case DRError::WriteFailed:
+    case DRError::Internal:
+        return nullptr;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+std::string textForBurnError(DRError code) { return text(messageFor(code)); }
+
+std::string adviceForBurnError(DRError code, std::uint64_t imageBytes) {
+    const char* const advice = adviceFor(code);
+    if (advice == nullptr)
+        return {};
+    const auto bytes = static_cast<std::int64_t>(imageBytes);
+    return text(advice, {{"size", MultiMedia::stringWithFilesize(bytes)}});
+}
+
+std::string textForBurnStep(const DiscBurnProgress& progress) {
+    switch (progress.phase) {
+    case DiscBurnProgress::Phase::Preparing:
+        return text("Preparing");
+    case DiscBurnProgress::Phase::Writing:
+        if (progress.trackCount <= 1)
+            return text("Writing");
+        return text("Writing track {track} of {count}",
+                    {{"track", std::to_string(progress.track)},
+                     {"count", std::to_string(progress.trackCount)}});
+    case DiscBurnProgress::Phase::Closing:
+        return text("Closing the disc");
+    case DiscBurnProgress::Phase::Finishing:
+        return text("Finishing");
+    case DiscBurnProgress::Phase::Verifying:
+        return text("Verifying");
+    }
+    return {};
+}
+
+} // namespace quarner

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "quarner/platform/DRErrors.h"
+
+namespace quarner {
+
+/// What a compilation takes of the disc in a drive: seconds, pre-gaps included, of an audio CD;
+/// bytes of a data CD. The texts are for display: "00:48:10", "402.1 MB".
+struct DiscCapacity {
+    std::uint64_t used = 0;  ///< by the compilation
+    std::uint64_t free = 0;  ///< of `total`; 0 if it does not fit
+    std::uint64_t total = 0; ///< what the disc takes; 0 without a disc that can be written
+    std::string usedText;
+    std::string freeText;
+    std::string totalText;
+
+    std::size_t count = 0; ///< tracks of an audio CD, files of a data CD
+    bool isDiscKnown = false;
+    /// False if there is more than the disc takes, or more than 99 tracks. Also false for a data CD
+    /// whose file system makes it too large. True if no disc is known.
+    bool fits = true;
+    /// False while the size of the file system of a data CD is being determined: `used` is then the
+    /// size of the files alone. `capacityChanged` reports the result.
+    bool isExact = true;
+};
+
+/// What stands in the way of a burn.
+struct DiscProblem {
+    DRError code = DRError::Internal; ///< with which the burn would end
+    std::string text;                 ///< what is wrong, as a sentence
+    std::string advice;               ///< what the user can do, as a sentence; may be empty
+
+    bool operator==(const DiscProblem&) const = default;
+};
+
+} // namespace quarner

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "quarner/platform/Export.h"
+#include "quarner/project/DiscCapacity.h"
+#include "quarner/project/DiscDrive.h"
+#include "quarner/project/DiscItem.h"
+#include "quarner/project/DiscProjectObserver.h"
+
+namespace quarner {
+
+class ProjectCore;
+
+/// A compilation that a user interface can show: a list of files for an audio CD or a data CD, the
+/// drives, and the burn. It owns a burner and does what every host would otherwise write itself: it
+/// hands every report to the main thread, keeps the list in step, and puts reasons, problems and
+/// progress into words.
+///
+/// Make, use and destroy it on the main thread, after a platform was installed. The main loop must
+/// run for files to be added and for anything to be reported. No operation waits for a file or a
+/// drive. Nothing throws. Destroying a project at any moment, also from inside a call of an
+/// observer, cancels what it does; no observer is called afterwards.
+class QUARNER_EXPORT DiscProject {
+public:
+    enum class Kind { Audio, Data };
+
+    explicit DiscProject(Kind kind);
+    ~DiscProject();
+    DiscProject(const DiscProject&) = delete;
+    DiscProject& operator=(const DiscProject&) = delete;
+
+    Kind kind() const;
+
+    /// Adds an observer, which is held weakly. Observers are called in the order in which they were
+    /// added.
+    void addObserver(std::weak_ptr<DiscProjectObserver> observer);
+
+    // --- The list ---
+
+    /// Adds files in the order of the paths, at the end or so that the first one gets the number
+    /// `row`; a row past the end means the end. Files are examined in the background, and each row
+    /// appears once its file was examined: `rowsInserted`. A file that cannot be added is reported
+    /// with its reason: `fileRefused`. May be called again while files are being added.
+    ///
+    /// The rows of one call stay together behind the row that was before `row` at the time of the
+    /// call, however the list changes while the files are examined.
+    void add(const std::vector<std::string>& paths);
+    void add(const std::vector<std::string>& paths, std::size_t row);
+    /// Adds files at the end, sorted by the user's locale.
+    void addSorted(const std::vector<std::string>& paths);
+    /// True from a call of `add` until `addingEnded`.
+    bool isAdding() const;
+    /// Stops the adding of files within a second. Files that were added stay in the list.
+    void cancelAdding();
+
+    /// Removes the rows with these numbers; numbers past the end are ignored.
+    void remove(const std::set<std::size_t>& rows);
+    /// Moves the rows with these numbers, in their order, to before the row `to`; a number past the
+    /// end means the end. Does nothing if a number in `rows` is past the end.
+    void move(const std::set<std::size_t>& rows, std::size_t to);
+    void clear();
+
+    /// The rows, shared with later calls until the list changes. Never null.
+    std::shared_ptr<const DiscItems> items() const;
+
+    // --- Drives ---
+
+    /// The attached drives, in the order of the recording service.
+    std::vector<DiscDrive> drives() const;
+    /// `std::nullopt` for a drive that is not attached any more.
+    std::optional<DiscDrive> drive(DiscDrive::Id id) const;
+    /// The drive with this display name; of several the last one. `std::nullopt` if there is none.
+    std::optional<DiscDrive::Id> driveNamed(const std::string& name) const;
+    /// Ejects the disc in the background. A failure is not reported.
+    void eject(DiscDrive::Id id);
+
+    // --- What fits ---
+
+    /// What the compilation takes, and what the disc in the drive does. Without the drive, and for
+    /// a drive without a disc, only what the compilation takes is known.
+    DiscCapacity capacity(std::optional<DiscDrive::Id> drive = std::nullopt) const;
+    /// What would make a burn on this drive fail, by what is known now, the weightiest first.
+    std::vector<DiscProblem> problems(DiscDrive::Id drive) const;
+
+    // --- The burn ---
+
+    /// Burns the compilation as it is now: closed session, an erasable disc is overwritten,
+    /// verified, at the highest speed. An empty title leaves the disc without one. Reports
+    /// `burnProgress` and at last `burnEnded`, also for a burn that cannot start. Returns false,
+    /// and reports nothing, if a burn of this project is under way.
+    bool burn(DiscDrive::Id drive, const std::string& title = {});
+    /// Cancels the burn, which ends with `burnEnded`. Does nothing if there is none.
+    void cancelBurn();
+    /// True from a call of `burn` until `burnEnded` is reported.
+    bool isBurning() const;
+
+private:
+    const std::shared_ptr<ProjectCore> _core;
+};
+
+} // namespace quarner

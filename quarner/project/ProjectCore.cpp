@@ -1,0 +1,257 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "quarner/project/ProjectCore.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "quarner/device/QuarnerDevice.h"
+#include "quarner/platform/Platform.h"
+#include "quarner/project/BurnTexts.h"
+#include "quarner/project/RefusalTexts.h"
+#include "quarner/project/Texts.h"
+
+namespace quarner {
+namespace {
+
+std::shared_ptr<Quarner> makeBurner(DiscProject::Kind kind) {
+    return kind == DiscProject::Kind::Audio ? Quarner::audioCDBurner() : Quarner::dataCDBurner();
+}
+
+} // namespace
+
+ProjectCore::ProjectCore(DiscProject::Kind kind) : _kind(kind), _burner(makeBurner(kind)) {}
+
+void ProjectCore::start() {
+    _relay = std::make_shared<ProjectRelay>(weak_from_this());
+    _burner->setSharedDelegate(_relay);
+    _burner->readTags(true);
+    _burner->recordChanges([relay = _relay] { relay->listDidChange(); });
+    _burner->reportRefusals(
+        [relay = _relay](const FileRefusal& refusal) { relay->fileDidRefuse(refusal); });
+    const auto whenChanged = [weak = weak_from_this()](void (ProjectCore::*report)()) {
+        return [weak, report] {
+            if (const auto core = weak.lock())
+                (*core.*report)();
+        };
+    };
+    if (_kind == DiscProject::Kind::Data)
+        _dataSize = std::make_shared<DataSize>(whenChanged(&ProjectCore::capacityDidChange));
+    _drives = std::make_shared<DriveBoard>(whenChanged(&ProjectCore::drivesDidChange));
+    _drives->start();
+}
+
+void ProjectCore::close() {
+    _observers.close();
+    _burner->recordChanges(nullptr);
+    _burner->cancelToAddFiles();
+    _burner->stopBurn();
+}
+
+// --- The list ---
+
+/// Applies what the burner's list has gone through since the last call.
+void ProjectCore::applyChanges() {
+    const std::vector<ListChange> changes = _burner->takeChanges();
+    if (changes.empty())
+        return;
+    for (const ListChange& change : changes)
+        _rows.apply(change, _observers);
+    if (_dataSize)
+        _dataSize->setItems(_burner->items());
+    capacityDidChange();
+}
+
+void ProjectCore::remove(const std::set<std::size_t>& rows) {
+    const BurnItemList items = _rows.itemsIn(rows);
+    if (items.empty())
+        return;
+    _burner->removeItems(items);
+    applyChanges();
+}
+
+void ProjectCore::move(const std::set<std::size_t>& rows, std::size_t to) {
+    if (rows.empty() || *rows.rbegin() >= _rows.size())
+        return;
+    const std::size_t end = std::min(to, _rows.size());
+    _burner->moveItems(_rows.itemsIn(rows), end == 0 ? nullptr : _rows[end - 1]->item);
+    applyChanges();
+}
+
+void ProjectCore::clear() {
+    _burner->clearAll();
+    applyChanges();
+}
+
+// --- Adding files ---
+
+void ProjectCore::add(const std::vector<std::string>& paths, std::optional<std::size_t> row) {
+    if (!row) {
+        beginRun(_burner->addFilesInOrder(paths));
+        return;
+    }
+    applyChanges();
+    const bool isAtEnd = *row >= _rows.size();
+    const std::size_t before = std::min(*row, _rows.size());
+    if (isAtEnd)
+        beginRun(_burner->addFilesInOrder(paths, _burner->items().size()));
+    else
+        beginRun(_burner->addFilesBehind(paths, before == 0 ? nullptr : _rows[before - 1]->item));
+}
+
+void ProjectCore::addSorted(const std::vector<std::string>& paths) {
+    beginRun(_burner->addFiles(paths));
+}
+
+/// A run in which no file was accepted reports no end, so its end is reported for it.
+void ProjectCore::beginRun(bool isAnyAccepted) {
+    ++_startedRuns;
+    if (!isAnyAccepted)
+        _relay->addFilesProgressDidEnd({});
+}
+
+void ProjectCore::cancelAdding() { _burner->cancelToAddFiles(); }
+
+void ProjectCore::runDidStart(Run run) { _runs[run] = {}; }
+
+void ProjectCore::runDidProceed(Run run, const std::string& displayName, std::size_t index,
+                                std::size_t of) {
+    _runs[run] = {index, of};
+    RunProgress sum = _endedRuns;
+    for (const auto& [thread, progress] : _runs) {
+        sum.index += progress.index;
+        sum.of += progress.of;
+    }
+    tell([displayName, sum](DiscProjectObserver& observer) {
+        observer.addingProgress(displayName, sum.index, sum.of);
+    });
+}
+
+void ProjectCore::runDidEnd(Run run) {
+    if (const auto ended = _runs.extract(run)) {
+        _endedRuns.index += ended.mapped().of;
+        _endedRuns.of += ended.mapped().of;
+    }
+    applyChanges();
+    if (--_startedRuns != 0)
+        return;
+    _endedRuns = {};
+    const bool isCanceled = std::exchange(_isAddingCanceled, false);
+    tell([isCanceled](DiscProjectObserver& observer) { observer.addingEnded(isCanceled); });
+}
+
+void ProjectCore::refuse(const FileRefusal& refusal) {
+    tell([refusal](DiscProjectObserver& observer) {
+        observer.fileRefused(refusal.path, refusal.reason, textForRefusal(refusal));
+    });
+}
+
+// --- Drives and capacity ---
+
+void ProjectCore::drivesDidChange() {
+    tell([](DiscProjectObserver& observer) { observer.drivesChanged(); });
+    capacityDidChange();
+}
+
+void ProjectCore::capacityDidChange() {
+    tell([](DiscProjectObserver& observer) { observer.capacityChanged(); });
+}
+
+void ProjectCore::eject(DiscDrive::Id id) {
+    if (const auto device = _drives->device(id))
+        currentPlatform()->dispatch->asyncGlobal([device] { device->ejectMedia(); });
+}
+
+ContentSize ProjectCore::contentSize() const {
+    const auto blocks = _dataSize ? _dataSize->blocks() : std::nullopt;
+    return measureContent(_kind, _burner->items(), blocks);
+}
+
+DiscCapacity ProjectCore::capacity(std::optional<DiscDrive::Id> drive) const {
+    return capacityOf(contentSize(), drive ? _drives->drive(*drive) : std::nullopt);
+}
+
+std::vector<DiscProblem> ProjectCore::problems(DiscDrive::Id drive) const {
+    return problemsOf(contentSize(), _drives->drive(drive), _isBurning);
+}
+
+// --- The burn ---
+
+bool ProjectCore::burn(DiscDrive::Id drive, const std::string& title) {
+    if (std::exchange(_isBurning, true))
+        return false;
+    const auto self = shared_from_this(); // an observer may destroy the project
+    _burnedDrive = drive;
+    _progress = {};
+    _newFraction.reset();
+    _overall = {};
+    applyChanges();
+    reportProgress();
+    const auto device = _drives->device(drive);
+    const auto name = title.empty() ? std::nullopt : std::optional(title);
+    if (!device)
+        fail(DRError::DeviceVanished, {});
+    else if (_rows.size() == 0) // the burner of data CDs would burn an empty disc
+        fail(DRError::EmptyLayout, {});
+    else
+        _burner->burnWithDevice(QuarnerDevice(device), name);
+    return true;
+}
+
+void ProjectCore::cancelBurn() { _burner->stopBurn(); }
+
+void ProjectCore::burnDidEnter(DiscBurnProgress::Phase phase, std::int64_t track, std::int64_t of) {
+    const bool isOtherPhase = phase != _progress.phase;
+    const auto fraction = std::exchange(_newFraction, std::nullopt);
+    _progress.phase = phase;
+    _progress.track = track;
+    _progress.trackCount = of;
+    if (fraction || isOtherPhase)
+        _progress.phaseFraction = fraction.value_or(0);
+    reportProgress();
+}
+
+/// The burner reports the fraction first and then the phase that it is of.
+void ProjectCore::burnDidProceed(double fraction) { _newFraction = fraction; }
+
+void ProjectCore::reportProgress() {
+    _progress.phaseSecondsLeft.reset();
+    _overall.update(_progress, OverallProgress::Clock::now());
+    _progress.text = textForBurnStep(_progress);
+    tell(
+        [progress = _progress](DiscProjectObserver& observer) { observer.burnProgress(progress); });
+}
+
+void ProjectCore::burnDidFail(const BurnError& error) { fail(codeOf(error), error.info); }
+
+/// Code 0 stands for a burn that was refused before it began.
+DRError ProjectCore::codeOf(const BurnError& error) const {
+    if (error.code != 0)
+        return static_cast<DRError>(static_cast<std::uint32_t>(error.code));
+    const auto drive = _burnedDrive ? _drives->drive(*_burnedDrive) : std::nullopt;
+    if (!drive)
+        return DRError::DeviceVanished;
+    return drive->hasDisc ? DRError::MediaTooSmall : DRError::MediaNotPresent;
+}
+
+void ProjectCore::fail(DRError code, const BurnErrorInfo& info) {
+    endBurn({.outcome = DiscBurnEnd::Outcome::Failed,
+             .code = code,
+             .text = textForBurnError(code),
+             .info = info,
+             .advice = adviceForBurnError(code, contentSize().imageBytes())});
+}
+
+void ProjectCore::endBurn(DiscBurnEnd end) {
+    if (!std::exchange(_isBurning, false))
+        return;
+    if (end.outcome == DiscBurnEnd::Outcome::Done) {
+        _progress.phaseFraction = 1;
+        reportProgress();
+        end.text = text("The disc is burnt and verified.");
+    } else if (end.outcome == DiscBurnEnd::Outcome::Canceled) {
+        end.text = textForBurnError(DRError::UserCanceled);
+    }
+    tell([end = std::move(end)](DiscProjectObserver& observer) { observer.burnEnded(end); });
+}
+
+} // namespace quarner

@@ -1,0 +1,280 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <algorithm>
+#include <random>
+#include <set>
+
+#include "tests/core/DiscProjectFixture.h"
+
+namespace quarner::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Strings = std::vector<std::string>;
+using Rows = std::set<std::size_t>;
+
+class DiscProjectList : public DiscProjectTest {};
+
+INSTANTIATE_TEST_SUITE_P(, DiscProjectList,
+                         ::testing::Values(DiscProject::Kind::Audio, DiscProject::Kind::Data),
+                         kindName);
+
+TEST_P(DiscProjectList, KeepsTheGivenOrder) {
+    compile({"c.mp3", "a.mp3", "b.mp3"});
+    EXPECT_THAT(names(), ElementsAre("c.mp3", "a.mp3", "b.mp3"));
+    EXPECT_EQ(observer->names(), names());
+    EXPECT_EQ(observer->events.back(), "adding ended");
+}
+
+TEST_P(DiscProjectList, SortsOnlyWhenAskedTo) {
+    project->addSorted(songs({"c.mp3", "a.mp3", "b.mp3"}));
+    settle();
+    EXPECT_THAT(observer->names(), ElementsAre("a.mp3", "b.mp3", "c.mp3"));
+}
+
+TEST_P(DiscProjectList, InsertsAtARow) {
+    compile({"a.mp3", "b.mp3"});
+    project->add(songs({"x.mp3", "y.mp3"}), 1);
+    settle();
+    EXPECT_THAT(observer->names(), ElementsAre("a.mp3", "x.mp3", "y.mp3", "b.mp3"));
+    project->add(songs({"first.mp3"}), 0);
+    project->add(songs({"last.mp3"}), 99);
+    settle();
+    EXPECT_THAT(observer->names(),
+                ElementsAre("first.mp3", "a.mp3", "x.mp3", "y.mp3", "b.mp3", "last.mp3"));
+}
+
+TEST_P(DiscProjectList, InsertsAtARowWhileOtherFilesAreBeingAdded) {
+    compile({"a.mp3", "b.mp3"});
+    platform.backgroundQueue().hold();
+    project->add(songs({"z.mp3"}));
+    project->add(songs({"x.mp3", "y.mp3"}), 1);
+    project->remove(Rows{0});
+    platform.backgroundQueue().releaseOne(1); // the later call first
+    settle();
+    platform.backgroundQueue().release();
+    settle();
+    EXPECT_THAT(observer->names(), ElementsAre("x.mp3", "y.mp3", "b.mp3", "z.mp3"));
+}
+
+TEST_P(DiscProjectList, ARowTellsWhatTheFileIsLike) {
+    platform.putSong("/music/one.mp3",
+                     {.seconds = 205.5, .tags = {"Prelude", "Somebody", "Works", 7}},
+                     {.size = 4'299'161, .displayName = "One", .icon = {{"audio-mpeg"}}});
+    project->add({"/music/one.mp3"});
+    settle();
+    const DiscItem& row = *project->items()->front();
+    EXPECT_EQ(row.path, "/music/one.mp3");
+    EXPECT_EQ(row.displayName, "One");
+    EXPECT_THAT(row.iconNames, ElementsAre("audio-mpeg"));
+    EXPECT_EQ(row.seconds, 205);
+    EXPECT_EQ(row.duration, "00:03:25");
+    EXPECT_EQ(row.bytes, 4'299'161);
+    EXPECT_EQ(row.size, "4.1 MB");
+    EXPECT_EQ(row.title, "Prelude");
+    EXPECT_EQ(row.artist, "Somebody");
+    EXPECT_EQ(row.album, "Works");
+    EXPECT_EQ(row.trackNumber, 7U);
+    EXPECT_TRUE(row.item);
+}
+
+TEST_P(DiscProjectList, ARefusedFileIsReportedWithItsReasonAndAText) {
+    compile({"a.mp3"});
+    platform.putFile("/music/text.txt");
+    platform.putFile("/music/silent.mp3");
+    platform.putSong("/music/short.mp3", {.seconds = 0.5});
+    project->add({"/music/a.mp3", "/music/text.txt", "/music/gone.mp3", "/music/silent.mp3",
+                  "/music/short.mp3"});
+    settle();
+    std::vector<std::pair<std::string, RefusalReason>> refused;
+    for (const auto& [path, reason, text] : observer->refused) {
+        refused.emplace_back(path, reason);
+        EXPECT_THAT(text, ::testing::HasSubstr(path));
+    }
+    using Refused = std::pair<std::string, RefusalReason>;
+    EXPECT_THAT(refused, ElementsAre(Refused("/music/a.mp3", RefusalReason::AlreadyInList),
+                                     Refused("/music/text.txt", RefusalReason::UnsupportedType),
+                                     Refused("/music/gone.mp3", RefusalReason::Missing),
+                                     Refused("/music/silent.mp3", RefusalReason::NoSound),
+                                     Refused("/music/short.mp3", RefusalReason::TooShort)));
+    EXPECT_EQ(observer->events.back(), "adding ended");
+}
+
+TEST_P(DiscProjectList, RemovesRowsInRunsFromTheEndOn) {
+    compile({"a.mp3", "b.mp3", "c.mp3", "d.mp3", "e.mp3"});
+    observer->events.clear();
+    project->remove(Rows{0, 2, 3, 17});
+    EXPECT_THAT(observer->events, ElementsAre("removed 2+2", "removed 0+1"));
+    EXPECT_THAT(observer->names(), ElementsAre("b.mp3", "e.mp3"));
+    EXPECT_EQ(observer->names(), names());
+}
+
+TEST_P(DiscProjectList, RemovingNoRowReportsNothing) {
+    compile({"a.mp3"});
+    observer->events.clear();
+    project->remove({});
+    project->remove(Rows{1});
+    EXPECT_THAT(observer->events, IsEmpty());
+}
+
+TEST_P(DiscProjectList, MovesRowsInTheirOrder) {
+    compile({"a.mp3", "b.mp3", "c.mp3", "d.mp3", "e.mp3"});
+    project->move(Rows{0, 3}, 2);
+    EXPECT_THAT(observer->names(), ElementsAre("b.mp3", "a.mp3", "d.mp3", "c.mp3", "e.mp3"));
+    project->move(Rows{3, 4}, 0);
+    EXPECT_THAT(observer->names(), ElementsAre("c.mp3", "e.mp3", "b.mp3", "a.mp3", "d.mp3"));
+    project->move(Rows{0}, 99);
+    EXPECT_THAT(observer->names(), ElementsAre("e.mp3", "b.mp3", "a.mp3", "d.mp3", "c.mp3"));
+    EXPECT_EQ(observer->names(), names());
+}
+
+TEST_P(DiscProjectList, MovesNothingForARowThatIsNotThere) {
+    compile({"a.mp3", "b.mp3"});
+    observer->events.clear();
+    project->move(Rows{0, 2}, 0);
+    project->move({}, 0);
+    EXPECT_THAT(observer->events, IsEmpty());
+}
+
+TEST_P(DiscProjectList, IsEmptyAfterClear) {
+    compile({"a.mp3", "b.mp3"});
+    project->clear();
+    EXPECT_THAT(*project->items(), IsEmpty());
+    EXPECT_EQ(observer->events.back(), "removed 0+2");
+}
+
+TEST_P(DiscProjectList, ASnapshotIsSharedUntilTheListChanges) {
+    compile({"a.mp3"});
+    const auto before = project->items();
+    EXPECT_EQ(project->items(), before);
+    compile({"b.mp3"});
+    EXPECT_EQ(before->size(), 1U);
+    EXPECT_EQ(project->items()->size(), 2U);
+}
+
+TEST_P(DiscProjectList, AnObserverThatEditsIsNotCalledInsideItsOwnCall) {
+    bool hasEdited = false;
+    observer->onCall = [&] {
+        if (!std::exchange(hasEdited, true)) {
+            project->add(songs({"b.mp3"}));
+            project->clear();
+        }
+    };
+    compile({"a.mp3"});
+    EXPECT_EQ(observer->names(), names());
+}
+
+TEST_P(DiscProjectList, AProjectThatAnObserverDestroysReportsNothingMore) {
+    observer->onCall = [&] { project.reset(); };
+    project->add(songs({"a.mp3", "b.mp3"}));
+    settle();
+    EXPECT_EQ(observer->events.size() + observer->progressOfAdding.size(), 1U);
+}
+
+TEST_P(DiscProjectList, ADestroyedProjectReportsNothing) {
+    project->add(songs({"a.mp3", "b.mp3"}));
+    project.reset();
+    settle();
+    EXPECT_THAT(observer->events, IsEmpty());
+}
+
+TEST_P(DiscProjectList, AnObserverThatIsGoneIsNotCalled) {
+    const std::weak_ptr<ProjectObserver> gone = observer;
+    observer.reset();
+    EXPECT_TRUE(gone.expired());
+    observer = std::make_shared<ProjectObserver>();
+    project->addObserver(observer);
+    compile({"a.mp3"});
+    EXPECT_THAT(observer->names(), ElementsAre("a.mp3"));
+}
+
+TEST_P(DiscProjectList, TellsTheProgressOfAllCallsTogether) {
+    platform.backgroundQueue().hold();
+    project->add(songs({"a.mp3", "b.mp3"}));
+    project->add(songs({"c.mp3"}));
+    EXPECT_TRUE(project->isAdding());
+    platform.backgroundQueue().releaseOne();
+    settle();
+    EXPECT_TRUE(project->isAdding());
+    platform.backgroundQueue().release();
+    settle();
+    EXPECT_FALSE(project->isAdding());
+    using Progress = std::tuple<std::string, std::size_t, std::size_t>;
+    EXPECT_THAT(
+        observer->progressOfAdding,
+        ElementsAre(Progress("a.mp3", 1, 2), Progress("b.mp3", 2, 2), Progress("c.mp3", 3, 3)));
+    EXPECT_EQ(std::count(observer->events.begin(), observer->events.end(), "adding ended"), 1);
+}
+
+TEST_P(DiscProjectList, AddingEndsAlsoIfNoFileIsAccepted) {
+    project->add({"/music/picture.png"});
+    EXPECT_TRUE(project->isAdding());
+    EXPECT_THAT(observer->events, IsEmpty()) << "not inside the call";
+    settle();
+    EXPECT_THAT(observer->events, ElementsAre("adding ended"));
+    EXPECT_FALSE(project->isAdding());
+}
+
+TEST_P(DiscProjectList, CancellingKeepsWhatWasAdded) {
+    platform.onCall(ServiceCall::DisplayName, [&](const std::string& path) {
+        if (path == "/music/b.mp3")
+            project->cancelAdding();
+    });
+    compile({"a.mp3", "b.mp3", "c.mp3", "d.mp3"});
+    EXPECT_EQ(observer->events.back(), "adding canceled");
+    EXPECT_EQ(observer->names().front(), "a.mp3");
+    EXPECT_LT(observer->names().size(), 4U);
+    EXPECT_FALSE(project->isAdding());
+    compile({"e.mp3"});
+    EXPECT_EQ(observer->events.back(), "adding ended");
+}
+
+TEST_P(DiscProjectList, ACopyThatFollowsTheEventsEqualsTheListAfterTenThousandEdits) {
+    std::mt19937 random(7); // NOLINT(cert-msc51-cpp): the same edits in every run
+    const auto upTo = [&](std::size_t most) {
+        return std::uniform_int_distribution<std::size_t>(0, most)(random);
+    };
+    const auto someRows = [&] {
+        Rows rows;
+        const std::size_t size = project->items()->size();
+        for (std::size_t i = upTo(4); size != 0 && i > 0; --i)
+            rows.insert(upTo(size - 1));
+        return rows;
+    };
+    Strings pool;
+    for (int i = 0; i < 200; ++i)
+        pool.push_back("song " + std::to_string(i) + ".mp3");
+    pool = songs(pool);
+    const auto some = [&] {
+        const std::size_t first = upTo(pool.size() - 6);
+        return Strings(pool.begin() + static_cast<std::ptrdiff_t>(first),
+                       pool.begin() + static_cast<std::ptrdiff_t>(first + 1 + upTo(4)));
+    };
+    for (int i = 0; i < 10'000; ++i) {
+        switch (upTo(5)) {
+        case 0:
+            project->add(some(), upTo(project->items()->size()));
+            break;
+        case 1:
+            project->add(some());
+            break;
+        case 2:
+            project->remove(someRows());
+            break;
+        case 3:
+        case 4:
+            project->move(someRows(), upTo(project->items()->size()));
+            break;
+        default:
+            for (std::size_t turns = upTo(8); turns > 0; --turns)
+                platform.runOnce();
+        }
+        ASSERT_EQ(observer->rows, *project->items()) << "after edit " << i;
+    }
+    settle();
+    EXPECT_EQ(observer->rows, *project->items());
+    EXPECT_FALSE(observer->rows.empty());
+}
+
+} // namespace
+} // namespace quarner::testing
