@@ -4,6 +4,7 @@
 #include <array>
 
 #include "adapters/ffmpeg/FFmpegServices.h"
+#include "adapters/ffmpeg/FileTags.h"
 #include "fuzz/Input.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -45,6 +46,17 @@ void checkStream(PCMService& service, const std::string& path, const PCMLength& 
     require(*pairs == length.discSamples, "what is measured is what is delivered");
 }
 
+void checkTagText(const std::string& text) {
+    require(text.size() <= MediaTags::mostBytes, "a tag's text is bounded");
+    require(shownTagText(text) == text, "a tag's text can be shown");
+}
+
+void checkTags(const std::string& path) {
+    const MediaTags tags = readTags(path);
+    for (const std::string& text : {tags.title, tags.artist, tags.album})
+        checkTagText(text);
+}
+
 } // namespace
 
 void checkMediaFile(const char* name, const std::uint8_t* data, std::size_t size) {
@@ -54,6 +66,7 @@ void checkMediaFile(const char* name, const std::uint8_t* data, std::size_t size
     const auto service = makeFFmpegPCMService();
     if (const auto length = service->measure(path))
         checkStream(*service, path, *length);
+    checkTags(path);
 }
 
 } // namespace quarner::fuzz

@@ -34,6 +34,20 @@ void putJolietNames(const SeedFolder& folder) {
     put("zero-byte", std::string("a\0b\na\0\n", 7));
 }
 
+void putPlaylists(const SeedFolder& folder) {
+    const auto put = [&](std::string_view name, const std::string& bytes) {
+        folder.put("playlist", name, bytes);
+    };
+    put("empty", "");
+    put("m3u", "#EXTM3U\r\n#EXTINF:5,A\r\nsub\\a.mp3\r\nfile:///b%20c.mp3\nhttp://host/d\n");
+    put("not-utf8", "\xEF\xBB\xBFgr\xFC\xDF.mp3\n");
+    put("pls", "[playlist]\nFile2=b.mp3\nfile1=a.mp3\nFile18446744073709551616=c\n");
+    put("xspf", "<playlist><trackList><track><location> a%20b&amp;c.mp3</location></track>"
+                "<track><location><![CDATA[%00]]></location></track></trackList></playlist>");
+    put("nested",
+        "<playlist><track><location><location>a</location></location></track></playlist>");
+}
+
 void putSizeFormats(const SeedFolder& folder) {
     constexpr std::int64_t sizes[] = {0,
                                       -1,
@@ -138,6 +152,7 @@ void putProgramTexts(const SeedFolder& folder) {
 
 void putTextSeeds(const SeedFolder& folder) {
     putJolietNames(folder);
+    putPlaylists(folder);
     putSizeFormats(folder);
     putCueSheets(folder);
     putProgramTexts(folder);

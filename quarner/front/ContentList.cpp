@@ -20,17 +20,14 @@ namespace {
 
 constexpr std::size_t chunkSize = 256;
 
+/// An operation on one item copies a chunk, one on the list copies everything, which is sooner done
+/// than the former for each of many.
+constexpr std::size_t itemsPerOperation = 16;
+
 /// The number of items before an index that are not marked.
 std::size_t unmarkedBefore(const std::vector<bool>& isMarked, std::size_t index) {
     return static_cast<std::size_t>(
         std::count(isMarked.begin(), isMarked.begin() + static_cast<std::ptrdiff_t>(index), false));
-}
-
-std::vector<bool> marked(const BurnItemList& all, const std::unordered_set<BurnItemRef>& some) {
-    std::vector<bool> isMarked(all.size());
-    std::transform(all.begin(), all.end(), isMarked.begin(),
-                   [&](const BurnItemRef& item) { return some.contains(item); });
-    return isMarked;
 }
 
 } // namespace
@@ -212,42 +209,35 @@ bool ContentList::remove(const BurnItemRef& item) {
     return isFound;
 }
 
-void ContentList::removeAll(const std::unordered_set<BurnItemRef>& removed) {
-    BurnItemList items; // released after the lock
+void ContentList::removeAll(const std::unordered_set<BurnItemRef>& items) {
     const Change change(*this);
-    items = itemsLocked();
-    removeMarked(items, marked(items, removed));
+    removeRows(rowsOf(items));
 }
 
 void ContentList::clear() {
-    BurnItemList items; // released after the lock
     const Change change(*this);
-    items = itemsLocked();
-    removeMarked(items, std::vector<bool>(items.size(), true));
+    std::vector<std::size_t> rows(_size);
+    std::iota(rows.begin(), rows.end(), std::size_t(0));
+    removeRows(rows);
 }
 
 bool ContentList::move(const std::set<std::uint64_t>& indexes, std::uint64_t before) {
     const Change change(*this);
     if (!indexes.empty() && *indexes.rbegin() >= _size)
         return false;
-    if (indexes.contains(before))
-        return true;
-    std::vector<bool> isMoved(_size);
-    for (const std::uint64_t index : indexes)
-        isMoved[static_cast<std::size_t>(index)] = true;
-    moveLocked(itemsLocked(), isMoved,
-               static_cast<std::size_t>(std::min<std::uint64_t>(before, _size)));
+    if (!indexes.contains(before))
+        moveRows({indexes.begin(), indexes.end()},
+                 static_cast<std::size_t>(std::min<std::uint64_t>(before, _size)));
     return true;
 }
 
-bool ContentList::moveBehind(const std::unordered_set<BurnItemRef>& moved,
+bool ContentList::moveBehind(const std::unordered_set<BurnItemRef>& items,
                              const BurnItemRef& behind) {
     const Change change(*this);
     const std::optional<std::size_t> index = indexOf(behind);
     if (behind && !index)
         return false;
-    const BurnItemList items = itemsLocked();
-    moveLocked(items, marked(items, moved), behind ? *index + 1 : 0);
+    moveRows(rowsOf(items), behind ? *index + 1 : 0);
     return true;
 }
 
@@ -259,8 +249,8 @@ void ContentList::change(const std::function<void(BurnItemList&)>& change) {
     items = before;
     change(items);
     replaceLocked(items);
-    recordMarked(ListChange::Kind::Removed, before, std::vector<bool>(before.size(), true));
-    recordMarked(ListChange::Kind::Inserted, items, std::vector<bool>(items.size(), true));
+    recordAll(ListChange::Kind::Removed, before);
+    recordAll(ListChange::Kind::Inserted, items);
     findPlacesAgain(before);
 }
 
@@ -292,18 +282,20 @@ std::vector<ListChange> ContentList::takeChanges() {
     return std::exchange(_changes, {});
 }
 
-void ContentList::recordMarked(ListChange::Kind kind, const BurnItemList& items,
-                               const std::vector<bool>& isMarked, std::size_t to) {
-    if (!_onFirst)
+void ContentList::recordAll(ListChange::Kind kind, const BurnItemList& items) {
+    if (!_onFirst || items.empty())
         return;
-    ListChange change{.kind = kind, .to = to};
-    for (std::size_t row = 0; row < items.size(); ++row)
-        if (isMarked[row]) {
-            change.rows.push_back(row);
-            change.items.push_back(items[row]);
-        }
-    if (!change.rows.empty())
-        _changes.push_back(std::move(change));
+    ListChange change{
+        .kind = kind, .rows = std::vector<std::uint64_t>(items.size()), .items = items};
+    std::iota(change.rows.begin(), change.rows.end(), std::uint64_t(0));
+    _changes.push_back(std::move(change));
+}
+
+void ContentList::recordRows(ListChange::Kind kind, const std::vector<std::size_t>& rows,
+                             std::size_t to) {
+    if (_onFirst)
+        _changes.push_back(
+            {.kind = kind, .rows = {rows.begin(), rows.end()}, .items = itemsAt(rows), .to = to});
 }
 
 void ContentList::recordOne(ListChange::Kind kind, std::size_t row, const BurnItemRef& item) {
@@ -416,34 +408,89 @@ void ContentList::removeLocked(std::size_t index) {
     }
 }
 
-void ContentList::removeMarked(const BurnItemList& items, const std::vector<bool>& isRemoved) {
-    BurnItemList kept;
-    for (std::size_t i = 0; i < items.size(); ++i)
-        if (!isRemoved[i])
-            kept.push_back(items[i]);
+std::vector<std::size_t> ContentList::rowsOf(const std::unordered_set<BurnItemRef>& items) const {
+    const auto isOnceAtMost = [&](const BurnItemRef& item) {
+        return _chunks.count(item.get()) <= 1;
+    };
+    std::vector<std::size_t> rows;
+    if (areFew(items.size()) && std::all_of(items.begin(), items.end(), isOnceAtMost)) {
+        for (const BurnItemRef& item : items)
+            if (const std::optional<std::size_t> row = indexOf(item))
+                rows.push_back(*row);
+        std::sort(rows.begin(), rows.end());
+        return rows;
+    }
+    std::size_t row = 0;
+    for (const BurnItemRef& item : Snapshot(_table, _size)) {
+        if (items.contains(item))
+            rows.push_back(row);
+        ++row;
+    }
+    return rows;
+}
+
+bool ContentList::areFew(std::size_t count) const { return count < _size / itemsPerOperation; }
+
+BurnItemList ContentList::itemsAt(const std::vector<std::size_t>& rows) const {
+    const Snapshot now(_table, _size);
+    BurnItemList items;
+    for (const std::size_t row : rows)
+        items.push_back(now[row]);
+    return items;
+}
+
+void ContentList::removeRows(const std::vector<std::size_t>& rows) {
+    if (rows.empty())
+        return;
+    recordRows(ListChange::Kind::Removed, rows);
+    takeRows(rows);
+}
+
+void ContentList::moveRows(const std::vector<std::size_t>& rows, std::size_t before) {
+    const auto passed = std::lower_bound(rows.begin(), rows.end(), before) - rows.begin();
+    const std::size_t to = before - static_cast<std::size_t>(passed);
+    const bool isSame =
+        rows.empty() || (to == rows.front() && rows.back() - rows.front() == rows.size() - 1);
+    if (isSame)
+        return;
+    const BurnItemList moved = itemsAt(rows);
+    recordRows(ListChange::Kind::Moved, rows, to);
+    takeRows(rows);
     for (const Place& place : places())
-        place->keepUnmarked(isRemoved);
-    recordMarked(ListChange::Kind::Removed, items, isRemoved);
+        if (to < place->index)
+            place->shift(to, moved.size());
+    putRows(to, moved);
+}
+
+/// Takes the items at these rows out of the list, recording nothing.
+void ContentList::takeRows(const std::vector<std::size_t>& rows) {
+    if (areFew(rows.size())) {
+        std::for_each(rows.rbegin(), rows.rend(), [this](std::size_t row) { removeLocked(row); });
+        return;
+    }
+    std::vector<bool> isTaken(_size);
+    for (const std::size_t row : rows)
+        isTaken[row] = true;
+    for (const Place& place : places())
+        place->keepUnmarked(isTaken);
+    BurnItemList kept;
+    std::size_t row = 0;
+    for (const BurnItemRef& item : Snapshot(_table, _size))
+        if (!isTaken[row++])
+            kept.push_back(item);
     replaceLocked(kept);
 }
 
-void ContentList::moveLocked(const BurnItemList& items, const std::vector<bool>& isMoved,
-                             std::size_t before) {
-    const std::size_t to = unmarkedBefore(isMoved, before);
-    BurnItemList moved;
-    BurnItemList order;
-    for (std::size_t i = 0; i < items.size(); ++i)
-        (isMoved[i] ? moved : order).push_back(items[i]);
-    order.insert(order.begin() + static_cast<std::ptrdiff_t>(to), moved.begin(), moved.end());
-    if (order == items)
+/// Inserts items before a row, recording nothing and leaving the places as they are.
+void ContentList::putRows(std::size_t row, const BurnItemList& items) {
+    if (areFew(items.size())) {
+        for (const BurnItemRef& item : items)
+            insertLocked(row++, item);
         return;
-    for (const Place& place : places()) {
-        place->keepUnmarked(isMoved);
-        if (to < place->index)
-            place->shift(to, moved.size());
     }
-    recordMarked(ListChange::Kind::Moved, items, isMoved, to);
-    replaceLocked(order);
+    BurnItemList all = itemsLocked();
+    all.insert(all.begin() + static_cast<std::ptrdiff_t>(row), items.begin(), items.end());
+    replaceLocked(all);
 }
 
 void ContentList::replaceLocked(const BurnItemList& items) {

@@ -24,8 +24,9 @@ namespace quarner {
 /// The items of a compilation, published as immutable snapshots: a reader sees a whole list, and
 /// changes made at the same time on several threads follow one another without loss. Any thread.
 ///
-/// A snapshot costs nothing to take. Appending, inserting and removing an item take hardly longer
-/// in a long list than in a short one; the other changes take time in proportion to the list.
+/// A snapshot costs nothing to take. Appending, inserting, removing and moving a few items take
+/// hardly longer in a long list than in a short one; other changes take time in proportion to the
+/// list.
 class QUARNER_EXPORT ContentList {
     struct Chunk;
     struct Table;
@@ -172,15 +173,20 @@ private:
     void removeLocked(std::size_t index);
     BurnItemList itemsLocked() const;
     void replaceLocked(const BurnItemList& items);
-    void moveLocked(const BurnItemList& items, const std::vector<bool>& isMoved,
-                    std::size_t before);
-    void removeMarked(const BurnItemList& items, const std::vector<bool>& isRemoved);
+    std::vector<std::size_t> rowsOf(const std::unordered_set<BurnItemRef>& items) const;
+    BurnItemList itemsAt(const std::vector<std::size_t>& rows) const;
+    bool areFew(std::size_t count) const;
+    void removeRows(const std::vector<std::size_t>& rows);
+    void moveRows(const std::vector<std::size_t>& rows, std::size_t before);
+    void takeRows(const std::vector<std::size_t>& rows);
+    void putRows(std::size_t row, const BurnItemList& items);
     Place newPlace(std::size_t index, bool isInFront);
     std::vector<Place> places();
     void findPlacesAgain(const BurnItemList& before);
     void recordOne(ListChange::Kind kind, std::size_t row, const BurnItemRef& item);
-    void recordMarked(ListChange::Kind kind, const BurnItemList& items,
-                      const std::vector<bool>& isMarked, std::size_t to = 0);
+    void recordAll(ListChange::Kind kind, const BurnItemList& items);
+    void recordRows(ListChange::Kind kind, const std::vector<std::size_t>& rows,
+                    std::size_t to = 0);
 
     mutable std::mutex _mutex;
     std::shared_ptr<Table> _table;

@@ -101,6 +101,15 @@ TYPED_TEST(BothScale, MovingAndRemovingManyToo) {
     });
 }
 
+TYPED_TEST(BothScale, MovingThemOneByOneToo) {
+    this->expectLinear(1000, [this](int) {
+        const ContentList::Snapshot before = this->burner->items();
+        for (std::size_t i = 0; i < before.size(); i += 2)
+            this->burner->moveItems({before[i]}, nullptr);
+        EXPECT_EQ(this->burner->items()[0], before[before.size() - 2]);
+    });
+}
+
 TYPED_TEST(BothScale, RemovingThemOneByOneToo) {
     this->expectLinear(1000, [this](int) {
         const ContentList::Snapshot before = this->burner->_content.snapshot();

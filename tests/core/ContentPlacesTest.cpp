@@ -7,6 +7,7 @@
 #include <random>
 #include <string>
 #include <thread>
+#include <unordered_set>
 #include <vector>
 
 #include "quarner/front/ContentList.h"
@@ -160,6 +161,29 @@ TEST_F(ContentPlaces, AnItemThatMovesStandsForTheOneBeforeItThatDoesNot) {
     EXPECT_EQ(letters(), "ADBCE");
     EXPECT_FALSE(list.moveBehind({item('A')}, newItem('X')));
     EXPECT_EQ(letters(), "ADBCE");
+}
+
+TEST(LongContentPlaces, ManyItemsMoveAroundAPlaceInALongList) {
+    ContentList list;
+    for (int i = 0; i < 1'000; ++i)
+        list.append(std::make_shared<DRTrack>());
+    const ContentList::Snapshot before = list.snapshot();
+    const auto place = list.placeBefore(501);
+    std::unordered_set<BurnItemRef> even;
+    for (std::size_t i = 0; i < before.size(); i += 2)
+        even.insert(before[i]);
+    EXPECT_TRUE(list.moveBehind(even, nullptr));
+    const BurnItemRef inserted = std::make_shared<DRTrack>();
+    list.insert(place, inserted);
+    const ContentList::Snapshot after = list.snapshot();
+    for (std::size_t i = 0; i < 500; ++i)
+        ASSERT_EQ(after[i], before[2 * i]);
+    EXPECT_EQ(after[749], before[499]);
+    EXPECT_EQ(after[750], inserted) << "behind the last item before it that has not moved";
+    EXPECT_EQ(after[751], before[501]);
+    list.removeAll(even);
+    EXPECT_EQ(list.snapshot().size(), 501U);
+    EXPECT_EQ(list.snapshot()[250], inserted);
 }
 
 /// A copy of a list that follows its recorded changes.
