@@ -22,10 +22,12 @@ void refuseIrreplaceable(const std::string& path) {
     const auto askAccess = [&] { return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS); };
     if (uninterrupted(askAccess) == 0)
         return;
-    BurnFailure failure = writeFailure(errno, "asking for access to ", path);
-    if (failure.error() == DRError::PermissionDenied)
-        failure = {failure.error(), path + " may not be written to and is not replaced"};
-    throw failure;
+    const int error = errno;
+    constexpr char action[] = "asking for access to ";
+    if (writeFailure(error, action, path).error() != DRError::PermissionDenied)
+        throw writeFailure(error, action, path);
+    throw BurnFailure(DRError::PermissionDenied, path + " may not be written to and is not replaced",
+                      path);
 }
 
 void refuseClosedFolder(const std::string& folder) {
