@@ -25,9 +25,9 @@ std::unique_ptr<LoopSource> sourceOfDefaultContext(LoopSource::Nesting nesting,
 
 class Dispatch : public GlibDispatch {
 public:
-    Dispatch(const PostToLoop& postToMain, std::chrono::milliseconds patience)
+    Dispatch(const PostToLoop& postToMain, std::chrono::milliseconds warnAfter)
         : _isOnGlib(!postToMain),
-          _mainQueue(postToMain ? postedSources(postToMain) : sourceOfDefaultContext, patience) {}
+          _mainQueue(postToMain ? postedSources(postToMain) : sourceOfDefaultContext, warnAfter) {}
 
     void asyncGlobal(std::function<void()> work) override { _pool->submit(std::move(work)); }
     void syncMain(std::function<void()> work) override {
@@ -58,8 +58,8 @@ private:
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): reads as the other makers do
 std::shared_ptr<GlibDispatch> makeGlibDispatch(PostToLoop postToMain,
-                                               std::chrono::milliseconds patience) {
-    return std::make_shared<Dispatch>(postToMain, patience);
+                                               std::chrono::milliseconds warnAfter) {
+    return std::make_shared<Dispatch>(postToMain, warnAfter);
 }
 
 } // namespace quarner

@@ -31,10 +31,10 @@ public:
 /// The calling thread is taken as the main thread. Work for it goes through `postToMain`. If that
 /// is empty, it goes through the default GMainContext, whose loop must run for `syncMain` to return
 /// on other threads, and the thread that owns that context during a call is taken as the main
-/// thread, too. The log says so once if a caller has waited `patience` for the main thread.
+/// thread, too. The log says so once if a caller has waited `warnAfter` for the main thread.
 std::shared_ptr<GlibDispatch>
 makeGlibDispatch(PostToLoop postToMain = {},
-                 std::chrono::milliseconds patience = MainThreadQueue::usualPatience);
+                 std::chrono::milliseconds warnAfter = MainThreadQueue::usualWarnAfter);
 
 /// Run loops. A thread's centre belongs to the GMainContext that is the thread's default when it
 /// first asks for its centre (`g_main_context_push_thread_default`; otherwise the default context).

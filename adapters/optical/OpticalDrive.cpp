@@ -17,7 +17,7 @@ namespace {
 /// The timeout for a drive that another program has open. The system itself opens a drive for a
 /// moment after each event.
 constexpr std::chrono::milliseconds queryTimeout{500};
-constexpr std::chrono::milliseconds burnPatience{3000};
+constexpr std::chrono::milliseconds burnTimeout{3000};
 
 /// The time that a burn waits for a new disc to become ready.
 constexpr std::chrono::seconds loadingTimeout{30};
@@ -217,7 +217,7 @@ std::unique_ptr<SectorWriter> OpticalDrive::open(const DiscPlan& plan, const Bur
                                                  const std::shared_ptr<StopSignal>& stop) {
     const std::uint64_t changes = changeCount();
     auto drive = std::make_unique<GrabbedDrive>(
-        _record, DriveTimeouts{burnPatience, loadingTimeout}, stop.get());
+        _record, DriveTimeouts{burnTimeout, loadingTimeout}, stop.get());
     const DiscFacts disc = readDiscFacts(*drive);
     updateCache(disc, false, changes);
     stop->throwIfRequested();

@@ -18,7 +18,7 @@ struct MainThreadQueue::Job {
 
 /// The queued work. The sources share it because they may outlive the queue by one turn.
 struct MainThreadQueue::Jobs {
-    explicit Jobs(std::chrono::milliseconds longestWait) : patience(longestWait) {}
+    explicit Jobs(std::chrono::milliseconds longestWait) : warnAfter(longestWait) {}
 
     bool add(Job& job) {
         const std::lock_guard lock(mutex);
@@ -37,12 +37,12 @@ struct MainThreadQueue::Jobs {
     void waitFor(const Job& job) {
         std::unique_lock lock(mutex);
         const auto isOver = [&] { return job.isOver; };
-        if (anyIsOver.wait_for(lock, patience, isOver))
+        if (anyIsOver.wait_for(lock, warnAfter, isOver))
             return;
         if (!std::exchange(hasWarned, true)) {
             lock.unlock();
             currentPlatform()->log->log(
-                "the main loop has not run for " + std::to_string(patience.count()) +
+                "the main loop has not run for " + std::to_string(warnAfter.count()) +
                 " ms: files are added, and burns and drives reported, only while it runs");
             lock.lock();
         }
@@ -101,7 +101,7 @@ struct MainThreadQueue::Jobs {
         anyIsOver.notify_all();
     }
 
-    const std::chrono::milliseconds patience;
+    const std::chrono::milliseconds warnAfter;
     std::mutex mutex;
     std::condition_variable anyIsOver;
     std::deque<Job*> waiting;
@@ -112,8 +112,8 @@ struct MainThreadQueue::Jobs {
 
 // Nesting::Yes, so that work that runs its own loop does not block other callers.
 MainThreadQueue::MainThreadQueue(const MakeLoopSource& makeSource,
-                                 std::chrono::milliseconds patience)
-    : _jobs(std::make_shared<Jobs>(patience)),
+                                 std::chrono::milliseconds warnAfter)
+    : _jobs(std::make_shared<Jobs>(warnAfter)),
       _waitedFor(makeSource(LoopSource::Nesting::Yes, [jobs = _jobs] { return jobs->runOne(); })),
       _posted(
           makeSource(LoopSource::Nesting::No, [jobs = _jobs] { return jobs->runOnePosted(); })) {}

@@ -13,10 +13,10 @@ namespace quarner {
 class MainThreadQueue {
 public:
     /// The longest wait for the main loop after which the log says that it may not be running.
-    static constexpr std::chrono::milliseconds usualPatience{5000};
+    static constexpr std::chrono::milliseconds usualWarnAfter{5000};
 
     explicit MainThreadQueue(const MakeLoopSource& makeSource,
-                             std::chrono::milliseconds patience = usualPatience);
+                             std::chrono::milliseconds warnAfter = usualWarnAfter);
     /// Calls `shutDown`.
     ~MainThreadQueue();
     MainThreadQueue(const MainThreadQueue&) = delete;

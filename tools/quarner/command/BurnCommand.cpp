@@ -111,7 +111,7 @@ void BurnCommand::interrupt() {
 }
 
 void BurnCommand::addFiles() {
-    if (!_burner->addFiles(_options.files)) // then the delegate is not told of the end
+    if (!_burner->addFiles(_options.files)) // which then reports no end
         _host.loop.post([this] { _host.loop.quit(); });
     _host.loop.run();
 }
