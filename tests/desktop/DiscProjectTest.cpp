@@ -122,7 +122,7 @@ TEST_F(DesktopDiscProject, ReportsNothingOnceItWasDestroyedWhileFilesAreAdded) {
     for (int i = 0; i < 50; ++i) {
         make();
         project->add(files);
-        for (unsigned turns = random() % 12; turns > 0; --turns)
+        for (auto turns = random() % 12; turns > 0; --turns)
             g_main_context_iteration(nullptr, TRUE);
         project.reset();
         const std::size_t events = observer->events.size() + observer->progressOfAdding.size();
@@ -139,7 +139,7 @@ TEST_F(DesktopDiscProject, ReportsNothingOnceItWasDestroyedWhileItBurns) {
         project->add({song});
         ASSERT_TRUE(runUntilAdded());
         ASSERT_TRUE(project->burn(project->driveNamed(image).value()));
-        for (unsigned turns = random() % 30; turns > 0 && project->isBurning(); --turns)
+        for (auto turns = random() % 30; turns > 0 && project->isBurning(); --turns)
             g_main_context_iteration(nullptr, TRUE);
         project.reset();
         const std::size_t events = observer->burn.size() + observer->burnEnds.size();
