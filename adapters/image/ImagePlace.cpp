@@ -26,8 +26,8 @@ void refuseIrreplaceable(const std::string& path) {
     constexpr char action[] = "asking for access to ";
     if (writeFailure(error, action, path).error() != DRError::PermissionDenied)
         throw writeFailure(error, action, path);
-    throw BurnFailure(DRError::PermissionDenied, path + " may not be written to and is not replaced",
-                      path);
+    throw BurnFailure(DRError::PermissionDenied,
+                      path + " may not be written to and is not replaced", path);
 }
 
 void refuseClosedFolder(const std::string& folder) {

@@ -82,6 +82,8 @@ bool ScriptedDriveImpl::mediaIsPresent() const { return script().disc.has_value(
 
 bool ScriptedDriveImpl::mediaIsTransitioning() const { return script().isTransitioning; }
 
+std::string ScriptedDriveImpl::accessProblem() const { return script().accessProblem; }
+
 bool ScriptedDriveImpl::mediaIsBlank() const {
     const DriveScript now = script();
     return now.disc && now.disc->isBlank;

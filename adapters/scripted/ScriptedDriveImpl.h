@@ -27,6 +27,7 @@ public:
     Dictionary status() const override;
     bool mediaIsPresent() const override;
     bool mediaIsTransitioning() const override;
+    std::string accessProblem() const override;
     bool mediaIsBlank() const override;
     bool mediaIsAppendable() const override;
     bool mediaIsErasable() const override;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "quarner/project/BurnTexts.h"
 
+#include "quarner/project/DiscCapacity.h"
 #include "quarner/project/Texts.h"
 #include "quarner/util/MultiMedia.h"
 
@@ -99,10 +100,15 @@ std::string textForBurnError(DRError code) { return text(messageFor(code)); }
 
 std::string adviceForBurnError(DRError code, std::uint64_t imageBytes) {
     const char* const advice = adviceFor(code);
-    if (advice == nullptr)
+    if (advice == nullptr || (code == DRError::NoSpace && imageBytes == 0))
         return {};
     const auto bytes = static_cast<std::int64_t>(imageBytes);
     return text(advice, {{"size", MultiMedia::stringWithFilesize(bytes)}});
+}
+
+DiscProblem problemForCode(std::int64_t code) {
+    const auto error = static_cast<DRError>(static_cast<std::uint32_t>(code));
+    return {error, textForBurnError(error), adviceForBurnError(error, 0)};
 }
 
 std::string textForBurnStep(const DiscBurnProgress& progress) {

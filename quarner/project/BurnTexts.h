@@ -13,7 +13,7 @@ namespace quarner {
 std::string textForBurnError(DRError code);
 
 /// What the user can do about it, as a sentence; empty if there is nothing to say. `imageBytes` is
-/// the size that an image of the disc would have.
+/// the size that an image of the disc would have; 0 if that is unknown.
 std::string adviceForBurnError(DRError code, std::uint64_t imageBytes);
 
 /// What a burn does: "Writing track 2 of 9".

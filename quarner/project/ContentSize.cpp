@@ -59,8 +59,7 @@ DiscProblem explained(const ContentSize& content, const DiscDrive& drive, DRErro
         result.text = text("The drive still examines the disc.");
         result.advice = text("Try again when it is done.");
     } else if (code == DRError::DeviceNotPermitted) {
-        result.text = text("The drive “{drive}” cannot be used: {problem}.",
-                           {{"drive", drive.name}, {"problem", drive.problem}});
+        result.text = textForUnusableDrive(drive);
         result.advice.clear(); // the problem says it
     }
     return result;
@@ -107,6 +106,7 @@ ContentSize measureContent(DiscProject::Kind kind, const ContentList::Snapshot& 
 DiscCapacity capacityOf(const ContentSize& content, const std::optional<DiscDrive>& drive) {
     DiscCapacity capacity;
     capacity.count = content.count;
+    capacity.fileBytes = content.bytes;
     capacity.isExact = content.isExact;
     capacity.used = inUnit(content, content.blocks);
     capacity.isDiscKnown = drive && drive->isExamined && drive->hasDisc;

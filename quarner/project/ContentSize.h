@@ -15,7 +15,7 @@ struct ContentSize {
     DiscProject::Kind kind = DiscProject::Kind::Audio;
     std::size_t count = 0;
     std::uint64_t blocks = 0; ///< sectors of an audio CD, pre-gaps included; blocks of a data CD
-    std::uint64_t bytes = 0;  ///< of the files on a data CD
+    std::uint64_t bytes = 0;  ///< of the files
     bool isExact = true;      ///< false while the blocks of a data CD are those of the files alone
 
     std::uint64_t imageBytes() const; ///< the size that an image would have

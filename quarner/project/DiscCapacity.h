@@ -6,6 +6,7 @@
 #include <string>
 
 #include "quarner/platform/DRErrors.h"
+#include "quarner/platform/Export.h"
 
 namespace quarner {
 
@@ -19,7 +20,8 @@ struct DiscCapacity {
     std::string freeText;
     std::string totalText;
 
-    std::size_t count = 0; ///< tracks of an audio CD, files of a data CD
+    std::size_t count = 0;       ///< tracks of an audio CD, files of a data CD
+    std::uint64_t fileBytes = 0; ///< of the files, without the file system of a data CD
     bool isDiscKnown = false;
     /// False if there is more than the disc takes, or more than 99 tracks. Also false for a data CD
     /// whose file system makes it too large. True if no disc is known.
@@ -37,5 +39,9 @@ struct DiscProblem {
 
     bool operator==(const DiscProblem&) const = default;
 };
+
+/// Returns what an error code of a burn means (`BurnError::code`, `ImageProblem::code`) and what
+/// the user can do about it. Any thread.
+QUARNER_EXPORT DiscProblem problemForCode(std::int64_t code);
 
 } // namespace quarner

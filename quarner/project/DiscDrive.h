@@ -2,9 +2,15 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <vector>
+
+#include "quarner/platform/Export.h"
 
 namespace quarner {
+
+class DRDevice;
 
 /// What was last found out about a drive and its disc. A plain value that does not change; a
 /// project returns a new one after its observers were called.
@@ -14,14 +20,15 @@ struct DiscDrive {
     using Id = std::uint64_t;
 
     Id id = 0;
-    std::string name; ///< the display name
-    bool canWrite = false;
+    std::string name;      ///< the display name
+    bool canWrite = false; ///< it writes CDs
 
     /// False until the drive has answered for the first time, and everything below is then unknown.
     /// A drive is asked in the background, because that may take seconds.
     bool isExamined = false;
     bool hasDisc = false;
     bool isLoading = false; ///< a disc is being loaded or examined
+    std::string discKind;   ///< "CD-R", "DVD-RW"; empty if it is unknown
     bool isCD = false;      ///< the disc is a CD-ROM, CD-R or CD-RW
     bool isBlank = false;
     bool isAppendable = false;
@@ -31,11 +38,33 @@ struct DiscDrive {
     std::uint64_t freeSeconds = 0;
     std::uint64_t usedBytes = 0; ///< blocks of 2048 bytes
     std::uint64_t freeBytes = 0;
+    std::vector<double> speeds; ///< at which it can be written, in sectors of 1/75 s per second
+    /// How often the drive has reported a change. The disc may be another one if this is another
+    /// number, even if the two look alike.
+    std::uint64_t changeCount = 0;
     /// Why the drive cannot be used now: one sentence without its full stop. Empty if it can.
     std::string problem;
 
     bool isWritableDisc() const { return isBlank || isErasable || isOverwritable; }
     bool operator==(const DiscDrive&) const = default;
 };
+
+/// Asks a drive about itself and its disc, and returns what it says, with 0 for `id` and
+/// `changeCount`. Takes as long as the drive takes, which may be seconds. Any thread.
+QUARNER_EXPORT DiscDrive examineDrive(const DRDevice& drive);
+
+/// Ejects the disc in a drive. Returns an empty text if it was ejected, otherwise the reason, a
+/// sentence. Null stands for a drive that is not attached any more. Takes as long as the drive
+/// takes. Any thread.
+QUARNER_EXPORT std::string ejectDisc(const std::shared_ptr<DRDevice>& drive);
+
+/// That a drive with a `problem` cannot be used and why, as a sentence.
+QUARNER_EXPORT std::string textForUnusableDrive(const DiscDrive& drive);
+
+/// The disc in a drive for display: "CD-RW, blank, can be erased", "no disc", "examining the disc",
+/// or why the drive cannot be used.
+QUARNER_EXPORT std::string textForDisc(const DiscDrive& drive);
+/// The same with the free play time: "CD-R, blank, 01:19:57 free".
+QUARNER_EXPORT std::string textForDiscAndFreeTime(const DiscDrive& drive);
 
 } // namespace quarner

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "quarner/project/DiscProject.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "quarner/project/ProjectCore.h"
+#include "quarner/util/Paths.h"
 
 // Every operation keeps the core, because an observer may destroy the project during the call.
 namespace quarner {
@@ -14,8 +16,22 @@ DiscProject::~DiscProject() { _core->close(); }
 
 DiscProject::Kind DiscProject::kind() const { return _core->kind(); }
 
+std::vector<std::string> DiscProject::fileExtensions() {
+    std::vector<std::string> extensions;
+    for (const std::string& type : Quarner::audioCDBurner()->supportedFileTypes()) {
+        const std::string extension = Paths::lowercaseExtension("." + type);
+        if (std::find(extensions.begin(), extensions.end(), extension) == extensions.end())
+            extensions.push_back(extension);
+    }
+    return extensions;
+}
+
 void DiscProject::addObserver(std::weak_ptr<DiscProjectObserver> observer) {
     _core->observers().add(std::move(observer));
+}
+
+void DiscProject::setDelegate(std::weak_ptr<QuarnDelegate> delegate) {
+    _core->setDelegate(std::move(delegate));
 }
 
 void DiscProject::add(const std::vector<std::string>& paths) {
@@ -68,7 +84,13 @@ std::optional<DiscDrive::Id> DiscProject::driveNamed(const std::string& name) co
     return id;
 }
 
-void DiscProject::eject(DiscDrive::Id id) { _core->eject(id); }
+void DiscProject::examine(DiscDrive::Id id, std::function<void()> done) {
+    _core->examine(id, std::move(done));
+}
+
+void DiscProject::eject(DiscDrive::Id id, std::function<void(const std::string&)> done) {
+    _core->eject(id, std::move(done));
+}
 
 DiscCapacity DiscProject::capacity(std::optional<DiscDrive::Id> drive) const {
     return _core->capacity(drive);

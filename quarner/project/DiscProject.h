@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -42,6 +43,15 @@ public:
     /// added.
     void addObserver(std::weak_ptr<DiscProjectObserver> observer);
 
+    /// Forwards every call that the burner makes to its delegate, in the same order, but all of
+    /// them on the main thread, each before the observers are called for the same event. For a
+    /// host that has a delegate; nothing of it is needed beside an observer. The delegate is held
+    /// weakly, and must not throw. Replaces the one before.
+    void setDelegate(std::weak_ptr<QuarnDelegate> delegate);
+
+    /// The extensions of the files that can be added, each once and in lower case: "m4a".
+    static std::vector<std::string> fileExtensions();
+
     // --- The list ---
 
     /// Adds files in the order of the paths, at the end or so that the first one gets the number
@@ -78,8 +88,12 @@ public:
     std::optional<DiscDrive> drive(DiscDrive::Id id) const;
     /// The drive with this display name; of several the last one. `std::nullopt` if there is none.
     std::optional<DiscDrive::Id> driveNamed(const std::string& name) const;
-    /// Ejects the disc in the background. A failure is not reported.
-    void eject(DiscDrive::Id id);
+    /// Asks a drive once more about its disc, in the background. `done` is called on the main
+    /// thread, after the observers have heard of what has changed; never inside this call.
+    void examine(DiscDrive::Id id, std::function<void()> done);
+    /// Ejects the disc in the background. `done` is called on the main thread, never inside this
+    /// call: with an empty text if the disc was ejected, otherwise with the reason, a sentence.
+    void eject(DiscDrive::Id id, std::function<void(const std::string& problem)> done = {});
 
     // --- What fits ---
 

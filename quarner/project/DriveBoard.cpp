@@ -5,7 +5,6 @@
 #include <array>
 #include <utility>
 
-#include "quarner/device/DiscQueries.h"
 #include "quarner/platform/DRKeys.h"
 #include "quarner/platform/Platform.h"
 
@@ -15,26 +14,9 @@ namespace {
 constexpr std::array notifications = {DRDeviceAppearedNotification, DRDeviceDisappearedNotification,
                                       DRDeviceStatusChangedNotification};
 
-/// Asks a drive about everything but its identity. Takes as long as the drive takes.
-DiscDrive factsOf(const std::shared_ptr<DRDevice>& device) {
-    DiscDrive facts;
-    facts.isExamined = true;
-    facts.name = device->displayName();
-    facts.canWrite = valueFor(device->info(), DRDeviceCanWriteCDKey).asBool();
-    facts.hasDisc = device->mediaIsPresent();
-    facts.isLoading = device->mediaIsTransitioning();
-    facts.isCD = disc::isCompactDisc(*device);
-    facts.isBlank = device->mediaIsBlank();
-    facts.isAppendable = device->mediaIsAppendable();
-    facts.isErasable = device->mediaIsErasable();
-    facts.isOverwritable = device->mediaIsOverwritable();
-    facts.usedSeconds = disc::usedSeconds(*device);
-    facts.freeSeconds = disc::freeSeconds(*device);
-    facts.usedBytes = disc::usedBytes(*device);
-    facts.freeBytes = disc::freeBytes(*device);
-    if (!facts.hasDisc)
-        facts.problem = device->accessProblem();
-    return facts;
+void callAll(const std::vector<std::function<void()>>& calls) {
+    for (const auto& call : calls)
+        call();
 }
 
 } // namespace
@@ -99,15 +81,31 @@ void DriveBoard::rescan(const std::shared_ptr<DRDevice>& /*changed*/) {
         entry.device = device;
         entry.facts.id = ++_lastId;
         entry.facts.name = device->displayName();
+        entry.facts.canWrite = valueFor(device->info(), DRDeviceCanWriteCDKey).asBool();
         _entries.push_back(std::move(entry));
         ask(_entries.back());
     }
     _didChange();
+    for (const Entry& gone : before)
+        callAll(gone.waiting);
 }
 
 void DriveBoard::statusDidChange(const std::shared_ptr<DRDevice>& device) {
-    if (Entry* const entry = entryOf(device.get()))
+    if (Entry* const entry = entryOf(device.get())) {
+        ++entry->changeCount;
         ask(*entry);
+    }
+}
+
+void DriveBoard::examine(DiscDrive::Id id, std::function<void()> done) {
+    const auto known = std::find_if(_entries.begin(), _entries.end(),
+                                    [&](const Entry& entry) { return entry.facts.id == id; });
+    if (known == _entries.end()) {
+        currentPlatform()->dispatch->asyncMain(std::move(done));
+        return;
+    }
+    known->waiting.push_back(std::move(done));
+    ask(*known);
 }
 
 DriveBoard::Entry* DriveBoard::entryOf(const DRObject* device) {
@@ -132,7 +130,7 @@ void DriveBoard::ask(Entry& entry) {
     entry.isStale = false;
     const auto dispatch = currentPlatform()->dispatch;
     dispatch->asyncGlobal([weak = weak_from_this(), device = entry.device, dispatch] {
-        dispatch->asyncMain([weak, device, facts = factsOf(device)] {
+        dispatch->asyncMain([weak, device, facts = examineDrive(*device)] {
             if (const auto board = weak.lock())
                 board->take(device, facts);
         });
@@ -147,11 +145,15 @@ void DriveBoard::take(const std::shared_ptr<DRDevice>& device, const DiscDrive& 
     const bool isAskedAgain = entry->isStale;
     if (isAskedAgain)
         ask(*entry);
+    const std::vector<std::function<void()>> waiting =
+        isAskedAgain ? std::vector<std::function<void()>>() : std::exchange(entry->waiting, {});
     const DiscDrive before = entry->facts;
     entry->facts = facts;
     entry->facts.id = before.id;
+    entry->facts.changeCount = entry->changeCount;
     if (entry->facts != before)
         _didChange();
+    callAll(waiting);
 }
 
 } // namespace quarner

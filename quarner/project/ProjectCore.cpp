@@ -41,7 +41,9 @@ void ProjectCore::start() {
 }
 
 void ProjectCore::close() {
+    _isClosed = true;
     _observers.close();
+    _delegate.reset();
     _burner->recordChanges(nullptr);
     _burner->cancelToAddFiles();
     _burner->stopBurn();
@@ -106,7 +108,7 @@ void ProjectCore::addSorted(const std::vector<std::string>& paths) {
 void ProjectCore::beginRun(bool isAnyAccepted) {
     ++_startedRuns;
     if (!isAnyAccepted)
-        _relay->addFilesProgressDidEnd({});
+        _relay->emptyRunDidEnd();
 }
 
 void ProjectCore::cancelAdding() { _burner->cancelToAddFiles(); }
@@ -156,9 +158,26 @@ void ProjectCore::capacityDidChange() {
     tell([](DiscProjectObserver& observer) { observer.capacityChanged(); });
 }
 
-void ProjectCore::eject(DiscDrive::Id id) {
-    if (const auto device = _drives->device(id))
-        currentPlatform()->dispatch->asyncGlobal([device] { device->ejectMedia(); });
+/// A call for the host, which is dropped once the project is closed.
+template <typename... Arguments>
+std::function<void(Arguments...)> ProjectCore::whileOpen(std::function<void(Arguments...)> call) {
+    return [weak = weak_from_this(), call = std::move(call)](Arguments... arguments) {
+        const auto core = weak.lock();
+        if (core && !core->_isClosed && call)
+            call(arguments...);
+    };
+}
+
+void ProjectCore::examine(DiscDrive::Id id, std::function<void()> done) {
+    _drives->examine(id, whileOpen(std::move(done)));
+}
+
+void ProjectCore::eject(DiscDrive::Id id, std::function<void(const std::string&)> done) {
+    const auto dispatch = currentPlatform()->dispatch;
+    const auto device = _drives->device(id);
+    dispatch->asyncGlobal([=, answer = whileOpen(std::move(done))] {
+        dispatch->asyncMain([answer, problem = ejectDisc(device)] { answer(problem); });
+    });
 }
 
 ContentSize ProjectCore::contentSize() const {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -35,6 +36,9 @@ public:
 
     DiscProject::Kind kind() const { return _kind; }
     ObserverList& observers() { return _observers; }
+    void setDelegate(std::weak_ptr<QuarnDelegate> delegate) { _delegate = std::move(delegate); }
+    /// Null if there is none, and once the project is closed.
+    std::shared_ptr<QuarnDelegate> delegate() const { return _delegate.lock(); }
     void add(const std::vector<std::string>& paths, std::optional<std::size_t> row);
     void addSorted(const std::vector<std::string>& paths);
     bool isAdding() const { return _startedRuns != 0; }
@@ -44,7 +48,8 @@ public:
     void clear();
     std::shared_ptr<const DiscItems> items() const { return _rows.snapshot(); }
     const DriveBoard& drives() const { return *_drives; }
-    void eject(DiscDrive::Id id);
+    void examine(DiscDrive::Id id, std::function<void()> done);
+    void eject(DiscDrive::Id id, std::function<void(const std::string&)> done);
     DiscCapacity capacity(std::optional<DiscDrive::Id> drive) const;
     std::vector<DiscProblem> problems(DiscDrive::Id drive) const;
     bool burn(DiscDrive::Id drive, const std::string& title);
@@ -72,6 +77,8 @@ private:
         std::size_t of = 0;
     };
 
+    template <typename... Arguments>
+    std::function<void(Arguments...)> whileOpen(std::function<void(Arguments...)> call);
     void tell(ObserverList::Event event) { _observers.send(std::move(event)); }
     void beginRun(bool isAnyAccepted);
     void drivesDidChange();
@@ -84,7 +91,9 @@ private:
     const DiscProject::Kind _kind;
     const std::shared_ptr<Quarner> _burner;
     std::shared_ptr<ProjectRelay> _relay;
+    bool _isClosed = false;
     ObserverList _observers;
+    std::weak_ptr<QuarnDelegate> _delegate;
     RowList _rows;
     std::shared_ptr<DriveBoard> _drives;
     std::shared_ptr<DataSize> _dataSize; // null for an audio CD

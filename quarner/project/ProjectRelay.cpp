@@ -35,6 +35,21 @@ void ProjectRelay::deliver() {
             report(*core);
 }
 
+/// Calls the host's delegate. Main thread.
+template <auto operation, typename... Arguments>
+void ProjectRelay::pass(const Arguments&... arguments) {
+    tellCore([&](ProjectCore& core) {
+        if (const auto delegate = core.delegate())
+            (delegate.get()->*operation)(arguments...);
+    });
+}
+
+/// Calls the host's delegate on the main loop. Any thread.
+template <auto operation, typename... Arguments>
+void ProjectRelay::passOnMain(const Arguments&... arguments) {
+    post([this, arguments...](ProjectCore&) { pass<operation>(arguments...); });
+}
+
 // --- On the threads of the runs ---
 
 void ProjectRelay::listDidChange() {
@@ -42,15 +57,21 @@ void ProjectRelay::listDidChange() {
 }
 
 void ProjectRelay::addFilesProgressDidStarted() {
+    passOnMain<&QuarnDelegate::addFilesProgressDidStarted>();
     post([run = std::this_thread::get_id()](ProjectCore& core) { core.runDidStart(run); });
 }
 
 void ProjectRelay::addFilesProgressDidChanged(const std::string& displayName, std::int64_t index,
                                               std::uint64_t of) {
+    passOnMain<&QuarnDelegate::addFilesProgressDidChanged>(displayName, index, of);
     post([run = std::this_thread::get_id(), displayName, index, of](ProjectCore& core) {
         core.runDidProceed(run, displayName, static_cast<std::size_t>(index),
                            static_cast<std::size_t>(of));
     });
+}
+
+void ProjectRelay::fileDidAdded(const Dictionary& item) {
+    passOnMain<&QuarnDelegate::fileDidAdded>(item);
 }
 
 void ProjectRelay::fileDidRefuse(const FileRefusal& refusal) {
@@ -58,10 +79,16 @@ void ProjectRelay::fileDidRefuse(const FileRefusal& refusal) {
 }
 
 void ProjectRelay::addFilesProgressDidCanceled() {
+    passOnMain<&QuarnDelegate::addFilesProgressDidCanceled>();
     post([](ProjectCore& core) { core.runDidCancel(); });
 }
 
-void ProjectRelay::addFilesProgressDidEnd(const EndReport& /*report*/) {
+void ProjectRelay::addFilesProgressDidEnd(const EndReport& report) {
+    passOnMain<&QuarnDelegate::addFilesProgressDidEnd>(report);
+    emptyRunDidEnd();
+}
+
+void ProjectRelay::emptyRunDidEnd() {
     post([run = std::this_thread::get_id()](ProjectCore& core) { core.runDidEnd(run); });
 }
 
@@ -72,39 +99,75 @@ void ProjectRelay::tellCore(const Report& report) {
         report(*core);
 }
 
+void ProjectRelay::allFilesDidCleared() { pass<&QuarnDelegate::allFilesDidCleared>(); }
+
+void ProjectRelay::burnItemDidDelete(const BurnItemRef& item) {
+    pass<&QuarnDelegate::burnItemDidDelete>(item);
+}
+
+void ProjectRelay::burnItemsDidDelete(const BurnItemList& items) {
+    pass<&QuarnDelegate::burnItemsDidDelete>(items);
+}
+
+void ProjectRelay::burnItemDidSorted() { pass<&QuarnDelegate::burnItemDidSorted>(); }
+
 void ProjectRelay::enter(Phase phase, std::int64_t track, std::int64_t of) {
     tellCore([&](ProjectCore& core) { core.burnDidEnter(phase, track, of); });
 }
 
+void ProjectRelay::burnProgressDidStarted() { pass<&QuarnDelegate::burnProgressDidStarted>(); }
+
 void ProjectRelay::burnProgressDidError(const BurnError& error) {
+    pass<&QuarnDelegate::burnProgressDidError>(error);
     tellCore([&](ProjectCore& core) { core.burnDidFail(error); });
 }
 
-void ProjectRelay::burnProgressDidChanaged(double fraction, std::uint64_t /*lefttime*/) {
+void ProjectRelay::burnProgressDidChanaged(double fraction, std::uint64_t lefttime) {
+    pass<&QuarnDelegate::burnProgressDidChanaged>(fraction, lefttime);
     tellCore([&](ProjectCore& core) { core.burnDidProceed(fraction); });
 }
 
-void ProjectRelay::burnProgressIsPreparing() { enter(Phase::Preparing); }
+void ProjectRelay::burnProgressIsPreparing() {
+    pass<&QuarnDelegate::burnProgressIsPreparing>();
+    enter(Phase::Preparing);
+}
 
 void ProjectRelay::burnProgressIsOpeningTrack(std::int64_t track, std::int64_t of) {
+    pass<&QuarnDelegate::burnProgressIsOpeningTrack>(track, of);
     enter(Phase::Writing, track, of);
 }
 
 void ProjectRelay::burnProgressIsWriteingTrack(std::int64_t track, std::int64_t of) {
+    pass<&QuarnDelegate::burnProgressIsWriteingTrack>(track, of);
     enter(Phase::Writing, track, of);
 }
 
-void ProjectRelay::burnProgressDidCloseSession() { enter(Phase::Closing); }
+void ProjectRelay::burnProgressDidCloseTrack(std::int64_t track, std::int64_t of) {
+    pass<&QuarnDelegate::burnProgressDidCloseTrack>(track, of);
+}
 
-void ProjectRelay::burnProgressIsFinishing() { enter(Phase::Finishing); }
+void ProjectRelay::burnProgressDidCloseSession() {
+    pass<&QuarnDelegate::burnProgressDidCloseSession>();
+    enter(Phase::Closing);
+}
 
-void ProjectRelay::burnProgressIsVerifying() { enter(Phase::Verifying); }
+void ProjectRelay::burnProgressIsFinishing() {
+    pass<&QuarnDelegate::burnProgressIsFinishing>();
+    enter(Phase::Finishing);
+}
+
+void ProjectRelay::burnProgressIsVerifying() {
+    pass<&QuarnDelegate::burnProgressIsVerifying>();
+    enter(Phase::Verifying);
+}
 
 void ProjectRelay::burnProgressDidDone() {
+    pass<&QuarnDelegate::burnProgressDidDone>();
     tellCore([](ProjectCore& core) { core.endBurn({.outcome = DiscBurnEnd::Outcome::Done}); });
 }
 
 void ProjectRelay::burnProgressDidCanceled() {
+    pass<&QuarnDelegate::burnProgressDidCanceled>();
     tellCore([](ProjectCore& core) { core.endBurn({.outcome = DiscBurnEnd::Outcome::Canceled}); });
 }
 

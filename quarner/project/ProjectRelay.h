@@ -16,9 +16,10 @@ namespace quarner {
 
 class ProjectCore;
 
-/// The delegate of a project's burner. Hands what comes on the threads of runs to the main loop, in
-/// order and all that has come by then at once, so that a run of many small files does not keep the
-/// loop busy. The burner owns it, so it outlives every run.
+/// The delegate of a project's burner. Forwards every call to the host's delegate. Hands what comes
+/// on the threads of runs to the main loop, in order and all that has come by then at once, so that
+/// a run of many small files does not keep the loop busy. The burner owns it, so it outlives every
+/// run.
 class ProjectRelay : public QuarnDelegate, public std::enable_shared_from_this<ProjectRelay> {
 public:
     explicit ProjectRelay(std::weak_ptr<ProjectCore> core) : _core(std::move(core)) {}
@@ -28,17 +29,28 @@ public:
     /// Called by the burner when it has refused a file. Any thread.
     void fileDidRefuse(const FileRefusal& refusal);
 
+    /// Of a run in which no file was accepted, whose end the burner does not report.
+    void emptyRunDidEnd();
+
+    void allFilesDidCleared() override;
+    void burnItemDidDelete(const BurnItemRef& item) override;
+    void burnItemsDidDelete(const BurnItemList& items) override;
+    void burnItemDidSorted() override;
+
     void addFilesProgressDidStarted() override;
     void addFilesProgressDidChanged(const std::string& displayName, std::int64_t index,
                                     std::uint64_t of) override;
+    void fileDidAdded(const Dictionary& item) override;
     void addFilesProgressDidCanceled() override;
     void addFilesProgressDidEnd(const EndReport& report) override;
 
+    void burnProgressDidStarted() override;
     void burnProgressDidError(const BurnError& error) override;
     void burnProgressDidChanaged(double fraction, std::uint64_t lefttime) override;
     void burnProgressIsPreparing() override;
     void burnProgressIsOpeningTrack(std::int64_t track, std::int64_t of) override;
     void burnProgressIsWriteingTrack(std::int64_t track, std::int64_t of) override;
+    void burnProgressDidCloseTrack(std::int64_t track, std::int64_t of) override;
     void burnProgressDidCloseSession() override;
     void burnProgressIsFinishing() override;
     void burnProgressIsVerifying() override;
@@ -48,6 +60,10 @@ public:
 private:
     using Report = std::function<void(ProjectCore&)>;
 
+    template <auto operation, typename... Arguments>
+    void pass(const Arguments&... arguments);
+    template <auto operation, typename... Arguments>
+    void passOnMain(const Arguments&... arguments);
     void post(Report report);
     void deliver();
     void tellCore(const Report& report);

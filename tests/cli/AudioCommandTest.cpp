@@ -11,7 +11,7 @@ using AudioCommandTest = BurnCommandFixture;
 
 TEST_F(AudioCommandTest, JsonObjectsHaveTheArgumentsOfTheirCallbacks) {
     EXPECT_EQ(host.run({"audio", "--json", "/m/a.mp3"}), 0);
-    const auto all = objects();
+    const auto all = delegateObjects();
     EXPECT_EQ(
         all[1],
         (json{

@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -32,9 +33,20 @@ protected:
         return all;
     }
 
+    /// Those that are calls of the burner's delegate, or of the program's own.
+    std::vector<nlohmann::json> delegateObjects() const {
+        const std::set<std::string> ofTheProject = {"fileRefused", "burnProgress", "burnEnded",
+                                                    "waitsFor"};
+        std::vector<nlohmann::json> all = objects();
+        std::erase_if(
+            all, [&](const auto& object) { return ofTheProject.contains(object.at("event")); });
+        return all;
+    }
+
+    /// The names of the latter.
     std::vector<std::string> events() const {
         std::vector<std::string> names;
-        for (const nlohmann::json& object : objects())
+        for (const nlohmann::json& object : delegateObjects())
             names.push_back(object.at("event"));
         return names;
     }
@@ -75,9 +87,7 @@ protected:
         });
     }
     /// What a second Ctrl-C does.
-    void endAtOnce() {
-        host.loop.post([] { throw EndedAtOnce(); });
-    }
+    void endAtOnce() { host.loop.endAtOnce(); }
     std::string image() const {
         return (std::filesystem::temp_directory_path() / disc().example).string();
     }

@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 
 #include "quarner/platform/DiscFormat.h"
 #include "tests/cli/BurnCommandFixture.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace quarner::cli {
 namespace {
@@ -11,6 +15,13 @@ using nlohmann::json;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
+
+std::size_t countOf(const std::string& text, const std::string& part) {
+    std::size_t count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++count;
+    return count;
+}
 
 /// What the commands for all kinds of disc have in common.
 using BurnCommandTest = EveryKindOfBurn;
@@ -42,13 +53,13 @@ TEST_P(BurnCommandTest, ARefusedFileKeepsTheBurnFromStarting) {
 TEST_P(BurnCommandTest, KeepGoingWithNothingLeftIsARefusal) {
     EXPECT_EQ(burn({"--keep-going", "--json", "/m/none.wav", "/m/x.txt"}), 3);
     EXPECT_THAT(events(), ElementsAre("compilation", "exit"));
-    EXPECT_EQ(objects()[0].at("items"), 0);
+    EXPECT_EQ(delegateObjects()[0].at("items"), 0);
 }
 
 TEST_P(BurnCommandTest, AFailedBurnIsToldWithItsCode) {
     host.platform.playBurns({.failsAt = 0.4, .code = DRError::PermissionDenied});
     EXPECT_EQ(burn({"--json", "/m/a.mp3"}), 1);
-    EXPECT_EQ(objects()[objects().size() - 2],
+    EXPECT_EQ(delegateObjects()[delegateObjects().size() - 2],
               (json{{"event", "burnProgressDidError"},
                     {"domain", "Quarn"},
                     {"code", signedCode(DRError::PermissionDenied)}}));
@@ -149,6 +160,119 @@ TEST_P(BurnCommandTest, TheImageReachesTheBurn) {
     EXPECT_EQ(host.images[0].minutes, 74);
     EXPECT_EQ(host.images[0].disc, ImageRequest::Disc::Blank);
     EXPECT_EQ(host.platform.lastBurn()->device()->displayName(), "Image " + image());
+}
+
+TEST_P(BurnCommandTest, TheFilesKeepTheirOrderUnlessTheyAreToBeSorted) {
+    const auto order = [&](std::vector<std::string> options) {
+        options.insert(options.end(), {"--dry-run", "--json", "/m/c.mp3", "/m/a.mp3", "/m/b.m4a"});
+        EXPECT_EQ(burn(options), 0);
+        std::string names;
+        for (const json& object : objects())
+            if (object.at("event") == "fileDidAdded")
+                names += object.at("item").at("itemName").get<std::string>().substr(0, 1);
+        return names;
+    };
+    EXPECT_EQ(order({}), "cab");
+    EXPECT_EQ(order({"--sort"}), "abc");
+}
+
+TEST_P(BurnCommandTest, APlaylistStandsForItsFilesAndAFolderForThoseInIt) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directories(folder.file("album/.hidden"));
+    for (const char* const song : {"album/10.mp3", "album/2.mp3", "album/.hidden/x.mp3"}) {
+        std::ofstream(folder.file(song)).flush();
+        host.platform.putSong(folder.file(song), {.seconds = 10});
+    }
+    std::ofstream(folder.file("album/cover.jpg")).flush();
+    std::ofstream(folder.file("mix.m3u")) << "/m/c.mp3\n/m/none.mp3\n";
+    const auto added = [&] {
+        std::vector<std::string> names;
+        for (const json& object : objects())
+            if (object.at("event") == "fileDidAdded")
+                names.push_back(object.at("item").at("itemName"));
+        return names;
+    };
+    EXPECT_EQ(
+        burn({"--json", "--dry-run", "--recursive", "/m/b.m4a", folder.file("album"), "/m/a.mp3"}),
+        0);
+    EXPECT_THAT(added(), ElementsAre("b.m4a", "2.mp3", "10.mp3", "a.mp3"));
+    EXPECT_EQ(burn({"--json", "--dry-run", folder.file("album")}), 3);
+    EXPECT_EQ(burn({"--json", "--dry-run", folder.file("mix.m3u")}), 3);
+    EXPECT_THAT(added(), ElementsAre("c.mp3"));
+}
+
+TEST_P(BurnCommandTest, WaitsForADiscThatCanBeBurnt) {
+    writer->change([](DriveScript& script) { script.disc.reset(); });
+    std::vector<DiscScript> discs = {{.type = DRDeviceMediaTypeDVDR}, {}};
+    host.atEachTurn = [&, waits = std::size_t{0}]() mutable {
+        const std::size_t told = countOf(host.out(), "waitsFor");
+        if (told > waits && waits < discs.size()) {
+            waits = told;
+            const DiscScript disc = discs[waits - 1];
+            writer->change([&](DriveScript& script) { script.disc = disc; });
+        }
+    };
+    EXPECT_EQ(burn({"--wait", "--json", "/m/a.mp3"}), 0);
+    EXPECT_EQ(host.platform.burns().size(), 1U);
+}
+
+TEST_P(BurnCommandTest, CtrlCEndsTheWaitForADisc) {
+    writer->change([](DriveScript& script) { script.disc.reset(); });
+    host.atEachTurn = [&, isDone = false]() mutable {
+        if (countOf(host.out(), "waitsFor") > 0 && !std::exchange(isDone, true))
+            host.interrupt();
+    };
+    EXPECT_EQ(burn({"--wait", "--json", "/m/a.mp3"}), 130);
+}
+
+TEST_P(BurnCommandTest, EjectsTheDiscThatIsBurnt) {
+    EXPECT_EQ(burn({"--eject", "/m/a.mp3"}), 0);
+    EXPECT_FALSE(writer->mediaIsPresent());
+    writer->insert({});
+    host.platform.fail(ServiceCall::EjectMedia);
+    EXPECT_EQ(burn({"--eject", "/m/a.mp3"}), 0) << "the disc is burnt all the same";
+    EXPECT_TRUE(writer->mediaIsPresent());
+}
+
+TEST_P(BurnCommandTest, ADiscThatWasNotBurntStaysInTheDrive) {
+    host.platform.playBurns({.failsAt = 0.4, .code = DRError::WriteFailed});
+    EXPECT_EQ(burn({"--eject", "/m/a.mp3"}), 1);
+    EXPECT_TRUE(writer->mediaIsPresent());
+}
+
+TEST_P(BurnCommandTest, ProgramsAreToldWhatTheProjectReportsToo) {
+    EXPECT_EQ(burn({"--json", "--keep-going", "/m/a.mp3", "/m/none.mp3"}), 0);
+    const auto all = objects();
+    const auto named = [&](const char* name) {
+        std::vector<json> found;
+        std::copy_if(all.begin(), all.end(), std::back_inserter(found),
+                     [&](const json& object) { return object.at("event") == name; });
+        return found;
+    };
+    ASSERT_EQ(named("fileRefused").size(), 1U);
+    const json refusal = named("fileRefused").front();
+    EXPECT_EQ(refusal.at("path"), "/m/none.mp3");
+    EXPECT_EQ(refusal.at("uri"), "file:///m/none.mp3");
+    EXPECT_EQ(refusal.at("reason"), "missing");
+    double fraction = 0;
+    for (const json& progress : named("burnProgress")) {
+        EXPECT_GE(progress.at("fraction"), fraction);
+        fraction = progress.at("fraction");
+    }
+    EXPECT_EQ(fraction, 1.0);
+    ASSERT_EQ(named("burnEnded").size(), 1U);
+    EXPECT_EQ(named("burnEnded").front().at("outcome"), "done");
+}
+
+TEST_P(BurnCommandTest, ProgramsAreToldWhatAFailureIsAbout) {
+    failWhileBurning(DRError::NoSpace, "disk full");
+    EXPECT_EQ(burn({"--json", "/m/a.mp3"}), 1);
+    const json end = objects()[objects().size() - 2];
+    EXPECT_EQ(end.at("event"), "burnEnded");
+    EXPECT_EQ(end.at("outcome"), "failed");
+    EXPECT_EQ(end.at("code"), signedCode(DRError::NoSpace));
+    EXPECT_EQ(end.at("message"), "disk full");
+    EXPECT_NE(end.at("advice"), "");
 }
 
 INSTANTIATE_TEST_SUITE_P(OfEveryKind, BurnCommandTest,

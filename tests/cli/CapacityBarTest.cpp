@@ -3,8 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <memory>
+#include <optional>
+#include <string>
 
 #include "quarner/scripted.h"
 #include "tools/quarner/text/SafeText.h"
@@ -40,65 +44,86 @@ TEST(TimeLeft, IsToldInMinutesAndInHoursWhereThereAreSome) {
     EXPECT_EQ(timeLeftText(std::numeric_limits<std::uint64_t>::max()), "--:--");
 }
 
-TEST(UsageLine, ShowsUsedAgainstFreeTime) {
-    EXPECT_EQ(usageLine({{}, 2400, 4800, true, false}, 80, false),
+/// A compilation that takes an amount of a disc.
+Compilation disc(std::uint64_t used, std::uint64_t total, DiscKind kind = DiscKind::Audio) {
+    DiscCapacity capacity;
+    capacity.isDiscKnown = true;
+    capacity.used = used;
+    capacity.total = total;
+    capacity.free = total - std::min(used, total);
+    capacity.usedText = amountText(kind, used);
+    capacity.totalText = amountText(kind, total);
+    capacity.freeText = amountText(kind, capacity.free);
+    capacity.fits = used <= total;
+    return {kind, std::make_shared<DiscItems>(), capacity};
+}
+
+TEST(UsageLine, ShowsWhatIsUsedOfTheDisc) {
+    EXPECT_EQ(usageLine(disc(2400, 4800), 80, false),
               "[###############---------------] 00:40:00 of 01:20:00, 00:40:00 left");
-    EXPECT_EQ(usageLine({{}, 4800, 4800, true, false}, 80, false),
+    EXPECT_EQ(usageLine(disc(4800, 4800), 80, false),
               "[##############################] 01:20:00 of 01:20:00, 00:00:00 left");
-    EXPECT_EQ(usageLine({{}, 4810, 4800, true, true}, 80, false),
+    EXPECT_EQ(usageLine(disc(4810, 4800), 80, false),
               "[##############################] 01:20:10 of 01:20:00, 00:00:10 too long");
 }
 
-TEST(UsageLine, MakesSenseAlsoOfADiscThatCameOrWentMeanwhile) {
-    EXPECT_EQ(usageLine({{}, 2400, 4800, true, true}, 80, false),
-              "[##############--------------] 00:40:00 of 01:20:00, less than a second too long");
-    EXPECT_EQ(usageLine({{}, 2400, 0, true, false}, 80, false),
-              "[##############################] 00:40:00 of 00:00:00, 00:40:00 too long");
+TEST(UsageLine, SaysWhatDoesNotFitThoughTheSecondsAreEqual) {
+    Compilation compilation = disc(4800, 4800);
+    compilation.capacity.fits = false;
+    EXPECT_EQ(usageLine(compilation, 80, false),
+              "[############################] 01:20:00 of 01:20:00, less than a second too long");
+    compilation.capacity.count = 101;
+    EXPECT_EQ(usageLine(compilation, 80, false),
+              "[##############################] 01:20:00 of 01:20:00, 2 tracks too many");
 }
 
 TEST(UsageLine, OfADataDiscCountsBytes) {
     const ScriptedPlatform platform;
-    EXPECT_EQ(usageLine({{}, 1048576, 4194304, true, false, DiscKind::Data}, 80, false),
+    EXPECT_EQ(usageLine(disc(1048576, 4194304, DiscKind::Data), 80, false),
               "[#######-----------------------] 1 MB of 4 MB, 3 MB left");
-    EXPECT_EQ(usageLine({{}, 5242880, 4194304, true, true, DiscKind::Data}, 80, false),
+    EXPECT_EQ(usageLine(disc(5242880, 4194304, DiscKind::Data), 80, false),
               "[##############################] 5 MB of 4 MB, 1 MB too much");
 }
 
 TEST(UsageLine, LeavesTheBarOutWhereThereIsNoRoom) {
-    EXPECT_EQ(usageLine({{}, 2400, 4800, true, false}, 40, false),
-              "00:40:00 of 01:20:00, 00:40:00 left");
-    EXPECT_EQ(displayWidth(usageLine({{}, 2400, 4800, true, false}, 20, false)), 20U);
+    EXPECT_EQ(usageLine(disc(2400, 4800), 40, false), "00:40:00 of 01:20:00, 00:40:00 left");
+    EXPECT_EQ(displayWidth(usageLine(disc(2400, 4800), 20, false)), 20U);
 }
 
 TEST(UsageLine, SaysThatThereIsNoDisc) {
-    EXPECT_EQ(usageLine({{}, 2400, 0, false, false}, 80, false), "There is no disc in the drive.");
+    EXPECT_EQ(usageLine({DiscKind::Audio, std::make_shared<DiscItems>(), {}}, 80, false),
+              "There is no disc in the drive.");
+}
+
+std::string lineFor(const std::string& text, double fraction, std::optional<std::uint64_t> left,
+                    std::size_t columns, bool isUtf8 = false) {
+    DiscBurnProgress progress;
+    progress.text = text;
+    progress.fraction = fraction;
+    progress.secondsLeft = left;
+    return progressLine(progress, columns, isUtf8);
 }
 
 TEST(ProgressLine, ShowsStateTrackPercentAndTimeLeft) {
-    EXPECT_EQ(progressLine("Writing track 2 of 9", 0.5, 67, 80, false),
+    EXPECT_EQ(lineFor("Writing track 2 of 9", 0.5, 67, 80),
               "Writing track 2 of 9 [###############---------------]  50%   1:07 left");
 }
 
-TEST(ProgressLine, KnowsNoTimeLeftBeforeThereIsProgress) {
-    EXPECT_EQ(progressLine("Verifying", 0.0, 0, 40, false),
-              "Verifying [-----------]   0%  --:-- left");
-}
-
-TEST(ProgressLine, HasNoTimeWhereItIsNeverTold) {
-    EXPECT_EQ(progressLine("Verifying", 0.5, std::nullopt, 30, false),
-              "Verifying [######-------]  50%");
+TEST(ProgressLine, KeepsThePlaceOfATimeThatIsNotKnown) {
+    EXPECT_EQ(lineFor("Verifying", 0.5, std::nullopt, 40),
+              "Verifying [#####------]  50%  --:-- left");
 }
 
 TEST(ProgressLine, GivesUpTheBarFirstAndThenTheTime) {
-    EXPECT_EQ(progressLine("Writing track 2 of 9", 0.5, 67, 40, false),
+    EXPECT_EQ(lineFor("Writing track 2 of 9", 0.5, 67, 40),
               "Writing track 2 of 9  50%   1:07 left");
-    EXPECT_EQ(progressLine("Writing track 2 of 9", 0.5, 67, 30, false), "Writing track 2 of 9 50%");
-    EXPECT_EQ(progressLine("Writing track 2 of 9", 0.5, 67, 12, false), "Writi... 50%");
+    EXPECT_EQ(lineFor("Writing track 2 of 9", 0.5, 67, 30), "Writing track 2 of 9 50%");
+    EXPECT_EQ(lineFor("Writing track 2 of 9", 0.5, 67, 12), "Writi... 50%");
 }
 
 TEST(ProgressLine, NeverExceedsTheScreen) {
     for (std::size_t columns = 4; columns < 120; ++columns)
-        EXPECT_LE(displayWidth(progressLine("Writing track 99 of 99", 1.0, 35999, columns, true)),
+        EXPECT_LE(displayWidth(lineFor("Writing track 99 of 99", 1.0, 35999, columns, true)),
                   columns);
 }
 

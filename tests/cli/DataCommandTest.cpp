@@ -21,7 +21,7 @@ protected:
 TEST_F(DataCommandTest, JsonCountsBytesAndKnowsNoProtectedFiles) {
     putFile("/m/size.mp3", 123456);
     EXPECT_EQ(host.run({"data", "--json", "--title", "T", "/m/a.mp3", "/m/size.mp3"}), 0);
-    const auto all = objects();
+    const auto all = delegateObjects();
     EXPECT_EQ(all[5], (json{{"event", "addFilesProgressDidEnd"},
                             {"incompatible-files", json::array()},
                             {"incompatible-file-uris", json::array()}}));

@@ -45,6 +45,14 @@ protected:
         writer->insert(disc);
     }
 
+    /// Keeps everybody from opening the only drive, which then seems to have no disc.
+    void lock(const std::string& problem) {
+        writer->change([&](DriveScript& script) {
+            script.disc.reset();
+            script.accessProblem = problem;
+        });
+    }
+
     std::size_t burns() { return host.platform.burns().size(); }
 
     std::size_t questions() const {

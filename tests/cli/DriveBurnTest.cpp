@@ -77,7 +77,9 @@ TEST_F(DriveBurnTest, ADiscThatWasTakenOutBeforeTheAnswerIsNotBurnt) {
 }
 
 TEST_F(DriveBurnTest, ADiscThatIsTooSmallIsNotBurntInPlaceOfTheOneThatWasShown) {
-    whenAsked([this] { writer->insert({.spaceFree = DRMSF::msfWithFrames(750)}); }, "y\n");
+    whenAsked(
+        [this] { writer->insert({.spaceFree = DRMSF::msfWithFrames(750), .blocksFree = 750}); },
+        "y\n");
     EXPECT_EQ(burn(), 4);
     EXPECT_EQ(questions(), 1U);
 }
@@ -165,13 +167,13 @@ TEST_F(DriveBurnTest, AWrittenDiscIsNotTooSmallButCannotBeWritten) {
 }
 
 TEST_F(DriveBurnTest, ADriveThatMayNotBeOpenedIsRefused) {
-    host.accessProblems["Writer"] = "/dev/sr0 may be opened only by members of the group cdrom";
+    lock("/dev/sr0 may be opened only by members of the group cdrom");
     EXPECT_EQ(burn(), 2);
     EXPECT_EQ(host.run({"disc"}), 2);
 }
 
 TEST_F(DriveBurnTest, ADriveThatMayNotBeOpenedIsListedWithTheReason) {
-    host.accessProblems["Writer"] = "/dev/sr0 is not yours";
+    lock("/dev/sr0 is not yours");
     EXPECT_EQ(host.run({"drives", "--json"}), 0);
     EXPECT_EQ(objects()[0].at("accessProblem"), "/dev/sr0 is not yours");
     EXPECT_EQ(objects()[0].at("disc"), false);

@@ -9,7 +9,9 @@
 #include <sstream>
 
 #include "quarner/platform/DRFile.h"
-#include "tools/quarner/host/DelegateRelay.h"
+#include "quarner/project/ProjectCore.h"
+#include "quarner/project/ProjectRelay.h"
+#include "quarner/scripted.h"
 #include "tools/quarner/view/JsonView.h"
 
 namespace quarner::cli {
@@ -86,18 +88,19 @@ TEST(EveryCallback, IsInTheListOfThisTest) {
     EXPECT_EQ(names, declaredOperations());
 }
 
-TEST(EveryCallback, ReachesAProgramThroughTheRelayWithItsArguments) {
+TEST(EveryCallback, ReachesAProgramThroughTheProjectWithItsArguments) {
+    ScriptedPlatform platform;
     std::ostringstream out;
     std::ostringstream err;
     Console console(out, err, {});
-    JsonView view(console);
-    EventLoop loop;
-    DelegateRelay relay(loop, {&view});
+    const auto view = std::make_shared<JsonView>(console);
+    const auto core = std::make_shared<ProjectCore>(DiscKind::Audio);
+    core->setDelegate(view);
+    const auto relay = std::make_shared<ProjectRelay>(core);
     for (const auto& [told, call] : callbacks) {
         out.str("");
-        call(relay);
-        loop.post([&] { loop.quit(); });
-        loop.run();
+        call(*relay);
+        ASSERT_TRUE(platform.runUntilIdle());
         ASSERT_NE(out.str(), "") << told;
         EXPECT_EQ(json::parse(out.str()), told);
     }

@@ -5,7 +5,6 @@
 
 #include <functional>
 #include <future>
-#include <map>
 #include <memory>
 #include <optional>
 #include <sstream>
@@ -56,7 +55,6 @@ public:
                   [this](const ImageRequest& request) { return addImageDrive(request); },
                   [this](std::function<void()> handler) { _interruption = std::move(handler); },
                   [this] { ++platformEndings; },
-                  [this](const std::string& name) { return accessProblem(name); },
                   [this] { return receivesDriveEvents; },
                   terminal()};
         return static_cast<int>(runCommand(host, std::get<Command>(parsed)));
@@ -86,10 +84,8 @@ public:
     /// What the commands asked for.
     std::vector<ImageRequest> images;
     int platformEndings = 0;
-    int accessQuestions = 0;
     /// What the host reports about the machine, where the commands read what is typed, and whether
     /// a question is seen there.
-    std::map<std::string, std::string> accessProblems;
     bool receivesDriveEvents = true;
     std::optional<int> keyboard;
     bool isTerminalSeen = true;
@@ -109,11 +105,6 @@ private:
             disc.spaceFree = DRMSF::msfWithFrames(333'000);
         platform.addDrive({.name = "Image " + request.path, .disc = disc});
         return "Image " + request.path;
-    }
-
-    std::string accessProblem(const std::string& name) {
-        ++accessQuestions;
-        return accessProblems[name];
     }
 
     std::optional<Terminal> terminal() {

@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "quarner/front/BurnItemKeys.h"
 #include "quarner/scripted.h"
 #include "tools/quarner/text/SafeText.h"
 
@@ -14,44 +13,57 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-Dictionary item(const std::string& name, const std::string& duration, std::int64_t size) {
-    return {{kQuarnItemDisplayNameKey, name},
-            {kQuarnItemDurationKey, duration},
-            {kQuarnItemFileSizeKey, std::to_string(size) + " B"},
-            {kQuarnItemRealFileSizeKey, size}};
+DiscItemRef item(const std::string& name, const std::string& duration, std::int64_t size) {
+    DiscItem item;
+    item.displayName = name;
+    item.duration = duration;
+    item.bytes = size;
+    item.size = std::to_string(size) + " B";
+    return std::make_shared<DiscItem>(item);
+}
+
+/// Of an audio disc.
+Compilation compilation(const DiscItems& items, const std::string& used) {
+    DiscCapacity capacity;
+    for (const DiscItemRef& item : items)
+        capacity.fileBytes += static_cast<std::uint64_t>(item->bytes);
+    capacity.usedText = used;
+    return {DiscKind::Audio, std::make_shared<DiscItems>(items), capacity};
 }
 
 TEST(TrackList, OneTrackHasOnePause) {
     const ScriptedPlatform platform;
-    const Compilation compilation{{item("Alpha", "00:03:25", 1000)}, 207, 4798, true, false};
-    EXPECT_THAT(trackList(compilation, 60).back(), HasSubstr(" 1 track and its pause "));
+    EXPECT_THAT(trackList(compilation({item("Alpha", "00:03:25", 1000)}, "00:03:27"), 60).back(),
+                HasSubstr(" 1 track and its pause "));
 }
 
 TEST(TrackList, AlignsNamesDurationsAndSizesAndEndsWithTheSum) {
     const ScriptedPlatform platform;
-    const Compilation compilation{
-        {item("Alpha", "00:03:25", 1000), item("音楽", "00:01:00", 24)}, 269, 4798, true, false};
-    EXPECT_THAT(trackList(compilation, 60),
-                ElementsAre("  1  Alpha                                00:03:25    1000 B",
-                            "  2  音楽                                 00:01:00      24 B",
-                            "     2 tracks and their pauses            00:04:29      1 KB"));
+    EXPECT_THAT(
+        trackList(compilation({item("Alpha", "00:03:25", 1000), item("音楽", "00:01:00", 24)},
+                              "00:04:29"),
+                  60),
+        ElementsAre("  1  Alpha                                00:03:25    1000 B",
+                    "  2  音楽                                 00:01:00      24 B",
+                    "     2 tracks and their pauses            00:04:29      1 KB"));
 }
 
 TEST(TrackList, FitsTheScreen) {
     const ScriptedPlatform platform;
-    const Compilation compilation{
-        {item(std::string(300, 'x'), "00:03:25", 1000)}, 269, 4798, true, false};
+    const Compilation wide =
+        compilation({item(std::string(300, 'x'), "00:03:25", 1000)}, "00:04:29");
     for (const std::size_t columns : {40U, 60U, 78U})
-        for (const std::string& line : trackList(compilation, columns))
+        for (const std::string& line : trackList(wide, columns))
             EXPECT_EQ(displayWidth(line), columns) << line;
-    for (const std::string& line : trackList(compilation, 200))
+    for (const std::string& line : trackList(wide, 200))
         EXPECT_EQ(displayWidth(line), 78U) << line;
 }
 
 TEST(TrackList, ControlCharactersInANameAreHarmless) {
     const ScriptedPlatform platform;
-    const Compilation compilation{{item("a\x1b[2Jb", "00:03:25", 1000)}, 269, 4798, true, false};
-    EXPECT_THAT(trackList(compilation, 60).front(), HasSubstr("a\uFFFD[2Jb "));
+    EXPECT_THAT(
+        trackList(compilation({item("a\x1b[2Jb", "00:03:25", 1000)}, "00:04:29"), 60).front(),
+        HasSubstr("a\uFFFD[2Jb "));
 }
 
 } // namespace

@@ -57,11 +57,42 @@ TEST_F(DiscProjectDrives, AChangedDiscIsReported) {
     EXPECT_GT(observer->capacityChanges, capacityBefore);
 }
 
-TEST_F(DiscProjectDrives, AChangeThatShowsNothingIsNotReported) {
-    const int before = observer->driveChanges;
+TEST_F(DiscProjectDrives, ADiscThatLooksLikeTheOneBeforeIsAChange) {
+    const DiscDrive before = project->drives().front();
     drive->reportChange();
     settle();
-    EXPECT_EQ(observer->driveChanges, before);
+    EXPECT_EQ(project->drives().front().changeCount, before.changeCount + 1);
+    EXPECT_NE(project->drives().front(), before);
+}
+
+TEST_F(DiscProjectDrives, IsAskedOnceMoreOnRequest) {
+    platform.backgroundQueue().hold();
+    drive->change([](DriveScript& script) { script.disc->blocksUsed = 7; });
+    bool isDone = false;
+    project->examine(driveId(), [&] {
+        isDone = true;
+        EXPECT_EQ(project->drives().front().usedBytes, 7U * 2048);
+    });
+    EXPECT_FALSE(isDone);
+    platform.backgroundQueue().release();
+    settle();
+    EXPECT_TRUE(isDone);
+}
+
+TEST_F(DiscProjectDrives, ARequestIsAnsweredAlsoIfTheDriveIsGone) {
+    int answers = 0;
+    const auto count = [&] { ++answers; };
+    project->examine(4711, count);
+    settle();
+    EXPECT_EQ(answers, 1);
+    platform.backgroundQueue().hold();
+    project->examine(driveId(), count);
+    platform.unplug(drive);
+    settle();
+    EXPECT_EQ(answers, 2);
+    platform.backgroundQueue().release();
+    settle();
+    EXPECT_EQ(answers, 2);
 }
 
 TEST_F(DiscProjectDrives, ADriveIsUnknownUntilItHasAnswered) {
@@ -100,7 +131,62 @@ TEST_F(DiscProjectDrives, EjectsInTheBackground) {
     platform.backgroundQueue().release();
     settle();
     EXPECT_FALSE(drive->mediaIsPresent());
-    project->eject(4711);
+}
+
+TEST_F(DiscProjectDrives, SaysWhyADiscWasNotEjected) {
+    const auto eject = [&](DiscDrive::Id id) {
+        std::optional<std::string> answer;
+        project->eject(id, [&](const std::string& problem) { answer = problem; });
+        EXPECT_FALSE(answer);
+        settle();
+        return answer.value_or("no answer");
+    };
+    EXPECT_EQ(eject(4711), "The drive was unplugged.");
+    EXPECT_EQ(eject(driveId()), "");
+    EXPECT_EQ(eject(driveId()), "There is no disc in the drive “Writer”.");
+    drive->change([](DriveScript& script) { script.accessProblem = "/dev/sr0 is in use"; });
+    EXPECT_EQ(eject(driveId()), "The drive “Writer” cannot be used: /dev/sr0 is in use.");
+    drive->change([](DriveScript& script) { script.disc = DiscScript(); });
+    platform.fail(ServiceCall::EjectMedia);
+    EXPECT_EQ(eject(driveId()),
+              "The drive “Writer” did not eject its disc. A program may be using it.");
+}
+
+TEST_F(DiscProjectDrives, AnswersNothingOnceTheProjectIsGone) {
+    project->examine(driveId(), [] { FAIL(); });
+    project->eject(driveId(), [](const std::string&) { FAIL(); });
+    project.reset();
+    settle();
+}
+
+TEST_F(DiscProjectDrives, KnowsWhichDriveWritesBeforeItHasAnswered) {
+    platform.backgroundQueue().hold();
+    platform.plug({.name = "Reader", .canWriteCD = false});
+    platform.plug({.name = "Second"});
+    settle();
+    EXPECT_FALSE(project->drives()[1].canWrite);
+    EXPECT_TRUE(project->drives()[2].canWrite);
+    EXPECT_FALSE(project->drives()[2].isExamined);
+    platform.backgroundQueue().release();
+    settle();
+}
+
+TEST_F(DiscProjectDrives, DescribesADisc) {
+    const auto describe = [&](const DiscScript& disc) {
+        drive->change([&](DriveScript& script) { script.disc = disc; });
+        settle();
+        return textForDisc(project->drives().front());
+    };
+    EXPECT_EQ(describe({}), "CD-R, blank");
+    EXPECT_EQ(textForDiscAndFreeTime(project->drives().front()), "CD-R, blank, 01:19:57 free");
+    EXPECT_EQ(describe({.isBlank = false}), "CD-R, written, can be added to");
+    EXPECT_EQ(describe({.type = DRDeviceMediaTypeCDRW, .isErasable = true}),
+              "CD-RW, blank, can be erased");
+    EXPECT_EQ(describe({.type = "?"}), "a disc of unknown kind, blank");
+    EXPECT_EQ(project->drives().front().speeds, (std::vector<double>{300, 1800, 3900}));
+    drive->change([](DriveScript& script) { script.disc.reset(); });
+    settle();
+    EXPECT_EQ(textForDiscAndFreeTime(project->drives().front()), "no disc");
 }
 
 TEST_F(DiscProjectDrives, ADestroyedProjectLeavesTheDrivesAlone) {

@@ -122,7 +122,7 @@ TEST_F(DesktopDiscProject, ReportsNothingOnceItWasDestroyedWhileFilesAreAdded) {
     for (int i = 0; i < 50; ++i) {
         make();
         project->add(files);
-        for (auto turns = random() % 12; turns > 0; --turns)
+        for (auto turns = random() % 12; turns > 0 && project->isAdding(); --turns)
             g_main_context_iteration(nullptr, TRUE);
         project.reset();
         const std::size_t events = observer->events.size() + observer->progressOfAdding.size();

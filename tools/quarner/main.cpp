@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "quarner/desktop.h"
-#include "tools/quarner/command/BurnProblems.h"
+#include "tools/quarner/command/BurnCommand.h"
 #include "tools/quarner/command/Run.h"
 #include "tools/quarner/host/Diagnostics.h"
 #include "tools/quarner/host/Interruptions.h"
@@ -50,8 +50,10 @@ void takeLocaleFromEnvironment() {
 
 std::string addDesktopImageDrive(const ImageRequest& request) {
     if (request.disc == ImageRequest::Disc::Blank)
-        if (const auto problem = findImageProblem(request.path))
-            throw UsageProblem(explainedFailure(problem->code, problem->info, 0));
+        if (const auto problem = findImageProblem(request.path)) {
+            const DiscProblem meaning = problemForCode(problem->code);
+            throw UsageProblem(explained(meaning.text, problem->info, meaning.advice));
+        }
     std::string name =
         addImageDrive({.path = request.path,
                        .minutes = request.minutes,
@@ -91,7 +93,6 @@ ExitStatus runOnDesktop(Console& console, const Command& command) {
               addDesktopImageDrive,
               [&](std::function<void()> handler) { interruptions.setHandler(std::move(handler)); },
               uninstallDesktopPlatform,
-              driveAccessProblem,
               receivesDriveEvents,
               command.json ? std::nullopt : terminalOfStandardInput(console)};
     return runCommand(host, command);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "tests/cli/program/HostFixture.h"
 #include "tools/quarner/text/SafeText.h"
@@ -16,10 +17,15 @@ using ::testing::StartsWith;
 
 class ProgramOutput : public HostFixture {
 protected:
+    /// Without what the project reports beside the calls of the delegate.
     static std::vector<json> objects(const std::string& out) {
+        const std::set<std::string> ofTheProject = {"fileRefused", "burnProgress", "burnEnded"};
         std::vector<json> all;
-        for (const std::string& line : lines(out))
-            all.push_back(json::parse(line));
+        for (const std::string& line : lines(out)) {
+            json object = json::parse(line);
+            if (!ofTheProject.contains(object.at("event")))
+                all.push_back(std::move(object));
+        }
         return all;
     }
 
@@ -160,7 +166,7 @@ TEST_F(ProgramOutput, APipeGetsPlainLinesWithoutControlCharacters) {
     const HostEnd end = run({"audio", "--image", "mix.cue", "line\nbreak\x1b[2J.mp3"});
     EXPECT_EQ(end.status, 0);
     EXPECT_THAT(lines(end.out), Contains(HasSubstr("line\uFFFDbreak\uFFFD[2J.mp3")));
-    EXPECT_THAT(lines(end.out), Contains("Writing track 1 of 1"));
+    EXPECT_THAT(lines(end.out), Contains("Writing"));
     EXPECT_EQ(end.out.find_first_of("\x1b\r"), std::string::npos);
 }
 
@@ -174,9 +180,8 @@ TEST_F(ProgramOutput, ATerminalShowsAddingTracksUsageAndOneProgressBar) {
     EXPECT_THAT(seen, Contains("Adding 1 of 1: a.mp3"));
     EXPECT_THAT(seen, Contains(StartsWith("  1  a.mp3  ")));
     EXPECT_THAT(seen, Contains(HasSubstr("] 00:00:12 of 01:19:57, 01:19:45 left")));
-    EXPECT_THAT(seen, Contains(StartsWith("Writing track 1 of 1 [██████████████████████████████] "
-                                          "100%   0:00 left")));
-    EXPECT_THAT(seen, Contains(StartsWith("Verifying [")));
+    EXPECT_THAT(seen, Contains(StartsWith("Writing [")));
+    EXPECT_THAT(seen, Contains(StartsWith("Verifying [██████████████████████████████] 100%")));
     EXPECT_EQ(seen.back(), "Burnt and verified: 1 track, 00:00:12, on mix.cue");
 }
 

@@ -4,37 +4,69 @@
 #include <algorithm>
 #include <utility>
 
-#include "quarner/platform/DRErrors.h"
-#include "quarner/platform/DiscFormat.h"
-#include "tools/quarner/command/BurnProblems.h"
+#include "quarner/playlist.h"
 #include "tools/quarner/command/DriveChoice.h"
-#include "tools/quarner/command/Refusals.h"
 #include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
 
-BurnCommand::BurnCommand(Host& host, BurnOptions options, View& view)
-    : _host(host), _options(std::move(options)), _disc(traitsOf(_options.kind)), _view(view),
-      _device(chooseUsableDrive(host, _options.target, _options.kind)),
-      _relay(host.loop, {&view, this}), _burner(_disc.makeBurner()) {
-    if (isAsked() && !_host.terminal->show && !_options.dryRun)
-        throw UsageProblem("the question cannot be shown; --yes burns without asking");
-    _burner->setDelegate(&_relay);
-    _burner->reportRefusals([this](const FileRefusal& refused) {
-        _host.loop.post([this, refused] { refuse(refused); });
-    });
+using Phase = DiscBurnProgress::Phase;
+
+struct BurnCommand::Reports : DiscProjectObserver {
+    void fileRefused(const std::string& /*path*/, RefusalReason /*reason*/,
+                     const std::string& /*text*/) override {
+        ++refusedCount;
+    }
+    void burnProgress(const DiscBurnProgress& progress) override { phase = progress.phase; }
+    void burnEnded(const DiscBurnEnd& burnEnd) override { end = burnEnd; }
+
+    std::size_t refusedCount = 0;
+    std::optional<Phase> phase; // of the burn, once it has begun
+    std::optional<DiscBurnEnd> end;
+};
+
+namespace {
+
+ExitStatus statusFor(DRError code) {
+    const bool isOfSize = code == DRError::MediaTooSmall || code == DRError::TooManyTracks;
+    return isOfSize ? ExitStatus::DoesNotFit : ExitStatus::Failed;
 }
 
-BurnCommand::~BurnCommand() {
-    _host.onInterruption(nullptr);
-    _burner->setDelegate(nullptr);
-    _burner->reportRefusals(nullptr);
+/// Whether another disc in the drive would solve a problem.
+bool isOfDisc(DRError code) {
+    return code == DRError::MediaNotPresent || code == DRError::MediaNotWritable ||
+           code == DRError::WrongMedia || code == DRError::MediaTooSmall;
 }
+
+} // namespace
+
+std::string explained(const std::string& text, const std::string& detail,
+                      const std::string& advice) {
+    std::string all = text;
+    for (const std::string* more : {&detail, &advice})
+        if (!more->empty())
+            all += "\n" + safeText(*more);
+    return all;
+}
+
+BurnCommand::BurnCommand(Host& host, BurnOptions options, std::shared_ptr<View> view)
+    : _host(host), _options(std::move(options)), _view(std::move(view)),
+      _driveName(chooseDrive(host, _options.target, _options.kind)),
+      _reports(std::make_shared<Reports>()), _project(_options.kind),
+      _drive(_project.driveNamed(_driveName).value_or(0)) {
+    if (isAsked() && !_host.terminal->show && !_options.dryRun)
+        throw UsageProblem("the question cannot be shown; --yes burns without asking");
+    _project.setDelegate(_view);
+    _project.addObserver(_view);
+    _project.addObserver(_reports);
+}
+
+BurnCommand::~BurnCommand() { _host.onInterruption(nullptr); }
 
 ExitStatus BurnCommand::run() {
     _host.onInterruption([this] { interrupt(); });
     const Outcome outcome = performOrEndAtOnce();
-    _view.didEnd(outcome.status, outcome.text);
+    _view->didEnd(outcome.status, outcome.text);
     return outcome.status;
 }
 
@@ -42,47 +74,98 @@ BurnCommand::Outcome BurnCommand::performOrEndAtOnce() {
     try {
         return perform();
     } catch (const EndedAtOnce&) {
-        _host.endPlatform(); // a run that adds files must not outlive its delegate
+        _isInterrupted = true;
+        _host.endPlatform(); // may wait for a drive: the process is ended then, and says so
         return cancellation();
     }
 }
 
 BurnCommand::Outcome BurnCommand::perform() {
     addFiles();
-    Compilation compiled = compilation();
-    _view.compilationIsComplete(compiled);
+    if (_options.wait)
+        waitForDisc();
+    const Compilation compiled = compilation();
+    _view->compilationIsComplete(compiled);
     if (_isInterrupted)
         return cancellation();
-    if (compiled.items.empty() || (_refusedCount > 0 && !_options.keepGoing))
+    if (compiled.items->empty() || (_reports->refusedCount > 0 && !_options.keepGoing))
         return refusal();
-    if (const auto outcome = hindrance(compiled))
-        return *outcome;
-    if (_options.dryRun)
-        return {ExitStatus::Success, "Dry run: nothing was written."};
-    auto answer = ask();
-    while (answer == BurnQuestion::Answer::OtherDisc) {
-        compiled = compilation();
-        if (const auto outcome = hindrance(compiled))
-            return *outcome;
-        _host.terminal->show("The disc was changed.");
+    auto answer = BurnQuestion::Answer::OtherDisc;
+    for (bool isFirst = true; answer == BurnQuestion::Answer::OtherDisc; isFirst = false) {
+        if (const auto problem = firstProblem())
+            return {statusFor(problem->code), explained(problem->text, "", problem->advice)};
+        if (_options.dryRun)
+            return {ExitStatus::Success, "Dry run: nothing was written."};
+        if (!isFirst)
+            _host.terminal->show("The disc was changed.");
         answer = ask();
     }
-    const bool isAllowed = answer == BurnQuestion::Answer::Yes && !_isInterrupted;
-    return isAllowed ? burn(compiled) : cancellation();
+    return answer == BurnQuestion::Answer::Yes && !_isInterrupted ? burn() : cancellation();
 }
 
-/// The end where the burn need not be begun.
-std::optional<BurnCommand::Outcome> BurnCommand::hindrance(const Compilation& compiled) const {
-    const std::string problem = _options.target.image ? std::string() : discProblem(_host, _device);
-    if (!problem.empty())
-        return Outcome{ExitStatus::Failed, "nothing was burnt: " + problem};
-    if (compiled.overflow)
-        return overflow(compiled);
-    if (_options.kind == DiscKind::Audio && compiled.items.size() > mostTracks)
-        return Outcome{ExitStatus::DoesNotFit,
-                       "a disc holds at most " + std::to_string(mostTracks) +
-                           " tracks, but there are " + std::to_string(compiled.items.size())};
-    return std::nullopt;
+/// Everything that is waited for ends with Ctrl-C, but a burn, which ends by being cancelled.
+void BurnCommand::runUntil(const std::function<bool()>& isOver) {
+    _host.loop.runUntil([&] { return _isInterrupted || isOver(); });
+}
+
+void BurnCommand::interrupt() {
+    _isInterrupted = true;
+    _project.cancelAdding();
+    _project.cancelBurn();
+}
+
+// --- Files ---
+
+void BurnCommand::addFiles() {
+    const auto searched =
+        _options.recursive ? DiscProject::fileExtensions() : std::vector<std::string>();
+    const auto files = filesToAdd(_options.files, searched);
+    _options.sort ? _project.addSorted(files) : _project.add(files);
+    waitForDrive();
+    _host.loop.runUntil([this] { return !_project.isAdding(); });
+    runUntil([this] { return _project.capacity(_drive).isExact; });
+}
+
+Compilation BurnCommand::compilation() const {
+    return {_options.kind, _project.items(), _project.capacity(_drive)};
+}
+
+BurnCommand::Outcome BurnCommand::refusal() const {
+    if (_project.items()->empty())
+        return {ExitStatus::Refused, "nothing is left to burn"};
+    return {ExitStatus::Refused, counted(_reports->refusedCount, "file") +
+                                     " refused, so nothing was burnt; --keep-going burns the rest"};
+}
+
+// --- The drive and its disc ---
+
+/// A drive that cannot be opened need not wait for the files.
+void BurnCommand::waitForDrive() {
+    std::optional<DiscDrive> drive;
+    runUntil([&] {
+        drive = _project.drive(_drive);
+        return !drive || drive->isExamined;
+    });
+    if (drive && !drive->problem.empty())
+        throw UsageProblem(safeText(textForUnusableDrive(*drive)));
+}
+
+void BurnCommand::waitForDisc() {
+    std::optional<DiscProblem> shown;
+    runUntil([&] {
+        const auto problem = firstProblem();
+        if (!problem || !isOfDisc(problem->code))
+            return true;
+        if (problem != shown)
+            _view->waitsFor(*problem);
+        shown = problem;
+        return false;
+    });
+}
+
+std::optional<DiscProblem> BurnCommand::firstProblem() const {
+    const std::vector<DiscProblem> problems = _project.problems(_drive);
+    return problems.empty() ? std::nullopt : std::optional(problems.front());
 }
 
 /// Whether somebody is there to be asked before a disc is used up.
@@ -93,105 +176,46 @@ bool BurnCommand::isAsked() const {
 BurnQuestion::Answer BurnCommand::ask() {
     if (!isAsked())
         return BurnQuestion::Answer::Yes;
-    _isAsking = true;
-    BurnQuestion question(_host.loop, *_host.terminal, _device.deviceName().value_or(""),
-                          _options.title);
-    const BurnQuestion::Answer answer = question.ask();
-    _isAsking = false;
-    return answer;
+    return BurnQuestion(_project, _drive, *_host.terminal, _options.title.value_or(""))
+        .ask([this](const auto& isOver) { runUntil(isOver); });
 }
 
-// Neither call does anything unless there is something to stop.
-void BurnCommand::interrupt() {
-    _isInterrupted = true;
-    _burner->cancelToAddFiles();
-    _burner->stopBurn();
-    if (_isAsking)
-        _host.loop.quit();
-}
+// --- The burn ---
 
-void BurnCommand::addFiles() {
-    if (!_burner->addFiles(_options.files)) // which then reports no end
-        _host.loop.post([this] { _host.loop.quit(); });
-    _host.loop.run();
-}
-
-void BurnCommand::addFilesProgressDidEnd(const EndReport& /*report*/) { _host.loop.quit(); }
-
-void BurnCommand::refuse(const FileRefusal& refusal) {
-    ++_refusedCount;
-    _host.console.error("quarner: " + safeText(refusal.path) + ": " +
-                        reasonText(refusal, *_burner));
-}
-
-Compilation BurnCommand::compilation() const {
-    Compilation compiled;
-    compiled.kind = _options.kind;
-    const std::uint64_t count = _burner->numberOfChildrenOfBurnItem(nullptr);
-    for (std::uint64_t i = 0; i < count; ++i)
-        compiled.items.push_back(*_burner->propertyOfBurnItem(_burner->child(i, nullptr)));
-    compiled.used = _burner->usedCapacity();
-    compiled.free = _disc.freeCapacity(_device);
-    compiled.hasDisc = _device.isDiscInDevice();
-    compiled.overflow = _burner->isContentOverflowForDevice(_device);
-    return compiled;
-}
-
-BurnCommand::Outcome BurnCommand::burn(const Compilation& compiled) {
-    if (_device.device()) {
-        _isStarted = true;
-        _burner->burnWithDevice(_device, _options.title);
-        _host.loop.run();
-    } else { // of which a burner of data discs says nothing
-        _error.code = signedCode(DRError::DeviceVanished);
-    }
-    switch (_burnEnd) {
-    case BurnEnd::Done:
-        return success(compiled);
-    case BurnEnd::Canceled:
+BurnCommand::Outcome BurnCommand::burn() {
+    _project.burn(_drive, _options.title.value_or(""));
+    _host.loop.runUntil([this] { return _reports->end.has_value(); });
+    const DiscBurnEnd& end = *_reports->end;
+    switch (end.outcome) {
+    case DiscBurnEnd::Outcome::Done:
+        if (_options.eject)
+            ejectDisc();
+        return success();
+    case DiscBurnEnd::Outcome::Canceled:
         return cancellation();
-    default:
-        return failure(compiled);
+    case DiscBurnEnd::Outcome::Failed:
+        break;
     }
+    const DRError code = end.code.value_or(DRError::Internal);
+    return {statusFor(code), explained(end.text, end.info.message, end.advice)};
 }
 
-void BurnCommand::burnProgressIsVerifying() { _isVerifying = true; }
-
-void BurnCommand::burnProgressDidDone() {
-    _burnEnd = BurnEnd::Done;
-    _host.loop.quit();
+/// A disc that stays in the drive is burnt all the same.
+void BurnCommand::ejectDisc() {
+    const auto problem = std::make_shared<std::optional<std::string>>();
+    _project.eject(_drive, [problem](const std::string& text) { *problem = text; });
+    runUntil([&] { return problem->has_value(); });
+    if (!problem->value_or("").empty())
+        _host.console.error("quarner: " + safeText(**problem));
 }
 
-void BurnCommand::burnProgressDidCanceled() {
-    _burnEnd = BurnEnd::Canceled;
-    _host.loop.quit();
-}
-
-void BurnCommand::burnProgressDidError(const BurnError& error) {
-    _burnEnd = BurnEnd::Error;
-    _error = error;
-    _host.loop.quit();
-}
-
-BurnCommand::Outcome BurnCommand::refusal() const {
-    const std::size_t count = _options.files.size();
-    if (_refusedCount >= count)
-        return {ExitStatus::Refused, "nothing is left to burn"};
-    return {ExitStatus::Refused, counted(_refusedCount, "file") + " of " + std::to_string(count) +
-                                     " refused, so nothing was burnt; --keep-going burns the rest"};
-}
-
-BurnCommand::Outcome BurnCommand::overflow(const Compilation& compiled) const {
-    const std::size_t count = compiled.items.size();
-    const std::string items = "the " + _disc.items(count) + _disc.pauses(count);
-    const std::string excess =
-        compiled.used > compiled.free
-            ? _disc.capacityText(compiled.used - compiled.free) + " " + _disc.excess
-            : _disc.overhead;
-    return {ExitStatus::DoesNotFit,
-            items + (count == 1 && _disc.pauses(count).empty() ? " takes " : " take ") +
-                _disc.capacityText(compiled.used) + ", and the disc has room for " +
-                _disc.capacityText(compiled.free) + ": " + excess};
+BurnCommand::Outcome BurnCommand::success() const {
+    const Compilation compiled = compilation();
+    return {
+        ExitStatus::Success,
+        "Burnt and verified: " + counted(compiled.items->size(), traitsOf(_options.kind).oneItem) +
+            ", " + compiled.capacity.usedText + ", on " +
+            safeText(_options.target.image.value_or(_driveName))};
 }
 
 BurnCommand::Outcome BurnCommand::cancellation() const {
@@ -200,29 +224,13 @@ BurnCommand::Outcome BurnCommand::cancellation() const {
 
 const char* BurnCommand::leftByCancellation() const {
     // A burn that was ended at once reports its end to nobody, and may have ended before.
-    const bool isUnknown = _isStarted && _burnEnd == BurnEnd::None;
-    if (!_isStarted || _options.target.image)
+    const bool isUnknown = _reports->phase && !_reports->end;
+    if (!_reports->phase || _options.target.image)
         return isUnknown ? "nothing was written, unless the image was complete already"
                          : "nothing was written";
-    if (_isVerifying)
+    if (_reports->phase == Phase::Verifying)
         return "the disc is complete, but was not verified";
     return isUnknown ? "the disc may not be usable" : "the disc is not usable";
-}
-
-BurnCommand::Outcome BurnCommand::success(const Compilation& compiled) const {
-    const std::string place = safeText(_options.target.image.value_or(*_device.deviceName()));
-    return {ExitStatus::Success,
-            "Burnt and verified: " + counted(compiled.items.size(), _disc.oneItem) + ", " +
-                _disc.capacityText(compiled.used) + ", on " + place};
-}
-
-BurnCommand::Outcome BurnCommand::failure(const Compilation& compiled) const {
-    if (_error.code == signedCode(DRError::MediaTooSmall) || (_error.code == 0 && compiled.hasDisc))
-        return overflow(compiled);
-    const std::int64_t code = _error.code == 0 ? signedCode(DRError::MediaNotPresent) : _error.code;
-    return {ExitStatus::Failed,
-            "the burn failed: " +
-                explainedFailure(code, _error.info.message, _disc.imageBytes(compiled.used))};
 }
 
 } // namespace quarner::cli

@@ -1,33 +1,36 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
-#include "quarner/device/QuarnerDevice.h"
-#include "quarner/front/Quarner.h"
-#include "quarner/platform/DRErrors.h"
+#include "quarner/project/DiscProject.h"
 #include "tools/quarner/command/BurnQuestion.h"
-#include "tools/quarner/disc/DiscKind.h"
-#include "tools/quarner/host/DelegateRelay.h"
 #include "tools/quarner/host/Host.h"
 #include "tools/quarner/options/Options.h"
 #include "tools/quarner/view/View.h"
 
 namespace quarner::cli {
 
+/// Joins what is said of a failure, a line each; an empty text is left out.
+std::string explained(const std::string& text, const std::string& detail,
+                      const std::string& advice);
+
 /// `quarner audio` and `quarner data`: adds files, says what they take, and burns them. For one
 /// run.
-class BurnCommand : private QuarnDelegate {
+class BurnCommand {
 public:
-    /// The host and the view must outlive the command. Throws `UsageProblem` when there is no
-    /// drive to use, and where a question could not be seen.
-    BurnCommand(Host& host, BurnOptions options, View& view);
-    ~BurnCommand() override;
+    /// The host must outlive the command. Throws `UsageProblem` when there is no drive to use, and
+    /// where a question could not be seen.
+    BurnCommand(Host& host, BurnOptions options, std::shared_ptr<View> view);
+    ~BurnCommand();
+    BurnCommand(const BurnCommand&) = delete;
+    BurnCommand& operator=(const BurnCommand&) = delete;
 
-    /// Runs the main loop until it is over, and tells the view the end.
+    /// Runs the main loop until it is over, and tells the view the end. Throws `UsageProblem` when
+    /// the drive turns out not to be usable.
     ExitStatus run();
 
 private:
@@ -36,46 +39,35 @@ private:
         ExitStatus status;
         std::string text;
     };
+    /// What the project has reported.
+    struct Reports;
 
-    // What the main loop is told (everything else goes to the view alone).
-    void addFilesProgressDidEnd(const EndReport& report) override;
-    void burnProgressIsVerifying() override;
-    void burnProgressDidDone() override;
-    void burnProgressDidError(const BurnError& error) override;
-    void burnProgressDidCanceled() override;
-
-    void interrupt();
     Outcome performOrEndAtOnce();
     Outcome perform();
-    std::optional<Outcome> hindrance(const Compilation& compiled) const;
+    void interrupt();
+    void runUntil(const std::function<bool()>& isOver);
+    void addFiles();
+    void waitForDrive();
+    void waitForDisc();
+    std::optional<DiscProblem> firstProblem() const;
+    Compilation compilation() const;
     bool isAsked() const;
     BurnQuestion::Answer ask();
-    void addFiles();
-    void refuse(const FileRefusal& refusal);
-    Compilation compilation() const;
-    Outcome burn(const Compilation& compiled);
+    Outcome burn();
+    void ejectDisc();
     Outcome refusal() const;
-    Outcome overflow(const Compilation& compiled) const;
     Outcome cancellation() const;
     const char* leftByCancellation() const;
-    Outcome success(const Compilation& compiled) const;
-    Outcome failure(const Compilation& compiled) const;
+    Outcome success() const;
 
     Host& _host;
     const BurnOptions _options;
-    const DiscTraits& _disc;
-    View& _view;
-    QuarnerDevice _device;
-    DelegateRelay _relay;
-    const std::shared_ptr<Quarner> _burner;
-
+    const std::shared_ptr<View> _view;
+    const std::string _driveName;
+    const std::shared_ptr<Reports> _reports;
+    DiscProject _project;
+    const DiscDrive::Id _drive; ///< 0 if it is gone already
     bool _isInterrupted = false;
-    bool _isAsking = false;
-    bool _isStarted = false;   ///< whether the burn was asked for
-    bool _isVerifying = false; ///< the disc is complete and closed
-    std::size_t _refusedCount = 0;
-    enum class BurnEnd { None, Done, Canceled, Error } _burnEnd = BurnEnd::None;
-    BurnError _error;
 };
 
 } // namespace quarner::cli

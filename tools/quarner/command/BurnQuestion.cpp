@@ -4,49 +4,54 @@
 #include <glib.h>
 #include <termios.h>
 
+#include <memory>
+#include <optional>
 #include <utility>
 
-#include "tools/quarner/command/DiscText.h"
 #include "tools/quarner/host/LineReader.h"
 #include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
 
-BurnQuestion::BurnQuestion(EventLoop& loop, Terminal terminal, const std::string& drive,
-                           std::optional<std::string> title)
-    : _loop(loop), _terminal(std::move(terminal)), _device(drive), _title(std::move(title)) {
-    _device.setDelegate(this);
-}
+BurnQuestion::BurnQuestion(DiscProject& project, DiscDrive::Id drive, Terminal terminal,
+                           std::string title)
+    : _project(project), _drive(drive), _terminal(std::move(terminal)), _title(std::move(title)) {}
 
-BurnQuestion::Answer BurnQuestion::ask() {
-    const std::vector<std::string> asked = text();
-    const std::optional<Dictionary> status = _device.status();
+BurnQuestion::Answer BurnQuestion::ask(const Wait& wait) {
+    const std::optional<DiscDrive> asked = _project.drive(_drive);
     tcflush(_terminal.keyboard, TCIFLUSH); // what was typed before is no answer to this
-    for (const std::string& line : asked)
+    for (const std::string& line : text(asked.value_or(DiscDrive())))
         _terminal.show(line);
-    if (!isYesTyped())
+    if (!isYesTyped(wait))
         return Answer::No;
-    // Two discs of a kind look alike, but what is on them is not equally long.
-    const bool isSameDisc = !_hasDiscChanged && status == _device.status() && asked == text();
-    return isSameDisc ? Answer::Yes : Answer::OtherDisc;
+    examineDisc(wait);
+    return asked == _project.drive(_drive) ? Answer::Yes : Answer::OtherDisc;
 }
 
-bool BurnQuestion::isYesTyped() {
+bool BurnQuestion::isYesTyped(const Wait& wait) const {
+    bool isTyped = false;
     std::optional<std::string> answer;
     const LineReader reader(_terminal.keyboard, [&](std::optional<std::string> line) {
+        isTyped = true;
         answer = std::move(line);
-        _loop.quit();
     });
-    _loop.run();
+    wait([&] { return isTyped; });
     return answer && isYes(*answer);
 }
 
-std::vector<std::string> BurnQuestion::text() const {
-    std::vector<std::string> lines = {"Drive:   " + safeText(_device.deviceName().value_or("")),
-                                      "Disc:    " + discSummary(_device)};
-    if (!_device.isDiscBlank())
+/// Not every drive reports that its disc was changed.
+void BurnQuestion::examineDisc(const Wait& wait) const {
+    const auto isDone = std::make_shared<bool>(false); // the answer may come after the wait
+    _project.examine(_drive, [isDone] { *isDone = true; });
+    wait([&] { return *isDone; });
+}
+
+std::vector<std::string> BurnQuestion::text(const DiscDrive& drive) const {
+    std::vector<std::string> lines = {"Drive:   " + safeText(drive.name),
+                                      "Disc:    " + safeText(textForDiscAndFreeTime(drive))};
+    if (!drive.isBlank)
         lines.emplace_back("         Its content will be erased.");
-    lines.push_back("Title:   " + safeText(_title.value_or("")));
+    lines.push_back("Title:   " + safeText(_title));
     lines.emplace_back("Burn this disc? Type y to burn it, anything else to cancel.");
     return lines;
 }

@@ -1,43 +1,42 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include <optional>
+#include <functional>
 #include <string>
 #include <vector>
 
-#include "quarner/device/QuarnerDevice.h"
-#include "tools/quarner/host/EventLoop.h"
+#include "quarner/project/DiscProject.h"
 #include "tools/quarner/host/Terminal.h"
 
 namespace quarner::cli {
 
 /// The question whether the disc in a drive is to be burnt, to somebody at a terminal.
-class BurnQuestion : private QuarnerDeviceDelegate {
+class BurnQuestion {
 public:
     enum class Answer {
         No,
         Yes,
         OtherDisc, ///< yes, but not to the disc that is in the drive now
     };
+    /// Runs the main loop until a condition holds or the command is cancelled.
+    using Wait = std::function<void(const std::function<bool()>& isOver)>;
 
-    /// The loop must outlive the question.
-    BurnQuestion(EventLoop& loop, Terminal terminal, const std::string& drive,
-                 std::optional<std::string> title);
+    /// The project must outlive the question.
+    BurnQuestion(DiscProject& project, DiscDrive::Id drive, Terminal terminal, std::string title);
 
-    /// Shows the drive, the disc, what happens to it, the title and the question, and runs the main
-    /// loop until a line was typed after that. A loop that ends before means no. Once only.
-    Answer ask();
+    /// Shows the drive, the disc, what happens to it, the title and the question, and waits until a
+    /// line was typed after that. A wait that ends before means no. Once only.
+    Answer ask(const Wait& wait);
 
 private:
-    void deviceStatusDidChanged() override { _hasDiscChanged = true; }
-    std::vector<std::string> text() const;
-    bool isYesTyped();
+    std::vector<std::string> text(const DiscDrive& drive) const;
+    bool isYesTyped(const Wait& wait) const;
+    void examineDisc(const Wait& wait) const;
 
-    EventLoop& _loop;
+    DiscProject& _project;
+    const DiscDrive::Id _drive;
     const Terminal _terminal;
-    QuarnerDevice _device;
-    const std::optional<std::string> _title;
-    bool _hasDiscChanged = false;
+    const std::string _title;
 };
 
 /// Whether an answer is yes; whatever else is typed means no.

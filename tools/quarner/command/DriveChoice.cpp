@@ -123,17 +123,4 @@ bool isAttached(const std::string& name) {
     return std::find(all.begin(), all.end(), name) != all.end();
 }
 
-std::string problemText(const std::string& drive, const std::string& problem) {
-    return "the drive '" + safeText(drive) + "' cannot be used: " + safeText(problem);
-}
-
-std::string chooseUsableDrive(const Host& host, const Target& target,
-                              std::optional<DiscKind> toBurn) {
-    std::string name = chooseDrive(host, target, toBurn);
-    const std::string problem = host.accessProblem(name);
-    if (!problem.empty())
-        throw UsageProblem(problemText(name, problem));
-    return name;
-}
-
 } // namespace quarner::cli

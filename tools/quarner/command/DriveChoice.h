@@ -17,16 +17,8 @@ namespace quarner::cli {
 std::string chooseDrive(const Host& host, const Target& target,
                         std::optional<DiscKind> toBurn = std::nullopt);
 
-/// The same for a command that opens the drive: throws `UsageProblem` also when that is not
-/// possible now.
-std::string chooseUsableDrive(const Host& host, const Target& target,
-                              std::optional<DiscKind> toBurn = std::nullopt);
-
 /// Whether there is a drive of this name.
 bool isAttached(const std::string& name);
-
-/// What is printed for a drive with a problem: see `Host::accessProblem`.
-std::string problemText(const std::string& drive, const std::string& problem);
 
 /// The absolute path of an image. Throws `UsageProblem` for a name that does not end like one of
 /// this kind of disc, or of any kind; for a folder; and for a place that does not exist or cannot

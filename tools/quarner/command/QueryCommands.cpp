@@ -2,13 +2,13 @@
 #include "tools/quarner/command/QueryCommands.h"
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 #include <vector>
 
 #include "quarner/device/QuarnerDevice.h"
-#include "quarner/platform/DRKeys.h"
 #include "quarner/platform/Platform.h"
-#include "tools/quarner/command/DiscText.h"
+#include "quarner/project/DiscDrive.h"
 #include "tools/quarner/command/DriveChoice.h"
 #include "tools/quarner/text/JsonLine.h"
 #include "tools/quarner/text/SafeText.h"
@@ -18,51 +18,76 @@ namespace {
 
 using Drives = std::vector<std::shared_ptr<DRDevice>>;
 
+constexpr double sectorsPerSecondAtSingleSpeed = 75; // Red Book
+
+std::shared_ptr<DRDevice> chosenDrive(const Host& host, const Target& target) {
+    return QuarnerDevice(chooseDrive(host, target)).device();
+}
+
 /// The drives themselves: of several that share a name, the name stands for the last.
 Drives drivesToList(const Host& host, const Target& target) {
     if (!target.image && !target.drive)
         return currentPlatform()->recording->devices();
-    const auto drive = QuarnerDevice(chooseDrive(host, target)).device();
+    const auto drive = chosenDrive(host, target);
     return drive ? Drives{drive} : Drives();
 }
 
-bool writesCDs(const DRDevice& drive) {
-    return valueFor(drive.info(), DRDeviceCanWriteCDKey).asBool();
+std::string driveLine(const DiscDrive& drive, bool isHidden) {
+    return safeText(drive.name) + ": " + (drive.canWrite ? "writes CDs" : "cannot write CDs") +
+           "; " +
+           (isHidden ? "cannot be chosen, as a later drive has the same name"
+                     : safeText(textForDiscAndFreeTime(drive)));
 }
 
-std::string stateOf(const Host& host, const std::string& name, bool isHidden) {
-    return isHidden ? "cannot be chosen, as a later drive has the same name"
-                    : discOrProblem(host, QuarnerDevice(name));
+std::string jsonWithProblem(const char* event, JsonArguments arguments, const DiscDrive& drive) {
+    if (!drive.problem.empty())
+        arguments.emplace_back("accessProblem", Value(drive.problem));
+    return jsonLine(event, arguments);
 }
 
-std::string driveLine(const Host& host, const DRDevice& drive, bool isHidden) {
-    const std::string name = drive.displayName();
-    return safeText(name) + ": " + (writesCDs(drive) ? "writes CDs" : "cannot write CDs") + "; " +
-           stateOf(host, name, isHidden);
+std::string driveJson(const DiscDrive& drive) {
+    return jsonWithProblem(
+        "drive", {{"name", drive.name}, {"canWriteCD", drive.canWrite}, {"disc", drive.hasDisc}},
+        drive);
 }
 
-void addProblem(JsonArguments& arguments, const std::string& problem) {
-    if (!problem.empty())
-        arguments.emplace_back("accessProblem", Value(problem));
+std::string discJson(const DiscDrive& drive) {
+    return jsonLine("disc", {{"name", drive.name},
+                             {"present", drive.hasDisc},
+                             {"kind", drive.discKind},
+                             {"cd", drive.isCD},
+                             {"blank", drive.isBlank},
+                             {"appendable", drive.isAppendable},
+                             {"erasable", drive.isErasable},
+                             {"overwritable", drive.isOverwritable},
+                             {"usedTime", drive.usedSeconds},
+                             {"freeTime", drive.freeSeconds},
+                             {"usedSize", drive.usedBytes},
+                             {"freeSize", drive.freeBytes},
+                             {"speeds", Array(drive.speeds.begin(), drive.speeds.end())}});
 }
 
-std::string driveJson(const Host& host, const DRDevice& drive) {
-    const std::string problem = host.accessProblem(drive.displayName());
-    JsonArguments arguments = {{"name", drive.displayName()},
-                               {"canWriteCD", writesCDs(drive)},
-                               {"disc", problem.empty() && drive.mediaIsPresent()}};
-    addProblem(arguments, problem);
-    return jsonLine("drive", arguments);
+std::string speedsText(const std::vector<double>& speeds) {
+    std::string text;
+    for (const double speed : speeds)
+        text += (text.empty() ? "" : ", ") +
+                std::to_string(std::lround(speed / sectorsPerSecondAtSingleSpeed)) + "x";
+    return text;
 }
 
-/// Why a drive did not put its disc out, where no problem keeps the drive from being used.
-std::string reasonToKeep(const QuarnerDevice& device) {
-    const std::string name = device.deviceName().value_or("");
-    if (!isAttached(name))
-        return "the drive '" + safeText(name) + "' was unplugged";
-    if (!device.isDiscInDevice() && !device.isCheckingDisc())
-        return "there is no disc in the drive '" + safeText(name) + "'";
-    return "the drive '" + safeText(name) + "' did not eject its disc; a program may be using it";
+std::vector<std::string> discLines(const DiscDrive& drive) {
+    std::vector<std::string> lines = {"Drive:   " + safeText(drive.name),
+                                      "Disc:    " + safeText(textForDisc(drive))};
+    if (!drive.hasDisc)
+        return lines;
+    const auto amounts = [](std::uint64_t seconds, std::uint64_t bytes) {
+        return amountText(DiscKind::Audio, seconds) + ", " + amountText(DiscKind::Data, bytes);
+    };
+    lines.push_back("Used:    " + amounts(drive.usedSeconds, drive.usedBytes));
+    lines.push_back("Free:    " + amounts(drive.freeSeconds, drive.freeBytes));
+    if (!drive.speeds.empty())
+        lines.push_back("Speeds:  " + speedsText(drive.speeds));
+    return lines;
 }
 
 } // namespace
@@ -70,10 +95,11 @@ std::string reasonToKeep(const QuarnerDevice& device) {
 ExitStatus listDrives(Host& host, const Target& target, bool json) {
     const Drives drives = drivesToList(host, target);
     for (auto drive = drives.begin(); drive != drives.end(); ++drive) {
+        const DiscDrive facts = examineDrive(**drive);
         const bool isHidden = std::any_of(drive + 1, drives.end(), [&](const auto& later) {
-            return later->displayName() == (*drive)->displayName();
+            return later->displayName() == facts.name;
         });
-        host.console.line(json ? driveJson(host, **drive) : driveLine(host, **drive, isHidden));
+        host.console.line(json ? driveJson(facts) : driveLine(facts, isHidden));
     }
     if (drives.empty())
         host.console.error("quarner: there is no drive; quarner audio --image FILE.cue makes an "
@@ -82,32 +108,31 @@ ExitStatus listDrives(Host& host, const Target& target, bool json) {
 }
 
 ExitStatus showDisc(Host& host, const Target& target, bool json) {
-    const QuarnerDevice device(chooseUsableDrive(host, target));
+    const auto device = chosenDrive(host, target);
+    const DiscDrive drive = device ? examineDrive(*device) : DiscDrive();
+    if (!drive.problem.empty())
+        throw UsageProblem(safeText(textForUnusableDrive(drive)));
     if (json)
-        host.console.line(jsonLine("disc", discArguments(device)));
+        host.console.line(discJson(drive));
     else
-        for (const std::string& line : discLines(device))
+        for (const std::string& line : discLines(drive))
             host.console.line(line);
     return ExitStatus::Success;
 }
 
 ExitStatus ejectDisc(Host& host, const Target& target, bool json) {
-    const QuarnerDevice device(chooseDrive(host, target));
-    const std::string name = device.deviceName().value_or("");
-    const bool isOut = device.device() && device.device()->ejectMedia();
-    const std::string problem = isOut ? "" : host.accessProblem(name);
-    if (json) {
-        JsonArguments arguments = {{"name", name}, {"ejected", isOut}};
-        addProblem(arguments, problem);
-        host.console.line(jsonLine("eject", arguments));
-    } else if (isOut) {
+    const std::string name = chooseDrive(host, target);
+    const auto device = QuarnerDevice(name).device();
+    const std::string problem = quarner::ejectDisc(device);
+    const bool isOut = problem.empty();
+    if (json)
+        host.console.line(jsonWithProblem("eject", {{"name", name}, {"ejected", isOut}},
+                                          isOut || !device ? DiscDrive() : examineDrive(*device)));
+    else if (isOut)
         host.console.line("Ejected: " + safeText(name));
-    }
-    if (isOut)
-        return ExitStatus::Success;
-    host.console.error("quarner: " +
-                       (problem.empty() ? reasonToKeep(device) : problemText(name, problem)));
-    return ExitStatus::Failed;
+    if (!isOut)
+        host.console.error("quarner: " + safeText(problem));
+    return isOut ? ExitStatus::Success : ExitStatus::Failed;
 }
 
 } // namespace quarner::cli

@@ -2,26 +2,15 @@
 #include "tools/quarner/command/Run.h"
 
 #include <cerrno>
-#include <memory>
 #include <system_error>
 
 #include "tools/quarner/command/BurnCommand.h"
 #include "tools/quarner/command/QueryCommands.h"
 #include "tools/quarner/command/WatchCommand.h"
 #include "tools/quarner/text/JsonLine.h"
-#include "tools/quarner/view/JsonView.h"
-#include "tools/quarner/view/PeopleView.h"
 
 namespace quarner::cli {
 namespace {
-
-std::unique_ptr<View> makeView(Console& console, bool json) {
-    if (json)
-        return std::make_unique<JsonView>(console);
-    if (console.screen().isTerminal)
-        return std::make_unique<TerminalView>(console);
-    return std::make_unique<PlainView>(console);
-}
 
 ExitStatus runQuery(Host& host, const QueryOptions& options, bool json) {
     switch (options.query) {
@@ -48,8 +37,7 @@ ExitStatus endJson(Console& console, bool json, ExitStatus status) {
 ExitStatus runCommand(Host& host, const Command& command) {
     try {
         if (const auto* const burn = std::get_if<BurnOptions>(&command.options)) {
-            const std::unique_ptr<View> view = makeView(host.console, command.json);
-            return BurnCommand(host, *burn, *view).run();
+            return BurnCommand(host, *burn, makeView(host.console, command.json)).run();
         }
         const auto& query = std::get<QueryOptions>(command.options);
         return endJson(host.console, command.json, runQuery(host, query, command.json));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "tools/quarner/command/WatchCommand.h"
 
-#include "tools/quarner/command/DiscText.h"
+#include "quarner/project/DiscDrive.h"
 #include "tools/quarner/command/DriveChoice.h"
 #include "tools/quarner/text/JsonLine.h"
 #include "tools/quarner/text/SafeText.h"
@@ -15,8 +15,11 @@ struct WatchCommand::WatchedDrive : QuarnerDeviceDelegate {
     }
 
     void deviceStatusDidChanged() override {
-        command.tell("deviceStatusDidChanged", name,
-                     [this] { return discOrProblem(command._host, device); });
+        command.tell("deviceStatusDidChanged", name, [this] { return state(); });
+    }
+    std::string state() const {
+        const auto drive = device.device();
+        return drive ? safeText(textForDiscAndFreeTime(examineDrive(*drive))) : std::string();
     }
 
     WatchCommand& command;
@@ -36,17 +39,16 @@ WatchCommand::WatchCommand(Host& host, const Target& target, bool json)
 WatchCommand::~WatchCommand() { _host.onInterruption(nullptr); }
 
 ExitStatus WatchCommand::run() {
-    _host.onInterruption([this] { _host.loop.quit(); });
+    _host.onInterruption([this] { _isInterrupted = true; });
     if (!_json)
         for (const auto& [name, drive] : _drives)
-            _host.console.line(safeText(name) + ": " + discOrProblem(_host, drive->device));
+            _host.console.line(safeText(name) + ": " + drive->state());
     if (!_json && _drives.empty())
         _host.console.line("There is no drive yet.");
     if (!_host.receivesDriveEvents())
         _host.console.error("quarner: the device manager (udev) is not running: changes of "
                             "optical drives and discs will not be reported");
-    if (!_host.console.isBroken())
-        _host.loop.run();
+    _host.loop.runUntil([this] { return _isInterrupted || _host.console.isBroken(); });
     return _host.console.isBroken() ? ExitStatus::Success : ExitStatus::Canceled;
 }
 
@@ -74,8 +76,6 @@ void WatchCommand::tell(const char* event, const std::string& name,
                         const std::function<std::string()>& change) {
     _host.console.line(_json ? jsonLine(event, {{"name", name}})
                              : safeText(name) + ": " + change());
-    if (_host.console.isBroken())
-        _host.loop.quit();
 }
 
 } // namespace quarner::cli

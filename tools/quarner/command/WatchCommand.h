@@ -41,6 +41,7 @@ private:
     Host& _host;
     const bool _json;
     std::optional<std::string> _only;
+    bool _isInterrupted = false;
     QuarnerDevice _anyDrive; ///< bound to none: it reports all that come and go
     std::map<std::string, std::unique_ptr<WatchedDrive>> _drives;
 };

@@ -49,7 +49,14 @@ Console::Console(std::ostream& out, std::ostream& err, Screen screen)
 
 void Console::line(std::string_view text) { print(_out, text); }
 
-void Console::error(std::string_view text) { print(_err, text); }
+void Console::error(std::string_view text) {
+    std::string shown(text);
+    if (!_screen.isUtf8)
+        for (const char* const quote : {"“", "”"})
+            for (std::size_t at = 0; (at = shown.find(quote, at)) != std::string::npos; ++at)
+                shown.replace(at, std::string_view(quote).size(), "\"");
+    print(_err, shown);
+}
 
 void Console::status(std::string_view text) {
     if (!_screen.isTerminal)

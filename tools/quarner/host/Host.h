@@ -37,9 +37,6 @@ struct Host {
     /// Ends the platform without waiting for the main loop: cancels what is under way, and returns
     /// when no thread of the framework is at work any more.
     std::function<void()> endPlatform;
-    /// What keeps the drive of a name from being used now: a sentence without its full stop. Empty
-    /// where nothing is in the way. May take half a second.
-    std::function<std::string(const std::string&)> accessProblem;
     /// Whether the platform is notified of drives that come and go, and of discs.
     std::function<bool()> receivesDriveEvents;
     /// Where somebody is asked; nothing where nobody is there.

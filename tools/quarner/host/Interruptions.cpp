@@ -78,7 +78,7 @@ void Interruptions::signalArrived() {
 }
 
 void Interruptions::endAtOnce() {
-    _loop.post([] { throw EndedAtOnce(); });
+    _loop.endAtOnce();
     std::unique_lock lock(_mutex);
     if (_over.wait_for(lock, exitTimeout, [this] { return _isOver; }))
         return;

@@ -22,12 +22,14 @@ constexpr char outputHelp[] =
     "If the output cannot be written, status 0 becomes 1, unless its reader went away.\n";
 constexpr char audioExample[] =
     "Example:\n  quarner audio --image mix.cue --title \"Summer mix\" one.mp3 two.m4a\n\n"
-    "The files become tracks in the order of their names. Ctrl-C cancels; a "
-    "disc that was\nbeing written is lost, an image is as it was before.\n";
+    "The files become tracks in the order given, those of a playlist (M3U, PLS, XSPF) in its\n"
+    "order. Ctrl-C cancels; a disc that was being written is lost, an image is as it was\n"
+    "before.\n";
 constexpr char dataExample[] =
     "Example:\n  quarner data --image mix.iso --title \"Summer mix\" one.mp3 two.m4a\n\n"
-    "The files are stored unchanged in one folder of the disc. Ctrl-C cancels; a "
-    "disc\nthat was being written is lost, an image is as it was before.\n";
+    "The files are stored unchanged in one folder of the disc, those of a playlist (M3U, PLS,\n"
+    "XSPF) too. Ctrl-C cancels; a disc that was being written is lost, an image is as it was\n"
+    "before.\n";
 constexpr char drivesExample[] = "Example:\n  quarner drives --json\n\n"
                                  "Without drives the list is empty and the exit status is 0.\n";
 constexpr char discExample[] =
@@ -91,6 +93,13 @@ std::string problemOfCapacity(const std::string& text) {
     return shown == "74" || shown == "80" ? "" : "'" + shown + "' is neither 74 nor 80";
 }
 
+std::string listOf(const std::vector<std::string>& words) {
+    std::string list;
+    for (const std::string& word : words)
+        list += (list.empty() ? "" : ", ") + word;
+    return list;
+}
+
 Grammar::Grammar() {
     _app.set_version_flag("--version", "quarner " QUARNER_VERSION);
     _app.require_subcommand(0, 1);
@@ -111,7 +120,8 @@ Grammar::Grammar() {
 void Grammar::addBurn(DiscKind kind, const char* how, const char* image, const char* example) {
     const DiscTraits& disc = traitsOf(kind);
     CLI::App* const command = _app.add_subcommand(
-        disc.command, "Burn audio files (" + supportedTypes(*disc.makeBurner(), ", ") + ") " + how);
+        disc.command,
+        "Burn audio files (" + listOf(DiscProject::fileExtensions()) + ") and playlists " + how);
     command->allow_extras();
     addTarget(*command, std::string("FILE") + disc.extension, image);
     addBurnOptions(*command, disc.titleHelp);
@@ -125,6 +135,15 @@ void Grammar::addBurnOptions(CLI::App& command, const char* title) {
         ->type_name("74|80")
         ->check(problemOfCapacity)
         ->needs("--image");
+    command.add_flag("--sort", _burnOptions.sort, "Sort the files by name");
+    command.add_flag("--recursive", _burnOptions.recursive,
+                     "Add the audio files in folders and in their folders");
+    command
+        .add_flag("--wait", _burnOptions.wait,
+                  "Wait until there is a disc that can be burnt in the drive")
+        ->excludes("--image");
+    command.add_flag("--eject", _burnOptions.eject, "Eject the disc when it is burnt")
+        ->excludes("--image");
     command.add_flag("--dry-run", _burnOptions.dryRun,
                      "Do everything up to the burn, write nothing");
     command.add_flag("--keep-going", _burnOptions.keepGoing,
@@ -135,7 +154,9 @@ void Grammar::addBurnOptions(CLI::App& command, const char* title) {
     command.add_flag("--verbose", _burnOptions.verbose, "Show diagnostics");
     command.add_flag("--json", _json, "One JSON object a line, for programs");
     // Only the first: a list would have its brackets taken off. The others are what remains.
-    command.add_option("FILE...", _firstFile, "Audio files; after -- also ones that begin with -")
+    command
+        .add_option("FILE...", _firstFile,
+                    "Audio files and playlists; after -- also ones that begin with -")
         ->type_name(" ");
 }
 

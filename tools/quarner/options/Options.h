@@ -22,6 +22,10 @@ struct BurnOptions {
     DiscKind kind = DiscKind::Audio;
     Target target;
     std::optional<std::string> title; ///< always there for a data disc
+    bool sort = false;
+    bool recursive = false; ///< search folders
+    bool wait = false;      ///< for a disc
+    bool eject = false;     ///< when the disc is burnt
     bool dryRun = false;
     bool keepGoing = false;
     bool yes = false; ///< burn without asking

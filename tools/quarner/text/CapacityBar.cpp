@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "quarner/platform/DiscFormat.h"
 #include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
@@ -16,24 +17,22 @@ constexpr std::size_t narrowestBar = 8;
 
 double keptWithinOne(double fraction) { return fraction > 0 ? std::min(fraction, 1.0) : 0.0; }
 
-/// By the figures that are shown: a disc that came or went while they were asked for may have
-/// given whether all fits.
 std::string verdictOn(const Compilation& compilation) {
-    const DiscTraits& disc = traitsOf(compilation.kind);
-    if (compilation.used > compilation.free)
-        return disc.capacityText(compilation.used - compilation.free) + " " + disc.excess;
-    if (compilation.overflow)
-        return disc.overhead;
-    return disc.capacityText(compilation.free - compilation.used) + " left";
+    const DiscCapacity& capacity = compilation.capacity;
+    const std::string excess = traitsOf(compilation.kind).excess;
+    if (capacity.used > capacity.total)
+        return amountText(compilation.kind, capacity.used - capacity.total) + excess;
+    if (compilation.kind == DiscKind::Audio && capacity.count > mostTracks)
+        return counted(capacity.count - mostTracks, "track") + " too many";
+    return capacity.fits ? capacity.freeText + " left" : "less than a second" + excess;
 }
 
 std::string percentText(double fraction) {
     return std::to_string(static_cast<int>(std::floor(keptWithinOne(fraction) * 100))) + "%";
 }
 
-std::string timeLeftColumn(double fraction, std::uint64_t seconds) {
-    const std::string time = fraction > 0 ? timeLeftText(seconds) : unknownTime;
-    return "  " + rightAligned(time, 5) + " left";
+std::string timeLeftColumn(std::optional<std::uint64_t> seconds) {
+    return "  " + rightAligned(seconds ? timeLeftText(*seconds) : unknownTime, 5) + " left";
 }
 
 } // namespace
@@ -66,34 +65,32 @@ std::string timeLeftText(std::uint64_t seconds) {
 }
 
 std::string usageLine(const Compilation& compilation, std::size_t columns, bool isUtf8) {
-    if (!compilation.hasDisc)
+    const DiscCapacity& capacity = compilation.capacity;
+    if (!capacity.isDiscKnown)
         return "There is no disc in the drive.";
-    const DiscTraits& disc = traitsOf(compilation.kind);
-    const std::string figures =
-        disc.capacityText(compilation.used) + " of " + disc.capacityText(compilation.free);
+    const std::string figures = capacity.usedText + " of " + capacity.totalText;
     const std::string verdict = ", " + verdictOn(compilation);
     const std::size_t text = figures.size() + verdict.size() + 1;
     if (text + narrowestBar > columns)
         return shortened(figures + verdict, columns);
-    const double fraction = compilation.free == 0 ? 1.0
-                                                  : static_cast<double>(compilation.used) /
-                                                        static_cast<double>(compilation.free);
+    const double fraction = capacity.total == 0 ? 1.0
+                                                : static_cast<double>(capacity.used) /
+                                                      static_cast<double>(capacity.total);
     return bar(fraction, std::min(widestBar, columns - text), isUtf8) + " " + figures + verdict;
 }
 
-std::string progressLine(std::string_view state, double fraction,
-                         std::optional<std::uint64_t> lefttime, std::size_t columns, bool isUtf8) {
-    const std::string percent = rightAligned(percentText(fraction), 4);
-    const std::string left = lefttime ? timeLeftColumn(fraction, *lefttime) : "";
-    const std::string head = std::string(state) + " ";
+std::string progressLine(const DiscBurnProgress& progress, std::size_t columns, bool isUtf8) {
+    const std::string percent = rightAligned(percentText(progress.fraction), 4);
+    const std::string left = timeLeftColumn(progress.secondsLeft);
+    const std::string head = progress.text + " ";
     const std::size_t text = displayWidth(head) + 1 + percent.size() + left.size();
     if (text + narrowestBar <= columns)
-        return head + bar(fraction, std::min(widestBar, columns - text), isUtf8) + " " + percent +
-               left;
+        return head + bar(progress.fraction, std::min(widestBar, columns - text), isUtf8) + " " +
+               percent + left;
     if (displayWidth(head) + percent.size() + left.size() <= columns)
         return head + percent + left;
     const std::size_t stateColumns = std::max(columns, percent.size()) - percent.size();
-    return shortened(state, stateColumns) + percent;
+    return shortened(progress.text, stateColumns) + percent;
 }
 
 } // namespace quarner::cli

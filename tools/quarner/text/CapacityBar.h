@@ -3,9 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
-#include <string_view>
 
 #include "tools/quarner/text/TrackTable.h"
 
@@ -21,10 +19,8 @@ std::string timeLeftText(std::uint64_t seconds);
 /// The bar of used against free capacity, and the figures.
 std::string usageLine(const Compilation& compilation, std::size_t columns, bool isUtf8);
 
-/// The one line of a burn's progress: what is being done, how much of it, and the time left (not
-/// known before there is progress, left out where it is never told). On a narrow screen the bar
-/// goes first, then the time.
-std::string progressLine(std::string_view state, double fraction,
-                         std::optional<std::uint64_t> lefttime, std::size_t columns, bool isUtf8);
+/// The one line of a burn's progress: what is being done, how much of the whole burn is done, and
+/// the time left, if it is known. On a narrow screen the bar goes first, then the time.
+std::string progressLine(const DiscBurnProgress& progress, std::size_t columns, bool isUtf8);
 
 } // namespace quarner::cli

@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <string_view>
 
-#include "quarner/front/BurnItemKeys.h"
-#include "quarner/util/MultiMedia.h"
 #include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
@@ -15,11 +13,6 @@ constexpr std::size_t numberColumns = 3;
 constexpr std::size_t timeColumns = 10;
 constexpr std::size_t sizeColumns = 10;
 constexpr std::size_t widestTable = 78;
-
-std::string textUnder(const Dictionary& item, const char* key) {
-    const std::string* const text = valueFor(item, key).asString();
-    return text == nullptr ? std::string() : safeText(*text);
-}
 
 std::string row(std::string_view number, std::string_view name, std::string_view time,
                 std::string_view size, std::size_t columns) {
@@ -31,26 +24,22 @@ std::string row(std::string_view number, std::string_view name, std::string_view
 }
 
 std::string sumRow(const Compilation& compilation, std::size_t columns) {
-    std::int64_t bytes = 0;
-    for (const Dictionary& item : compilation.items)
-        bytes += valueFor(item, kQuarnItemRealFileSizeKey).asInt64();
-    const std::size_t count = compilation.items.size();
     const DiscTraits& disc = traitsOf(compilation.kind);
-    const std::string name = counted(count, disc.oneItem) + disc.pauses(count);
+    const std::size_t count = compilation.items->size();
+    const std::string name =
+        counted(count, disc.oneItem) + (count == 1 ? disc.onePause : disc.manyPauses);
     const bool countsTime = compilation.kind == DiscKind::Audio;
-    return row("", name, countsTime ? disc.capacityText(compilation.used) : "",
-               MultiMedia::stringWithFilesize(bytes), columns);
+    return row("", name, countsTime ? compilation.capacity.usedText : "",
+               amountText(DiscKind::Data, compilation.capacity.fileBytes), columns);
 }
 
 } // namespace
 
 std::vector<std::string> trackList(const Compilation& compilation, std::size_t columns) {
     std::vector<std::string> lines;
-    for (const Dictionary& item : compilation.items)
-        lines.push_back(row(std::to_string(lines.size() + 1),
-                            textUnder(item, kQuarnItemDisplayNameKey),
-                            textUnder(item, kQuarnItemDurationKey),
-                            textUnder(item, kQuarnItemFileSizeKey), columns));
+    for (const DiscItemRef& item : *compilation.items)
+        lines.push_back(row(std::to_string(lines.size() + 1), safeText(item->displayName),
+                            item->duration, item->size, columns));
     if (!lines.empty())
         lines.push_back(sumRow(compilation, columns));
     return lines;

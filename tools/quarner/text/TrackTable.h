@@ -2,23 +2,19 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "quarner/platform/Value.h"
 #include "tools/quarner/disc/DiscKind.h"
 
 namespace quarner::cli {
 
-/// What a compilation holds against what the disc has room for.
+/// What is to be burnt, and what it takes of the disc.
 struct Compilation {
-    std::vector<Dictionary> items; ///< burn item records
-    std::uint64_t used = 0;        ///< seconds with every pause, or bytes: see `DiscTraits`
-    std::uint64_t free = 0;        ///< the same; 0 without a disc
-    bool hasDisc = false;
-    bool overflow = false;
     DiscKind kind = DiscKind::Audio;
+    std::shared_ptr<const DiscItems> items; ///< never null
+    DiscCapacity capacity;
 };
 
 /// The tracks or files with their numbers, names, durations and sizes, and their sum; one a line.

@@ -27,6 +27,66 @@ Dictionary withUri(Dictionary item) {
     return item;
 }
 
+// All without a default, so that the compiler names a value that is missing.
+
+const char* nameOf(RefusalReason reason) {
+    switch (reason) {
+    case RefusalReason::Missing:
+        return "missing";
+    case RefusalReason::Unreadable:
+        return "unreadable";
+    case RefusalReason::NotAFile:
+        return "not-a-file";
+    case RefusalReason::UnsupportedType:
+        return "unsupported-type";
+    case RefusalReason::Protected:
+        return "protected";
+    case RefusalReason::NoSound:
+        return "no-sound";
+    case RefusalReason::TooShort:
+        return "too-short";
+    case RefusalReason::Damaged:
+        return "damaged";
+    case RefusalReason::AlreadyInList:
+        return "already-in-list";
+    }
+    return "";
+}
+
+const char* nameOf(DiscBurnProgress::Phase phase) {
+    switch (phase) {
+    case DiscBurnProgress::Phase::Preparing:
+        return "preparing";
+    case DiscBurnProgress::Phase::Writing:
+        return "writing";
+    case DiscBurnProgress::Phase::Closing:
+        return "closing";
+    case DiscBurnProgress::Phase::Finishing:
+        return "finishing";
+    case DiscBurnProgress::Phase::Verifying:
+        return "verifying";
+    }
+    return "";
+}
+
+const char* nameOf(DiscBurnEnd::Outcome outcome) {
+    switch (outcome) {
+    case DiscBurnEnd::Outcome::Done:
+        return "done";
+    case DiscBurnEnd::Outcome::Canceled:
+        return "canceled";
+    case DiscBurnEnd::Outcome::Failed:
+        return "failed";
+    }
+    return "";
+}
+
+/// A text that may be missing.
+void add(JsonArguments& arguments, const char* key, const std::string& text) {
+    if (!text.empty())
+        arguments.emplace_back(key, text);
+}
+
 } // namespace
 
 void JsonView::allFilesDidCleared() { tell("allFilesDidCleared"); }
@@ -103,20 +163,62 @@ void JsonView::burnProgressDidDone() { tell("burnProgressDidDone"); }
 
 void JsonView::burnProgressDidCanceled() { tell("burnProgressDidCanceled"); }
 
+void JsonView::fileRefused(const std::string& path, RefusalReason reason, const std::string& text) {
+    View::fileRefused(path, reason, text);
+    tell("fileRefused",
+         {{"path", path}, {"uri", fileUri(path)}, {"reason", nameOf(reason)}, {"text", text}});
+}
+
+void JsonView::burnProgress(const DiscBurnProgress& progress) {
+    JsonArguments arguments = {{"phase", nameOf(progress.phase)},
+                               {"phaseFraction", progress.phaseFraction},
+                               {"fraction", progress.fraction},
+                               {"text", progress.text}};
+    if (progress.trackCount > 0) {
+        arguments.emplace_back("track", progress.track);
+        arguments.emplace_back("of", progress.trackCount);
+    }
+    if (progress.phaseSecondsLeft)
+        arguments.emplace_back("phaseSecondsLeft", *progress.phaseSecondsLeft);
+    if (progress.secondsLeft)
+        arguments.emplace_back("secondsLeft", *progress.secondsLeft);
+    tell("burnProgress", arguments);
+}
+
+void JsonView::burnEnded(const DiscBurnEnd& end) {
+    JsonArguments arguments = {{"outcome", nameOf(end.outcome)}, {"text", end.text}};
+    if (end.code)
+        arguments.emplace_back("code", signedCode(*end.code));
+    if (end.info.sector)
+        arguments.emplace_back("sector", *end.info.sector);
+    add(arguments, "path", end.info.path);
+    add(arguments, "uri", end.info.path.empty() ? "" : fileUri(end.info.path));
+    add(arguments, "message", end.info.message);
+    add(arguments, "advice", end.advice);
+    tell("burnEnded", arguments);
+}
+
 void JsonView::compilationIsComplete(const Compilation& compilation) {
-    tell("compilation", {{"items", compilation.items.size()},
-                         {"usedCapacity", compilation.used},
-                         {"overflow", compilation.overflow}});
+    const DiscCapacity& capacity = compilation.capacity;
+    const bool isAudio = compilation.kind == DiscKind::Audio;
+    tell("compilation", {{"items", compilation.items->size()},
+                         {"usedCapacity", isAudio ? capacity.used : capacity.fileBytes},
+                         {"overflow", !capacity.fits}});
+}
+
+void JsonView::waitsFor(const DiscProblem& problem) {
+    tell("waitsFor",
+         {{"code", signedCode(problem.code)}, {"text", problem.text}, {"advice", problem.advice}});
 }
 
 void JsonView::didEnd(ExitStatus status, const std::string& outcome) {
     if (status != ExitStatus::Success && !outcome.empty())
-        _console.error("quarner: " + outcome);
-    _console.line(jsonExitLine(static_cast<int>(status)));
+        console().error("quarner: " + outcome);
+    console().line(jsonExitLine(static_cast<int>(status)));
 }
 
 void JsonView::tell(const char* event, const JsonArguments& arguments) {
-    _console.line(jsonLine(event, arguments));
+    console().line(jsonLine(event, arguments));
 }
 
 void JsonView::tellTrack(const char* event, std::int64_t track, std::int64_t of) {

@@ -1,19 +1,17 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "tools/quarner/host/Console.h"
 #include "tools/quarner/text/JsonLine.h"
 #include "tools/quarner/view/View.h"
 
 namespace quarner::cli {
 
-/// For programs: one JSON object a line for everything that a burner tells, under the name of the
-/// delegate's operation, then one for the compilation, and a last one for the exit status. What is
-/// meant for people goes to the error stream.
+/// For programs: one JSON object a line for each call of the burner's delegate, under the name of
+/// the operation, for what the project reports beside that, and a last one for the exit status; see
+/// docs/json.md. What is meant for people goes to the error stream.
 class JsonView : public View {
 public:
-    /// The console must outlive the view.
-    explicit JsonView(Console& console) : _console(console) {}
+    using View::View;
 
     void allFilesDidCleared() override;
     void burnItemDidDelete(const BurnItemRef& item) override;
@@ -40,14 +38,18 @@ public:
     void burnProgressDidDone() override;
     void burnProgressDidCanceled() override;
 
+    void fileRefused(const std::string& path, RefusalReason reason,
+                     const std::string& text) override;
+    void burnProgress(const DiscBurnProgress& progress) override;
+    void burnEnded(const DiscBurnEnd& end) override;
+
     void compilationIsComplete(const Compilation& compilation) override;
+    void waitsFor(const DiscProblem& problem) override;
     void didEnd(ExitStatus status, const std::string& outcome) override;
 
 private:
     void tell(const char* event, const JsonArguments& arguments = {});
     void tellTrack(const char* event, std::int64_t track, std::int64_t of);
-
-    Console& _console;
 };
 
 } // namespace quarner::cli

@@ -1,23 +1,44 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "quarner/front/QuarnDelegate.h"
+#include "quarner/project/DiscProject.h"
+#include "tools/quarner/host/Console.h"
 #include "tools/quarner/host/ExitStatus.h"
 #include "tools/quarner/text/TrackTable.h"
 
 namespace quarner::cli {
 
-/// Shows what `quarner audio` or `quarner data` does: everything that a burner tells, in the order
-/// in which it does, and the two things below. All on the main loop.
-class View : public QuarnDelegate {
+/// Shows what `quarner audio` or `quarner data` does: what the project and its burner report, and
+/// the operations below. All on the main loop.
+class View : public QuarnDelegate, public DiscProjectObserver {
 public:
+    /// The console must outlive the view.
+    explicit View(Console& console) : _console(console) {}
+
+    void fileRefused(const std::string& path, RefusalReason reason,
+                     const std::string& text) override;
+
     /// Once, when the adding of files has ended.
     virtual void compilationIsComplete(const Compilation& compilation) = 0;
 
-    /// Last, once: what has become of it, as a sentence for people (may be empty).
+    /// The command waits until this problem is solved. Called again when it has changed.
+    virtual void waitsFor(const DiscProblem& problem) = 0;
+
+    /// Last, once: how it ended, as a sentence for people (may be empty).
     virtual void didEnd(ExitStatus status, const std::string& outcome) = 0;
+
+protected:
+    Console& console() const { return _console; }
+
+private:
+    Console& _console;
 };
+
+/// The view for programs, or the one for people that the console's screen asks for.
+std::shared_ptr<View> makeView(Console& console, bool json);
 
 } // namespace quarner::cli

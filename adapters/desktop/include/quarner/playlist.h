@@ -7,7 +7,8 @@
 
 #include "quarner/platform/Export.h"
 
-/// Playlists, whose files a host adds in their order (`Quarner::addFilesInOrder`).
+/// Playlists and folders, whose files a host adds in their order (`DiscProject::add`,
+/// `Quarner::addFilesInOrder`).
 namespace quarner {
 
 /// Returns whether a path has the extension of a playlist that `readPlaylist` reads: m3u, m3u8, pls
@@ -24,5 +25,15 @@ QUARNER_EXPORT bool isPlaylist(const std::string& path);
 /// is no file of an entry's name, the name is also tried with slashes for backslashes, and as
 /// Latin-1 if it is not UTF-8.
 QUARNER_EXPORT std::optional<std::vector<std::string>> readPlaylist(const std::string& path);
+
+/// Returns the files that a user means who names these paths, in their order: for a playlist that
+/// can be read its entries, and for a folder the files in it that have one of these extensions
+/// (`DiscProject::fileExtensions`), sorted by name, and then those in its folders. Without an
+/// extension no folder is searched. A search leaves out hidden files and folders, and links to
+/// folders. Every other path is returned as it stands: the burner says what is wrong with it. Any
+/// thread; takes as long as the disk takes.
+QUARNER_EXPORT std::vector<std::string>
+filesToAdd(const std::vector<std::string>& paths,
+           const std::vector<std::string>& searchedExtensions = {});
 
 } // namespace quarner

@@ -47,6 +47,7 @@ struct DriveScript {
     std::optional<double> currentSpeed = std::nullopt;
     bool isTransitioning = false; ///< a disc is being loaded or examined
     std::optional<DiscScript> disc = std::nullopt;
+    std::string accessProblem = {}; ///< see `DRDevice::accessProblem`
 };
 
 /// A file as the file service sees it.

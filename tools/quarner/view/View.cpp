@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "tools/quarner/view/View.h"
+
+#include "tools/quarner/text/SafeText.h"
+#include "tools/quarner/view/JsonView.h"
+#include "tools/quarner/view/PeopleView.h"
+
+namespace quarner::cli {
+
+void View::fileRefused(const std::string& /*path*/, RefusalReason /*reason*/,
+                       const std::string& text) {
+    _console.error("quarner: " + safeText(text));
+}
+
+std::shared_ptr<View> makeView(Console& console, bool json) {
+    if (json)
+        return std::make_shared<JsonView>(console);
+    if (console.screen().isTerminal)
+        return std::make_shared<TerminalView>(console);
+    return std::make_shared<PlainView>(console);
+}
+
+} // namespace quarner::cli
