@@ -204,6 +204,7 @@ bool ProjectCore::burn(DiscDrive::Id drive, const std::string& title) {
     _newFraction.reset();
     _overall = {};
     applyChanges();
+    capacityDidChange(); // the drive is busy now
     reportProgress();
     const auto device = _drives->device(drive);
     const auto name = title.empty() ? std::nullopt : std::optional(title);
@@ -263,6 +264,7 @@ void ProjectCore::fail(DRError code, const BurnErrorInfo& info) {
 void ProjectCore::endBurn(DiscBurnEnd end) {
     if (!std::exchange(_isBurning, false))
         return;
+    capacityDidChange();
     if (end.outcome == DiscBurnEnd::Outcome::Done) {
         _progress.phaseFraction = 1;
         reportProgress();

@@ -104,6 +104,19 @@ TEST_P(DiscProjectBurn, ReportsEachNewFractionOfAPhase) {
     EXPECT_EQ(end().outcome, Outcome::Done);
 }
 
+TEST_P(DiscProjectBurn, ReportsThatTheProblemsOfItsDriveChange) {
+    compile({"a.mp3"});
+    int changes = observer->capacityChanges;
+    project->burn(driveId());
+    EXPECT_GT(observer->capacityChanges, changes);
+    EXPECT_THAT(codes(), ElementsAre(DRError::DeviceBusy));
+    changes = observer->capacityChanges;
+    platform.lastBurn()->post({.state = DRStatusStateFailed});
+    end();
+    EXPECT_GT(observer->capacityChanges, changes);
+    EXPECT_THAT(codes(), IsEmpty());
+}
+
 TEST_P(DiscProjectBurn, CanBeCancelled) {
     compile({"a.mp3"});
     project->burn(driveId());
