@@ -216,8 +216,8 @@ void OpticalDrive::reserve(const std::shared_ptr<StopSignal>& stop) {
 std::unique_ptr<SectorWriter> OpticalDrive::open(const DiscPlan& plan, const BurnSettings& settings,
                                                  const std::shared_ptr<StopSignal>& stop) {
     const std::uint64_t changes = changeCount();
-    auto drive = std::make_unique<GrabbedDrive>(
-        _record, DriveTimeouts{burnTimeout, loadingTimeout}, stop.get());
+    auto drive = std::make_unique<GrabbedDrive>(_record, DriveTimeouts{burnTimeout, loadingTimeout},
+                                                stop.get());
     const DiscFacts disc = readDiscFacts(*drive);
     updateCache(disc, false, changes);
     stop->throwIfRequested();
