@@ -87,10 +87,10 @@ public:
     bool dropMimeData(const QMimeData* data, Qt::DropAction /*action*/, int row, int /*column*/,
                       const QModelIndex& /*parent*/) override {
         const std::size_t to = row < 0 ? _rows.size() : static_cast<std::size_t>(row);
-        if (const auto* const dragged = dynamic_cast<const DraggedRows*>(data))
-            _project.move(rowsOf(dragged->rows), to);
-        else
+        if (data->hasUrls())
             _project.add(pathsOf(data->urls()), to);
+        else if (const auto* const dragged = dynamic_cast<const DraggedRows*>(data))
+            _project.move(rowsOf(dragged->rows), to);
         return true;
     }
 
@@ -188,8 +188,7 @@ private:
     void burnEnded(const quarner::DiscBurnEnd& end) override {
         _progress->setFormat(text(end.text));
         if (end.outcome == quarner::DiscBurnEnd::Outcome::Failed)
-            for (const std::string& line : {end.text, end.info.path, end.info.message, end.advice})
-                tell(text(line));
+            tell(text(end.text + ' ' + end.info.path + ' ' + end.info.message + ' ' + end.advice));
     }
 
     void addFiles() {
@@ -216,8 +215,7 @@ private:
     void tell(const QString& line) {
         if (_messages->isHidden()) // the user has read the last ones, and closed them
             _lines->clear();
-        if (!line.isEmpty())
-            _lines->addItem(line);
+        _lines->addItem(line.simplified());
         _messages->show();
     }
     quarner::DiscDrive::Id chosenDrive() const { // 0, which is no drive's, if there is none
@@ -240,6 +238,7 @@ private:
         tools->setMovable(false);
         tools->addAction("Add Files…", QKeySequence::Open, this, [this] { addFiles(); });
         tools->addAction("Remove", QKeySequence::Delete, this, [this] { remove(); });
+        tools->addAction("Stop Adding", this, [this] { project.cancelAdding(); });
         connect(_drives, &QComboBox::currentIndexChanged, this, [this] { capacityChanged(); });
         connect(_burn, &QPushButton::clicked, this, [this] { burnOrCancel(); });
 
@@ -285,10 +284,12 @@ struct AtOnce : quarner::DiscProjectObserver {
         project.burn(project.driveNamed(drive).value_or(0));
     }
     void burnEnded(const quarner::DiscBurnEnd& end) override {
-        QApplication::exit(end.outcome == quarner::DiscBurnEnd::Outcome::Done ? 0 : 1);
+        isDone = end.outcome == quarner::DiscBurnEnd::Outcome::Done;
+        QApplication::quit();
     }
     quarner::DiscProject& project;
     const std::string drive;
+    bool isDone = false;
 };
 
 } // namespace
@@ -307,7 +308,7 @@ int main(int count, char** arguments) {
     }});
     const std::string image =
         quarner::addImageDrive({.path = QFile::encodeName(options.value("image")).toStdString()});
-    int status = 0;
+    bool isDone = true;
     {
         const auto window = std::make_shared<Window>();
         const auto atOnce = std::make_shared<AtOnce>(window->project, image);
@@ -320,8 +321,9 @@ int main(int count, char** arguments) {
         window->project.add(pathsOf(files));
         window->choose(image);
         window->show();
-        status = QApplication::exec();
+        QApplication::exec();
+        isDone = atOnce->isDone || !options.isSet("burn");
     }
     quarner::uninstallDesktopPlatform(); // ends what a closed window has cancelled
-    return status;
+    return isDone ? 0 : 1;
 }
