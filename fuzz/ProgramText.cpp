@@ -8,7 +8,7 @@
 #include "fuzz/Input.h"
 #include "fuzz/Target.h"
 #include "fuzz/Values.h"
-#include "tools/quarner/text/FileUri.h"
+#include "quarner/util/Paths.h"
 #include "tools/quarner/text/JsonLine.h"
 #include "tools/quarner/text/SafeText.h"
 
@@ -58,7 +58,7 @@ void checkUri(Input input) {
     const std::string path = '/' + input.rest();
     if (path.find('\0') != std::string::npos || path.find("..") != std::string::npos)
         return;
-    const std::string uri = cli::fileUri(path);
+    const std::string uri = Paths::fileUri(path);
     for (const char byte : uri)
         require(byte > 0x20 && byte < 0x7F, "a URI is printable ASCII");
     const std::unique_ptr<char, decltype(&g_free)> read(

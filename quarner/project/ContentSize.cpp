@@ -82,6 +82,25 @@ DiscProblem overflow(const ContentSize& content, const DiscDrive& drive) {
     return result;
 }
 
+std::string contentTextFor(const ContentSize& content) {
+    return isAudio(content) ? textForCount("{count} track and its pause",
+                                           "{count} tracks and their pauses", content.count)
+                            : textForCount("{count} file", "{count} files", content.count);
+}
+
+std::string verdictOn(const ContentSize& content, const DiscCapacity& capacity) {
+    if (capacity.used > capacity.total) {
+        const std::string excess = textFor(content, capacity.used - capacity.total);
+        return isAudio(content) ? text("{time} too long", {{"time", excess}})
+                                : text("{size} too much", {{"size", excess}});
+    }
+    if (hasTooManyTracks(content))
+        return textForCount("{count} track too many", "{count} tracks too many",
+                            content.count - mostTracks);
+    return capacity.fits ? text("{amount} left", {{"amount", capacity.freeText}})
+                         : text("less than a second too long");
+}
+
 } // namespace
 
 std::uint64_t ContentSize::imageBytes() const {
@@ -120,6 +139,11 @@ DiscCapacity capacityOf(const ContentSize& content, const std::optional<DiscDriv
     capacity.usedText = textFor(content, capacity.used);
     capacity.freeText = textFor(content, capacity.free);
     capacity.totalText = textFor(content, capacity.total);
+    capacity.fileBytesText =
+        MultiMedia::stringWithFilesize(static_cast<std::int64_t>(capacity.fileBytes));
+    capacity.contentText = contentTextFor(content);
+    if (capacity.isDiscKnown)
+        capacity.verdict = verdictOn(content, capacity);
     return capacity;
 }
 

@@ -19,9 +19,14 @@ struct DiscCapacity {
     std::string usedText;
     std::string freeText;
     std::string totalText;
+    std::string contentText; ///< "2 tracks and their pauses", "1 file"
+    /// What is left of a known disc, or what is too much for it: "01:13:13 left", "00:01:47 too
+    /// long", "2 tracks too many". Empty without a disc.
+    std::string verdict;
 
     std::size_t count = 0;       ///< tracks of an audio CD, files of a data CD
     std::uint64_t fileBytes = 0; ///< of the files, without the file system of a data CD
+    std::string fileBytesText;
     bool isDiscKnown = false;
     /// False if there is more than the disc takes, or more than 99 tracks. Also false for a data CD
     /// whose file system makes it too large. True if no disc is known.

@@ -3,11 +3,16 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
 
 #include "quarner/platform/Platform.h"
 
 namespace quarner {
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr std::uint32_t protectedMusicCode = 0x4D345020; // "M4P "
 constexpr std::uint32_t protectedBookCode = 0x4D344220;  // "M4B "
@@ -17,6 +22,24 @@ bool isInProtectedSet(const std::string& type) {
         "m4p", "m4b", Paths::typeStringForCode(protectedMusicCode),
         Paths::typeStringForCode(protectedBookCode)};
     return std::find(protectedSet.begin(), protectedSet.end(), type) != protectedSet.end();
+}
+
+/// Readers of a URI drop "folder/.." by its text alone, which is another place than that of the
+/// path if the folder is a symbolic link.
+fs::path withoutParentSteps(const fs::path& path) {
+    if (std::find(path.begin(), path.end(), "..") == path.end())
+        return path;
+    std::error_code error;
+    const fs::path folder = fs::weakly_canonical(path.parent_path(), error);
+    return error ? path : folder / path.filename();
+}
+
+/// Whether a byte stands for itself in the path of a URI (RFC 3986: pchar and the slash, without
+/// the semicolon, which some readers take for the start of parameters).
+bool isPlainInUri(char byte) {
+    constexpr std::string_view marks = "-._~!$&'()*+,=:@/";
+    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
+           (byte >= '0' && byte <= '9') || marks.find(byte) != std::string_view::npos;
 }
 
 } // namespace
@@ -46,6 +69,23 @@ std::string Paths::typeStringForCode(std::uint32_t code) {
     for (const int shift : {24, 16, 8, 0})
         text += static_cast<char>(code >> shift & 0xFFU);
     return text + '\'';
+}
+
+std::string Paths::fileUri(const std::string& path) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::error_code error;
+    const fs::path absolute = fs::absolute(path, error);
+    if (error)
+        return {};
+    std::string uri = "file://";
+    for (const char byte : withoutParentSteps(absolute).string()) {
+        const auto code = static_cast<unsigned char>(byte);
+        if (isPlainInUri(byte))
+            uri += byte;
+        else
+            uri.append(1, '%').append(1, digits[code >> 4U]).append(1, digits[code & 0xFU]);
+    }
+    return uri;
 }
 
 std::string Paths::lowercaseExtension(const std::string& path) {

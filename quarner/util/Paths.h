@@ -32,6 +32,11 @@ public:
     /// Returns the part after the last dot of the last component, in lower case; empty if there is
     /// none. Only ASCII letters are lowered.
     static std::string lowercaseExtension(const std::string& path);
+
+    /// Returns the `file:` URI (RFC 8089) of a path: ASCII, with every other byte percent-encoded,
+    /// so that a path that is not UTF-8 survives. A relative path is resolved against the current
+    /// working directory; returns an empty text if that does not exist any more.
+    static std::string fileUri(const std::string& path);
 };
 
 } // namespace quarner

@@ -3,14 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
-#include <memory>
 #include <optional>
 #include <string>
 
-#include "quarner/scripted.h"
 #include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
@@ -44,55 +41,34 @@ TEST(TimeLeft, IsToldInMinutesAndInHoursWhereThereAreSome) {
     EXPECT_EQ(timeLeftText(std::numeric_limits<std::uint64_t>::max()), "--:--");
 }
 
-/// A compilation that takes an amount of a disc.
-Compilation disc(std::uint64_t used, std::uint64_t total, DiscKind kind = DiscKind::Audio) {
+DiscCapacity disc(std::uint64_t used, std::uint64_t total, const std::string& verdict) {
     DiscCapacity capacity;
     capacity.isDiscKnown = true;
     capacity.used = used;
     capacity.total = total;
-    capacity.free = total - std::min(used, total);
-    capacity.usedText = amountText(kind, used);
-    capacity.totalText = amountText(kind, total);
-    capacity.freeText = amountText(kind, capacity.free);
-    capacity.fits = used <= total;
-    return {kind, std::make_shared<DiscItems>(), capacity};
+    capacity.usedText = "00:40:00";
+    capacity.totalText = "01:20:00";
+    capacity.verdict = verdict;
+    return capacity;
 }
 
 TEST(UsageLine, ShowsWhatIsUsedOfTheDisc) {
-    EXPECT_EQ(usageLine(disc(2400, 4800), 80, false),
+    EXPECT_EQ(usageLine(disc(2400, 4800, "00:40:00 left"), 80, false),
               "[###############---------------] 00:40:00 of 01:20:00, 00:40:00 left");
-    EXPECT_EQ(usageLine(disc(4800, 4800), 80, false),
-              "[##############################] 01:20:00 of 01:20:00, 00:00:00 left");
-    EXPECT_EQ(usageLine(disc(4810, 4800), 80, false),
-              "[##############################] 01:20:10 of 01:20:00, 00:00:10 too long");
-}
-
-TEST(UsageLine, SaysWhatDoesNotFitThoughTheSecondsAreEqual) {
-    Compilation compilation = disc(4800, 4800);
-    compilation.capacity.fits = false;
-    EXPECT_EQ(usageLine(compilation, 80, false),
-              "[############################] 01:20:00 of 01:20:00, less than a second too long");
-    compilation.capacity.count = 101;
-    EXPECT_EQ(usageLine(compilation, 80, false),
-              "[##############################] 01:20:00 of 01:20:00, 2 tracks too many");
-}
-
-TEST(UsageLine, OfADataDiscCountsBytes) {
-    const ScriptedPlatform platform;
-    EXPECT_EQ(usageLine(disc(1048576, 4194304, DiscKind::Data), 80, false),
-              "[#######-----------------------] 1 MB of 4 MB, 3 MB left");
-    EXPECT_EQ(usageLine(disc(5242880, 4194304, DiscKind::Data), 80, false),
-              "[##############################] 5 MB of 4 MB, 1 MB too much");
+    EXPECT_EQ(usageLine(disc(4810, 4800, "00:00:10 too long"), 80, false),
+              "[##############################] 00:40:00 of 01:20:00, 00:00:10 too long");
+    EXPECT_EQ(usageLine(disc(2400, 0, "00:40:00 too long"), 80, false),
+              "[##############################] 00:40:00 of 01:20:00, 00:40:00 too long");
 }
 
 TEST(UsageLine, LeavesTheBarOutWhereThereIsNoRoom) {
-    EXPECT_EQ(usageLine(disc(2400, 4800), 40, false), "00:40:00 of 01:20:00, 00:40:00 left");
-    EXPECT_EQ(displayWidth(usageLine(disc(2400, 4800), 20, false)), 20U);
+    const DiscCapacity capacity = disc(2400, 4800, "00:40:00 left");
+    EXPECT_EQ(usageLine(capacity, 40, false), "00:40:00 of 01:20:00, 00:40:00 left");
+    EXPECT_EQ(displayWidth(usageLine(capacity, 20, false)), 20U);
 }
 
 TEST(UsageLine, SaysThatThereIsNoDisc) {
-    EXPECT_EQ(usageLine({DiscKind::Audio, std::make_shared<DiscItems>(), {}}, 80, false),
-              "There is no disc in the drive.");
+    EXPECT_EQ(usageLine({}, 80, false), "There is no disc in the drive.");
 }
 
 std::string lineFor(const std::string& text, double fraction, std::optional<std::uint64_t> left,

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -79,12 +80,13 @@ protected:
     /// Changes the disc, once, in the moment in which the drive is asked for it after the answer.
     void changeAfterAnswer(std::function<void(DriveScript&)> change) {
         type("y\n");
-        host.platform.onCall(ServiceCall::DriveStatus, [=, this, calls = 0](const auto&) mutable {
-            if (questions() == 1 && ++calls == 1) {
-                writer->change(change);
-                type("n\n");
-            }
-        });
+        host.platform.onCall(ServiceCall::DriveStatus,
+                             [=, this, isDone = std::make_shared<bool>(false)](const auto&) {
+                                 if (questions() == 1 && !std::exchange(*isDone, true)) {
+                                     writer->change(change);
+                                     type("n\n");
+                                 }
+                             });
     }
 
     /// Presses Ctrl-C, once, when a condition holds.

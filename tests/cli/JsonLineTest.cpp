@@ -24,8 +24,8 @@ TEST(JsonLine, EveryKindOfValueHasItsForm) {
 
 TEST(JsonLine, NumbersKeepTheirRange) {
     EXPECT_EQ(jsonLine("e", {{"code", std::int64_t(-2147287003)},
-                             {"left", std::numeric_limits<std::uint64_t>::max()}}),
-              R"({"event":"e","code":-2147287003,"left":18446744073709551615})");
+                             {"left", std::numeric_limits<std::int64_t>::max()}}),
+              R"({"event":"e","code":-2147287003,"left":9223372036854775807})");
     EXPECT_EQ(jsonLine("e", {{"fraction", std::nan("")}}), R"({"event":"e","fraction":null})");
 }
 

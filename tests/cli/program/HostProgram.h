@@ -41,6 +41,9 @@ public:
     /// minute, or the program has closed its output.
     bool waitForOutput(const std::string& text);
 
+    /// What has been read so far.
+    const std::string& output() const { return _end.out; }
+
     /// Types on its terminal.
     void type(const std::string& text) const;
     void signal(int number) const;

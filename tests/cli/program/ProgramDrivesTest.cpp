@@ -64,7 +64,7 @@ protected:
         const auto recorder = machine.plug({});
         HostProgram program({"audio", "--title", "Summer mix", "a.mp3"}, settings);
         program.type(typedAhead);
-        ASSERT_TRUE(program.waitForOutput("Burn this disc?"));
+        ASSERT_TRUE(program.waitForOutput("Burn this disc?")) << program.output();
         program.type("no\n");
         const HostEnd end = program.wait();
         EXPECT_EQ(end.status, 130);

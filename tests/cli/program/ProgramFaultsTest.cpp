@@ -160,7 +160,7 @@ private:
         SCOPED_TRACE(fault.text());
         restoreOldImage();
         const HostEnd end = burnUnder(fault.text() + ' ' + path);
-        EXPECT_EQ(end.out.find("Burnt and verified") != std::string::npos, end.status == 0);
+        EXPECT_EQ(end.out.find("burnt and verified") != std::string::npos, end.status == 0);
         if (end.status == 0)
             EXPECT_TRUE(sourcesOnDisc() == _new) << "the new image is whole";
         else

@@ -182,7 +182,7 @@ TEST_F(ProgramOutput, ATerminalShowsAddingTracksUsageAndOneProgressBar) {
     EXPECT_THAT(seen, Contains(HasSubstr("] 00:00:12 of 01:19:57, 01:19:45 left")));
     EXPECT_THAT(seen, Contains(StartsWith("Writing [")));
     EXPECT_THAT(seen, Contains(StartsWith("Verifying [██████████████████████████████] 100%")));
-    EXPECT_EQ(seen.back(), "Burnt and verified: 1 track, 00:00:12, on mix.cue");
+    EXPECT_EQ(seen.back(), "The disc is burnt and verified.");
 }
 
 TEST_F(ProgramOutput, ATerminalsWidthIsRespected) {

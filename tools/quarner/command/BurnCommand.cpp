@@ -92,6 +92,8 @@ BurnCommand::Outcome BurnCommand::perform() {
         return refusal();
     auto answer = BurnQuestion::Answer::OtherDisc;
     for (bool isFirst = true; answer == BurnQuestion::Answer::OtherDisc; isFirst = false) {
+        if (isAsked()) // about the disc as it is now
+            examineDisc(_project, _drive, [this](const auto& isOver) { runUntil(isOver); });
         if (const auto problem = firstProblem())
             return {statusFor(problem->code), explained(problem->text, "", problem->advice)};
         if (_options.dryRun)
@@ -133,8 +135,8 @@ Compilation BurnCommand::compilation() const {
 BurnCommand::Outcome BurnCommand::refusal() const {
     if (_project.items()->empty())
         return {ExitStatus::Refused, "nothing is left to burn"};
-    return {ExitStatus::Refused, counted(_reports->refusedCount, "file") +
-                                     " refused, so nothing was burnt; --keep-going burns the rest"};
+    return {ExitStatus::Refused, "files were refused, so nothing was burnt; --keep-going burns the "
+                                 "rest"};
 }
 
 // --- The drive and its disc ---
@@ -190,7 +192,7 @@ BurnCommand::Outcome BurnCommand::burn() {
     case DiscBurnEnd::Outcome::Done:
         if (_options.eject)
             ejectDisc();
-        return success();
+        return {ExitStatus::Success, end.text};
     case DiscBurnEnd::Outcome::Canceled:
         return cancellation();
     case DiscBurnEnd::Outcome::Failed:
@@ -207,15 +209,6 @@ void BurnCommand::ejectDisc() {
     runUntil([&] { return problem->has_value(); });
     if (!problem->value_or("").empty())
         _host.console.error("quarner: " + safeText(**problem));
-}
-
-BurnCommand::Outcome BurnCommand::success() const {
-    const Compilation compiled = compilation();
-    return {
-        ExitStatus::Success,
-        "Burnt and verified: " + counted(compiled.items->size(), traitsOf(_options.kind).oneItem) +
-            ", " + compiled.capacity.usedText + ", on " +
-            safeText(_options.target.image.value_or(_driveName))};
 }
 
 BurnCommand::Outcome BurnCommand::cancellation() const {

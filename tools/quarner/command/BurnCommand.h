@@ -58,7 +58,6 @@ private:
     Outcome refusal() const;
     Outcome cancellation() const;
     const char* leftByCancellation() const;
-    Outcome success() const;
 
     Host& _host;
     const BurnOptions _options;

@@ -1,17 +1,41 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "tools/quarner/command/BurnQuestion.h"
 
-#include <glib.h>
+#include <glib-unix.h>
 #include <termios.h>
+#include <unistd.h>
 
 #include <memory>
 #include <optional>
 #include <utility>
 
-#include "tools/quarner/host/LineReader.h"
 #include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
+namespace {
+
+/// Becomes readable, or comes to its end, while the main loop runs.
+class Readable {
+public:
+    explicit Readable(int descriptor) {
+        const auto note = [](gint, GIOCondition, gpointer self) -> gboolean {
+            static_cast<Readable*>(self)->isReadable = true;
+            return G_SOURCE_CONTINUE;
+        };
+        const auto anything = static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR);
+        _source = g_unix_fd_add(descriptor, anything, note, this);
+    }
+    ~Readable() { g_source_remove(_source); }
+    Readable(const Readable&) = delete;
+    Readable& operator=(const Readable&) = delete;
+
+    bool isReadable = false;
+
+private:
+    guint _source = 0;
+};
+
+} // namespace
 
 BurnQuestion::BurnQuestion(DiscProject& project, DiscDrive::Id drive, Terminal terminal,
                            std::string title)
@@ -24,26 +48,20 @@ BurnQuestion::Answer BurnQuestion::ask(const Wait& wait) {
         _terminal.show(line);
     if (!isYesTyped(wait))
         return Answer::No;
-    examineDisc(wait);
+    examineDisc(_project, _drive, wait);
     return asked == _project.drive(_drive) ? Answer::Yes : Answer::OtherDisc;
 }
 
+/// A terminal becomes readable when a line is complete. What was typed after it is left.
 bool BurnQuestion::isYesTyped(const Wait& wait) const {
-    bool isTyped = false;
-    std::optional<std::string> answer;
-    const LineReader reader(_terminal.keyboard, [&](std::optional<std::string> line) {
-        isTyped = true;
-        answer = std::move(line);
-    });
-    wait([&] { return isTyped; });
-    return answer && isYes(*answer);
-}
-
-/// Not every drive reports that its disc was changed.
-void BurnQuestion::examineDisc(const Wait& wait) const {
-    const auto isDone = std::make_shared<bool>(false); // the answer may come after the wait
-    _project.examine(_drive, [isDone] { *isDone = true; });
-    wait([&] { return *isDone; });
+    const Readable keyboard(_terminal.keyboard);
+    wait([&] { return keyboard.isReadable; });
+    std::string line;
+    char letter = 0;
+    while (keyboard.isReadable && TEMP_FAILURE_RETRY(read(_terminal.keyboard, &letter, 1)) == 1 &&
+           letter != '\n')
+        line += letter;
+    return letter == '\n' && isYes(line);
 }
 
 std::vector<std::string> BurnQuestion::text(const DiscDrive& drive) const {
@@ -54,6 +72,12 @@ std::vector<std::string> BurnQuestion::text(const DiscDrive& drive) const {
     lines.push_back("Title:   " + safeText(_title));
     lines.emplace_back("Burn this disc? Type y to burn it, anything else to cancel.");
     return lines;
+}
+
+void examineDisc(DiscProject& project, DiscDrive::Id drive, const BurnQuestion::Wait& wait) {
+    const auto isDone = std::make_shared<bool>(false); // the answer may come after the wait
+    project.examine(drive, [isDone] { *isDone = true; });
+    wait([&] { return *isDone; });
 }
 
 bool isYes(const std::string& answer) {

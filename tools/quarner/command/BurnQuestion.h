@@ -31,13 +31,16 @@ public:
 private:
     std::vector<std::string> text(const DiscDrive& drive) const;
     bool isYesTyped(const Wait& wait) const;
-    void examineDisc(const Wait& wait) const;
 
     DiscProject& _project;
     const DiscDrive::Id _drive;
     const Terminal _terminal;
     const std::string _title;
 };
+
+/// Waits for what the drive says of its disc now. Not every drive reports that its disc was
+/// changed.
+void examineDisc(DiscProject& project, DiscDrive::Id drive, const BurnQuestion::Wait& wait);
 
 /// Whether an answer is yes; whatever else is typed means no.
 bool isYes(const std::string& answer);

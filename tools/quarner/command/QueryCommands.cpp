@@ -9,6 +9,7 @@
 #include "quarner/device/QuarnerDevice.h"
 #include "quarner/platform/Platform.h"
 #include "quarner/project/DiscDrive.h"
+#include "quarner/util/MultiMedia.h"
 #include "tools/quarner/command/DriveChoice.h"
 #include "tools/quarner/text/JsonLine.h"
 #include "tools/quarner/text/SafeText.h"
@@ -81,7 +82,8 @@ std::vector<std::string> discLines(const DiscDrive& drive) {
     if (!drive.hasDisc)
         return lines;
     const auto amounts = [](std::uint64_t seconds, std::uint64_t bytes) {
-        return amountText(DiscKind::Audio, seconds) + ", " + amountText(DiscKind::Data, bytes);
+        return MultiMedia::stringWithDuration(static_cast<std::int64_t>(seconds), false) + ", " +
+               MultiMedia::stringWithFilesize(static_cast<std::int64_t>(bytes));
     };
     lines.push_back("Used:    " + amounts(drive.usedSeconds, drive.usedBytes));
     lines.push_back("Free:    " + amounts(drive.freeSeconds, drive.freeBytes));

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdio>
 
-#include "quarner/platform/DiscFormat.h"
 #include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
@@ -16,16 +15,6 @@ constexpr std::size_t widestBar = 32;
 constexpr std::size_t narrowestBar = 8;
 
 double keptWithinOne(double fraction) { return fraction > 0 ? std::min(fraction, 1.0) : 0.0; }
-
-std::string verdictOn(const Compilation& compilation) {
-    const DiscCapacity& capacity = compilation.capacity;
-    const std::string excess = traitsOf(compilation.kind).excess;
-    if (capacity.used > capacity.total)
-        return amountText(compilation.kind, capacity.used - capacity.total) + excess;
-    if (compilation.kind == DiscKind::Audio && capacity.count > mostTracks)
-        return counted(capacity.count - mostTracks, "track") + " too many";
-    return capacity.fits ? capacity.freeText + " left" : "less than a second" + excess;
-}
 
 std::string percentText(double fraction) {
     return std::to_string(static_cast<int>(std::floor(keptWithinOne(fraction) * 100))) + "%";
@@ -64,12 +53,11 @@ std::string timeLeftText(std::uint64_t seconds) {
     return text;
 }
 
-std::string usageLine(const Compilation& compilation, std::size_t columns, bool isUtf8) {
-    const DiscCapacity& capacity = compilation.capacity;
+std::string usageLine(const DiscCapacity& capacity, std::size_t columns, bool isUtf8) {
     if (!capacity.isDiscKnown)
         return "There is no disc in the drive.";
     const std::string figures = capacity.usedText + " of " + capacity.totalText;
-    const std::string verdict = ", " + verdictOn(compilation);
+    const std::string verdict = ", " + capacity.verdict;
     const std::size_t text = figures.size() + verdict.size() + 1;
     if (text + narrowestBar > columns)
         return shortened(figures + verdict, columns);

@@ -17,7 +17,7 @@ std::string bar(double fraction, std::size_t columns, bool isUtf8);
 std::string timeLeftText(std::uint64_t seconds);
 
 /// The bar of used against free capacity, and the figures.
-std::string usageLine(const Compilation& compilation, std::size_t columns, bool isUtf8);
+std::string usageLine(const DiscCapacity& capacity, std::size_t columns, bool isUtf8);
 
 /// The one line of a burn's progress: what is being done, how much of the whole burn is done, and
 /// the time left, if it is known. On a narrow screen the bar goes first, then the time.

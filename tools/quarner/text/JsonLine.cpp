@@ -10,10 +10,6 @@ using Json = nlohmann::ordered_json;
 
 Json jsonOf(const Value& value);
 
-Json jsonOf(bool truth) { return truth; }
-
-Json jsonOf(std::uint64_t number) { return number; }
-
 Json jsonOf(const Dictionary& dictionary) {
     Json object = Json::object();
     for (const auto& [key, value] : dictionary)
@@ -53,7 +49,7 @@ Json jsonOf(const Value& value) {
 std::string jsonLine(std::string_view event, const JsonArguments& arguments) {
     Json line = {{"event", event}};
     for (const auto& [key, argument] : arguments)
-        line[key] = std::visit([](const auto& value) { return Json(jsonOf(value)); }, argument);
+        line[key] = jsonOf(argument);
     return line.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
-#include <variant>
 #include <vector>
 
 #include "quarner/platform/Value.h"
@@ -13,7 +11,7 @@
 namespace quarner::cli {
 
 /// The arguments of an event by their keys, in order.
-using JsonArguments = std::vector<std::pair<std::string, std::variant<bool, std::uint64_t, Value>>>;
+using JsonArguments = std::vector<std::pair<std::string, Value>>;
 
 /// A JSON object on one line: the event's name under "event", then the arguments. An icon becomes
 /// the list of its names, a number that is none becomes null, bytes that are not UTF-8 become

@@ -24,13 +24,10 @@ std::string row(std::string_view number, std::string_view name, std::string_view
 }
 
 std::string sumRow(const Compilation& compilation, std::size_t columns) {
-    const DiscTraits& disc = traitsOf(compilation.kind);
-    const std::size_t count = compilation.items->size();
-    const std::string name =
-        counted(count, disc.oneItem) + (count == 1 ? disc.onePause : disc.manyPauses);
+    const DiscCapacity& capacity = compilation.capacity;
     const bool countsTime = compilation.kind == DiscKind::Audio;
-    return row("", name, countsTime ? compilation.capacity.usedText : "",
-               amountText(DiscKind::Data, compilation.capacity.fileBytes), columns);
+    return row("", capacity.contentText, countsTime ? capacity.usedText : "",
+               capacity.fileBytesText, columns);
 }
 
 } // namespace

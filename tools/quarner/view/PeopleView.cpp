@@ -30,7 +30,7 @@ void PeopleView::compilationIsComplete(const Compilation& compilation) {
     const std::size_t columns = console().screen().columns();
     for (const std::string& line : trackList(compilation, columns))
         console().line(line);
-    console().line(usageLine(compilation, columns, console().screen().isUtf8));
+    console().line(usageLine(compilation.capacity, columns, console().screen().isUtf8));
 }
 
 void PeopleView::waitsFor(const DiscProblem& problem) {

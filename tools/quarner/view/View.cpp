@@ -7,8 +7,8 @@
 
 namespace quarner::cli {
 
-void View::fileRefused(const std::string& /*path*/, RefusalReason /*reason*/,
-                       const std::string& text) {
+void View::fileRefused(const std::string& path, RefusalReason reason, const std::string& text) {
+    DiscProjectRecords::fileRefused(path, reason, text);
     _console.error("quarner: " + safeText(text));
 }
 

@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
-#include "quarner/front/QuarnDelegate.h"
 #include "quarner/project/DiscProject.h"
+#include "quarner/project/DiscProjectRecords.h"
 #include "tools/quarner/host/Console.h"
 #include "tools/quarner/host/ExitStatus.h"
 #include "tools/quarner/text/TrackTable.h"
@@ -14,11 +14,12 @@ namespace quarner::cli {
 
 /// Shows what `quarner audio` or `quarner data` does: what the project and its burner report, and
 /// the operations below. All on the main loop.
-class View : public QuarnDelegate, public DiscProjectObserver {
+class View : public DiscProjectRecords {
 public:
     /// The console must outlive the view.
     explicit View(Console& console) : _console(console) {}
 
+    void record(const std::string& /*event*/, const Arguments& /*arguments*/) override {}
     void fileRefused(const std::string& path, RefusalReason reason,
                      const std::string& text) override;
 
