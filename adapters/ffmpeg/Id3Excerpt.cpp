@@ -130,7 +130,8 @@ Bytes front(WindowedFile& file) {
         return {};
     Bytes frames;
     if (version < 4 && (flags & unsynchronised) != 0) { // its frames cannot be told apart in place
-        const auto start = file.view(headerSize, std::min(end - headerSize, mostUnsynchronised));
+        const auto size = std::min(end - headerSize, mostUnsynchronised);
+        const auto start = file.view(headerSize, static_cast<std::size_t>(size));
         frames.assign(start.begin(), start.end());
         return tagWith(version, flags, frames);
     }
