@@ -8,9 +8,10 @@
 #include "fuzz/Input.h"
 #include "fuzz/Target.h"
 #include "fuzz/Values.h"
+#include "quarner/display.h"
 #include "quarner/util/Paths.h"
+#include "tools/quarner/text/Columns.h"
 #include "tools/quarner/text/JsonLine.h"
-#include "tools/quarner/text/SafeText.h"
 
 namespace quarner::fuzz {
 namespace {
@@ -29,10 +30,10 @@ bool hasControl(const std::string& text) {
 
 void checkText(Input input) {
     const std::size_t columns = input.byte();
-    const std::string safe = cli::safeText(input.rest());
+    const std::string safe = safeText(input.rest());
     require(isValid(safe) && !hasControl(safe) && safe.find('\x7F') == std::string::npos,
             "a safe text is printable UTF-8");
-    require(cli::safeText(safe) == safe, "a safe text is safe");
+    require(safeText(safe) == safe, "a safe text is safe");
     require(cli::displayWidth(cli::shortened(safe, columns)) <= columns, "a shortened text fits");
     require(cli::displayWidth(cli::leftAligned(safe, columns)) == columns &&
                 cli::displayWidth(cli::rightAligned(safe, columns)) == columns,

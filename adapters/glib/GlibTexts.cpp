@@ -9,6 +9,7 @@
 #include "adapters/glib/GlibPointers.h"
 #include "adapters/glib/GlibServices.h"
 #include "adapters/glib/UserLocale.h"
+#include "quarner/display.h"
 
 namespace quarner {
 namespace {
@@ -69,6 +70,8 @@ public:
         // The translation of an empty key is the header of the catalogue.
         return key.empty() ? key : dgettext(nullptr, key.c_str());
     }
+
+    std::string displayText(const std::string& text) override { return safeText(text); }
 
     std::string libraryText(const std::string& message) override {
         return message.empty() ? message : dgettext(libraryDomain, message.c_str());

@@ -5,6 +5,8 @@ namespace quarner {
 
 TextService::~TextService() = default;
 
+std::string TextService::displayText(const std::string& text) { return text; }
+
 std::string TextService::libraryText(const std::string& message) { return message; }
 
 std::string TextService::libraryTextForCount(const std::string& one, const std::string& many,

@@ -29,6 +29,10 @@ public:
     /// itself if there is none.
     virtual std::string localizedString(const std::string& key) = 0;
 
+    /// Returns a text from outside, such as a path, made safe to show: valid UTF-8 on one line. The
+    /// default returns the text itself.
+    virtual std::string displayText(const std::string& text);
+
     /// Returns one of this library's own messages, an English sentence, in the user's language. The
     /// default returns the message itself.
     virtual std::string libraryText(const std::string& message);

@@ -111,6 +111,17 @@ DiscProblem problemForCode(std::int64_t code) {
     return {error, textForBurnError(error), adviceForBurnError(error, 0)};
 }
 
+std::string textForTimeLeft(std::uint64_t seconds) {
+    const auto twoDigits = [](std::uint64_t number) {
+        return (number < 10 ? "0" : "") + std::to_string(number);
+    };
+    const std::uint64_t hours = seconds / 3600;
+    const std::uint64_t minutes = seconds / 60 % 60;
+    const std::string rest = ":" + twoDigits(seconds % 60);
+    return hours == 0 ? std::to_string(minutes) + rest
+                      : std::to_string(hours) + ":" + twoDigits(minutes) + rest;
+}
+
 std::string textForBurnStep(const DiscBurnProgress& progress) {
     switch (progress.phase) {
     case DiscBurnProgress::Phase::Preparing:

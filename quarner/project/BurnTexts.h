@@ -16,6 +16,9 @@ std::string textForBurnError(DRError code);
 /// the size that an image of the disc would have; 0 if that is unknown.
 std::string adviceForBurnError(DRError code, std::uint64_t imageBytes);
 
+/// A time as "0:07", "1:02:03".
+std::string textForTimeLeft(std::uint64_t seconds);
+
 /// What a burn does: "Writing track 2 of 9".
 std::string textForBurnStep(const DiscBurnProgress& progress);
 

@@ -21,7 +21,8 @@ struct DiscBurnProgress {
     std::optional<std::uint64_t> phaseSecondsLeft; ///< in the phase, if that can be estimated
     double fraction = 0; ///< of the whole burn, verification included; never falls
     std::optional<std::uint64_t> secondsLeft; ///< of the whole burn; never rises once it is known
-    std::string text;                         ///< "Writing track 2 of 9"
+    std::string timeLeftText; ///< `secondsLeft` as "1:07"; empty while it is not known
+    std::string text;         ///< "Writing track 2 of 9"
 };
 
 /// How a burn ended.

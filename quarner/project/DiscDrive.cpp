@@ -71,8 +71,8 @@ std::string reasonToKeep(const DiscDrive& drive) {
     if (!drive.problem.empty())
         return textForUnusableDrive(drive);
     if (!drive.hasDisc && !drive.isLoading)
-        return text("There is no disc in the drive “{drive}”.", {{"drive", drive.name}});
-    return text("The drive “{drive}” did not eject its disc. A program may be using it.",
+        return text("There is no disc in the drive \"{drive}\".", {{"drive", drive.name}});
+    return text("The drive \"{drive}\" did not eject its disc. A program may be using it.",
                 {{"drive", drive.name}});
 }
 
@@ -86,7 +86,7 @@ std::string ejectDisc(const std::shared_ptr<DRDevice>& drive) {
 }
 
 std::string textForUnusableDrive(const DiscDrive& drive) {
-    return text("The drive “{drive}” cannot be used: {problem}.",
+    return text("The drive \"{drive}\" cannot be used: {problem}.",
                 {{"drive", drive.name}, {"problem", drive.problem}});
 }
 

@@ -237,6 +237,7 @@ void ProjectCore::reportProgress() {
     _progress.phaseSecondsLeft.reset();
     _overall.update(_progress, OverallProgress::Clock::now());
     _progress.text = textForBurnStep(_progress);
+    _progress.timeLeftText = _progress.secondsLeft ? textForTimeLeft(*_progress.secondsLeft) : "";
     tell(
         [progress = _progress](DiscProjectObserver& observer) { observer.burnProgress(progress); });
 }

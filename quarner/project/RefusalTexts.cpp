@@ -11,27 +11,28 @@ const char* messageFor(const FileRefusal& refusal) {
     const bool hasDetail = !refusal.detail.empty();
     switch (refusal.reason) {
     case RefusalReason::Missing:
-        return "“{file}” does not exist. Check its name, or whether its disk is connected.";
+        return "\"{file}\" does not exist. Check its name, or whether its disk is connected.";
     case RefusalReason::Unreadable:
-        return hasDetail ? "“{file}” cannot be read ({detail}). Check its permissions and its disk."
-                         : "“{file}” cannot be read. Check its permissions and its disk.";
+        return hasDetail
+                   ? "\"{file}\" cannot be read ({detail}). Check its permissions and its disk."
+                   : "\"{file}\" cannot be read. Check its permissions and its disk.";
     case RefusalReason::NotAFile:
-        return "“{file}” is not a file. Add the files in it instead.";
+        return "\"{file}\" is not a file. Add the files in it instead.";
     case RefusalReason::UnsupportedType:
-        return "“{file}” is of a type that cannot be added. Convert it to MP3 or M4A.";
+        return "\"{file}\" is of a type that cannot be added. Convert it to MP3 or M4A.";
     case RefusalReason::Protected:
-        return "“{file}” is copy-protected. Add it to a data CD, or get it without protection.";
+        return "\"{file}\" is copy-protected. Add it to a data CD, or get it without protection.";
     case RefusalReason::NoSound:
-        return "“{file}” holds no sound that can be played. Leave it out, or replace it.";
+        return "\"{file}\" holds no sound that can be played. Leave it out, or replace it.";
     case RefusalReason::TooShort:
-        return "“{file}” is shorter than a second. Leave it out.";
+        return "\"{file}\" is shorter than a second. Leave it out.";
     case RefusalReason::Damaged:
-        return hasDetail ? "“{file}” is damaged ({detail}). Leave it out, or replace it."
-                         : "“{file}” is damaged. Leave it out, or replace it.";
+        return hasDetail ? "\"{file}\" is damaged ({detail}). Leave it out, or replace it."
+                         : "\"{file}\" is damaged. Leave it out, or replace it.";
     case RefusalReason::AlreadyInList:
-        return "“{file}” is already in the list.";
+        return "\"{file}\" is already in the list.";
     }
-    return "“{file}” could not be added.";
+    return "\"{file}\" could not be added.";
 }
 
 } // namespace

@@ -22,7 +22,7 @@ std::string withValues(const std::string& message, TextValues values) {
             result += message[place++];
             continue;
         }
-        result += value->second;
+        result += currentPlatform()->text->displayText(value->second);
         place += value->first.size() + 2;
     }
     return result;

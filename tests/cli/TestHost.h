@@ -52,7 +52,7 @@ public:
             return static_cast<int>(showMessage(console, *message));
         Host host{console,
                   loop,
-                  [this](const ImageRequest& request) { return addImageDrive(request); },
+                  [this](const ImageDriveOptions& request) { return addImageDrive(request); },
                   [this](std::function<void()> handler) { _interruption = std::move(handler); },
                   [this] { ++platformEndings; },
                   [this] { return receivesDriveEvents; },
@@ -82,7 +82,7 @@ public:
     /// Called with each turn of the main loop.
     std::function<void()> atEachTurn;
     /// What the commands asked for.
-    std::vector<ImageRequest> images;
+    std::vector<ImageDriveOptions> images;
     int platformEndings = 0;
     /// What the host reports about the machine, where the commands read what is typed, and whether
     /// a question is seen there.
@@ -98,7 +98,7 @@ public:
     Console console;
 
 private:
-    std::string addImageDrive(const ImageRequest& request) {
+    std::string addImageDrive(const ImageDriveOptions& request) {
         images.push_back(request);
         DiscScript disc;
         if (request.minutes == 74)

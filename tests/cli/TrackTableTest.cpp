@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tools/quarner/text/SafeText.h"
+#include "tools/quarner/text/Columns.h"
 
 namespace quarner::cli {
 namespace {

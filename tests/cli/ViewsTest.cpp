@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <optional>
 #include <sstream>
 #include <string>
 
@@ -20,11 +18,11 @@ protected:
 };
 
 DiscBurnProgress progress(const std::string& text, double fraction,
-                          std::optional<std::uint64_t> secondsLeft = std::nullopt) {
+                          const std::string& timeLeft = {}) {
     DiscBurnProgress progress;
     progress.text = text;
     progress.fraction = fraction;
-    progress.secondsLeft = secondsLeft;
+    progress.timeLeftText = timeLeft;
     return progress;
 }
 
@@ -32,9 +30,9 @@ TEST_F(PlainViewTest, TellsEachStepOnceAndEachTenthOfTheBurnOnce) {
     view.burnProgress(progress("Preparing", 0));
     view.burnProgress(progress("Preparing", 0));
     for (const double fraction : {0.05, 0.11, 0.15, 0.19, 0.31})
-        view.burnProgress(progress("Writing", fraction, 7));
+        view.burnProgress(progress("Writing", fraction, "0:07"));
     view.burnProgress(progress("Verifying", 0.31));
-    view.burnProgress(progress("Verifying", 1.0, 0));
+    view.burnProgress(progress("Verifying", 1.0, "0:00"));
     EXPECT_EQ(out.str(), "Preparing\n"
                          "Writing\n"
                          "Writing: 10%, 0:07 left\n"
@@ -54,7 +52,7 @@ TEST(TerminalView, ShowsOneBarOfTheWholeBurn) {
     std::ostringstream err;
     Console console(out, err, {true, false, [] { return std::size_t{80}; }});
     TerminalView view(console);
-    view.burnProgress(progress("Verifying", 0.68, 90));
+    view.burnProgress(progress("Verifying", 0.68, "1:30"));
     EXPECT_EQ(out.str(), "\rVerifying [####################----------]  68%   1:30 left\x1b[K");
 }
 

@@ -62,13 +62,13 @@ TEST(ProjectTexts, ARefusalNamesTheFileAndSaysWhatToDo) {
     for (int i = 0; i <= static_cast<int>(RefusalReason::AlreadyInList); ++i) {
         const std::string text =
             textForRefusal({"/music/one.mp3", static_cast<RefusalReason>(i), "why"});
-        EXPECT_THAT(text, HasSubstr("“/music/one.mp3” ")) << i;
+        EXPECT_THAT(text, HasSubstr("\"/music/one.mp3\" ")) << i;
         EXPECT_THAT(text, EndsWith(".")) << i;
     }
     EXPECT_EQ(textForRefusal({"a.mp3", RefusalReason::Unreadable, "Permission denied"}),
-              "“a.mp3” cannot be read (Permission denied). Check its permissions and its disk.");
+              "\"a.mp3\" cannot be read (Permission denied). Check its permissions and its disk.");
     EXPECT_EQ(textForRefusal({"a.mp3", RefusalReason::Damaged, ""}),
-              "“a.mp3” is damaged. Leave it out, or replace it.");
+              "\"a.mp3\" is damaged. Leave it out, or replace it.");
 }
 
 TEST(ProjectTexts, AStepNamesItsTrackOnlyWhereThereAreSeveral) {

@@ -48,16 +48,13 @@ void takeLocaleFromEnvironment() {
     bind_textdomain_codeset("quarner", "UTF-8");
 }
 
-std::string addDesktopImageDrive(const ImageRequest& request) {
-    if (request.disc == ImageRequest::Disc::Blank)
-        if (const auto problem = findImageProblem(request.path)) {
+std::string addDesktopImageDrive(const ImageDriveOptions& options) {
+    if (!options.loadExisting)
+        if (const auto problem = findImageProblem(options.path)) {
             const DiscProblem meaning = problemForCode(problem->code);
             throw UsageProblem(explained(meaning.text, problem->info, meaning.advice));
         }
-    std::string name =
-        addImageDrive({.path = request.path,
-                       .minutes = request.minutes,
-                       .loadExisting = request.disc == ImageRequest::Disc::ExistingOrBlank});
+    std::string name = addImageDrive(options);
     if (name.empty())
         throw UsageProblem("the image cannot be used");
     return name;

@@ -217,11 +217,11 @@ TEST_P(ProgramFaults, ThatOnlyInterruptACallDoNotChangeWhyASourceIsRefused) {
 
 TEST_P(ProgramFaults, WhileASourceIsAddedAreTheReasonForItsRefusal) {
     EXPECT_THAT(endUnder("pread 1 EIO always songs/one.mp3", {"songs/one.mp3"}).err,
-                HasSubstr("“songs/one.mp3” cannot be read (Input/output error)."));
+                HasSubstr("\"songs/one.mp3\" cannot be read (Input/output error)."));
     EXPECT_THAT(endUnder("pread 2 EIO once songs/two.m4a", {"songs/two.m4a"}).err,
-                HasSubstr("“songs/two.m4a” cannot be read (Input/output error)."));
+                HasSubstr("\"songs/two.m4a\" cannot be read (Input/output error)."));
     EXPECT_THAT(endUnder("pread 1 zero once songs/one.mp3", {"songs/one.mp3"}).err,
-                HasSubstr("“songs/one.mp3” cannot be read (unexpected end of the file)."));
+                HasSubstr("\"songs/one.mp3\" cannot be read (unexpected end of the file)."));
 }
 
 TEST_P(ProgramFaults, WhileASourceIsBurntAreToldWithTheSource) {

@@ -3,7 +3,7 @@
 #include <set>
 
 #include "tests/cli/program/HostFixture.h"
-#include "tools/quarner/text/SafeText.h"
+#include "tools/quarner/text/Columns.h"
 
 namespace quarner::testing {
 namespace {

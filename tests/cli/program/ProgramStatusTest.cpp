@@ -92,7 +92,7 @@ TEST_F(ProgramStatus, Is3WhereFilesAreRefusedOfWhichEachIsNamed) {
     EXPECT_EQ(lines(end.err).size(), 7U) << end.err; // one for each file, and the sum
     for (const std::string name :
          {"none.mp3", "damaged.mp3", "protected.m4p", "other.wav", "short.mp3", "."})
-        EXPECT_THAT(lines(end.err), Contains(StartsWith("quarner: “" + name + "” ")));
+        EXPECT_THAT(lines(end.err), Contains(StartsWith("quarner: \"" + name + "\" ")));
     EXPECT_FALSE(std::filesystem::exists(folder.file("mix.cue")));
 }
 

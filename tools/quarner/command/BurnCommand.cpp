@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "quarner/display.h"
 #include "quarner/playlist.h"
 #include "tools/quarner/command/DriveChoice.h"
-#include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
 

@@ -9,7 +9,7 @@
 #include <optional>
 #include <utility>
 
-#include "tools/quarner/text/SafeText.h"
+#include "quarner/display.h"
 
 namespace quarner::cli {
 namespace {

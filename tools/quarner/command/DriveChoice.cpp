@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "quarner/device/QuarnerDevice.h"
+#include "quarner/display.h"
 #include "quarner/util/Paths.h"
 #include "tools/quarner/options/NearestName.h"
-#include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
 namespace {
@@ -111,10 +111,10 @@ std::string imagePath(const std::string& name, std::optional<DiscKind> kind) {
 }
 
 std::string chooseDrive(const Host& host, const Target& target, std::optional<DiscKind> toBurn) {
-    if (target.image) {
-        const auto disc = toBurn ? ImageRequest::Disc::Blank : ImageRequest::Disc::ExistingOrBlank;
-        return host.addImageDrive({imagePath(*target.image, toBurn), target.capacity, disc});
-    }
+    if (target.image)
+        return host.addImageDrive({.path = imagePath(*target.image, toBurn),
+                                   .minutes = target.capacity,
+                                   .loadExisting = !toBurn});
     return target.drive ? namedDrive(*target.drive, toBurn) : onlyDrive(toBurn);
 }
 

@@ -7,12 +7,12 @@
 #include <vector>
 
 #include "quarner/device/QuarnerDevice.h"
+#include "quarner/display.h"
 #include "quarner/platform/Platform.h"
 #include "quarner/project/DiscDrive.h"
 #include "quarner/util/MultiMedia.h"
 #include "tools/quarner/command/DriveChoice.h"
 #include "tools/quarner/text/JsonLine.h"
-#include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
 namespace {

@@ -12,4 +12,9 @@ ExitStatus listDrives(Host& host, const Target& target, bool json);
 ExitStatus showDisc(Host& host, const Target& target, bool json);
 ExitStatus ejectDisc(Host& host, const Target& target, bool json);
 
+/// `quarner watch`: prints drives that come and go and what changes in them, until it is
+/// interrupted
+/// (`ExitStatus::Canceled`) or nobody reads any more (`ExitStatus::Success`).
+ExitStatus watchDrives(Host& host, const Target& target, bool json);
+
 } // namespace quarner::cli

@@ -6,7 +6,6 @@
 
 #include "tools/quarner/command/BurnCommand.h"
 #include "tools/quarner/command/QueryCommands.h"
-#include "tools/quarner/command/WatchCommand.h"
 #include "tools/quarner/text/JsonLine.h"
 
 namespace quarner::cli {
@@ -21,7 +20,7 @@ ExitStatus runQuery(Host& host, const QueryOptions& options, bool json) {
     case Query::Eject:
         return ejectDisc(host, options.target, json);
     case Query::Watch:
-        return WatchCommand(host, options.target, json).run();
+        return watchDrives(host, options.target, json);
     }
     return ExitStatus::Usage;
 }

@@ -1,12 +1,50 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "tools/quarner/command/WatchCommand.h"
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
 
+#include "quarner/device/QuarnerDevice.h"
+#include "quarner/display.h"
 #include "quarner/project/DiscDrive.h"
 #include "tools/quarner/command/DriveChoice.h"
+#include "tools/quarner/command/QueryCommands.h"
 #include "tools/quarner/text/JsonLine.h"
-#include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
+namespace {
+
+/// `quarner watch`: reports drives that come and go and what changes in them, until it is
+/// interrupted or nobody reads any more.
+class WatchCommand : private QuarnerDeviceDelegate {
+public:
+    WatchCommand(Host& host, const Target& target, bool json);
+    ~WatchCommand() override;
+
+    /// Runs the main loop until the end. Returns `ExitStatus::Success` if the output cannot be
+    /// written any more, otherwise `ExitStatus::Canceled`.
+    ExitStatus run();
+
+private:
+    /// One drive, and the delegate of its changes.
+    struct WatchedDrive;
+
+    void deviceDidAppeared(const std::string& deviceName) override;
+    void deviceDidDisappeared(const std::string& deviceName) override;
+
+    bool isWanted(const std::string& name) const { return !_only || *_only == name; }
+    void watch(const std::string& name);
+    void tell(const char* event, const std::string& name,
+              const std::function<std::string()>& change);
+
+    Host& _host;
+    const bool _json;
+    std::optional<std::string> _only;
+    bool _isInterrupted = false;
+    QuarnerDevice _anyDrive; ///< bound to none: it reports all that come and go
+    std::map<std::string, std::unique_ptr<WatchedDrive>> _drives;
+};
 
 struct WatchCommand::WatchedDrive : QuarnerDeviceDelegate {
     WatchedDrive(WatchCommand& owner, const std::string& deviceName)
@@ -76,6 +114,12 @@ void WatchCommand::tell(const char* event, const std::string& name,
                         const std::function<std::string()>& change) {
     _host.console.line(_json ? jsonLine(event, {{"name", name}})
                              : safeText(name) + ": " + change());
+}
+
+} // namespace
+
+ExitStatus watchDrives(Host& host, const Target& target, bool json) {
+    return WatchCommand(host, target, json).run();
 }
 
 } // namespace quarner::cli

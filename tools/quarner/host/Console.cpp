@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <utility>
 
-#include "tools/quarner/text/SafeText.h"
+#include "tools/quarner/text/Columns.h"
 
 namespace quarner::cli {
 namespace {
@@ -49,14 +49,7 @@ Console::Console(std::ostream& out, std::ostream& err, Screen screen)
 
 void Console::line(std::string_view text) { print(_out, text); }
 
-void Console::error(std::string_view text) {
-    std::string shown(text);
-    if (!_screen.isUtf8)
-        for (const char* const quote : {"“", "”"})
-            for (std::size_t at = 0; (at = shown.find(quote, at)) != std::string::npos; ++at)
-                shown.replace(at, std::string_view(quote).size(), "\"");
-    print(_err, shown);
-}
+void Console::error(std::string_view text) { print(_err, text); }
 
 void Console::status(std::string_view text) {
     if (!_screen.isTerminal)

@@ -6,7 +6,7 @@
 #include <span>
 #include <string>
 
-#include "tools/quarner/text/SafeText.h"
+#include "quarner/display.h"
 
 namespace quarner::cli {
 namespace {

@@ -6,23 +6,12 @@
 #include <stdexcept>
 #include <string>
 
+#include "quarner/desktop.h"
 #include "tools/quarner/host/Console.h"
 #include "tools/quarner/host/EventLoop.h"
 #include "tools/quarner/host/Terminal.h"
 
 namespace quarner::cli {
-
-/// A drive whose disc is a file.
-struct ImageRequest {
-    enum class Disc {
-        Blank,          ///< a new disc, whatever is at the path: it will be replaced
-        ExistingOrBlank ///< what is at the path, or a new disc if there is nothing
-    };
-
-    std::string path; ///< absolute
-    int minutes = 80;
-    Disc disc = Disc::Blank;
-};
 
 /// What the commands need of the program around them. They run on whichever platform is installed.
 struct Host {
@@ -30,7 +19,7 @@ struct Host {
     EventLoop& loop;
     /// Adds an image drive to the platform and returns its display name. Throws `UsageProblem`
     /// when that cannot be, or when a blank disc could not be burnt there.
-    std::function<std::string(const ImageRequest&)> addImageDrive;
+    std::function<std::string(const ImageDriveOptions&)> addImageDrive;
     /// Says what the next signal that asks the program to end runs, once, on the main loop; null
     /// for ending at once.
     std::function<void(std::function<void()>)> onInterruption;

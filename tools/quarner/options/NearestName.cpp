@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <numeric>
+#include <utility>
 
 namespace quarner::cli {
 namespace {
@@ -12,30 +14,20 @@ bool isSameLetter(char a, char b) {
     return lower(a) == lower(b);
 }
 
-using Row = std::vector<std::size_t>;
-
-bool isSwapped(std::string_view a, std::string_view b, std::size_t i, std::size_t j) {
-    return i > 1 && j > 1 && isSameLetter(a[i - 1], b[j - 2]) && isSameLetter(a[i - 2], b[j - 1]);
-}
-
 } // namespace
 
 std::size_t editDistance(std::string_view a, std::string_view b) {
-    std::vector<Row> cost(a.size() + 1, Row(b.size() + 1));
-    for (std::size_t i = 0; i <= a.size(); ++i) {
-        for (std::size_t j = 0; j <= b.size(); ++j) {
-            if (i == 0 || j == 0) {
-                cost[i][j] = i + j;
-                continue;
-            }
+    std::vector<std::size_t> row(b.size() + 1); // of the matrix of distances
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        std::size_t diagonal = std::exchange(row[0], i);
+        for (std::size_t j = 1; j <= b.size(); ++j) {
             const std::size_t change = isSameLetter(a[i - 1], b[j - 1]) ? 0 : 1;
-            cost[i][j] =
-                std::min({cost[i - 1][j] + 1, cost[i][j - 1] + 1, cost[i - 1][j - 1] + change});
-            if (isSwapped(a, b, i, j))
-                cost[i][j] = std::min(cost[i][j], cost[i - 2][j - 2] + 1);
+            const std::size_t cost = std::min({row[j] + 1, row[j - 1] + 1, diagonal + change});
+            diagonal = std::exchange(row[j], cost);
         }
     }
-    return cost[a.size()][b.size()];
+    return row.back();
 }
 
 std::string nearestName(std::string_view word, const std::vector<std::string>& names) {

@@ -7,9 +7,9 @@
 #include <sstream>
 #include <string_view>
 
+#include "quarner/display.h"
 #include "quarner/front/Quarner.h"
 #include "tools/quarner/options/NearestName.h"
-#include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
 namespace {

@@ -3,14 +3,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
-#include "tools/quarner/text/SafeText.h"
+#include "tools/quarner/text/Columns.h"
 
 namespace quarner::cli {
 namespace {
 
-constexpr char unknownTime[] = "--:--";
 constexpr std::size_t widestBar = 32;
 constexpr std::size_t narrowestBar = 8;
 
@@ -18,10 +16,6 @@ double keptWithinOne(double fraction) { return fraction > 0 ? std::min(fraction,
 
 std::string percentText(double fraction) {
     return std::to_string(static_cast<int>(std::floor(keptWithinOne(fraction) * 100))) + "%";
-}
-
-std::string timeLeftColumn(std::optional<std::uint64_t> seconds) {
-    return "  " + rightAligned(seconds ? timeLeftText(*seconds) : unknownTime, 5) + " left";
 }
 
 } // namespace
@@ -36,21 +30,6 @@ std::string bar(double fraction, std::size_t columns, bool isUtf8) {
     for (std::size_t cell = 0; cell < cells; ++cell)
         text += cell < filled ? (isUtf8 ? "█" : "#") : (isUtf8 ? "░" : "-");
     return text + "]";
-}
-
-std::string timeLeftText(std::uint64_t seconds) {
-    constexpr std::uint64_t tooLong = 100ULL * 3600;
-    if (seconds >= tooLong)
-        return unknownTime;
-    const auto hours = static_cast<unsigned>(seconds / 3600);
-    const auto minutes = static_cast<unsigned>(seconds / 60 % 60);
-    const auto rest = static_cast<unsigned>(seconds % 60);
-    char text[32];
-    if (hours > 0)
-        std::snprintf(text, sizeof text, "%u:%02u:%02u", hours, minutes, rest);
-    else
-        std::snprintf(text, sizeof text, "%u:%02u", minutes, rest);
-    return text;
 }
 
 std::string usageLine(const DiscCapacity& capacity, std::size_t columns, bool isUtf8) {
@@ -69,7 +48,8 @@ std::string usageLine(const DiscCapacity& capacity, std::size_t columns, bool is
 
 std::string progressLine(const DiscBurnProgress& progress, std::size_t columns, bool isUtf8) {
     const std::string percent = rightAligned(percentText(progress.fraction), 4);
-    const std::string left = timeLeftColumn(progress.secondsLeft);
+    const std::string time = progress.timeLeftText.empty() ? "--:--" : progress.timeLeftText;
+    const std::string left = "  " + rightAligned(time, 5) + " left";
     const std::string head = progress.text + " ";
     const std::size_t text = displayWidth(head) + 1 + percent.size() + left.size();
     if (text + narrowestBar <= columns)

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
 
 #include "tools/quarner/text/TrackTable.h"
@@ -12,9 +11,6 @@ namespace quarner::cli {
 /// A bar that is filled to a fraction (kept between 0 and 1), a number of columns wide with its
 /// brackets. A fraction above 0 shows, and only the whole fills the bar.
 std::string bar(double fraction, std::size_t columns, bool isUtf8);
-
-/// Seconds as "0:07", "1:02:03"; "--:--" from a hundred hours on.
-std::string timeLeftText(std::uint64_t seconds);
 
 /// The bar of used against free capacity, and the figures.
 std::string usageLine(const DiscCapacity& capacity, std::size_t columns, bool isUtf8);

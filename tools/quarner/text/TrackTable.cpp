@@ -4,7 +4,8 @@
 #include <algorithm>
 #include <string_view>
 
-#include "tools/quarner/text/SafeText.h"
+#include "quarner/display.h"
+#include "tools/quarner/text/Columns.h"
 
 namespace quarner::cli {
 namespace {

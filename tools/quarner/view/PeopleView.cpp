@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "quarner/display.h"
 #include "tools/quarner/text/CapacityBar.h"
-#include "tools/quarner/text/SafeText.h"
 
 namespace quarner::cli {
 namespace {
@@ -16,8 +16,8 @@ std::string addingText(const std::string& displayName, std::size_t index, std::s
 }
 
 std::string tenthText(int tenth, const DiscBurnProgress& progress) {
-    const std::string left =
-        progress.secondsLeft ? ", " + timeLeftText(*progress.secondsLeft) + " left" : "";
+    const std::string& time = progress.timeLeftText;
+    const std::string left = time.empty() ? "" : ", " + time + " left";
     return ": " + std::to_string(tenth * 10) + "%" + left;
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "tools/quarner/view/View.h"
 
-#include "tools/quarner/text/SafeText.h"
+#include "quarner/display.h"
 #include "tools/quarner/view/JsonView.h"
 #include "tools/quarner/view/PeopleView.h"
 

@@ -7,11 +7,6 @@
 
 namespace quarner::cli {
 
-/// A text from outside (a file name, a drive's name) made safe to print: valid UTF-8 on one line.
-/// Every byte that is not UTF-8, and every character that could move the cursor or turn the
-/// direction of writing, becomes U+FFFD.
-std::string safeText(std::string_view text);
-
 /// How many columns a safe text takes: wide characters two, combining ones none.
 std::size_t displayWidth(std::string_view text);
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <gtest/gtest.h>
 
-#include "tools/quarner/text/SafeText.h"
+#include "quarner/display.h"
 
-namespace quarner::cli {
+namespace quarner {
 namespace {
 
 TEST(SafeText, UmlautsIdeographsAndEmojiStayAsTheyAre) {
@@ -24,26 +24,5 @@ TEST(SafeText, NothingCanMoveTheCursorOrTurnTheWriting) {
     EXPECT_EQ(safeText("a\u2028b"), "a\uFFFDb");
 }
 
-TEST(SafeText, WideCharactersTakeTwoColumnsAndCombiningOnesNone) {
-    EXPECT_EQ(displayWidth("abc"), 3U);
-    EXPECT_EQ(displayWidth("音楽"), 4U);
-    EXPECT_EQ(displayWidth("🎵"), 2U);
-    EXPECT_EQ(displayWidth("u\u0308"), 1U);
-}
-
-TEST(SafeText, ATextIsCutBetweenCharactersAndShowsThatItWasCut) {
-    EXPECT_EQ(shortened("abcdef", 6), "abcdef");
-    EXPECT_EQ(shortened("abcdefg", 6), "abc...");
-    EXPECT_EQ(shortened("音楽音楽", 6), "音...");
-    EXPECT_EQ(shortened("abcdef", 2), "ab");
-    EXPECT_EQ(shortened("abc", 0), "");
-}
-
-TEST(SafeText, AlignedTextsHaveExactlyTheWidth) {
-    EXPECT_EQ(leftAligned("ab", 4), "ab  ");
-    EXPECT_EQ(rightAligned("ab", 4), "  ab");
-    EXPECT_EQ(leftAligned("音楽音楽", 6), "音... ");
-}
-
 } // namespace
-} // namespace quarner::cli
+} // namespace quarner

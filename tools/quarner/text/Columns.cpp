@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "tools/quarner/text/Columns.h"
+
+#include <glib.h>
+
+#include <cstdint>
+#include <utility>
+
+namespace quarner::cli {
+namespace {
+
+constexpr std::string_view ellipsis = "...";
+
+/// The longest beginning of a text that takes at most `columns` columns, and how many it takes.
+std::pair<std::string_view, std::size_t> beginning(std::string_view text, std::size_t columns) {
+    std::size_t taken = 0;
+    const char* place = text.data();
+    while (place < text.data() + text.size()) {
+        const gunichar next = g_utf8_get_char(place);
+        const std::size_t width = g_unichar_iszerowidth(next) != FALSE ? 0
+                                  : g_unichar_iswide(next) != FALSE    ? 2
+                                                                       : 1;
+        if (taken + width > columns)
+            break;
+        taken += width;
+        place = g_utf8_next_char(place);
+    }
+    return {text.substr(0, static_cast<std::size_t>(place - text.data())), taken};
+}
+
+} // namespace
+
+std::size_t displayWidth(std::string_view text) { return beginning(text, SIZE_MAX).second; }
+
+std::string shortened(std::string_view text, std::size_t columns) {
+    if (displayWidth(text) <= columns)
+        return std::string(text);
+    if (columns <= ellipsis.size())
+        return std::string(beginning(text, columns).first);
+    return std::string(beginning(text, columns - ellipsis.size()).first).append(ellipsis);
+}
+
+std::string leftAligned(std::string_view text, std::size_t columns) {
+    std::string cut = shortened(text, columns);
+    return cut.append(columns - displayWidth(cut), ' ');
+}
+
+std::string rightAligned(std::string_view text, std::size_t columns) {
+    std::string cut = shortened(text, columns);
+    return cut.insert(0, columns - displayWidth(cut), ' ');
+}
+
+} // namespace quarner::cli
