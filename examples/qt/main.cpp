@@ -308,6 +308,8 @@ int main(int count, char** arguments) {
     }});
     const std::string image =
         quarner::addImageDrive({.path = QFile::encodeName(options.value("image")).toStdString()});
+    if (options.isSet("image") && image.empty())
+        options.showHelp(2); // and exit
     bool isDone = true;
     {
         const auto window = std::make_shared<Window>();
