@@ -24,8 +24,8 @@ struct HostSettings {
     bool isTypedTo = false;           ///< its input is that terminal: see `type`
     std::vector<std::string> environment = {"LC_ALL=C.UTF-8", "TERM=xterm"};
     /// Libraries that come before its own. The first shows it the drives of an `OpticalBed` that
-    /// this process has, and none of this machine.
-    std::vector<std::string> preloads = {"libumockdev-preload.so.0"};
+    /// this process has, and none of this machine; the second ends the delays of libburn early.
+    std::vector<std::string> preloads = {"libumockdev-preload.so.0", QUICK_SLEEP};
 };
 
 /// The real program, running as a process of its own. It is killed if it is still there when this

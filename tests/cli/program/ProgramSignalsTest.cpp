@@ -171,7 +171,8 @@ TEST_F(ProgramWatching, EndsInOrderWithACtrlCThatComesBeforeItHasBegun) {
     early.preloads.emplace_back(INTERRUPT_AT_START);
     const HostEnd end = run({"watch", "--json"}, early);
     EXPECT_EQ(end.status, 130);
-    EXPECT_EQ(end.out, "{\"event\":\"exit\",\"status\":130}\n"); // not what a signal leaves
+    EXPECT_EQ(end.out, "{\"event\":\"watching\",\"drives\":[]}\n"
+                       "{\"event\":\"exit\",\"status\":130}\n"); // not what a signal leaves
 }
 
 TEST_F(ProgramWatching, EndsWithCtrlC) {

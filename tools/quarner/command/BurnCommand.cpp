@@ -95,7 +95,7 @@ BurnCommand::Outcome BurnCommand::perform() {
         if (isAsked()) // about the disc as it is now
             examineDisc(_project, _drive, [this](const auto& isOver) { runUntil(isOver); });
         if (const auto problem = firstProblem())
-            return {statusFor(problem->code), explained(problem->text, "", problem->advice)};
+            return refusal(*problem);
         if (_options.dryRun)
             return {ExitStatus::Success, "Dry run: nothing was written."};
         if (!isFirst)
@@ -137,6 +137,11 @@ BurnCommand::Outcome BurnCommand::refusal() const {
         return {ExitStatus::Refused, "nothing is left to burn"};
     return {ExitStatus::Refused, "files were refused, so nothing was burnt; --keep-going burns the "
                                  "rest"};
+}
+
+BurnCommand::Outcome BurnCommand::refusal(const DiscProblem& problem) const {
+    _view->burnIsRefused(problem);
+    return {statusFor(problem.code), explained(problem.text, "", problem.advice)};
 }
 
 // --- The drive and its disc ---
@@ -207,8 +212,8 @@ void BurnCommand::ejectDisc() {
     const auto problem = std::make_shared<std::optional<std::string>>();
     _project.eject(_drive, [problem](const std::string& text) { *problem = text; });
     runUntil([&] { return problem->has_value(); });
-    if (!problem->value_or("").empty())
-        _host.console.error("quarner: " + safeText(**problem));
+    if (*problem)
+        _view->ejectionDidEnd(_driveName, **problem);
 }
 
 BurnCommand::Outcome BurnCommand::cancellation() const {

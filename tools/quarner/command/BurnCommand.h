@@ -56,6 +56,7 @@ private:
     Outcome burn();
     void ejectDisc();
     Outcome refusal() const;
+    Outcome refusal(const DiscProblem& problem) const;
     Outcome cancellation() const;
     const char* leftByCancellation() const;
 

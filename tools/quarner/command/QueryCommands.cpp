@@ -68,6 +68,15 @@ std::string discJson(const DiscDrive& drive) {
                              {"speeds", Array(drive.speeds.begin(), drive.speeds.end())}});
 }
 
+/// With why the drive cannot be used if that is why it kept its disc.
+std::string ejectJson(const std::string& name, const std::string& problem,
+                      const std::shared_ptr<DRDevice>& device) {
+    if (problem.empty())
+        return jsonLine("eject", {{"name", name}, {"ejected", true}});
+    return jsonWithProblem("eject", {{"name", name}, {"ejected", false}, {"text", problem}},
+                           device ? examineDrive(*device) : DiscDrive());
+}
+
 std::string speedsText(const std::vector<double>& speeds) {
     std::string text;
     for (const double speed : speeds)
@@ -128,8 +137,7 @@ ExitStatus ejectDisc(Host& host, const Target& target, bool json) {
     const std::string problem = quarner::ejectDisc(device);
     const bool isOut = problem.empty();
     if (json)
-        host.console.line(jsonWithProblem("eject", {{"name", name}, {"ejected", isOut}},
-                                          isOut || !device ? DiscDrive() : examineDrive(*device)));
+        host.console.line(ejectJson(name, problem, device));
     else if (isOut)
         host.console.line("Ejected: " + safeText(name));
     if (!isOut)

@@ -35,6 +35,8 @@ private:
 
     bool isWanted(const std::string& name) const { return !_only || *_only == name; }
     void watch(const std::string& name);
+    /// From here on no change is missed.
+    void tellStart() const;
     void tell(const char* event, const std::string& name,
               const std::function<std::string()>& change);
 
@@ -78,16 +80,26 @@ WatchCommand::~WatchCommand() { _host.onInterruption(nullptr); }
 
 ExitStatus WatchCommand::run() {
     _host.onInterruption([this] { _isInterrupted = true; });
-    if (!_json)
-        for (const auto& [name, drive] : _drives)
-            _host.console.line(safeText(name) + ": " + drive->state());
-    if (!_json && _drives.empty())
-        _host.console.line("There is no drive yet.");
+    tellStart();
     if (!_host.receivesDriveEvents())
         _host.console.error("quarner: the device manager (udev) is not running: changes of "
                             "optical drives and discs will not be reported");
     _host.loop.runUntil([this] { return _isInterrupted || _host.console.isBroken(); });
     return _host.console.isBroken() ? ExitStatus::Success : ExitStatus::Canceled;
+}
+
+void WatchCommand::tellStart() const {
+    if (_json) {
+        Array names;
+        for (const auto& [name, drive] : _drives)
+            names.emplace_back(name);
+        _host.console.line(jsonLine("watching", {{"drives", names}}));
+        return;
+    }
+    for (const auto& [name, drive] : _drives)
+        _host.console.line(safeText(name) + ": " + drive->state());
+    if (_drives.empty())
+        _host.console.line("There is no drive yet.");
 }
 
 void WatchCommand::watch(const std::string& name) {

@@ -4,6 +4,17 @@
 #include "tools/quarner/text/JsonLine.h"
 
 namespace quarner::cli {
+namespace {
+
+DiscProjectRecords::Arguments argumentsOf(const DiscProblem& problem) {
+    DiscProjectRecords::Arguments arguments = {{"code", signedCode(problem.code)},
+                                               {"text", problem.text}};
+    if (!problem.advice.empty())
+        arguments.emplace_back("advice", problem.advice);
+    return arguments;
+}
+
+} // namespace
 
 void JsonView::record(const std::string& event, const Arguments& arguments) {
     console().line(jsonLine(event, arguments));
@@ -17,10 +28,18 @@ void JsonView::compilationIsComplete(const Compilation& compilation) {
                            {"overflow", !capacity.fits}});
 }
 
-void JsonView::waitsFor(const DiscProblem& problem) {
-    record(
-        "waitsFor",
-        {{"code", signedCode(problem.code)}, {"text", problem.text}, {"advice", problem.advice}});
+void JsonView::waitsFor(const DiscProblem& problem) { record("waitsFor", argumentsOf(problem)); }
+
+void JsonView::burnIsRefused(const DiscProblem& problem) {
+    record("burnRefused", argumentsOf(problem));
+}
+
+void JsonView::ejectionDidEnd(const std::string& driveName, const std::string& problem) {
+    View::ejectionDidEnd(driveName, problem);
+    Arguments arguments = {{"name", driveName}, {"ejected", problem.empty()}};
+    if (!problem.empty())
+        arguments.emplace_back("text", problem);
+    record("eject", arguments);
 }
 
 void JsonView::didEnd(ExitStatus status, const std::string& outcome) {

@@ -15,6 +15,8 @@ public:
     void record(const std::string& event, const Arguments& arguments) override;
     void compilationIsComplete(const Compilation& compilation) override;
     void waitsFor(const DiscProblem& problem) override;
+    void burnIsRefused(const DiscProblem& problem) override;
+    void ejectionDidEnd(const std::string& driveName, const std::string& problem) override;
     void didEnd(ExitStatus status, const std::string& outcome) override;
 };
 

@@ -12,6 +12,11 @@ void View::fileRefused(const std::string& path, RefusalReason reason, const std:
     _console.error("quarner: " + safeText(text));
 }
 
+void View::ejectionDidEnd(const std::string& /*driveName*/, const std::string& problem) {
+    if (!problem.empty())
+        _console.error("quarner: " + safeText(problem));
+}
+
 std::shared_ptr<View> makeView(Console& console, bool json) {
     if (json)
         return std::make_shared<JsonView>(console);

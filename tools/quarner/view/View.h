@@ -29,6 +29,12 @@ public:
     /// The command waits until this problem is solved. Called again when it has changed.
     virtual void waitsFor(const DiscProblem& problem) = 0;
 
+    /// Nothing is burnt because of this problem, which `didEnd` puts into words.
+    virtual void burnIsRefused(const DiscProblem& /*problem*/) {}
+
+    /// The burnt disc was to be ejected. `problem`: why it was not, a sentence; empty if it was.
+    virtual void ejectionDidEnd(const std::string& driveName, const std::string& problem);
+
     /// Last, once: how it ended, as a sentence for people (may be empty).
     virtual void didEnd(ExitStatus status, const std::string& outcome) = 0;
 
