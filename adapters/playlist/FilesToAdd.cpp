@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <system_error>
 #include <tuple>
 #include <utility>
@@ -23,14 +24,16 @@ std::string sortKey(const fs::path& path) {
     return key.get();
 }
 
-/// What is in a folder that can be read, sorted.
-std::vector<fs::directory_entry> entriesOf(const fs::path& folder) {
+/// What is in a folder, sorted; `std::nullopt` if it cannot be read.
+std::optional<std::vector<fs::directory_entry>> entriesOf(const fs::path& folder) {
     std::vector<std::pair<std::string, fs::directory_entry>> keyed;
     std::error_code error;
     for (fs::directory_iterator place(folder, error), end; !error && place != end;
          place.increment(error))
         if (!place->path().filename().string().starts_with('.'))
             keyed.emplace_back(sortKey(place->path()), *place);
+    if (error)
+        return std::nullopt;
     std::sort(keyed.begin(), keyed.end(), [](const auto& left, const auto& right) {
         return std::tie(left.first, left.second) < std::tie(right.first, right.second);
     });
@@ -46,12 +49,16 @@ public:
     explicit Search(const std::vector<std::string>& extensions) : _extensions(extensions) {}
 
     void addFilesIn(const fs::path& folder) {
-        const std::vector<fs::directory_entry> entries = entriesOf(folder);
+        const auto entries = entriesOf(folder);
+        if (!entries) {
+            found.push_back(folder.string());
+            return;
+        }
         std::error_code ignored;
-        for (const fs::directory_entry& entry : entries)
+        for (const fs::directory_entry& entry : *entries)
             if (entry.is_regular_file(ignored) && isSupported(entry.path()))
                 found.push_back(entry.path().string());
-        for (const fs::directory_entry& entry : entries)
+        for (const fs::directory_entry& entry : *entries)
             if (!entry.is_symlink(ignored) && entry.is_directory(ignored))
                 addFilesIn(entry.path());
     }

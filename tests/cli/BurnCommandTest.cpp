@@ -275,6 +275,54 @@ TEST_P(BurnCommandTest, ProgramsAreToldWhatAFailureIsAbout) {
     EXPECT_NE(end.at("advice"), "");
 }
 
+TEST_P(BurnCommandTest, ProgramsAreToldWhyNoBurnStarts) {
+    const auto expectRefusal = [&](DRError code, int status, const std::vector<std::string>& more) {
+        std::vector<std::string> arguments = {"--json"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        EXPECT_EQ(burn(arguments), status);
+        const std::vector<json> all = objects();
+        const json& refusal = all.at(all.size() - 2);
+        EXPECT_EQ(refusal.at("event"), "burnRefused");
+        EXPECT_EQ(refusal.value("code", 0), signedCode(code)) << refusal;
+        EXPECT_NE(refusal.value("text", ""), "") << refusal;
+    };
+    const auto expectRefusalOf = [&](const DiscScript& disc, DRError code, int status) {
+        writer->ejectMedia();
+        writer->insert(disc);
+        expectRefusal(code, status, {"/m/a.mp3"});
+    };
+    expectRefusalOf({.type = DRDeviceMediaTypeDVDR}, DRError::WrongMedia, 1);
+    expectRefusalOf({.isBlank = false}, DRError::MediaNotWritable, 1);
+    expectRefusalOf({.blocksFree = 750}, DRError::MediaTooSmall, 4);
+    writer->ejectMedia();
+    expectRefusal(DRError::MediaNotPresent, 1, {"/m/a.mp3"});
+    writer->change([](DriveScript& script) { script.isTransitioning = true; });
+    expectRefusal(DRError::MediaNotPresent, 1, {"/m/a.mp3"});
+    writer->change([](DriveScript& script) {
+        script.isTransitioning = false;
+        script.disc = DiscScript();
+    });
+    host.platform.putSong("/m/short.mp3", {.seconds = 5});
+    if (GetParam() == DiscKind::Audio)
+        expectRefusal(DRError::TooManyTracks, 4, std::vector<std::string>(100, "/m/short.mp3"));
+    host.platform.unplug(writer);
+    host.platform.fail(ServiceCall::Devices);
+    expectRefusal(DRError::DeviceVanished, 1, {"--image", disc().example, "/m/a.mp3"});
+    EXPECT_EQ(host.platform.burns().size(), 0U);
+}
+
+TEST_P(BurnCommandTest, ProgramsAreToldWhetherTheDiscWasEjected) {
+    EXPECT_EQ(burn({"--json", "--eject", "/m/a.mp3"}), 0);
+    EXPECT_EQ(objects()[objects().size() - 2],
+              (json{{"event", "eject"}, {"name", "Writer"}, {"ejected", true}}));
+    writer->insert({});
+    host.platform.fail(ServiceCall::EjectMedia);
+    EXPECT_EQ(burn({"--json", "--eject", "/m/a.mp3"}), 0);
+    const json eject = objects()[objects().size() - 2];
+    EXPECT_EQ(eject.at("ejected"), false);
+    EXPECT_NE(eject.at("text"), "");
+}
+
 INSTANTIATE_TEST_SUITE_P(OfEveryKind, BurnCommandTest,
                          testing::Values(DiscKind::Audio, DiscKind::Data), kindOfBurn);
 

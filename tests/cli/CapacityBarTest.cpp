@@ -83,6 +83,8 @@ TEST(ProgressLine, GivesUpTheBarFirstAndThenTheTime) {
               "Writing track 2 of 9  50%   1:07 left");
     EXPECT_EQ(lineFor("Writing track 2 of 9", 0.5, "1:07", 30), "Writing track 2 of 9 50%");
     EXPECT_EQ(lineFor("Writing track 2 of 9", 0.5, "1:07", 12), "Writi... 50%");
+    EXPECT_EQ(lineFor("Verifying", 1.0, "0:00", 14), "Verifying 100%");
+    EXPECT_EQ(lineFor("Verifying", 1.0, "0:00", 5), "100%");
 }
 
 TEST(ProgressLine, NeverExceedsTheScreen) {

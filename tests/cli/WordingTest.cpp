@@ -251,6 +251,48 @@ TEST_P(BurnWording, RefusedFilesAreNamedAndCounted) {
                                                  "quarner: nothing is left to burn"));
 }
 
+TEST_P(BurnWording, APlaylistOrFolderWithoutFilesIsSaidToHaveNone) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(burn({folder.write("empty.m3u")}), 3);
+    EXPECT_EQ(host.err(), "quarner: there is nothing to burn: no audio file was found\n");
+    EXPECT_EQ(burn({"--recursive", folder.path().string()}), 3);
+    EXPECT_EQ(host.err(), "quarner: there is nothing to burn: no audio file was found\n");
+}
+
+TEST_P(BurnWording, EachReasonForARefusalIsSaidWithWhatToDo) {
+    const auto refusalOf = [&](const char* path) {
+        EXPECT_EQ(burn({"--keep-going", "--dry-run", path}), 3);
+        return linesOf(host.err()).at(0);
+    };
+    using Kind = MovieProblem::Kind;
+    auto& platform = host.platform;
+    platform.putFile("/t.txt");
+    platform.putFile("/p.m4p");
+    platform.putFile("/f.mp3", {.problem = FileProblem{FileProblem::Kind::NotAFile, "a folder"}});
+    platform.putFile("/n.mp3");
+    platform.putSong("/s.mp3", {.seconds = 0.5});
+    platform.putSong("/d.mp3", {.isPlayable = false, .problem = {{Kind::Damaged, "holes"}}});
+    platform.putSong("/u.mp3", {.isPlayable = false, .problem = {{Kind::Unreadable, "EIO"}}});
+    EXPECT_EQ(refusalOf("/t.txt"), "quarner: \"/t.txt\" is of a type that cannot be added. Convert "
+                                   "it to MP3 or M4A.");
+    EXPECT_EQ(refusalOf("/p.m4p"),
+              GetParam() == DiscKind::Audio
+                  ? "quarner: \"/p.m4p\" is copy-protected. Add it to a data CD, or get it without "
+                    "protection."
+                  : "quarner: \"/p.m4p\" is of a type that cannot be added. Convert it to MP3 or "
+                    "M4A.");
+    EXPECT_EQ(refusalOf("/f.mp3"),
+              "quarner: \"/f.mp3\" is not a file. Add the files in it instead.");
+    EXPECT_EQ(refusalOf("/n.mp3"),
+              "quarner: \"/n.mp3\" holds no sound that can be played. Leave it "
+              "out, or replace it.");
+    EXPECT_EQ(refusalOf("/s.mp3"), "quarner: \"/s.mp3\" is shorter than a second. Leave it out.");
+    EXPECT_EQ(refusalOf("/d.mp3"),
+              "quarner: \"/d.mp3\" is damaged (holes). Leave it out, or replace it.");
+    EXPECT_EQ(refusalOf("/u.mp3"),
+              "quarner: \"/u.mp3\" cannot be read (EIO). Check its permissions and its disk.");
+}
+
 TEST_P(BurnWording, ADryRunShowsTheUsage) {
     EXPECT_EQ(burn({"--dry-run", "/m/a.mp3"}), 0);
     EXPECT_THAT(host.out(), HasSubstr(GetParam() == DiscKind::Data ? "3.8 MB of 702.8 MB"

@@ -233,6 +233,40 @@ TEST_P(DiscProjectBurn, ADiscThatIsBeingExaminedIsSaidToBe) {
     EXPECT_EQ(project->problems(driveId()).front().text, "The drive still examines the disc.");
 }
 
+TEST_P(DiscProjectBurn, ADriveThatCannotBeUsedIsAProblemWithItsReason) {
+    compile({"a.mp3"});
+    drive->change([](DriveScript& script) {
+        script.disc.reset();
+        script.accessProblem = "/dev/sr0 is in use";
+    });
+    settle();
+    const DiscProblem problem = project->problems(driveId()).front();
+    EXPECT_EQ(problem.code, DRError::DeviceNotPermitted);
+    EXPECT_EQ(problem.text, "The drive \"Writer\" cannot be used: /dev/sr0 is in use.");
+}
+
+/// A burn fails with each code that a recorder may give.
+TEST_P(DiscProjectBurn, EachFailureEndsWithWhatItsCodeMeans) {
+    compile({"a.mp3"});
+    for (const DRError code :
+         {DRError::DeviceBusy, DRError::DeviceVanished, DRError::MediaNotPresent,
+          DRError::MediaNotWritable, DRError::MediaTooSmall, DRError::WrongMedia,
+          DRError::EmptyLayout, DRError::TooManyTracks, DRError::DeviceNotPermitted,
+          DRError::SourceMissing, DRError::SourceChanged, DRError::SourceUnreadable,
+          DRError::NoSpace, DRError::PermissionDenied, DRError::WriteFailed,
+          DRError::ReadBackFailed, DRError::VerifyFailed, DRError::Internal}) {
+        observer->burnEnds.clear();
+        platform.playBurns({.failsAt = 0.4, .code = code});
+        project->burn(driveId());
+        EXPECT_EQ(end().outcome, Outcome::Failed);
+        EXPECT_EQ(end().code, code);
+        EXPECT_EQ(end().text, problemForCode(signedCode(code)).text);
+        drive->ejectMedia();
+        drive->insert({});
+        settle();
+    }
+}
+
 class AudioProjectBurn : public AudioProjectTest {};
 
 TEST_F(AudioProjectBurn, AHundredTracksAreAProblem) {

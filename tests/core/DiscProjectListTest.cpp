@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <random>
 #include <set>
+#include <tuple>
 
 #include "tests/core/DiscProjectFixture.h"
 
@@ -79,25 +80,44 @@ TEST_P(DiscProjectList, ARowTellsWhatTheFileIsLike) {
 }
 
 TEST_P(DiscProjectList, ARefusedFileIsReportedWithItsReasonAndAText) {
+    using Reason = RefusalReason;
+    const bool isAudio = GetParam() == DiscProject::Kind::Audio;
     compile({"a.mp3"});
     platform.putFile("/music/text.txt");
+    platform.putFile("/music/bought.m4p");
+    platform.putFile("/music/folder.mp3",
+                     {.problem = FileProblem{FileProblem::Kind::NotAFile, "a folder"}});
     platform.putFile("/music/silent.mp3");
     platform.putSong("/music/short.mp3", {.seconds = 0.5});
-    project->add({"/music/a.mp3", "/music/text.txt", "/music/gone.mp3", "/music/silent.mp3",
-                  "/music/short.mp3"});
-    settle();
-    std::vector<std::pair<std::string, RefusalReason>> refused;
-    for (const auto& [path, reason, text] : observer->refused) {
-        refused.emplace_back(path, reason);
-        EXPECT_THAT(text, ::testing::HasSubstr(path));
+    platform.putSong("/music/damaged.mp3",
+                     {.isPlayable = false, .problem = {{MovieProblem::Kind::Damaged, "holes"}}});
+    platform.putSong("/music/bad.mp3",
+                     {.isPlayable = false, .problem = {{MovieProblem::Kind::Unreadable, "EIO"}}});
+    const std::vector<std::tuple<std::string, Reason, std::string>> all = {
+        {"a.mp3", Reason::AlreadyInList, " is already in the list."},
+        {"text.txt", Reason::UnsupportedType,
+         " is of a type that cannot be added. Convert it to MP3 or M4A."},
+        {"bought.m4p", isAudio ? Reason::Protected : Reason::UnsupportedType,
+         isAudio ? " is copy-protected. Add it to a data CD, or get it without protection."
+                 : " is of a type that cannot be added. Convert it to MP3 or M4A."},
+        {"gone.mp3", Reason::Missing,
+         " does not exist. Check its name, or whether its disk is connected."},
+        {"folder.mp3", Reason::NotAFile, " is not a file. Add the files in it instead."},
+        {"silent.mp3", Reason::NoSound,
+         " holds no sound that can be played. Leave it out, or replace it."},
+        {"short.mp3", Reason::TooShort, " is shorter than a second. Leave it out."},
+        {"damaged.mp3", Reason::Damaged, " is damaged (holes). Leave it out, or replace it."},
+        {"bad.mp3", Reason::Unreadable,
+         " cannot be read (EIO). Check its permissions and its disk."}};
+    for (const auto& [name, reason, text] : all) {
+        observer->refused.clear();
+        const std::string path = "/music/" + name;
+        project->add({path});
+        settle();
+        EXPECT_THAT(observer->refused,
+                    ElementsAre(::testing::FieldsAre(path, reason, "\"" + path + "\"" + text)));
+        EXPECT_EQ(observer->events.back(), "adding ended");
     }
-    using Refused = std::pair<std::string, RefusalReason>;
-    EXPECT_THAT(refused, ElementsAre(Refused("/music/a.mp3", RefusalReason::AlreadyInList),
-                                     Refused("/music/text.txt", RefusalReason::UnsupportedType),
-                                     Refused("/music/gone.mp3", RefusalReason::Missing),
-                                     Refused("/music/silent.mp3", RefusalReason::NoSound),
-                                     Refused("/music/short.mp3", RefusalReason::TooShort)));
-    EXPECT_EQ(observer->events.back(), "adding ended");
 }
 
 TEST_P(DiscProjectList, RemovesRowsInRunsFromTheEndOn) {

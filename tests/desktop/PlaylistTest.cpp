@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 #include <quarner/playlist.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <random>
 #include <string>
 
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quarner::testing {
@@ -100,6 +102,40 @@ TEST_F(Playlists, WhatCannotBeReadIsNone) {
     EXPECT_EQ(readPlaylist(in("pipe.m3u")), std::nullopt);
     ASSERT_EQ(mkdir(in("folder.pls").c_str(), 0700), 0);
     EXPECT_EQ(readPlaylist(in("folder.pls")), std::nullopt);
+}
+
+TEST_F(Playlists, StandForTheirFilesAndFoldersForThoseInThem) {
+    for (const char* const name : {"album", "album/.hidden", "album/b", "album/song.mp3"})
+        ASSERT_EQ(mkdir(in(name).c_str(), 0755), 0);
+    for (const char* const name : {"album/10.mp3", "album/2.MP3", "album/cover.jpg", "album/.h.mp3",
+                                   "album/.hidden/x.mp3", "album/b/y.m4a", "album/song.mp3/z.mp3"})
+        folder.write(name);
+    ASSERT_EQ(symlink("b", in("album/link").c_str()), 0);
+    ASSERT_EQ(mkfifo(in("album/pipe.mp3").c_str(), 0600), 0);
+    folder.write("mix.m3u", "one.mp3\r\nalbum\r\nother.pls\r\n");
+    folder.write("other.pls", "no playlist");
+    EXPECT_THAT(filesToAdd({"x.txt", in("album"), in("none.m3u")}, {"mp3", "m4a"}),
+                ElementsAre("x.txt", in("album/2.MP3"), in("album/10.mp3"), in("album/b/y.m4a"),
+                            in("album/song.mp3/z.mp3"), in("none.m3u")));
+    EXPECT_THAT(filesToAdd({in("album/link")}, {"m4a"}), ElementsAre(in("album/link/y.m4a")));
+    EXPECT_THAT(filesToAdd({in("album")}), ElementsAre(in("album")));
+    EXPECT_THAT(filesToAdd({in("mix.m3u"), in("other.pls")}, {"mp3"}),
+                ElementsAre(in("one.mp3"), in("album"), in("other.pls"), in("other.pls")));
+}
+
+TEST_F(Playlists, AFolderThatCannotBeReadIsLeftToTheBurnerToRefuse) {
+    for (const char* const name : {"album", "album/closed"})
+        ASSERT_EQ(mkdir(in(name).c_str(), 0755), 0);
+    folder.write("album/1.mp3");
+    chmod(folder.path().c_str(), 0755);
+    chmod(in("album/closed").c_str(), 0);
+    {
+        const OrdinaryUser user;
+        ASSERT_TRUE(user.isSet());
+        EXPECT_THAT(filesToAdd({in("album"), in("album/closed")}, {"mp3"}),
+                    ElementsAre(in("album/1.mp3"), in("album/closed"), in("album/closed")));
+    }
+    chmod(in("album/closed").c_str(), 0755);
 }
 
 TEST_F(Playlists, AnyDamageIsReadOrRefused) {

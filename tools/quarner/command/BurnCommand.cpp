@@ -134,7 +134,9 @@ Compilation BurnCommand::compilation() const {
 
 BurnCommand::Outcome BurnCommand::refusal() const {
     if (_project.items()->empty())
-        return {ExitStatus::Refused, "nothing is left to burn"};
+        return {ExitStatus::Refused, _reports->refusedCount == 0
+                                         ? "there is nothing to burn: no audio file was found"
+                                         : "nothing is left to burn"};
     return {ExitStatus::Refused, "files were refused, so nothing was burnt; --keep-going burns the "
                                  "rest"};
 }

@@ -57,8 +57,10 @@ std::string progressLine(const DiscBurnProgress& progress, std::size_t columns, 
                percent + left;
     if (displayWidth(head) + percent.size() + left.size() <= columns)
         return head + percent + left;
-    const std::size_t stateColumns = std::max(columns, percent.size()) - percent.size();
-    return shortened(progress.text, stateColumns) + percent;
+    const std::string end = " " + percentText(progress.fraction);
+    if (columns <= end.size())
+        return percentText(progress.fraction);
+    return shortened(progress.text, columns - end.size()) + end;
 }
 
 } // namespace quarner::cli

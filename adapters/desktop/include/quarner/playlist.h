@@ -30,8 +30,8 @@ QUARNER_EXPORT std::optional<std::vector<std::string>> readPlaylist(const std::s
 /// can be read its entries, and for a folder the files in it that have one of these extensions
 /// (`DiscProject::fileExtensions`), sorted by name, and then those in its folders. Without an
 /// extension no folder is searched. A search leaves out hidden files and folders, and links to
-/// folders. Every other path is returned as it stands: the burner says what is wrong with it. Any
-/// thread; takes as long as the disk takes.
+/// folders. Every other path, and that of a folder that cannot be read, is returned as it stands:
+/// the burner says what is wrong with it. Any thread; takes as long as the disk takes.
 QUARNER_EXPORT std::vector<std::string>
 filesToAdd(const std::vector<std::string>& paths,
            const std::vector<std::string>& searchedExtensions = {});
