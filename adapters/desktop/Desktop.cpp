@@ -31,7 +31,7 @@ std::shared_ptr<DesktopPlatform> current() {
 std::shared_ptr<DesktopPlatform> currentOrNew(const DesktopOptions& options) {
     const std::lock_guard lock(installed().mutex);
     if (!installed().desktop)
-        installed().desktop = std::make_shared<DesktopPlatform>(options.postToMain);
+        installed().desktop = std::make_shared<DesktopPlatform>(options);
     return installed().desktop;
 }
 

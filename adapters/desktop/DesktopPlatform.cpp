@@ -10,10 +10,10 @@
 
 namespace quarner {
 
-DesktopPlatform::DesktopPlatform(const PostToLoop& postToMain)
-    : _dispatch(makeGlibDispatch(postToMain)) {
+DesktopPlatform::DesktopPlatform(const DesktopOptions& options)
+    : _dispatch(makeGlibDispatch(options.postToMain)) {
     const std::shared_ptr<PCMService> pcm = makeFFmpegPCMService();
-    const std::shared_ptr<RunLoops> runLoops = makeGlibRunLoops(postToMain);
+    const std::shared_ptr<RunLoops> runLoops = makeGlibRunLoops(options.postToMain);
     _opticalDrives = std::make_shared<OpticalDrives>(runLoops);
     _imageDrives = std::make_shared<ImageDrives>(runLoops);
     _services = {
@@ -24,7 +24,7 @@ DesktopPlatform::DesktopPlatform(const PostToLoop& postToMain)
         .files = makeGlibFileService(),
         .dispatch = _dispatch,
         .text = makeGlibTextService(),
-        .log = makeGlibLogSink()};
+        .log = makeGlibLogSink(options.log)};
 }
 
 DesktopPlatform::~DesktopPlatform() = default;

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "adapters/runloop/LoopSource.h"
+#include "quarner/desktop.h"
 #include "quarner/platform/Platform.h"
 
 namespace quarner {
@@ -17,8 +17,8 @@ class OpticalDrives;
 /// them, the image drives that the host has added. Made on the main thread.
 class DesktopPlatform {
 public:
-    /// The main loop is that of the default GMainContext, unless `postToMain` runs functions on it.
-    explicit DesktopPlatform(const PostToLoop& postToMain = {});
+    /// The main loop is that of the default GMainContext, unless the options say otherwise.
+    explicit DesktopPlatform(const DesktopOptions& options = {});
     /// Cancels the running burns and waits for their end, unless the services have another owner.
     ~DesktopPlatform();
     DesktopPlatform(const DesktopPlatform&) = delete;

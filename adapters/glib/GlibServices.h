@@ -59,7 +59,8 @@ std::shared_ptr<FileService> makeGlibFileService();
 std::shared_ptr<TextService> makeGlibTextService();
 
 /// GLib's structured log with log domain "Quarn" and level info: by default a line is shown only if
-/// G_MESSAGES_DEBUG asks for it. Bytes that are not valid UTF-8 become U+FFFD.
-std::shared_ptr<LogSink> makeGlibLogSink();
+/// G_MESSAGES_DEBUG asks for it. Bytes that are not valid UTF-8 become U+FFFD. With a `log`, lines
+/// go there instead, made safe to show.
+std::shared_ptr<LogSink> makeGlibLogSink(std::function<void(const std::string&)> log = {});
 
 } // namespace quarner

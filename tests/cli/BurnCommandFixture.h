@@ -68,11 +68,9 @@ protected:
 /// Burns of every kind of disc.
 class EveryKindOfBurn : public BurnCommandFixture, public testing::WithParamInterface<DiscKind> {
 protected:
-    const DiscTraits& disc() const { return traitsOf(GetParam()); }
-
     /// Runs the command with a title and these arguments.
     int burn(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), {disc().command, "--title", "T"});
+        arguments.insert(arguments.begin(), {commandFor(GetParam()), "--title", "T"});
         return host.run(arguments);
     }
     /// Lets a burn fail while it writes, with a text of the service's own.
@@ -89,12 +87,14 @@ protected:
     /// What a second Ctrl-C does.
     void endAtOnce() { host.loop.endAtOnce(); }
     std::string image() const {
-        return (std::filesystem::temp_directory_path() / disc().example).string();
+        return (std::filesystem::temp_directory_path() /
+                (std::string("mix") + extensionFor(GetParam())))
+            .string();
     }
 };
 
 inline std::string kindOfBurn(const testing::TestParamInfo<DiscKind>& suite) {
-    return traitsOf(suite.param).command;
+    return commandFor(suite.param);
 }
 
 } // namespace quarner::cli

@@ -4,7 +4,6 @@
 #include <filesystem>
 
 #include "tests/cli/TestHost.h"
-#include "tests/support/TemporaryFolder.h"
 
 namespace quarner::cli {
 namespace {
@@ -46,20 +45,6 @@ TEST_F(DriveChoiceTest, AnImagesNameEndsInCueInALetterCaseOfItsOwn) {
     EXPECT_TRUE(host.images.empty());
     host.run({"audio", "--image", folder + "/Mix.CUE", "/m/a.mp3"});
     EXPECT_EQ(host.images.size(), 1U);
-}
-
-TEST_F(DriveChoiceTest, AnImageStandsInAFolderThatExistsAndIsNone) {
-    const TemporaryFolder folderOfImage;
-    std::filesystem::create_directory(folderOfImage.file("trap.cue"));
-    EXPECT_EQ(burn({"--image", folderOfImage.file("none/mix.cue")}), 2);
-    EXPECT_EQ(burn({"--image", folderOfImage.file("trap.cue")}), 2);
-    EXPECT_TRUE(host.images.empty());
-}
-
-TEST_F(DriveChoiceTest, ARelativeImageStandsInTheWorkingFolder) {
-    host.run({"audio", "--image", "mix.cue", "/m/a.mp3"});
-    ASSERT_EQ(host.images.size(), 1U);
-    EXPECT_EQ(host.images[0].path, (std::filesystem::current_path() / "mix.cue").string());
 }
 
 TEST_F(DriveChoiceTest, ProgramsAreToldTheStatusOfAUsageProblemToo) {

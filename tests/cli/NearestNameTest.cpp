@@ -20,7 +20,7 @@ TEST(NearestName, TheDistanceCountsLettersPutInLeftOutAndChanged) {
 TEST(NearestName, CaseDoesNotCount) { EXPECT_EQ(editDistance("DRIVE", "drive"), 0U); }
 
 TEST(NearestName, TheNearestOfTheNamesIsFoundAndTheFirstOfSeveral) {
-    EXPECT_EQ(nearestName("driev", {"audio", "drives", "disc", "drive"}), "drive");
+    EXPECT_EQ(nearestName("drie", {"audio", "drives", "disc", "drive"}), "drive");
     EXPECT_EQ(nearestName("x", {"a", "b"}), "a");
     EXPECT_EQ(nearestName("x", {}), "");
 }

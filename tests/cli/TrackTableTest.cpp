@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "tools/quarner/text/TrackTable.h"
+#include "tools/quarner/text/CompilationText.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

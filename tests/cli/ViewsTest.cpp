@@ -9,12 +9,12 @@
 namespace quarner::cli {
 namespace {
 
-class PlainViewTest : public testing::Test {
+class PeopleViewOnAPipe : public testing::Test {
 protected:
     std::ostringstream out;
     std::ostringstream err;
     Console console{out, err, {}};
-    PlainView view{console};
+    PeopleView view{console};
 };
 
 DiscBurnProgress progress(const std::string& text, double fraction,
@@ -26,7 +26,7 @@ DiscBurnProgress progress(const std::string& text, double fraction,
     return progress;
 }
 
-TEST_F(PlainViewTest, TellsEachStepOnceAndEachTenthOfTheBurnOnce) {
+TEST_F(PeopleViewOnAPipe, TellsEachStepOnceAndEachTenthOfTheBurnOnce) {
     view.burnProgress(progress("Preparing", 0));
     view.burnProgress(progress("Preparing", 0));
     for (const double fraction : {0.05, 0.11, 0.15, 0.19, 0.31})
@@ -41,17 +41,17 @@ TEST_F(PlainViewTest, TellsEachStepOnceAndEachTenthOfTheBurnOnce) {
                          "Verifying: 100%, 0:00 left\n");
 }
 
-TEST_F(PlainViewTest, AFailureGoesToTheErrorStream) {
+TEST_F(PeopleViewOnAPipe, AFailureGoesToTheErrorStream) {
     view.didEnd(ExitStatus::Failed, "it failed");
     EXPECT_EQ(out.str(), "");
     EXPECT_EQ(err.str(), "quarner: it failed\n");
 }
 
-TEST(TerminalView, ShowsOneBarOfTheWholeBurn) {
+TEST(PeopleViewOnATerminal, ShowsOneBarOfTheWholeBurn) {
     std::ostringstream out;
     std::ostringstream err;
     Console console(out, err, {true, false, [] { return std::size_t{80}; }});
-    TerminalView view(console);
+    PeopleView view(console);
     view.burnProgress(progress("Verifying", 0.68, "1:30"));
     EXPECT_EQ(out.str(), "\rVerifying [####################----------]  68%   1:30 left\x1b[K");
 }

@@ -41,5 +41,13 @@ TEST(GlibLog, ALineArrivesInTheStructuredLogWhateverItsBytes) {
     EXPECT_EQ(logged[1].fields["MESSAGE"], "so\uFFFDng");
 }
 
+TEST(GlibLog, ALineGoesToTheHostThatWantsItSafeToShow) {
+    std::vector<std::string> lines;
+    makeGlibLogSink([&](const std::string& line) {
+        lines.push_back(line);
+    })->log("so\xFFng\x1b[2J");
+    EXPECT_EQ(lines, std::vector<std::string>{"so\uFFFDng\uFFFD[2J"});
+}
+
 } // namespace
 } // namespace quarner

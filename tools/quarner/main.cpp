@@ -7,17 +7,20 @@
 #include <clocale>
 #include <csignal>
 #include <exception>
+#include <fstream>
+#include <functional>
 #include <iostream>
+#include <memory>
 #include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <variant>
 #include <vector>
 
 #include "quarner/desktop.h"
 #include "tools/quarner/command/BurnCommand.h"
 #include "tools/quarner/command/Run.h"
-#include "tools/quarner/host/Diagnostics.h"
 #include "tools/quarner/host/Interruptions.h"
 
 namespace quarner::cli {
@@ -26,7 +29,9 @@ namespace {
 /// The desktop platform, for as long as this object lives.
 class InstalledPlatform {
 public:
-    InstalledPlatform() { installDesktopPlatform(); }
+    explicit InstalledPlatform(std::function<void(const std::string&)> log) {
+        installDesktopPlatform({.log = std::move(log)});
+    }
     ~InstalledPlatform() { uninstallDesktopPlatform(); }
     InstalledPlatform(const InstalledPlatform&) = delete;
     InstalledPlatform& operator=(const InstalledPlatform&) = delete;
@@ -60,6 +65,26 @@ std::string addDesktopImageDrive(const ImageDriveOptions& options) {
     return name;
 }
 
+/// Where a question is shown: through the console if that is a terminal, otherwise on the terminal
+/// that controls this process; null if it could not be seen.
+std::function<void(const std::string&)> wayToTerminal(Console& console) {
+    if (isatty(STDERR_FILENO) == 1)
+        return [&console](const std::string& text) { console.error(text); };
+    if (isatty(STDOUT_FILENO) == 1)
+        return [&console](const std::string& text) { console.line(text); };
+    const auto terminal =
+        std::make_shared<std::ofstream>("/dev/tty"); // which controls this process
+    if (!terminal->is_open())
+        return nullptr;
+    return [terminal](const std::string& text) { *terminal << text << std::endl; };
+}
+
+std::optional<Terminal> terminalOfStandardInput(Console& console) {
+    if (isatty(STDIN_FILENO) != 1)
+        return std::nullopt;
+    return Terminal{STDIN_FILENO, wayToTerminal(console)};
+}
+
 bool isVerbose(const Command& command) {
     const auto* const burn = std::get_if<BurnOptions>(&command.options);
     return burn != nullptr && burn->verbose;
@@ -83,8 +108,10 @@ ExitStatus runOnDesktop(Console& console, const Command& command) {
     EventLoop loop;
     // Before the platform makes its threads.
     Interruptions interruptions(loop, [&] { exitNow(console, command.json); });
-    routeDiagnostics(console, isVerbose(command));
-    const InstalledPlatform platform;
+    const InstalledPlatform platform([&, isShown = isVerbose(command)](const std::string& line) {
+        if (isShown)
+            console.error(line);
+    });
     Host host{console,
               loop,
               addDesktopImageDrive,

@@ -3,21 +3,21 @@
 
 #include "quarner/platform/DiscFormat.h"
 #include "tests/cli/program/HostFixture.h"
-#include "tools/quarner/disc/DiscKind.h"
+#include "tools/quarner/options/DiscKind.h"
 
 namespace quarner::testing {
 
 /// A test of the whole program for every kind of disc that it burns.
 class EveryKind : public HostFixture, public ::testing::WithParamInterface<cli::DiscKind> {
 protected:
-    const cli::DiscTraits& disc() const { return cli::traitsOf(GetParam()); }
     bool isData() const { return GetParam() == cli::DiscKind::Data; }
 
     /// The command line that burns to an image with a title; the rest of it follows.
     std::vector<std::string> commandLine(const std::vector<std::string>& rest,
                                          const std::string& below = "") const {
-        std::vector<std::string> all = {disc().command, "--title", "T", "--image",
-                                        below + disc().example};
+        std::vector<std::string> all = {cli::commandFor(GetParam()), "--title", "T", "--image",
+                                        below +
+                                            (std::string("mix") + cli::extensionFor(GetParam()))};
         all.insert(all.end(), rest.begin(), rest.end());
         return all;
     }
@@ -48,7 +48,7 @@ protected:
 };
 
 inline std::string kindName(const ::testing::TestParamInfo<cli::DiscKind>& suite) {
-    return cli::traitsOf(suite.param).command;
+    return cli::commandFor(suite.param);
 }
 
 } // namespace quarner::testing

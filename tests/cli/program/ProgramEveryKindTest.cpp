@@ -22,9 +22,11 @@ using ProgramEveryKind = EveryKind;
 TEST_P(ProgramEveryKind, KeepGoingBurnsTheRestAndIs3OnlyWithNothingLeft) {
     song("a.mp3");
     EXPECT_EQ(burn({"--keep-going", "none.mp3"}).status, 3);
-    EXPECT_FALSE(std::filesystem::exists(folder.file(disc().example)));
+    EXPECT_FALSE(
+        std::filesystem::exists(folder.file((std::string("mix") + cli::extensionFor(GetParam())))));
     EXPECT_EQ(burn({"--keep-going", "none.mp3", "a.mp3"}).status, 0);
-    EXPECT_TRUE(std::filesystem::exists(folder.file(disc().example)));
+    EXPECT_TRUE(
+        std::filesystem::exists(folder.file((std::string("mix") + cli::extensionFor(GetParam())))));
 }
 
 TEST_P(ProgramEveryKind, ADryRunWritesNothing) {
@@ -99,7 +101,7 @@ TEST_P(ProgramEveryKind, AFolderWithoutPermissionIsNamedBeforeAnythingIsAdded) {
 
 TEST_P(ProgramEveryKind, AMachineWithoutDrivesHasNothingToBurnOnAndNothingToShow) {
     song("a.mp3");
-    EXPECT_EQ(run({disc().command, "--title", "T", "a.mp3"}).status, 2);
+    EXPECT_EQ(run({cli::commandFor(GetParam()), "--title", "T", "a.mp3"}).status, 2);
     EXPECT_EQ(run({"drives"}).status, 0);
     EXPECT_EQ(run({"disc"}).status, 2);
     EXPECT_EQ(run({"eject"}).status, 2);
@@ -107,11 +109,13 @@ TEST_P(ProgramEveryKind, AMachineWithoutDrivesHasNothingToBurnOnAndNothingToShow
 
 TEST_P(ProgramEveryKind, ADiscInAnImageCanBeLookedAtAndPutOut) {
     song("a.mp3");
-    const std::vector<std::string> ask = {"disc", "--json", "--image", disc().example};
+    const std::vector<std::string> ask = {"disc", "--json", "--image",
+                                          (std::string("mix") + cli::extensionFor(GetParam()))};
     EXPECT_THAT(run(ask).out, HasSubstr(R"("blank":true)"));
     ASSERT_EQ(burn({"a.mp3"}).status, 0);
     EXPECT_THAT(run(ask).out, HasSubstr(isData() ? R"("usedTime":1,)" : R"("usedTime":10,)"));
-    EXPECT_EQ(run({"eject", "--image", disc().example}).status, 0);
+    EXPECT_EQ(
+        run({"eject", "--image", (std::string("mix") + cli::extensionFor(GetParam()))}).status, 0);
     EXPECT_THAT(names("."), ElementsAreArray(withImage({"a.mp3"})));
 }
 
@@ -121,7 +125,8 @@ TEST_P(ProgramEveryKind, AReaderThatGoesAwayDoesNotEndTheBurn) {
     ASSERT_TRUE(program.waitForOutput("addFilesProgressDidStarted"));
     program.stopReading();
     EXPECT_EQ(program.wait().status, 0);
-    EXPECT_TRUE(std::filesystem::exists(folder.file(disc().example)));
+    EXPECT_TRUE(
+        std::filesystem::exists(folder.file((std::string("mix") + cli::extensionFor(GetParam())))));
 }
 
 INSTANTIATE_TEST_SUITE_P(OfEveryKind, ProgramEveryKind,

@@ -10,6 +10,7 @@
 namespace quarner::testing {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -53,7 +54,10 @@ TEST_F(ProgramStatus, Is2ForWrongUsageAndNothingIsTouched) {
     song("a.mp3");
     EXPECT_EQ(run({"audio", "--imag", "mix.cue", "a.mp3"}).status, 2);
     EXPECT_EQ(run({"audio", "--image", "mix.iso", "a.mp3"}).status, 2);
-    EXPECT_EQ(run({"audio", "--image", "none/mix.cue", "a.mp3"}).status, 2);
+    const HostEnd missing = run({"audio", "--image", "none/mix.cue", "a.mp3"});
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_THAT(missing.err, AllOf(HasSubstr("none"), HasSubstr("No such file or directory")));
+    EXPECT_EQ(run({"data", "--title", "T", "--image", "/dev", "a.mp3"}).status, 2);
     EXPECT_EQ(run({"audio", "--drive", "none", "a.mp3"}).status, 2);
     EXPECT_EQ(run({"audio", "--image", "mix.cue"}).status, 2);
     EXPECT_EQ(run({"burn"}).status, 2);

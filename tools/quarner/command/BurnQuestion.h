@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "quarner/project/DiscProject.h"
-#include "tools/quarner/host/Terminal.h"
+#include "tools/quarner/host/Host.h"
 
 namespace quarner::cli {
 

@@ -19,7 +19,7 @@ constexpr DiscKind allKinds[] = {DiscKind::Audio, DiscKind::Data};
 
 std::string imageHint(std::optional<DiscKind> kind) {
     const std::string name =
-        kind ? std::string("FILE") + traitsOf(*kind).extension : "FILE.cue or FILE.iso";
+        kind ? std::string("FILE") + extensionFor(*kind) : "FILE.cue or FILE.iso";
     return "--image " + name + " makes an image without a drive.";
 }
 
@@ -37,7 +37,7 @@ std::string namedDrive(const std::string& name, std::optional<DiscKind> toBurn) 
     if (all.empty())
         throw UsageProblem("there is no drive '" + safeText(name) + "', nor any other. " +
                            imageHint(toBurn));
-    if (!isAttached(name))
+    if (std::find(all.begin(), all.end(), name) == all.end())
         throw UsageProblem("there is no drive '" + safeText(name) + "'; did you mean '" +
                            safeText(nearestName(name, all)) + "'? The drives are:" + listed(all));
     if (toBurn && !canWrite(name))
@@ -65,7 +65,7 @@ std::string onlyDrive(std::optional<DiscKind> toBurn) {
 std::optional<DiscKind> kindOfImage(const std::string& name) {
     const std::string extension = "." + Paths::lowercaseExtension(name);
     for (const DiscKind kind : allKinds)
-        if (extension == traitsOf(kind).extension && !fs::path(name).extension().empty())
+        if (extension == extensionFor(kind) && !fs::path(name).extension().empty())
             return kind;
     return std::nullopt;
 }
@@ -74,53 +74,25 @@ void checkExtension(const std::string& name, std::optional<DiscKind> kind) {
     const std::optional<DiscKind> found = kindOfImage(name);
     if (found && (!kind || *found == *kind))
         return;
-    const std::string endings = kind ? traitsOf(*kind).extension : ".cue or .iso";
-    std::string text = "the image's name must end in " + endings + ", as in " +
-                       traitsOf(kind.value_or(DiscKind::Audio)).example + ", but is '" +
+    const std::string endings = kind ? extensionFor(*kind) : ".cue or .iso";
+    std::string text = "the image's name must end in " + endings + ", as in " + std::string("mix") +
+                       extensionFor(kind.value_or(DiscKind::Audio)) + ", but is '" +
                        safeText(name) + "'";
     if (found)
-        text += std::string("; an image that ends in ") + traitsOf(*found).extension +
-                " is made by quarner " + traitsOf(*found).command;
+        text += std::string("; an image that ends in ") + extensionFor(*found) +
+                " is made by quarner " + commandFor(*found);
     throw UsageProblem(text);
-}
-
-void checkFolder(const fs::path& folder) {
-    std::error_code error;
-    bool isFolder = false;
-    do
-        isFolder = fs::is_directory(folder, error);
-    while (error == std::errc::interrupted);
-    if (isFolder)
-        return;
-    const std::string name = "the folder '" + safeText(folder.string()) + "' ";
-    if (error && error != std::errc::no_such_file_or_directory)
-        throw UsageProblem(name + "cannot be used: " + error.message());
-    throw UsageProblem(name + "does not exist; make it, or put the image elsewhere");
 }
 
 } // namespace
 
-std::string imagePath(const std::string& name, std::optional<DiscKind> kind) {
-    checkExtension(name, kind);
-    std::error_code error;
-    const fs::path path = fs::absolute(name, error); // empty in a folder that was deleted
-    if (fs::is_directory(path, error))
-        throw UsageProblem("'" + safeText(name) + "' is a folder; name a file in it");
-    checkFolder(path.parent_path());
-    return path.string();
-}
-
 std::string chooseDrive(const Host& host, const Target& target, std::optional<DiscKind> toBurn) {
-    if (target.image)
-        return host.addImageDrive({.path = imagePath(*target.image, toBurn),
-                                   .minutes = target.capacity,
-                                   .loadExisting = !toBurn});
+    if (target.image) {
+        checkExtension(*target.image, toBurn);
+        return host.addImageDrive(
+            {.path = *target.image, .minutes = target.capacity, .loadExisting = !toBurn});
+    }
     return target.drive ? namedDrive(*target.drive, toBurn) : onlyDrive(toBurn);
-}
-
-bool isAttached(const std::string& name) {
-    const std::vector<std::string> all = QuarnerDevice::devices();
-    return std::find(all.begin(), all.end(), name) != all.end();
 }
 
 } // namespace quarner::cli

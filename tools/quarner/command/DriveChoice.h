@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "tools/quarner/disc/DiscKind.h"
 #include "tools/quarner/host/Host.h"
+#include "tools/quarner/options/DiscKind.h"
 #include "tools/quarner/options/Options.h"
 
 namespace quarner::cli {
@@ -16,13 +16,5 @@ namespace quarner::cli {
 /// when that is none or several.
 std::string chooseDrive(const Host& host, const Target& target,
                         std::optional<DiscKind> toBurn = std::nullopt);
-
-/// Whether there is a drive of this name.
-bool isAttached(const std::string& name);
-
-/// The absolute path of an image. Throws `UsageProblem` for a name that does not end like one of
-/// this kind of disc, or of any kind; for a folder; and for a place that does not exist or cannot
-/// be reached.
-std::string imagePath(const std::string& name, std::optional<DiscKind> kind = std::nullopt);
 
 } // namespace quarner::cli

@@ -9,9 +9,15 @@
 #include "quarner/desktop.h"
 #include "tools/quarner/host/Console.h"
 #include "tools/quarner/host/EventLoop.h"
-#include "tools/quarner/host/Terminal.h"
 
 namespace quarner::cli {
+
+/// A terminal at which somebody can be asked.
+struct Terminal {
+    int keyboard = -1; ///< the descriptor from which the answer is read
+    /// Shows a line of the question; null where it could not be seen.
+    std::function<void(const std::string&)> show;
+};
 
 /// What the commands need of the program around them. They run on whichever platform is installed.
 struct Host {

@@ -118,13 +118,14 @@ Grammar::Grammar() {
 }
 
 void Grammar::addBurn(DiscKind kind, const char* how, const char* image, const char* example) {
-    const DiscTraits& disc = traitsOf(kind);
     CLI::App* const command = _app.add_subcommand(
-        disc.command,
+        commandFor(kind),
         "Burn audio files (" + listOf(DiscProject::fileExtensions()) + ") and playlists " + how);
     command->allow_extras();
-    addTarget(*command, std::string("FILE") + disc.extension, image);
-    addBurnOptions(*command, disc.titleHelp);
+    addTarget(*command, std::string("FILE") + extensionFor(kind), image);
+    addBurnOptions(*command, kind == DiscKind::Audio
+                                 ? "Name of the disc (neither an image nor a player shows it)"
+                                 : "Name of the disc");
     command->footer(std::string(example) + statusHelp + outputHelp);
     command->callback([this, kind] { _toBurn = kind; });
 }

@@ -6,8 +6,8 @@
 #include <variant>
 #include <vector>
 
-#include "tools/quarner/disc/DiscKind.h"
 #include "tools/quarner/host/ExitStatus.h"
+#include "tools/quarner/options/DiscKind.h"
 
 namespace quarner::cli {
 

@@ -1,28 +1,14 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "tools/quarner/text/JsonLine.h"
 
+#include <algorithm>
+#include <iterator>
 #include <nlohmann/json.hpp>
 
 namespace quarner::cli {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-Json jsonOf(const Value& value);
-
-Json jsonOf(const Dictionary& dictionary) {
-    Json object = Json::object();
-    for (const auto& [key, value] : dictionary)
-        object[key] = jsonOf(value);
-    return object;
-}
-
-Json jsonOf(const Array& list) {
-    Json array = Json::array();
-    for (const Value& value : list)
-        array.push_back(jsonOf(value));
-    return array;
-}
 
 Json jsonOfNumber(const Value& value) {
     if (value == Value(value.asBool()))
@@ -33,15 +19,20 @@ Json jsonOfNumber(const Value& value) {
 }
 
 Json jsonOf(const Value& value) {
+    Json json;
     if (const std::string* const text = value.asString())
-        return *text;
-    if (const Array* const list = value.asArray())
-        return jsonOf(*list);
-    if (const Dictionary* const dictionary = value.asDictionary())
-        return jsonOf(*dictionary);
-    if (const Icon* const icon = value.asIcon())
-        return icon->names;
-    return value.isNumber() ? jsonOfNumber(value) : Json();
+        json = *text;
+    else if (const Icon* const icon = value.asIcon())
+        json = icon->names;
+    else if (const Array* const list = value.asArray())
+        std::transform(list->begin(), list->end(), std::back_inserter(json = Json::array()),
+                       jsonOf);
+    else if (const Dictionary* const dictionary = value.asDictionary())
+        for (json = Json::object(); const auto& [key, entry] : *dictionary)
+            json[key] = jsonOf(entry);
+    else if (value.isNumber())
+        json = jsonOfNumber(value);
+    return json;
 }
 
 } // namespace

@@ -5,15 +5,10 @@
 #include <cmath>
 
 #include "quarner/display.h"
-#include "tools/quarner/text/CapacityBar.h"
+#include "tools/quarner/text/CompilationText.h"
 
 namespace quarner::cli {
 namespace {
-
-std::string addingText(const std::string& displayName, std::size_t index, std::size_t of) {
-    return "Adding " + std::to_string(index) + " of " + std::to_string(of) + ": " +
-           safeText(displayName);
-}
 
 std::string tenthText(int tenth, const DiscBurnProgress& progress) {
     const std::string& time = progress.timeLeftText;
@@ -47,29 +42,28 @@ void PeopleView::didEnd(ExitStatus status, const std::string& outcome) {
         console().error("quarner: " + outcome);
 }
 
-void PlainView::addingProgress(const std::string& displayName, std::size_t index, std::size_t of) {
-    console().line(addingText(displayName, index, of));
+void PeopleView::addingProgress(const std::string& displayName, std::size_t index, std::size_t of) {
+    const std::string text = "Adding " + std::to_string(index) + " of " + std::to_string(of) +
+                             ": " + safeText(displayName);
+    console().screen().isTerminal ? console().status(text) : console().line(text);
 }
 
-void PlainView::burnProgress(const DiscBurnProgress& progress) {
-    const int tenth = static_cast<int>(std::floor(progress.fraction * 10));
-    if (progress.text == _lastStep && tenth == _lastTenth)
-        return;
-    const bool isNewTenth = tenth != _lastTenth;
-    _lastStep = progress.text;
-    _lastTenth = tenth;
-    console().line(progress.text + (isNewTenth ? tenthText(tenth, progress) : ""));
-}
-
-void TerminalView::addingProgress(const std::string& displayName, std::size_t index,
-                                  std::size_t of) {
-    console().status(addingText(displayName, index, of));
-}
-
-void TerminalView::burnProgress(const DiscBurnProgress& progress) {
+void PeopleView::burnProgress(const DiscBurnProgress& progress) {
     const Screen& screen = console().screen();
     const std::size_t columns = std::max<std::size_t>(screen.columns(), 2) - 1;
-    console().status(progressLine(progress, columns, screen.isUtf8));
+    if (screen.isTerminal)
+        console().status(progressLine(progress, columns, screen.isUtf8));
+    else
+        printStep(progress);
+}
+
+void PeopleView::printStep(const DiscBurnProgress& progress) {
+    const int tenth = static_cast<int>(std::floor(progress.fraction * 10));
+    const bool isNewTenth = tenth != _lastTenth;
+    if (progress.text != _lastStep || isNewTenth)
+        console().line(progress.text + (isNewTenth ? tenthText(tenth, progress) : ""));
+    _lastStep = progress.text;
+    _lastTenth = tenth;
 }
 
 } // namespace quarner::cli

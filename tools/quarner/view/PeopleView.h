@@ -7,38 +7,24 @@
 
 namespace quarner::cli {
 
-/// What the two views for people have in common.
+/// For people. On a terminal the file being examined, and later the progress bar of the whole burn,
+/// are one line that is drawn over and over. Elsewhere there is a line for each file, for each step
+/// of the burn, and for every tenth of the whole burn.
 class PeopleView : public View {
 public:
     using View::View;
 
+    void addingProgress(const std::string& displayName, std::size_t index, std::size_t of) override;
+    void burnProgress(const DiscBurnProgress& progress) override;
     void compilationIsComplete(const Compilation& compilation) override;
     void waitsFor(const DiscProblem& problem) override;
     void didEnd(ExitStatus status, const std::string& outcome) override;
-};
-
-/// For a file or a pipe: a line for each file that is examined, for each step of the burn, and for
-/// every tenth of the whole burn.
-class PlainView : public PeopleView {
-public:
-    using PeopleView::PeopleView;
-
-    void addingProgress(const std::string& displayName, std::size_t index, std::size_t of) override;
-    void burnProgress(const DiscBurnProgress& progress) override;
 
 private:
+    void printStep(const DiscBurnProgress& progress);
+
     std::string _lastStep;
     int _lastTenth = 0;
-};
-
-/// For a terminal: the file being examined, and later the progress bar of the whole burn, in one
-/// line that is drawn over and over.
-class TerminalView : public PeopleView {
-public:
-    using PeopleView::PeopleView;
-
-    void addingProgress(const std::string& displayName, std::size_t index, std::size_t of) override;
-    void burnProgress(const DiscBurnProgress& progress) override;
 };
 
 } // namespace quarner::cli

@@ -20,9 +20,7 @@ void View::ejectionDidEnd(const std::string& /*driveName*/, const std::string& p
 std::shared_ptr<View> makeView(Console& console, bool json) {
     if (json)
         return std::make_shared<JsonView>(console);
-    if (console.screen().isTerminal)
-        return std::make_shared<TerminalView>(console);
-    return std::make_shared<PlainView>(console);
+    return std::make_shared<PeopleView>(console);
 }
 
 } // namespace quarner::cli

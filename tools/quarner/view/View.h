@@ -8,7 +8,7 @@
 #include "quarner/project/DiscProjectRecords.h"
 #include "tools/quarner/host/Console.h"
 #include "tools/quarner/host/ExitStatus.h"
-#include "tools/quarner/text/TrackTable.h"
+#include "tools/quarner/text/CompilationText.h"
 
 namespace quarner::cli {
 

@@ -42,6 +42,11 @@ struct DesktopOptions {
     /// returned; a function that the loop never runs is lost without harm after that. Empty for the
     /// loop of the default GMainContext.
     std::function<void(std::function<void()>)> postToMain = {};
+
+    /// Receives the lines of the library's log, each made safe to show (`safeText`). It is called on
+    /// any thread, also on several at once, and must not throw. Empty for GLib's log, in the domain
+    /// "Quarn".
+    std::function<void(const std::string&)> log = {};
 };
 
 /// The same with options, which count if the platform is not installed yet.

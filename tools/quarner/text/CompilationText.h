@@ -2,11 +2,23 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
+#include <vector>
 
-#include "tools/quarner/text/TrackTable.h"
+#include "tools/quarner/options/DiscKind.h"
 
 namespace quarner::cli {
+
+/// What is to be burnt, and what it takes of the disc.
+struct Compilation {
+    DiscKind kind = DiscKind::Audio;
+    std::shared_ptr<const DiscItems> items; ///< never null
+    DiscCapacity capacity;
+};
+
+/// The tracks or files with their numbers, names, durations and sizes, and their sum; one a line.
+std::vector<std::string> trackList(const Compilation& compilation, std::size_t columns);
 
 /// A bar that is filled to a fraction (kept between 0 and 1), a number of columns wide with its
 /// brackets. A fraction above 0 shows, and only the whole fills the bar.
