@@ -43,9 +43,9 @@ struct DesktopOptions {
     /// loop of the default GMainContext.
     std::function<void(std::function<void()>)> postToMain = {};
 
-    /// Receives the lines of the library's log, each made safe to show (`safeText`). It is called on
-    /// any thread, also on several at once, and must not throw. Empty for GLib's log, in the domain
-    /// "Quarn".
+    /// Receives the lines of the library's log, each made safe to show (`safeText`). It is called
+    /// on any thread, also on several at once, and must not throw. Empty for GLib's log, in the
+    /// domain "Quarn".
     std::function<void(const std::string&)> log = {};
 };
 
