@@ -217,4 +217,20 @@ void DiscProjectRecords::burnEnded(const DiscBurnEnd& end) {
     record("burnEnded", arguments);
 }
 
+DiscProjectRecords::Arguments recordOf(const DiscDrive& drive) {
+    return {{"name", drive.name},
+            {"present", drive.hasDisc},
+            {"kind", drive.discKind},
+            {"cd", drive.isCD},
+            {"blank", drive.isBlank},
+            {"appendable", drive.isAppendable},
+            {"erasable", drive.isErasable},
+            {"overwritable", drive.isOverwritable},
+            {"usedTime", drive.usedSeconds},
+            {"freeTime", drive.freeSeconds},
+            {"usedSize", drive.usedBytes},
+            {"freeSize", drive.freeBytes},
+            {"speeds", Array(drive.speeds.begin(), drive.speeds.end())}};
+}
+
 } // namespace quarner

@@ -8,6 +8,7 @@
 #include "quarner/front/QuarnDelegate.h"
 #include "quarner/platform/Export.h"
 #include "quarner/platform/Value.h"
+#include "quarner/project/DiscDrive.h"
 #include "quarner/project/DiscProjectObserver.h"
 
 namespace quarner {
@@ -57,5 +58,10 @@ public:
     void burnProgress(const DiscBurnProgress& progress) override;
     void burnEnded(const DiscBurnEnd& end) override;
 };
+
+/// What is known of a drive and its disc as a record: "name", "present", "kind", "cd", "blank",
+/// "appendable", "erasable", "overwritable", "usedTime" and "freeTime" in seconds, "usedSize" and
+/// "freeSize" in bytes, "speeds" in sectors per second. Any thread.
+QUARNER_EXPORT DiscProjectRecords::Arguments recordOf(const DiscDrive& drive);
 
 } // namespace quarner

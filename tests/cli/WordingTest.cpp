@@ -12,6 +12,7 @@
 #include "quarner/scripted.h"
 #include "tests/cli/DriveBurnFixture.h"
 #include "tests/cli/WatchFixture.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tools/quarner/command/BurnCommand.h"
 #include "tools/quarner/command/Run.h"
 

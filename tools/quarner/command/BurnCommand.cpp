@@ -1,18 +1,22 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "tools/quarner/command/BurnCommand.h"
 
-#include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "quarner/display.h"
 #include "quarner/playlist.h"
+#include "quarner/project/DiscProject.h"
+#include "tools/quarner/command/BurnQuestion.h"
 #include "tools/quarner/command/DriveChoice.h"
 
 namespace quarner::cli {
+namespace {
 
 using Phase = DiscBurnProgress::Phase;
 
-struct BurnCommand::Reports : DiscProjectObserver {
+/// What the project has reported.
+struct Reports : DiscProjectObserver {
     void fileRefused(const std::string& /*path*/, RefusalReason /*reason*/,
                      const std::string& /*text*/) override {
         ++refusedCount;
@@ -25,8 +29,6 @@ struct BurnCommand::Reports : DiscProjectObserver {
     std::optional<DiscBurnEnd> end;
 };
 
-namespace {
-
 ExitStatus statusFor(DRError code) {
     const bool isOfSize = code == DRError::MediaTooSmall || code == DRError::TooManyTracks;
     return isOfSize ? ExitStatus::DoesNotFit : ExitStatus::Failed;
@@ -38,16 +40,49 @@ bool isOfDisc(DRError code) {
            code == DRError::WrongMedia || code == DRError::MediaTooSmall;
 }
 
-} // namespace
+/// For one run.
+class BurnCommand {
+public:
+    BurnCommand(Host& host, BurnOptions options, std::shared_ptr<View> view);
+    ~BurnCommand();
+    BurnCommand(const BurnCommand&) = delete;
+    BurnCommand& operator=(const BurnCommand&) = delete;
+    ExitStatus run();
 
-std::string explained(const std::string& text, const std::string& detail,
-                      const std::string& advice) {
-    std::string all = text;
-    for (const std::string* more : {&detail, &advice})
-        if (!more->empty())
-            all += "\n" + safeText(*more);
-    return all;
-}
+private:
+    /// How it ended, in a number and in a sentence.
+    struct Outcome {
+        ExitStatus status;
+        std::string text;
+    };
+
+    Outcome performOrEndAtOnce();
+    Outcome perform();
+    void interrupt();
+    void runUntil(const std::function<bool()>& isOver);
+    void addFiles();
+    void waitForDrive();
+    void waitForDisc();
+    std::optional<DiscProblem> firstProblem() const;
+    Compilation compilation() const;
+    bool isAsked() const;
+    BurnQuestion::Answer ask();
+    Outcome burn();
+    void ejectDisc();
+    Outcome refusal() const;
+    Outcome refusal(const DiscProblem& problem) const;
+    Outcome cancellation() const;
+    const char* leftByCancellation() const;
+
+    Host& _host;
+    const BurnOptions _options;
+    const std::shared_ptr<View> _view;
+    const std::string _driveName;
+    const std::shared_ptr<Reports> _reports;
+    DiscProject _project;
+    const DiscDrive::Id _drive; ///< 0 if it is gone already
+    bool _isInterrupted = false;
+};
 
 BurnCommand::BurnCommand(Host& host, BurnOptions options, std::shared_ptr<View> view)
     : _host(host), _options(std::move(options)), _view(std::move(view)),
@@ -231,6 +266,21 @@ const char* BurnCommand::leftByCancellation() const {
     if (_reports->phase == Phase::Verifying)
         return "the disc is complete, but was not verified";
     return isUnknown ? "the disc may not be usable" : "the disc is not usable";
+}
+
+} // namespace
+
+ExitStatus burn(Host& host, const BurnOptions& options, const std::shared_ptr<View>& view) {
+    return BurnCommand(host, options, view).run();
+}
+
+std::string explained(const std::string& text, const std::string& detail,
+                      const std::string& advice) {
+    std::string all = text;
+    for (const std::string* more : {&detail, &advice})
+        if (!more->empty())
+            all += "\n" + safeText(*more);
+    return all;
 }
 
 } // namespace quarner::cli

@@ -10,6 +10,7 @@
 #include "quarner/display.h"
 #include "quarner/platform/Platform.h"
 #include "quarner/project/DiscDrive.h"
+#include "quarner/project/DiscProjectRecords.h"
 #include "quarner/util/MultiMedia.h"
 #include "tools/quarner/command/DriveChoice.h"
 #include "tools/quarner/text/JsonLine.h"
@@ -50,22 +51,6 @@ std::string driveJson(const DiscDrive& drive) {
     return jsonWithProblem(
         "drive", {{"name", drive.name}, {"canWriteCD", drive.canWrite}, {"disc", drive.hasDisc}},
         drive);
-}
-
-std::string discJson(const DiscDrive& drive) {
-    return jsonLine("disc", {{"name", drive.name},
-                             {"present", drive.hasDisc},
-                             {"kind", drive.discKind},
-                             {"cd", drive.isCD},
-                             {"blank", drive.isBlank},
-                             {"appendable", drive.isAppendable},
-                             {"erasable", drive.isErasable},
-                             {"overwritable", drive.isOverwritable},
-                             {"usedTime", drive.usedSeconds},
-                             {"freeTime", drive.freeSeconds},
-                             {"usedSize", drive.usedBytes},
-                             {"freeSize", drive.freeBytes},
-                             {"speeds", Array(drive.speeds.begin(), drive.speeds.end())}});
 }
 
 /// With why the drive cannot be used if that is why it kept its disc.
@@ -124,7 +109,7 @@ ExitStatus showDisc(Host& host, const Target& target, bool json) {
     if (!drive.problem.empty())
         throw UsageProblem(safeText(textForUnusableDrive(drive)));
     if (json)
-        host.console.line(discJson(drive));
+        host.console.line(jsonLine("disc", recordOf(drive)));
     else
         for (const std::string& line : discLines(drive))
             host.console.line(line);

@@ -2,14 +2,22 @@
 #include "tools/quarner/command/Run.h"
 
 #include <cerrno>
+#include <memory>
 #include <system_error>
 
 #include "tools/quarner/command/BurnCommand.h"
 #include "tools/quarner/command/QueryCommands.h"
 #include "tools/quarner/text/JsonLine.h"
+#include "tools/quarner/view/JsonView.h"
+#include "tools/quarner/view/PeopleView.h"
 
 namespace quarner::cli {
 namespace {
+
+std::shared_ptr<View> makeView(Console& console, bool json) {
+    return json ? std::shared_ptr<View>(std::make_shared<JsonView>(console))
+                : std::make_shared<PeopleView>(console);
+}
 
 ExitStatus runQuery(Host& host, const QueryOptions& options, bool json) {
     switch (options.query) {
@@ -35,9 +43,8 @@ ExitStatus endJson(Console& console, bool json, ExitStatus status) {
 
 ExitStatus runCommand(Host& host, const Command& command) {
     try {
-        if (const auto* const burn = std::get_if<BurnOptions>(&command.options)) {
-            return BurnCommand(host, *burn, makeView(host.console, command.json)).run();
-        }
+        if (const auto* const options = std::get_if<BurnOptions>(&command.options))
+            return burn(host, *options, makeView(host.console, command.json));
         const auto& query = std::get<QueryOptions>(command.options);
         return endJson(host.console, command.json, runQuery(host, query, command.json));
     } catch (const EndedAtOnce&) {

@@ -2,8 +2,6 @@
 #include "tools/quarner/view/View.h"
 
 #include "quarner/display.h"
-#include "tools/quarner/view/JsonView.h"
-#include "tools/quarner/view/PeopleView.h"
 
 namespace quarner::cli {
 
@@ -15,12 +13,6 @@ void View::fileRefused(const std::string& path, RefusalReason reason, const std:
 void View::ejectionDidEnd(const std::string& /*driveName*/, const std::string& problem) {
     if (!problem.empty())
         _console.error("quarner: " + safeText(problem));
-}
-
-std::shared_ptr<View> makeView(Console& console, bool json) {
-    if (json)
-        return std::make_shared<JsonView>(console);
-    return std::make_shared<PeopleView>(console);
 }
 
 } // namespace quarner::cli

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include <memory>
 #include <string>
 
 #include "quarner/project/DiscProject.h"
@@ -44,8 +43,5 @@ protected:
 private:
     Console& _console;
 };
-
-/// The view for programs, or the one for people that the console's screen asks for.
-std::shared_ptr<View> makeView(Console& console, bool json);
 
 } // namespace quarner::cli
