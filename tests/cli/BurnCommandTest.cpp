@@ -307,7 +307,8 @@ TEST_P(BurnCommandTest, ProgramsAreToldWhyNoBurnStarts) {
         expectRefusal(DRError::TooManyTracks, 4, std::vector<std::string>(100, "/m/short.mp3"));
     host.platform.unplug(writer);
     host.platform.fail(ServiceCall::Devices);
-    expectRefusal(DRError::DeviceVanished, 1, {"--image", disc().example, "/m/a.mp3"});
+    expectRefusal(DRError::DeviceVanished, 1,
+                  {"--image", std::string("mix") + extensionFor(GetParam()), "/m/a.mp3"});
     EXPECT_EQ(host.platform.burns().size(), 0U);
 }
 

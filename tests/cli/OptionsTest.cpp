@@ -38,7 +38,7 @@ TEST(Options, AudioTakesItsOptionsAnywhereAndKeepsTheOrderOfTheFiles) {
     EXPECT_EQ(options.target.image, "mix.cue");
     EXPECT_EQ(options.target.capacity, 74);
     EXPECT_EQ(options.title, "My mix");
-    EXPECT_TRUE(options.dryRun && options.keepGoing && options.verbose);
+    EXPECT_TRUE(options.dryRun && options.keepGoing);
 }
 
 TEST(Options, WithoutOptionsTheDiscHas80MinutesAndNoTitle) {
@@ -46,7 +46,7 @@ TEST(Options, WithoutOptionsTheDiscHas80MinutesAndNoTitle) {
     EXPECT_EQ(options.target.capacity, 80);
     EXPECT_EQ(options.title, std::nullopt);
     EXPECT_EQ(options.target.image, std::nullopt);
-    EXPECT_FALSE(options.dryRun || options.keepGoing || options.verbose);
+    EXPECT_FALSE(options.dryRun || options.keepGoing);
 }
 
 TEST(Options, FileNamesComeThroughByteForByte) {
@@ -82,7 +82,7 @@ TEST(Options, DataTakesTheOptionsOfAudio) {
     EXPECT_EQ(options.target.image, "mix.iso");
     EXPECT_EQ(options.target.capacity, 74);
     EXPECT_EQ(options.title, "My mix");
-    EXPECT_TRUE(options.dryRun && options.keepGoing && options.verbose);
+    EXPECT_TRUE(options.dryRun && options.keepGoing);
 }
 
 TEST(Options, TheQueriesTakeADriveOrAnImage) {
@@ -121,6 +121,14 @@ TEST(Options, YesIsForTheCommandsThatBurn) {
     EXPECT_TRUE(audio({"--yes", "a.mp3"}).yes);
     EXPECT_TRUE(data({"--yes", "--title", "T", "a.mp3"}).yes);
     EXPECT_EQ(message({"eject", "--yes"}).status, ExitStatus::Usage);
+}
+
+TEST(Options, TheLogIsShownOnRequest) {
+    const auto isVerbose = [](const std::vector<std::string>& arguments) {
+        return std::get<Command>(parseCommandLine(arguments)).verbose;
+    };
+    EXPECT_TRUE(isVerbose({"audio", "--verbose", "a.mp3"}));
+    EXPECT_FALSE(isVerbose({"audio", "a.mp3"}));
 }
 
 TEST(Options, TheVersionIsTold) { EXPECT_EQ(message({"--version"}).status, ExitStatus::Success); }

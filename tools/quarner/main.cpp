@@ -85,11 +85,6 @@ std::optional<Terminal> terminalOfStandardInput(Console& console) {
     return Terminal{STDIN_FILENO, wayToTerminal(console)};
 }
 
-bool isVerbose(const Command& command) {
-    const auto* const burn = std::get_if<BurnOptions>(&command.options);
-    return burn != nullptr && burn->verbose;
-}
-
 /// How long the report of a forced end may take: whoever reads the output may not take it.
 constexpr std::chrono::milliseconds reportTimeout{500};
 
@@ -108,7 +103,7 @@ ExitStatus runOnDesktop(Console& console, const Command& command) {
     EventLoop loop;
     // Before the platform makes its threads.
     Interruptions interruptions(loop, [&] { exitNow(console, command.json); });
-    const InstalledPlatform platform([&, isShown = isVerbose(command)](const std::string& line) {
+    const InstalledPlatform platform([&, isShown = command.verbose](const std::string& line) {
         if (isShown)
             console.error(line);
     });

@@ -45,18 +45,15 @@ class BurnCommand {
 public:
     BurnCommand(Host& host, BurnOptions options, std::shared_ptr<View> view);
     ~BurnCommand();
-    BurnCommand(const BurnCommand&) = delete;
-    BurnCommand& operator=(const BurnCommand&) = delete;
     ExitStatus run();
 
 private:
     /// How it ended, in a number and in a sentence.
     struct Outcome {
-        ExitStatus status;
+        ExitStatus status = ExitStatus::Canceled;
         std::string text;
     };
 
-    Outcome performOrEndAtOnce();
     Outcome perform();
     void interrupt();
     void runUntil(const std::function<bool()>& isOver);
@@ -66,7 +63,7 @@ private:
     std::optional<DiscProblem> firstProblem() const;
     Compilation compilation() const;
     bool isAsked() const;
-    BurnQuestion::Answer ask();
+    BurnAnswer ask();
     Outcome burn();
     void ejectDisc();
     Outcome refusal() const;
@@ -100,19 +97,15 @@ BurnCommand::~BurnCommand() { _host.onInterruption(nullptr); }
 
 ExitStatus BurnCommand::run() {
     _host.onInterruption([this] { interrupt(); });
-    const Outcome outcome = performOrEndAtOnce();
+    Outcome outcome;
+    try {
+        outcome = perform();
+    } catch (const EndedAtOnce&) {
+        _host.endPlatform(); // may wait for a drive: the process is ended then, and says so
+        outcome = cancellation();
+    }
     _view->didEnd(outcome.status, outcome.text);
     return outcome.status;
-}
-
-BurnCommand::Outcome BurnCommand::performOrEndAtOnce() {
-    try {
-        return perform();
-    } catch (const EndedAtOnce&) {
-        _isInterrupted = true;
-        _host.endPlatform(); // may wait for a drive: the process is ended then, and says so
-        return cancellation();
-    }
 }
 
 BurnCommand::Outcome BurnCommand::perform() {
@@ -125,8 +118,8 @@ BurnCommand::Outcome BurnCommand::perform() {
         return cancellation();
     if (compiled.items->empty() || (_reports->refusedCount > 0 && !_options.keepGoing))
         return refusal();
-    auto answer = BurnQuestion::Answer::OtherDisc;
-    for (bool isFirst = true; answer == BurnQuestion::Answer::OtherDisc; isFirst = false) {
+    auto answer = BurnAnswer::OtherDisc;
+    for (bool isFirst = true; answer == BurnAnswer::OtherDisc; isFirst = false) {
         if (isAsked()) // about the disc as it is now
             examineDisc(_project, _drive, [this](const auto& isOver) { runUntil(isOver); });
         if (const auto problem = firstProblem())
@@ -137,7 +130,7 @@ BurnCommand::Outcome BurnCommand::perform() {
             _host.terminal->show("The disc was changed.");
         answer = ask();
     }
-    return answer == BurnQuestion::Answer::Yes && !_isInterrupted ? burn() : cancellation();
+    return answer == BurnAnswer::Yes && !_isInterrupted ? burn() : cancellation();
 }
 
 /// Everything that is waited for ends with Ctrl-C, but a burn, which ends by being cancelled.
@@ -217,11 +210,11 @@ bool BurnCommand::isAsked() const {
     return _host.terminal && !_options.yes && !_options.target.image;
 }
 
-BurnQuestion::Answer BurnCommand::ask() {
+BurnAnswer BurnCommand::ask() {
     if (!isAsked())
-        return BurnQuestion::Answer::Yes;
-    return BurnQuestion(_project, _drive, *_host.terminal, _options.title.value_or(""))
-        .ask([this](const auto& isOver) { runUntil(isOver); });
+        return BurnAnswer::Yes;
+    return askToBurn(_project, _drive, *_host.terminal, _options.title.value_or(""),
+                     [this](const auto& isOver) { runUntil(isOver); });
 }
 
 // --- The burn ---

@@ -7,7 +7,7 @@
 
 #include <memory>
 #include <optional>
-#include <utility>
+#include <vector>
 
 #include "quarner/display.h"
 
@@ -35,46 +35,43 @@ private:
     guint _source = 0;
 };
 
-} // namespace
-
-BurnQuestion::BurnQuestion(DiscProject& project, DiscDrive::Id drive, Terminal terminal,
-                           std::string title)
-    : _project(project), _drive(drive), _terminal(std::move(terminal)), _title(std::move(title)) {}
-
-BurnQuestion::Answer BurnQuestion::ask(const Wait& wait) {
-    const std::optional<DiscDrive> asked = _project.drive(_drive);
-    tcflush(_terminal.keyboard, TCIFLUSH); // what was typed before is no answer to this
-    for (const std::string& line : text(asked.value_or(DiscDrive())))
-        _terminal.show(line);
-    if (!isYesTyped(wait))
-        return Answer::No;
-    examineDisc(_project, _drive, wait);
-    return asked == _project.drive(_drive) ? Answer::Yes : Answer::OtherDisc;
-}
-
 /// A terminal becomes readable when a line is complete. What was typed after it is left.
-bool BurnQuestion::isYesTyped(const Wait& wait) const {
-    const Readable keyboard(_terminal.keyboard);
+bool isYesTyped(int descriptor, const Wait& wait) {
+    const Readable keyboard(descriptor);
     wait([&] { return keyboard.isReadable; });
     std::string line;
     char letter = 0;
-    while (keyboard.isReadable && TEMP_FAILURE_RETRY(read(_terminal.keyboard, &letter, 1)) == 1 &&
+    while (keyboard.isReadable && TEMP_FAILURE_RETRY(read(descriptor, &letter, 1)) == 1 &&
            letter != '\n')
         line += letter;
     return letter == '\n' && isYes(line);
 }
 
-std::vector<std::string> BurnQuestion::text(const DiscDrive& drive) const {
+std::vector<std::string> questionAbout(const DiscDrive& drive, const std::string& title) {
     std::vector<std::string> lines = {"Drive:   " + safeText(drive.name),
                                       "Disc:    " + safeText(textForDiscAndFreeTime(drive))};
     if (!drive.isBlank)
         lines.emplace_back("         Its content will be erased.");
-    lines.push_back("Title:   " + safeText(_title));
+    lines.push_back("Title:   " + safeText(title));
     lines.emplace_back("Burn this disc? Type y to burn it, anything else to cancel.");
     return lines;
 }
 
-void examineDisc(DiscProject& project, DiscDrive::Id drive, const BurnQuestion::Wait& wait) {
+} // namespace
+
+BurnAnswer askToBurn(DiscProject& project, DiscDrive::Id drive, const Terminal& terminal,
+                     const std::string& title, const Wait& wait) {
+    const std::optional<DiscDrive> asked = project.drive(drive);
+    tcflush(terminal.keyboard, TCIFLUSH); // what was typed before is no answer to this
+    for (const std::string& line : questionAbout(asked.value_or(DiscDrive()), title))
+        terminal.show(line);
+    if (!isYesTyped(terminal.keyboard, wait))
+        return BurnAnswer::No;
+    examineDisc(project, drive, wait);
+    return asked == project.drive(drive) ? BurnAnswer::Yes : BurnAnswer::OtherDisc;
+}
+
+void examineDisc(DiscProject& project, DiscDrive::Id drive, const Wait& wait) {
     const auto isDone = std::make_shared<bool>(false); // the answer may come after the wait
     project.examine(drive, [isDone] { *isDone = true; });
     wait([&] { return *isDone; });

@@ -2,15 +2,12 @@
 #pragma once
 
 #include <atomic>
-#include <exception>
 #include <functional>
 
 namespace quarner::cli {
 
 /// Thrown out of `EventLoop::runUntil` when the program has to end without waiting for anything.
-struct EndedAtOnce : std::exception {
-    const char* what() const noexcept override { return "ended at once"; }
-};
+struct EndedAtOnce {};
 
 /// The main loop of the program: GLib's default context, on which the library reports too.
 class EventLoop {

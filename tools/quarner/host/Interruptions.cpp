@@ -72,12 +72,7 @@ void Interruptions::signalArrived() {
         handler = std::exchange(_handler, nullptr);
     }
     if (handler)
-        _loop.post(std::move(handler));
-    else
-        endAtOnce();
-}
-
-void Interruptions::endAtOnce() {
+        return _loop.post(std::move(handler));
     _loop.endAtOnce();
     std::unique_lock lock(_mutex);
     if (_over.wait_for(lock, exitTimeout, [this] { return _isOver; }))

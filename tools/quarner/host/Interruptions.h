@@ -12,9 +12,8 @@
 namespace quarner::cli {
 
 /// Ctrl-C and the signals that ask a program to end; those that the program was started to ignore
-/// are ignored. They are taken by a thread of their own, so
-/// that they work even while the main loop is stuck in a slow file, and so that what they lead to
-/// runs as ordinary code.
+/// are ignored. They are taken by a thread of their own, so that they work even while the main loop
+/// is stuck in a slow file, and so that what they lead to runs as ordinary code.
 class Interruptions {
 public:
     /// How long ending at once may take.
@@ -39,7 +38,6 @@ public:
 private:
     void serve();
     void signalArrived();
-    void endAtOnce();
 
     EventLoop& _loop;
     const std::function<void()> _exitNow;

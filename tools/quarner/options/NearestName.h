@@ -8,8 +8,8 @@
 
 namespace quarner::cli {
 
-/// How many letters must be put in, left out, changed or swapped with their neighbour to make one
-/// word of the other. Letters are bytes; upper and lower case of ASCII count as the same.
+/// How many letters must be put in, left out or changed to make one word of the other. Letters are
+/// bytes; upper and lower case of ASCII count as the same.
 std::size_t editDistance(std::string_view a, std::string_view b);
 
 /// The name that a mistyped word most likely means, the first of several; empty without names.

@@ -69,6 +69,7 @@ private:
                   "quarner"};
     std::optional<DiscKind> _toBurn;
     bool _json = false;
+    bool _verbose = false;
     Target _target;
     BurnOptions _burnOptions;
     std::optional<std::string> _firstFile;
@@ -152,7 +153,7 @@ void Grammar::addBurnOptions(CLI::App& command, const char* title) {
     command.add_flag("--yes", _burnOptions.yes,
                      "Burn to a drive without asking first (it asks only on a terminal, and "
                      "not with --json)");
-    command.add_flag("--verbose", _burnOptions.verbose, "Show diagnostics");
+    command.add_flag("--verbose", _verbose, "Show diagnostics");
     command.add_flag("--json", _json, "One JSON object a line, for programs");
     // Only the first: a list would have its brackets taken off. The others are what remains.
     command
@@ -274,11 +275,11 @@ void Grammar::takeFiles() {
 
 Command Grammar::command() const {
     if (!_toBurn)
-        return {_json, QueryOptions{_query, _target}};
+        return {_json, _verbose, QueryOptions{_query, _target}};
     BurnOptions options = _burnOptions;
     options.kind = *_toBurn;
     options.target = _target;
-    return {_json, std::move(options)};
+    return {_json, _verbose, std::move(options)};
 }
 
 std::string withoutLineEnd(std::string text) {

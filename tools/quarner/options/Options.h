@@ -6,10 +6,19 @@
 #include <variant>
 #include <vector>
 
-#include "tools/quarner/host/ExitStatus.h"
 #include "tools/quarner/options/DiscKind.h"
 
 namespace quarner::cli {
+
+/// With what the program ends. These numbers are part of its interface.
+enum class ExitStatus {
+    Success = 0,    ///< burnt and verified; or the question was answered
+    Failed = 1,     ///< the burn, or what else was asked for, failed
+    Usage = 2,      ///< the command line is wrong, or names a drive or an image that cannot be used
+    Refused = 3,    ///< a named file was refused
+    DoesNotFit = 4, ///< the compilation does not fit the disc
+    Canceled = 130  ///< ended by Ctrl-C or a signal, as shells count it
+};
 
 /// On what a command works: an image, or a drive by its name, or neither.
 struct Target {
@@ -29,7 +38,6 @@ struct BurnOptions {
     bool dryRun = false;
     bool keepGoing = false;
     bool yes = false; ///< burn without asking
-    bool verbose = false;
     std::vector<std::string> files;
 };
 
@@ -43,6 +51,7 @@ struct QueryOptions {
 
 struct Command {
     bool json = false;
+    bool verbose = false; ///< show the library's log
     std::variant<BurnOptions, QueryOptions> options;
 };
 

@@ -6,7 +6,7 @@
 #include "quarner/project/DiscProject.h"
 #include "quarner/project/DiscProjectRecords.h"
 #include "tools/quarner/host/Console.h"
-#include "tools/quarner/host/ExitStatus.h"
+#include "tools/quarner/options/Options.h"
 #include "tools/quarner/text/CompilationText.h"
 
 namespace quarner::cli {
