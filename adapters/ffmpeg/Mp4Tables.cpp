@@ -32,7 +32,7 @@ public:
 
 private:
     void readMovie(const Mp4Box& movie);
-    Track readTrack(const Mp4Box& box);
+    Track readTrack(const Mp4Box& trak);
     void readEdits(const Mp4Box& box, Track& track);
     bool readTimes(const Track& track);
     std::optional<std::uint64_t> bytesOf(const Track& track, std::uint64_t first,
@@ -195,7 +195,7 @@ std::optional<Mp4Tables::Window> Mp4Tables::edited() const {
     if (edit->duration > longest || static_cast<std::uint64_t>(edit->mediaTime) > longest)
         return std::nullopt;
     const auto end = static_cast<std::int64_t>(ticks);
-    const auto tick = static_cast<std::int64_t>(scale / movieScale + 1);
+    const auto tick = std::int64_t{scale / movieScale} + 1;
     // Rounded up: a sample that has begun is heard.
     const auto length = static_cast<std::int64_t>(
         (edit->duration / movieScale) * scale +

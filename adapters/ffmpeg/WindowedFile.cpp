@@ -13,7 +13,7 @@ namespace quarner {
 namespace {
 
 constexpr std::size_t smallestRead = 4096;
-constexpr std::size_t largestReadAhead = 128 * 1024;
+constexpr std::size_t largestReadAhead = 128U << 10;
 
 } // namespace
 

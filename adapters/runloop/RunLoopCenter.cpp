@@ -10,7 +10,7 @@ namespace {
 /// Sets a flag for the length of a scope, however that is left: a handler of a test may throw.
 class Flagged {
 public:
-    explicit Flagged(bool& flag) : _flag(flag) { _flag = true; }
+    explicit Flagged(bool& flag) : _flag(flag) { flag = true; }
     ~Flagged() { _flag = false; }
     Flagged(const Flagged&) = delete;
     Flagged& operator=(const Flagged&) = delete;

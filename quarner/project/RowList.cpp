@@ -88,12 +88,12 @@ void RowList::insert(const ListChange& change, ObserverList& observers) {
 
 /// From the end on, so that the rows before keep their numbers.
 void RowList::remove(const ListChange& change, ObserverList& observers) {
-    const std::vector<Run> runs = runsOf(change.rows);
-    for (auto run = runs.rbegin(); run != runs.rend(); ++run) {
-        _rows.erase(at(_rows, run->first), at(_rows, run->end()));
-        observers.send([removed = *run](DiscProjectObserver& observer) {
-            observer.rowsRemoved(removed.first, removed.count);
-        });
+    std::vector<Run> runs = runsOf(change.rows);
+    std::reverse(runs.begin(), runs.end());
+    for (const Run run : runs) {
+        _rows.erase(at(_rows, run.first), at(_rows, run.end()));
+        observers.send(
+            [run](DiscProjectObserver& observer) { observer.rowsRemoved(run.first, run.count); });
     }
 }
 
@@ -102,7 +102,7 @@ void RowList::remove(const ListChange& change, ObserverList& observers) {
 void RowList::move(const ListChange& change, ObserverList& observers) {
     const std::vector<Run> runs = runsOf(change.rows);
     // The destination before the move: behind as many other rows as are before it afterwards.
-    std::size_t to = static_cast<std::size_t>(change.to);
+    auto to = static_cast<std::size_t>(change.to);
     for (const Run run : runs)
         if (run.first < to)
             to += run.count;
