@@ -25,11 +25,12 @@ std::string sortKey(const fs::path& path) {
 }
 
 /// What is in a folder, sorted; `std::nullopt` if it cannot be read.
-std::optional<std::vector<fs::directory_entry>> entriesOf(const fs::path& folder) {
+std::optional<std::vector<fs::directory_entry>> entriesOf(const fs::path& folder,
+                                                          const std::stop_token& stop) {
     std::vector<std::pair<std::string, fs::directory_entry>> keyed;
     std::error_code error;
-    for (fs::directory_iterator place(folder, error), end; !error && place != end;
-         place.increment(error))
+    for (fs::directory_iterator place(folder, error), end;
+         !error && place != end && !stop.stop_requested(); place.increment(error))
         if (!place->path().filename().string().starts_with('.'))
             keyed.emplace_back(sortKey(place->path()), *place);
     if (error)
@@ -46,20 +47,23 @@ std::optional<std::vector<fs::directory_entry>> entriesOf(const fs::path& folder
 /// Searches folders for files of supported types.
 class Search {
 public:
-    explicit Search(const std::vector<std::string>& extensions) : _extensions(extensions) {}
+    Search(const std::vector<std::string>& extensions, const std::stop_token& stop)
+        : _extensions(extensions), _stop(stop) {}
 
     void addFilesIn(const fs::path& folder) {
-        const auto entries = entriesOf(folder);
+        const auto entries = entriesOf(folder, _stop);
         if (!entries) {
             found.push_back(folder.string());
             return;
         }
         std::error_code ignored;
         for (const fs::directory_entry& entry : *entries)
-            if (entry.is_regular_file(ignored) && isSupported(entry.path()))
+            if (!_stop.stop_requested() && entry.is_regular_file(ignored) &&
+                isSupported(entry.path()))
                 found.push_back(entry.path().string());
         for (const fs::directory_entry& entry : *entries)
-            if (!entry.is_symlink(ignored) && entry.is_directory(ignored))
+            if (!_stop.stop_requested() && !entry.is_symlink(ignored) &&
+                entry.is_directory(ignored))
                 addFilesIn(entry.path());
     }
 
@@ -74,14 +78,18 @@ private:
     }
 
     const std::vector<std::string>& _extensions;
+    const std::stop_token& _stop;
 };
 
 } // namespace
 
 std::vector<std::string> filesToAdd(const std::vector<std::string>& paths,
-                                    const std::vector<std::string>& searchedExtensions) {
-    Search search(searchedExtensions);
+                                    const std::vector<std::string>& searchedExtensions,
+                                    const std::stop_token& stop) {
+    Search search(searchedExtensions, stop);
     for (const std::string& path : paths) {
+        if (stop.stop_requested())
+            break;
         std::error_code ignored;
         const auto entries = isPlaylist(path) ? readPlaylist(path) : std::nullopt;
         if (entries)

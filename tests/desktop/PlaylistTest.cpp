@@ -119,6 +119,9 @@ TEST_F(Playlists, StandForTheirFilesAndFoldersForThoseInThem) {
                             in("album/song.mp3/z.mp3"), in("none.m3u")));
     EXPECT_THAT(filesToAdd({in("album/link")}, {"m4a"}), ElementsAre(in("album/link/y.m4a")));
     EXPECT_THAT(filesToAdd({in("album")}), ElementsAre(in("album")));
+    std::stop_source stop;
+    stop.request_stop();
+    EXPECT_THAT(filesToAdd({in("album")}, {"mp3"}, stop.get_token()), IsEmpty());
     EXPECT_THAT(filesToAdd({in("mix.m3u"), in("other.pls")}, {"mp3"}),
                 ElementsAre(in("one.mp3"), in("album"), in("other.pls"), in("other.pls")));
 }

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "tools/quarner/command/BurnCommand.h"
 
+#include <atomic>
 #include <optional>
+#include <stop_token>
+#include <thread>
 #include <utility>
 
 #include "quarner/display.h"
@@ -57,6 +60,7 @@ private:
     Outcome perform();
     void interrupt();
     void runUntil(const std::function<bool()>& isOver);
+    std::vector<std::string> findFiles();
     void addFiles();
     void waitForDrive();
     void waitForDisc();
@@ -146,10 +150,27 @@ void BurnCommand::interrupt() {
 
 // --- Files ---
 
-void BurnCommand::addFiles() {
+/// In the background, as folders may be large.
+std::vector<std::string> BurnCommand::findFiles() {
     const auto searched =
         _options.recursive ? DiscProject::fileExtensions() : std::vector<std::string>();
-    const auto files = filesToAdd(_options.files, searched);
+    std::vector<std::string> files;
+    std::atomic<bool> isDone = false;
+    std::jthread search([&](const std::stop_token& stop) {
+        files = filesToAdd(_options.files, searched, stop);
+        isDone = true;
+        _host.loop.post([] {}); // so that the loop asks again
+    });
+    runUntil([&] { return isDone.load(); });
+    search.request_stop();
+    search.join();
+    return files;
+}
+
+void BurnCommand::addFiles() {
+    const std::vector<std::string> files = findFiles();
+    if (_isInterrupted)
+        return;
     _options.sort ? _project.addSorted(files) : _project.add(files);
     waitForDrive();
     _host.loop.runUntil([this] { return !_project.isAdding(); });

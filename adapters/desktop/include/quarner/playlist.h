@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -31,9 +32,11 @@ QUARNER_EXPORT std::optional<std::vector<std::string>> readPlaylist(const std::s
 /// (`DiscProject::fileExtensions`), sorted by name, and then those in its folders. Without an
 /// extension no folder is searched. A search leaves out hidden files and folders, and links to
 /// folders. Every other path, and that of a folder that cannot be read, is returned as it stands:
-/// the burner says what is wrong with it. Any thread; takes as long as the disk takes.
+/// the burner says what is wrong with it. Any thread; takes as long as the disk takes, so a search
+/// belongs into the background. Once `stop` is requested it ends soon, with what was found by then.
 QUARNER_EXPORT std::vector<std::string>
 filesToAdd(const std::vector<std::string>& paths,
-           const std::vector<std::string>& searchedExtensions = {});
+           const std::vector<std::string>& searchedExtensions = {},
+           const std::stop_token& stop = {});
 
 } // namespace quarner
