@@ -93,7 +93,7 @@ protected:
         tellInterrupted(burn, R"("index":3,)");
     }
 
-    /// A disc that is waited for, written, and not read back; a second one that is ejected.
+    /// A disc that comes late, is written, and not read back; a second one that is ejected.
     void burnDiscs(const std::shared_ptr<EmulatedRecorder>& recorder) {
         song("c.mp3", 20);
         HostProgram program({"audio", "--json", "--wait", "c.mp3"}, here());
