@@ -14,6 +14,11 @@ namespace {
 constexpr std::array notifications = {DRDeviceAppearedNotification, DRDeviceDisappearedNotification,
                                       DRDeviceStatusChangedNotification};
 
+bool isAttached(const std::shared_ptr<DRDevice>& device) {
+    const auto all = currentPlatform()->recording->devices();
+    return std::find(all.begin(), all.end(), device) != all.end();
+}
+
 void callAll(const std::vector<std::function<void()>>& calls) {
     for (const auto& call : calls)
         call();
@@ -153,6 +158,8 @@ void DriveBoard::take(const std::shared_ptr<DRDevice>& device, const DiscDrive& 
     entry->facts.changeCount = entry->changeCount;
     if (entry->facts != before)
         _didChange();
+    if (!waiting.empty() && !isAttached(device)) // its notification is still under way
+        rescan(nullptr);
     callAll(waiting);
 }
 

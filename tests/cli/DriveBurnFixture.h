@@ -44,6 +44,7 @@ protected:
     void insert(const DiscScript& disc) {
         writer->ejectMedia();
         writer->insert(disc);
+        host.platform.runUntilIdle();
     }
 
     /// Keeps everybody from opening the only drive, which then seems to have no disc.
@@ -71,8 +72,11 @@ protected:
         host.atEachTurn = [=, this, asked = std::size_t{0}]() mutable {
             if (questions() == asked)
                 return;
-            if (++asked == 1)
+            if (++asked == 1) {
                 action();
+                while (host.platform.runOnce()) { // so that the drive has reported it
+                }
+            }
             type(asked == 1 ? answer : secondAnswer);
         };
     }

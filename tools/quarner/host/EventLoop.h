@@ -2,7 +2,9 @@
 #pragma once
 
 #include <atomic>
+#include <deque>
 #include <functional>
+#include <mutex>
 
 namespace quarner::cli {
 
@@ -23,7 +25,11 @@ public:
     void runUntil(const std::function<bool()>& isOver);
 
 private:
+    std::function<void()> take();
+
     std::atomic<bool> _isEnding = false;
+    std::mutex _mutex;
+    std::deque<std::function<void()>> _queue;
 };
 
 } // namespace quarner::cli
