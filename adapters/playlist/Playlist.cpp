@@ -59,10 +59,9 @@ std::optional<std::string> contentOf(const std::string& path) {
             break;
         size += static_cast<std::size_t>(count);
     }
-    if (size > mostBytes)
-        return std::nullopt;
     content.resize(size);
-    return content;
+    const bool isText = content.find('\0') == std::string::npos;
+    return isText && size <= mostBytes ? std::optional(content) : std::nullopt;
 }
 
 std::string_view trimmed(std::string_view text) {
@@ -86,8 +85,6 @@ void forEachLine(std::string_view text, const Take& take) {
 }
 
 std::optional<Entries> m3uEntries(const std::string& content) {
-    if (content.find('\0') != std::string::npos)
-        return std::nullopt;
     Entries entries;
     forEachLine(content, [&](std::string_view line) {
         if (!line.empty() && line.front() != '#')
@@ -107,8 +104,9 @@ std::optional<Entries> plsEntries(const std::string& content) {
         std::uint64_t number = 0;
         const char* const end = line.data() + line.size();
         const auto [stop, problem] = std::from_chars(line.data() + key.size(), end, number);
-        if (problem == std::errc() && stop != end && *stop == '=')
-            numbered[number] = trimmed(std::string_view(stop + 1, end));
+        const std::string_view rest = trimmed(std::string_view(stop, end));
+        if (problem == std::errc() && rest.starts_with('='))
+            numbered[number] = trimmed(rest.substr(1));
     });
     if (!hasHeader)
         return std::nullopt;
@@ -187,8 +185,11 @@ bool isUri(const std::string& entry) {
 }
 
 std::string pathOfFileUri(const std::string& uri) {
-    const Text path(g_filename_from_uri(uri.c_str(), nullptr, nullptr));
-    return path ? path.get() : uri;
+    char* host = nullptr; // of another machine's file
+    const Text path(g_filename_from_uri(uri.c_str(), &host, nullptr));
+    const Text owned(host);
+    const bool isOfThisMachine = host == nullptr || std::string_view(host) == "localhost";
+    return path && isOfThisMachine ? path.get() : uri;
 }
 
 /// The forms in which a name may be meant, the written one first.

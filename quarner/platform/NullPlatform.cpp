@@ -55,7 +55,7 @@ class NullDispatchService : public DispatchService {
 public:
     void asyncGlobal(std::function<void()> work) override { std::thread(std::move(work)).detach(); }
     void syncMain(std::function<void()> work) override { work(); }
-    void asyncMain(std::function<void()> work) override { work(); }
+    void asyncMain(std::function<void()> /*work*/) override {} // there is no main queue
 };
 
 class NullTextService : public TextService {

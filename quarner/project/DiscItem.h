@@ -13,7 +13,7 @@ namespace quarner {
 /// One row of a `DiscProject`: a file that will be on the disc. It never changes. Any thread.
 struct DiscItem {
     std::uint64_t id = 0;               ///< identifies the row in its project; never used again
-    std::string path;                   ///< of the file, resolved; its bytes are unchanged
+    std::string path;                   ///< of the file, aliases resolved; its bytes are unchanged
     std::string displayName;            ///< the name shown to users
     std::vector<std::string> iconNames; ///< in the desktop's icon theme, the best match first
     std::int64_t seconds = 0;           ///< the play time in whole seconds, truncated

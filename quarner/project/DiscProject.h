@@ -25,9 +25,12 @@ class ProjectCore;
 /// progress into words.
 ///
 /// Make, use and destroy it on the main thread, after a platform was installed. The main loop must
-/// run for files to be added and for anything to be reported. No operation waits for a file or a
-/// drive. Nothing throws. Destroying a project at any moment, also from inside a call of an
-/// observer, cancels what it does; no observer is called afterwards.
+/// run for files to be added and for anything to be reported. `add` looks up each path, and `burn`
+/// asks the drive for its state; nothing else waits for a file or a drive. Nothing throws.
+///
+/// Destroying a project at any moment, also from inside a call of an observer, cancels what it
+/// does; no observer is called afterwards. Once the platform was uninstalled, a project can only be
+/// destroyed.
 class QUARNER_EXPORT DiscProject {
 public:
     enum class Kind { Audio, Data };
@@ -67,7 +70,8 @@ public:
     void addSorted(const std::vector<std::string>& paths);
     /// True from a call of `add` until `addingEnded`.
     bool isAdding() const;
-    /// Stops the adding of files within a second. Files that were added stay in the list.
+    /// Stops the adding of files within a second. Files that were added stay in the list. Those of
+    /// a later call are added once this has ended: `addingEnded`.
     void cancelAdding();
 
     /// Removes the rows with these numbers; numbers past the end are ignored.

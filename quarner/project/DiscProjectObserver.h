@@ -18,6 +18,9 @@ namespace quarner {
 /// copy of the list needs to stay equal to `DiscProject::items`: apply each to the copy, in the
 /// order in which they come. `items` itself may already contain later changes.
 ///
+/// An operation must return soon: while it runs a loop of its own, such as that of a modal
+/// dialogue, nothing else is reported.
+///
 /// A project holds its observers weakly. It calls none that is gone, and none after the project was
 /// destroyed. An operation must not throw.
 class QUARNER_EXPORT DiscProjectObserver {

@@ -86,7 +86,16 @@ void ProjectCore::clear() {
 
 // --- Adding files ---
 
+/// The burner would revive the runs that are being cancelled, so a new one waits for their end.
+bool ProjectCore::isDeferred(std::function<void()> add) {
+    if (_isCanceling)
+        _deferredAdds.push_back(std::move(add));
+    return _isCanceling;
+}
+
 void ProjectCore::add(const std::vector<std::string>& paths, std::optional<std::size_t> row) {
+    if (isDeferred([this, paths, row] { add(paths, row); }))
+        return;
     if (!row) {
         beginRun(_burner->addFilesInOrder(paths));
         return;
@@ -101,6 +110,8 @@ void ProjectCore::add(const std::vector<std::string>& paths, std::optional<std::
 }
 
 void ProjectCore::addSorted(const std::vector<std::string>& paths) {
+    if (isDeferred([this, paths] { addSorted(paths); }))
+        return;
     beginRun(_burner->addFiles(paths));
 }
 
@@ -111,7 +122,11 @@ void ProjectCore::beginRun(bool isAnyAccepted) {
         _relay->emptyRunDidEnd();
 }
 
-void ProjectCore::cancelAdding() { _burner->cancelToAddFiles(); }
+void ProjectCore::cancelAdding() {
+    _deferredAdds.clear();
+    _isCanceling = _startedRuns != 0;
+    _burner->cancelToAddFiles();
+}
 
 void ProjectCore::runDidStart(Run run) { _runs[run] = {}; }
 
@@ -138,7 +153,12 @@ void ProjectCore::runDidEnd(Run run) {
         return;
     _endedRuns = {};
     const bool isCanceled = std::exchange(_isAddingCanceled, false);
+    _isCanceling = false;
+    const std::vector<std::function<void()>> adds = std::exchange(_deferredAdds, {});
     tell([isCanceled](DiscProjectObserver& observer) { observer.addingEnded(isCanceled); });
+    for (const auto& add : adds)
+        if (!_isClosed)
+            add();
 }
 
 void ProjectCore::refuse(const FileRefusal& refusal) {
@@ -203,21 +223,34 @@ bool ProjectCore::burn(DiscDrive::Id drive, const std::string& title) {
     _progress = {};
     _newFraction.reset();
     _overall = {};
+    _isCancelWanted = false;
     applyChanges();
     capacityDidChange(); // the drive is busy now
     reportProgress();
-    const auto device = _drives->device(drive);
-    const auto name = title.empty() ? std::nullopt : std::optional(title);
-    if (!device)
-        fail(DRError::DeviceVanished, {});
-    else if (_rows.size() == 0) // the burner of data CDs would burn an empty disc
-        fail(DRError::EmptyLayout, {});
-    else
-        _burner->burnWithDevice(QuarnerDevice(device), name);
+    if (!_isClosed)
+        beginBurn(_drives->device(drive), title);
     return true;
 }
 
-void ProjectCore::cancelBurn() { _burner->stopBurn(); }
+void ProjectCore::beginBurn(const std::shared_ptr<DRDevice>& device, const std::string& title) {
+    const auto name = title.empty() ? std::nullopt : std::optional(title);
+    if (_isCancelWanted) {
+        endBurn({.outcome = DiscBurnEnd::Outcome::Canceled});
+    } else if (!device) {
+        fail(DRError::DeviceVanished, {});
+    } else if (_rows.size() == 0) { // the burner of data CDs would burn an empty disc
+        fail(DRError::EmptyLayout, {});
+    } else {
+        _burner->burnWithDevice(QuarnerDevice(device), name);
+        if (_isClosed || _isCancelWanted) // during the call
+            _burner->stopBurn();
+    }
+}
+
+void ProjectCore::cancelBurn() {
+    _isCancelWanted = _isBurning;
+    _burner->stopBurn();
+}
 
 void ProjectCore::burnDidEnter(DiscBurnProgress::Phase phase, std::int64_t track, std::int64_t of) {
     const bool isOtherPhase = phase != _progress.phase;
@@ -242,16 +275,19 @@ void ProjectCore::reportProgress() {
         [progress = _progress](DiscProjectObserver& observer) { observer.burnProgress(progress); });
 }
 
-void ProjectCore::burnDidFail(const BurnError& error) { fail(codeOf(error), error.info); }
-
-/// Code 0 stands for a burn that was refused before it began.
-DRError ProjectCore::codeOf(const BurnError& error) const {
+/// Code 0 stands for a burn that was refused before it began: for what stands in its way.
+void ProjectCore::burnDidFail(const BurnError& error) {
     if (error.code != 0)
-        return static_cast<DRError>(static_cast<std::uint32_t>(error.code));
+        return fail(static_cast<DRError>(static_cast<std::uint32_t>(error.code)), error.info);
     const auto drive = _burnedDrive ? _drives->drive(*_burnedDrive) : std::nullopt;
-    if (!drive)
-        return DRError::DeviceVanished;
-    return drive->hasDisc ? DRError::MediaTooSmall : DRError::MediaNotPresent;
+    const auto problems = problemsOf(contentSize(), drive, false);
+    if (problems.empty())
+        return fail(drive->hasDisc ? DRError::MediaTooSmall : DRError::MediaNotPresent, error.info);
+    endBurn({.outcome = DiscBurnEnd::Outcome::Failed,
+             .code = problems.front().code,
+             .text = problems.front().text,
+             .info = error.info,
+             .advice = problems.front().advice});
 }
 
 void ProjectCore::fail(DRError code, const BurnErrorInfo& info) {
@@ -263,9 +299,8 @@ void ProjectCore::fail(DRError code, const BurnErrorInfo& info) {
 }
 
 void ProjectCore::endBurn(DiscBurnEnd end) {
-    if (!std::exchange(_isBurning, false))
+    if (!_isBurning)
         return;
-    capacityDidChange();
     if (end.outcome == DiscBurnEnd::Outcome::Done) {
         _progress.phaseFraction = 1;
         reportProgress();
@@ -273,7 +308,9 @@ void ProjectCore::endBurn(DiscBurnEnd end) {
     } else if (end.outcome == DiscBurnEnd::Outcome::Canceled) {
         end.text = textForBurnError(DRError::UserCanceled);
     }
+    _isBurning = false;
     tell([end = std::move(end)](DiscProjectObserver& observer) { observer.burnEnded(end); });
+    capacityDidChange();
 }
 
 } // namespace quarner

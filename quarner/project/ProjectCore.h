@@ -41,7 +41,7 @@ public:
     std::shared_ptr<QuarnDelegate> delegate() const { return _delegate.lock(); }
     void add(const std::vector<std::string>& paths, std::optional<std::size_t> row);
     void addSorted(const std::vector<std::string>& paths);
-    bool isAdding() const { return _startedRuns != 0; }
+    bool isAdding() const { return _startedRuns != 0; } // so too while further adds are deferred
     void cancelAdding();
     void remove(const std::set<std::size_t>& rows);
     void move(const std::set<std::size_t>& rows, std::size_t to);
@@ -84,7 +84,8 @@ private:
     void drivesDidChange();
     void capacityDidChange();
     ContentSize contentSize() const;
-    DRError codeOf(const BurnError& error) const;
+    bool isDeferred(std::function<void()> add);
+    void beginBurn(const std::shared_ptr<DRDevice>& device, const std::string& title);
     void reportProgress();
     void fail(DRError code, const BurnErrorInfo& info);
 
@@ -102,8 +103,11 @@ private:
     std::map<Run, RunProgress> _runs; // those that have reported their start and not their end
     RunProgress _endedRuns;           // of those that ended since the adding began
     bool _isAddingCanceled = false;
+    bool _isCanceling = false; // until the runs under way have ended
+    std::vector<std::function<void()>> _deferredAdds;
 
     bool _isBurning = false;
+    bool _isCancelWanted = false; // since the burn began
     std::optional<DiscDrive::Id> _burnedDrive;
     DiscBurnProgress _progress;
     std::optional<double> _newFraction; // of the phase that is reported next

@@ -12,10 +12,12 @@ using Phase = DiscBurnProgress::Phase;
 
 /// Queues a report for the main loop. One posted call delivers all that have come by then.
 void ProjectRelay::post(Report report) {
-    const std::lock_guard lock(_mutex);
-    _reports.push_back(std::move(report));
-    if (std::exchange(_isPosted, true))
-        return;
+    {
+        const std::lock_guard lock(_mutex);
+        _reports.push_back(std::move(report));
+        if (std::exchange(_isPosted, true))
+            return;
+    }
     currentPlatform()->dispatch->asyncMain([weak = weak_from_this()] {
         if (const auto relay = weak.lock())
             relay->deliver();

@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include <functional>
+#include <utility>
+
 #include "quarner/platform/DRErrors.h"
 #include "tests/core/DiscProjectFixture.h"
 
@@ -123,6 +126,69 @@ TEST_P(DiscProjectBurn, CanBeCancelled) {
     project->cancelBurn();
     EXPECT_EQ(end().outcome, Outcome::Canceled);
     EXPECT_EQ(end().text, "The burn was cancelled.");
+}
+
+/// Does something in the first progress of a burn, before the burner has begun.
+struct AtFirstProgress : DiscProjectObserver {
+    explicit AtFirstProgress(std::function<void()> work) : action(std::move(work)) {}
+    void burnProgress(const DiscBurnProgress& /*progress*/) override {
+        if (action)
+            std::exchange(action, nullptr)();
+    }
+    std::function<void()> action;
+};
+
+TEST_P(DiscProjectBurn, ADestroyedProjectDoesNotBeginTheBurn) {
+    compile({"a.mp3"});
+    const auto destroyer = std::make_shared<AtFirstProgress>([this] { project.reset(); });
+    project->addObserver(destroyer);
+    project->burn(driveId());
+    settle();
+    EXPECT_THAT(platform.burns(), IsEmpty());
+}
+
+TEST_P(DiscProjectBurn, CanBeCancelledBeforeTheBurnerHasBegun) {
+    compile({"a.mp3"});
+    const auto canceller = std::make_shared<AtFirstProgress>([this] { project->cancelBurn(); });
+    project->addObserver(canceller);
+    project->burn(driveId());
+    EXPECT_EQ(end().outcome, Outcome::Canceled);
+    EXPECT_THAT(platform.burns(), IsEmpty());
+}
+
+/// Cancels or destroys in the first call of the delegate, in which the burner knows no burn yet.
+struct AtStart : QuarnDelegate {
+    explicit AtStart(std::function<void()> work) : action(std::move(work)) {}
+    void burnProgressDidStarted() override { action(); }
+    std::function<void()> action;
+};
+
+TEST_P(DiscProjectBurn, CanBeCancelledInTheFirstCallOfTheDelegate) {
+    platform.playBurns();
+    compile({"a.mp3"});
+    const auto delegate = std::make_shared<AtStart>([this] { project->cancelBurn(); });
+    project->setDelegate(delegate);
+    project->burn(driveId());
+    EXPECT_EQ(end().outcome, Outcome::Canceled);
+}
+
+TEST_P(DiscProjectBurn, ADestroyedProjectCancelsTheBurnThatItsDelegateSawStart) {
+    compile({"a.mp3"});
+    const auto delegate = std::make_shared<AtStart>([this] { project.reset(); });
+    project->setDelegate(delegate);
+    project->burn(driveId());
+    settle();
+    for (const auto& burn : platform.burns())
+        EXPECT_TRUE(burn->isAborted());
+}
+
+TEST_P(DiscProjectBurn, AWrittenDiscEndsTheBurnAsItsProblemSays) {
+    drive->change([](DriveScript& script) {
+        script.disc = DiscScript{.isBlank = false, .spaceFree = DRMSF::msf(), .blocksFree = 0};
+    });
+    compile({"a.mp3"});
+    EXPECT_EQ(foretoldFailure(), DRError::MediaNotWritable);
+    EXPECT_EQ(observer->burnEnds.front().text, "The disc cannot be written.");
 }
 
 TEST_P(DiscProjectBurn, OnlyOneBurnsAtATime) {

@@ -249,6 +249,26 @@ TEST_P(DiscProjectList, CancellingKeepsWhatWasAdded) {
     EXPECT_EQ(observer->events.back(), "adding ended");
 }
 
+TEST_P(DiscProjectList, FilesOfALaterCallDoNotReviveTheOnesThatWereCancelled) {
+    platform.backgroundQueue().hold();
+    project->add(songs({"a.mp3", "b.mp3"}));
+    project->cancelAdding();
+    project->add(songs({"c.mp3"}));
+    platform.backgroundQueue().release();
+    settle();
+    EXPECT_THAT(names(), ElementsAre("c.mp3"));
+    EXPECT_EQ(observer->events.front(), "adding canceled");
+    EXPECT_EQ(observer->events.back(), "adding ended");
+    EXPECT_FALSE(project->isAdding());
+}
+
+TEST(DiscProjectWithoutPlatform, DoesNothingAndDoesNotHang) {
+    DiscProject project(DiscProject::Kind::Audio);
+    project.add({"/a.mp3"});
+    project.clear();
+    EXPECT_TRUE(project.items()->empty());
+}
+
 TEST_P(DiscProjectList, ACopyThatFollowsTheEventsEqualsTheListAfterTenThousandEdits) {
     std::mt19937 random(7); // NOLINT(cert-msc51-cpp): the same edits in every run
     const auto upTo = [&](std::size_t most) {

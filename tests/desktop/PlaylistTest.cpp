@@ -50,6 +50,18 @@ TEST_F(Playlists, AnM3UListsItsFilesInOrder) {
                 Optional(ElementsAre(in("gr\xC3\xBC\xC3\x9F"
                                         "e.mp3"))));
     EXPECT_THAT(read("c.m3u", ""), Optional(IsEmpty()));
+    EXPECT_THAT(read("d.pls", "[playlist]\nFile2 = b.mp3\nFile1=a.mp3\n"),
+                Optional(ElementsAre(in("a.mp3"), in("b.mp3"))));
+}
+
+TEST_F(Playlists, AFileOfAnotherMachineIsNoneOfThisOne) {
+    EXPECT_THAT(read("a.m3u", "file://server/share/x.mp3\nfile://localhost/m/y.mp3\n"),
+                Optional(ElementsAre("file://server/share/x.mp3", "/m/y.mp3")));
+}
+
+TEST_F(Playlists, NoneHoldsAByteThatNoPathCanHold) {
+    for (const char* const name : {"a.m3u", "b.pls", "c.xspf"})
+        EXPECT_EQ(read(name, std::string("[playlist]\nFile1=a\0.mp3\n", 24)), std::nullopt);
 }
 
 TEST_F(Playlists, ARelativePlaylistHasRelativeEntries) {

@@ -262,7 +262,7 @@ BurnCommand::Outcome BurnCommand::burn() {
 void BurnCommand::ejectDisc() {
     const auto problem = std::make_shared<std::optional<std::string>>();
     _project.eject(_drive, [problem](const std::string& text) { *problem = text; });
-    runUntil([&] { return problem->has_value(); });
+    _host.loop.runUntil([&] { return problem->has_value(); });
     if (*problem)
         _view->ejectionDidEnd(_driveName, **problem);
 }
