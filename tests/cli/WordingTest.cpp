@@ -13,7 +13,7 @@
 #include "tests/cli/DriveBurnFixture.h"
 #include "tests/cli/WatchFixture.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tools/quarner/command/BurnCommand.h"
+#include "tools/quarner/command/Commands.h"
 #include "tools/quarner/command/Run.h"
 
 // What the program says to people: all its messages, lists and summaries are pinned in this file,

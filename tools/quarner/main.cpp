@@ -19,7 +19,7 @@
 #include <vector>
 
 #include "quarner/desktop.h"
-#include "tools/quarner/command/BurnCommand.h"
+#include "tools/quarner/command/Commands.h"
 #include "tools/quarner/command/Run.h"
 #include "tools/quarner/host/Interruptions.h"
 
@@ -47,12 +47,6 @@ void fillClosedStandardStreams() {
         close(descriptor);
 }
 
-void takeLocaleFromEnvironment() {
-    std::setlocale(LC_ALL, ""); // NOLINT(concurrency-mt-unsafe): no other thread is there yet
-    textdomain("quarner");
-    bind_textdomain_codeset("quarner", "UTF-8");
-}
-
 std::string addDesktopImageDrive(const ImageDriveOptions& options) {
     if (!options.loadExisting)
         if (const auto problem = findImageProblem(options.path)) {
@@ -72,8 +66,7 @@ std::function<void(const std::string&)> wayToTerminal(Console& console) {
         return [&console](const std::string& text) { console.error(text); };
     if (isatty(STDOUT_FILENO) == 1)
         return [&console](const std::string& text) { console.line(text); };
-    const auto terminal =
-        std::make_shared<std::ofstream>("/dev/tty"); // which controls this process
+    const auto terminal = std::make_shared<std::ofstream>("/dev/tty");
     if (!terminal->is_open())
         return nullptr;
     return [terminal](const std::string& text) { *terminal << text << std::endl; };
@@ -119,7 +112,9 @@ ExitStatus runOnDesktop(Console& console, const Command& command) {
 
 ExitStatus runProgram(const std::vector<std::string>& arguments) {
     fillClosedStandardStreams();
-    takeLocaleFromEnvironment();
+    std::setlocale(LC_ALL, ""); // NOLINT(concurrency-mt-unsafe): no other thread is there yet
+    textdomain("quarner");
+    bind_textdomain_codeset("quarner", "UTF-8");
     // A reader that goes away, or a limit on the size of files, does not end a burn halfway.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);

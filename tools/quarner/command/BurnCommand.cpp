@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "tools/quarner/command/BurnCommand.h"
+#include "tools/quarner/command/Commands.h"
 
 #include <atomic>
 #include <optional>
@@ -71,7 +71,6 @@ private:
     Outcome burn();
     void ejectDisc();
     Outcome refusal() const;
-    Outcome refusal(const DiscProblem& problem) const;
     Outcome cancellation() const;
     const char* leftByCancellation() const;
 
@@ -126,8 +125,10 @@ BurnCommand::Outcome BurnCommand::perform() {
     for (bool isFirst = true; answer == BurnAnswer::OtherDisc; isFirst = false) {
         if (isAsked()) // about the disc as it is now
             examineDisc(_project, _drive, [this](const auto& isOver) { runUntil(isOver); });
-        if (const auto problem = firstProblem())
-            return refusal(*problem);
+        if (const auto problem = firstProblem()) {
+            _view->burnIsRefused(*problem);
+            return {statusFor(problem->code), explained(problem->text, "", problem->advice)};
+        }
         if (_options.dryRun)
             return {ExitStatus::Success, "Dry run: nothing was written."};
         if (!isFirst)
@@ -156,14 +157,15 @@ std::vector<std::string> BurnCommand::findFiles() {
         _options.recursive ? DiscProject::fileExtensions() : std::vector<std::string>();
     std::vector<std::string> files;
     std::atomic<bool> isDone = false;
-    std::jthread search([&](const std::stop_token& stop) {
-        files = filesToAdd(_options.files, searched, stop);
-        isDone = true;
-        _host.loop.post([] {}); // so that the loop asks again
-    });
-    runUntil([&] { return isDone.load(); });
-    search.request_stop();
-    search.join();
+    {
+        const std::jthread search(
+            [&](const std::stop_token& stop) { // stops at the end of its scope
+                files = filesToAdd(_options.files, searched, stop);
+                isDone = true;
+                _host.loop.post([] {}); // so that the loop asks again
+            });
+        runUntil([&] { return isDone.load(); });
+    }
     return files;
 }
 
@@ -188,11 +190,6 @@ BurnCommand::Outcome BurnCommand::refusal() const {
                                          : "nothing is left to burn"};
     return {ExitStatus::Refused, "files were refused, so nothing was burnt; --keep-going burns the "
                                  "rest"};
-}
-
-BurnCommand::Outcome BurnCommand::refusal(const DiscProblem& problem) const {
-    _view->burnIsRefused(problem);
-    return {statusFor(problem.code), explained(problem.text, "", problem.advice)};
 }
 
 // --- The drive and its disc ---

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "tools/quarner/command/QueryCommands.h"
+#include "tools/quarner/command/Commands.h"
 
 #include <algorithm>
 #include <cmath>

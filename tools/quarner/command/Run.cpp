@@ -5,8 +5,7 @@
 #include <memory>
 #include <system_error>
 
-#include "tools/quarner/command/BurnCommand.h"
-#include "tools/quarner/command/QueryCommands.h"
+#include "tools/quarner/command/Commands.h"
 #include "tools/quarner/text/JsonLine.h"
 #include "tools/quarner/view/JsonView.h"
 #include "tools/quarner/view/PeopleView.h"

@@ -8,22 +8,17 @@
 #include "quarner/device/QuarnerDevice.h"
 #include "quarner/display.h"
 #include "quarner/project/DiscDrive.h"
+#include "tools/quarner/command/Commands.h"
 #include "tools/quarner/command/DriveChoice.h"
-#include "tools/quarner/command/QueryCommands.h"
 #include "tools/quarner/text/JsonLine.h"
 
 namespace quarner::cli {
 namespace {
 
-/// `quarner watch`: reports drives that come and go and what changes in them, until it is
-/// interrupted or nobody reads any more.
 class WatchCommand : private QuarnerDeviceDelegate {
 public:
     WatchCommand(Host& host, const Target& target, bool json);
     ~WatchCommand() override;
-
-    /// Runs the main loop until the end. Returns `ExitStatus::Success` if the output cannot be
-    /// written any more, otherwise `ExitStatus::Canceled`.
     ExitStatus run();
 
 private:

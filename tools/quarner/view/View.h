@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "quarner/display.h"
 #include "quarner/project/DiscProject.h"
 #include "quarner/project/DiscProjectRecords.h"
 #include "tools/quarner/host/Console.h"
@@ -20,7 +21,10 @@ public:
 
     void record(const std::string& /*event*/, const Arguments& /*arguments*/) override {}
     void fileRefused(const std::string& path, RefusalReason reason,
-                     const std::string& text) override;
+                     const std::string& text) override {
+        DiscProjectRecords::fileRefused(path, reason, text);
+        _console.error("quarner: " + safeText(text));
+    }
 
     /// Once, when the adding of files has ended.
     virtual void compilationIsComplete(const Compilation& compilation) = 0;
@@ -32,7 +36,10 @@ public:
     virtual void burnIsRefused(const DiscProblem& /*problem*/) {}
 
     /// The burnt disc was to be ejected. `problem`: why it was not, a sentence; empty if it was.
-    virtual void ejectionDidEnd(const std::string& driveName, const std::string& problem);
+    virtual void ejectionDidEnd(const std::string& /*driveName*/, const std::string& problem) {
+        if (!problem.empty())
+            _console.error("quarner: " + safeText(problem));
+    }
 
     /// Last, once: how it ended, as a sentence for people (may be empty).
     virtual void didEnd(ExitStatus status, const std::string& outcome) = 0;
