@@ -48,20 +48,18 @@ std::optional<std::string> contentOf(const std::string& path) {
     const RegularFile file(path);
     if (!file.isOpen())
         return std::nullopt;
-    std::string content(mostBytes + 1, '\0');
-    std::size_t size = 0;
-    while (size < content.size()) {
-        const auto rest = std::span(content).subspan(size);
-        const ssize_t count = file.read(std::as_writable_bytes(rest));
+    std::string content;
+    std::array<char, 1U << 16> piece = {};
+    while (content.size() <= mostBytes) {
+        const ssize_t count = file.read(std::as_writable_bytes(std::span(piece)));
         if (count < 0)
             return std::nullopt;
         if (count == 0)
             break;
-        size += static_cast<std::size_t>(count);
+        content.append(piece.data(), static_cast<std::size_t>(count));
     }
-    content.resize(size);
     const bool isText = content.find('\0') == std::string::npos;
-    return isText && size <= mostBytes ? std::optional(content) : std::nullopt;
+    return isText && content.size() <= mostBytes ? std::optional(content) : std::nullopt;
 }
 
 std::string_view trimmed(std::string_view text) {
