@@ -25,18 +25,16 @@ protected:
         return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
     }
 
-    /// The best of several times, of more if they are short, because the machine is shared.
-    static double leastSecondsOf(const std::function<void()>& work) {
-        constexpr int leastTimes = 3;
+    /// The median of several times, of more if they are short, because the machine is shared, and
+    /// because one of them may by luck have to wait for nothing.
+    static double usualSecondsOf(const std::function<void()>& work) {
+        constexpr std::size_t leastTimes = 5;
         constexpr double enough = 0.1;
-        double least = secondsOf(work);
-        double sum = least;
-        for (int times = 1; times < leastTimes || sum < enough; ++times) {
-            const double seconds = secondsOf(work);
-            least = std::min(least, seconds);
-            sum += seconds;
-        }
-        return least;
+        std::vector<double> times;
+        for (double sum = 0; times.size() < leastTimes || sum < enough; sum += times.back())
+            times.push_back(secondsOf(work));
+        std::sort(times.begin(), times.end());
+        return times[times.size() / 2];
     }
 
     static std::string nameOf(int number) { return "song " + std::to_string(number); }
@@ -60,9 +58,9 @@ protected:
     /// Expects the time of `work` to grow in proportion from `files` to 16 times as many files.
     void expectLinear(int files, const std::function<void(int)>& work) {
         compileNew(files);
-        const double ofFew = leastSecondsOf([&] { work(files); });
+        const double ofFew = usualSecondsOf([&] { work(files); });
         compileNew(factor * files);
-        const double ratio = leastSecondsOf([&] { work(factor * files); }) / ofFew;
+        const double ratio = usualSecondsOf([&] { work(factor * files); }) / ofFew;
         this->RecordProperty("ratio", std::to_string(ratio));
         EXPECT_LT(ratio, 64.0) << "16 would be the proportion, 256 the square";
     }
