@@ -87,5 +87,6 @@ function(quarner_install_package)
                 ${PROJECT_BINARY_DIR}/quarner-config-version.cmake
           DESTINATION ${QUARNER_PACKAGE_DIR} COMPONENT development)
   install(FILES README.md CHANGELOG.md COPYING DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
-  install(DIRECTORY LICENSES docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
+  install(DIRECTORY LICENSES docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc
+          PATTERN man EXCLUDE)
 endfunction()
