@@ -7,6 +7,7 @@
 
 #include "quarner/platform/DRKeys.h"
 #include "quarner/platform/DiscFormat.h"
+#include "quarner/platform/Platform.h"
 
 namespace quarner::disc {
 namespace {
@@ -19,6 +20,11 @@ std::uint64_t bytesUnder(const DRDevice& drive, const char* blocksKey) {
 }
 
 } // namespace
+
+bool isAttached(const std::shared_ptr<DRDevice>& drive) {
+    const auto all = currentPlatform()->recording->devices();
+    return std::find(all.begin(), all.end(), drive) != all.end();
+}
 
 std::optional<Dictionary> mediaInfo(const DRDevice& drive) {
     const Dictionary status = drive.status();

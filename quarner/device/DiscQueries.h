@@ -2,13 +2,17 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 #include "quarner/platform/DRDevice.h"
 
-/// What is asked of a drive about its disc, and derived from the dictionaries of its status. Each
-/// call asks the drive again. Any thread.
+/// What is asked of a drive and about its disc, and derived from the dictionaries of its status.
+/// Each call asks again. Any thread.
 namespace quarner::disc {
+
+/// Whether the recording service still lists this drive.
+bool isAttached(const std::shared_ptr<DRDevice>& drive);
 
 /// The entry `DRDeviceMediaInfoKey` of the drive's status; `std::nullopt` without a disc.
 std::optional<Dictionary> mediaInfo(const DRDevice& drive);

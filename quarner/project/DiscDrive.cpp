@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "quarner/project/DiscDrive.h"
 
-#include <algorithm>
 #include <array>
 #include <string_view>
 #include <utility>
 
 #include "quarner/device/DiscQueries.h"
 #include "quarner/platform/DRKeys.h"
-#include "quarner/platform/Platform.h"
 #include "quarner/project/BurnTexts.h"
 #include "quarner/project/Texts.h"
 #include "quarner/util/MultiMedia.h"
@@ -61,11 +59,6 @@ std::vector<const char*> statesOf(const DiscDrive& drive) {
     return states;
 }
 
-bool isAttached(const std::shared_ptr<DRDevice>& drive) {
-    const auto all = currentPlatform()->recording->devices();
-    return std::find(all.begin(), all.end(), drive) != all.end();
-}
-
 /// Why a drive did not eject its disc.
 std::string reasonToKeep(const DiscDrive& drive) {
     if (!drive.problem.empty())
@@ -81,8 +74,8 @@ std::string reasonToKeep(const DiscDrive& drive) {
 std::string ejectDisc(const std::shared_ptr<DRDevice>& drive) {
     if (drive && drive->ejectMedia())
         return {};
-    return drive && isAttached(drive) ? reasonToKeep(examineDrive(*drive))
-                                      : textForBurnError(DRError::DeviceVanished);
+    return drive && disc::isAttached(drive) ? reasonToKeep(examineDrive(*drive))
+                                            : textForBurnError(DRError::DeviceVanished);
 }
 
 std::string textForUnusableDrive(const DiscDrive& drive) {

@@ -5,6 +5,7 @@
 #include <array>
 #include <utility>
 
+#include "quarner/device/DiscQueries.h"
 #include "quarner/platform/DRKeys.h"
 #include "quarner/platform/Platform.h"
 
@@ -13,11 +14,6 @@ namespace {
 
 constexpr std::array notifications = {DRDeviceAppearedNotification, DRDeviceDisappearedNotification,
                                       DRDeviceStatusChangedNotification};
-
-bool isAttached(const std::shared_ptr<DRDevice>& device) {
-    const auto all = currentPlatform()->recording->devices();
-    return std::find(all.begin(), all.end(), device) != all.end();
-}
 
 void callAll(const std::vector<std::function<void()>>& calls) {
     for (const auto& call : calls)
@@ -158,7 +154,7 @@ void DriveBoard::take(const std::shared_ptr<DRDevice>& device, const DiscDrive& 
     entry->facts.changeCount = entry->changeCount;
     if (entry->facts != before)
         _didChange();
-    if (!waiting.empty() && !isAttached(device)) // its notification is still under way
+    if (!waiting.empty() && !disc::isAttached(device)) // its notification is still under way
         rescan(nullptr);
     callAll(waiting);
 }
