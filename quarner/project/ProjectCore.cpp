@@ -279,9 +279,9 @@ void ProjectCore::reportProgress() {
 void ProjectCore::burnDidFail(const BurnError& error) {
     if (error.code != 0)
         return fail(static_cast<DRError>(static_cast<std::uint32_t>(error.code)), error.info);
-    const auto drive = _burnedDrive ? _drives->drive(*_burnedDrive) : std::nullopt;
+    const auto drive = _drives->drive(_burnedDrive);
     const auto problems = problemsOf(contentSize(), drive, false);
-    if (problems.empty())
+    if (problems.empty()) // so the drive is attached, as one that is not would be a problem
         return fail(drive->hasDisc ? DRError::MediaTooSmall : DRError::MediaNotPresent, error.info);
     endBurn({.outcome = DiscBurnEnd::Outcome::Failed,
              .code = problems.front().code,

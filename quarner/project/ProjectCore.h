@@ -107,8 +107,8 @@ private:
     std::vector<std::function<void()>> _deferredAdds;
 
     bool _isBurning = false;
-    bool _isCancelWanted = false; // since the burn began
-    std::optional<DiscDrive::Id> _burnedDrive;
+    bool _isCancelWanted = false;   // since the burn began
+    DiscDrive::Id _burnedDrive = 0; // of the last burn; 0 before it
     DiscBurnProgress _progress;
     std::optional<double> _newFraction; // of the phase that is reported next
     OverallProgress _overall;
