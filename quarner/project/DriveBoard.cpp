@@ -99,9 +99,8 @@ void DriveBoard::statusDidChange(const std::shared_ptr<DRDevice>& device) {
 }
 
 void DriveBoard::examine(DiscDrive::Id id, std::function<void()> done) {
-    const auto known = std::find_if(_entries.begin(), _entries.end(),
-                                    [&](const Entry& entry) { return entry.facts.id == id; });
-    if (known == _entries.end()) {
+    Entry* const known = entryOf(device(id).get());
+    if (known == nullptr) {
         currentPlatform()->dispatch->asyncMain(std::move(done));
         return;
     }
