@@ -46,12 +46,12 @@ std::string permissionProblem(const std::string& node, int error) {
 std::string_view remedy(int error) {
     switch (error) {
     case EBUSY:
-        return " (its disc may be mounted)";
+        return "; its disc may be mounted";
     case EACCES:
-        return " (an administrator can change that; then log in again)";
+        return "; an administrator can change that, then log in again";
     case EPERM: // a container may have no access to devices, whatever the node's mode
     case ENOENT:
-        return " (in a container, the drive has to be passed through)";
+        return "; in a container, the drive has to be passed through";
     default:
         return "";
     }

@@ -79,7 +79,7 @@ std::string ejectDisc(const std::shared_ptr<DRDevice>& drive) {
 }
 
 std::string textForUnusableDrive(const DiscDrive& drive) {
-    return text("The drive \"{drive}\" cannot be used: {problem}.",
+    return text("The drive \"{drive}\" cannot be used ({problem}).",
                 {{"drive", drive.name}, {"problem", drive.problem}});
 }
 

@@ -524,7 +524,7 @@ TEST_F(DriveWording, ADriveThatGotBusyMeanwhileIsSaidToBeThat) {
     whenAsked([this] { lock("/dev/sr0 is in use"); }, "y\n");
     EXPECT_EQ(burn(), 1);
     EXPECT_THAT(host.err(),
-                HasSubstr("quarner: The drive \"Writer\" cannot be used: /dev/sr0 is in use."));
+                HasSubstr("quarner: The drive \"Writer\" cannot be used (/dev/sr0 is in use)."));
 }
 
 TEST_F(DriveWording, ADiscThatIsStillExaminedIsSaidToBe) {
@@ -550,7 +550,7 @@ TEST_F(DriveWording, ADriveThatMayNotBeOpenedIsRefusedAndListedWithTheReason) {
         EXPECT_EQ(
             host.run({command, std::string(command) == "audio" ? "/m/a.mp3" : "--drive=Writer"}),
             2);
-        EXPECT_EQ(host.err(), "quarner: The drive \"Writer\" cannot be used: " + reason + ".\n");
+        EXPECT_EQ(host.err(), "quarner: The drive \"Writer\" cannot be used (" + reason + ").\n");
     }
     EXPECT_EQ(host.run({"drives"}), 0);
     EXPECT_THAT(host.outLines(), ElementsAre("Writer: writes CDs; " + reason));
@@ -642,7 +642,7 @@ TEST(EjectWording, TheEndIsSaid) {
     };
     setProblem("/dev/sr0 is in use");
     EXPECT_EQ(host.run({"eject"}), 1);
-    EXPECT_EQ(host.err(), "quarner: The drive \"Writer\" cannot be used: /dev/sr0 is in use.\n");
+    EXPECT_EQ(host.err(), "quarner: The drive \"Writer\" cannot be used (/dev/sr0 is in use).\n");
     setProblem("");
     drive->insert({});
     host.platform.fail(ServiceCall::EjectMedia);

@@ -308,7 +308,7 @@ TEST_P(DiscProjectBurn, ADriveThatCannotBeUsedIsAProblemWithItsReason) {
     settle();
     const DiscProblem problem = project->problems(driveId()).front();
     EXPECT_EQ(problem.code, DRError::DeviceNotPermitted);
-    EXPECT_EQ(problem.text, "The drive \"Writer\" cannot be used: /dev/sr0 is in use.");
+    EXPECT_EQ(problem.text, "The drive \"Writer\" cannot be used (/dev/sr0 is in use).");
 }
 
 /// A burn fails with each code that a recorder may give.

@@ -145,7 +145,7 @@ TEST_F(DiscProjectDrives, SaysWhyADiscWasNotEjected) {
     EXPECT_EQ(eject(driveId()), "");
     EXPECT_EQ(eject(driveId()), "There is no disc in the drive \"Writer\".");
     drive->change([](DriveScript& script) { script.accessProblem = "/dev/sr0 is in use"; });
-    EXPECT_EQ(eject(driveId()), "The drive \"Writer\" cannot be used: /dev/sr0 is in use.");
+    EXPECT_EQ(eject(driveId()), "The drive \"Writer\" cannot be used (/dev/sr0 is in use).");
     drive->change([](DriveScript& script) { script.disc = DiscScript(); });
     platform.fail(ServiceCall::EjectMedia);
     EXPECT_EQ(eject(driveId()),

@@ -21,7 +21,7 @@ namespace {
 
 constexpr gid_t groupOfOthers = 24; // not the one that the tests' user gets
 constexpr uid_t nobody = 65534;
-constexpr char advice[] = " (an administrator can change that; then log in again)";
+constexpr char advice[] = "; an administrator can change that, then log in again";
 
 /// Returns a function's result in a child process of a user without any rights who is a member of
 /// one group.
@@ -109,7 +109,7 @@ TEST_F(DriveProblem, IsNoneOfADriveThatOpensAndItIsClosedAgain) {
 
 TEST_F(DriveProblem, IsAnotherProgramThatStays) {
     EXPECT_EQ(problem(EBUSY, 5), "none") << "busy for a moment";
-    const std::string text = "/dev/sr0 is in use by another program (its disc may be mounted)";
+    const std::string text = "/dev/sr0 is in use by another program; its disc may be mounted";
     EXPECT_EQ(problem(EBUSY, 100), text);
     const int other = open("/dev/sr0", O_RDWR | O_NONBLOCK | O_EXCL | O_CLOEXEC);
     EXPECT_EQ(accessProblem("/dev/sr0"), text);
@@ -117,14 +117,14 @@ TEST_F(DriveProblem, IsAnotherProgramThatStays) {
 }
 
 TEST_F(DriveProblem, IsASystemThatForbidsIt) {
-    EXPECT_EQ(problem(EPERM, 100), "the system forbids opening /dev/sr0 (in a container, the drive "
-                                   "has to be passed through)");
+    EXPECT_EQ(problem(EPERM, 100), "the system forbids opening /dev/sr0; in a container, the drive "
+                                   "has to be passed through");
 }
 
 TEST_F(DriveProblem, IsANodeThatIsMissing) {
     recorder->unplug();
-    EXPECT_EQ(accessProblem("/dev/sr0"), "the drive has no device node /dev/sr0 (in a container, "
-                                         "the drive has to be passed through)");
+    EXPECT_EQ(accessProblem("/dev/sr0"), "the drive has no device node /dev/sr0; in a container, "
+                                         "the drive has to be passed through");
 }
 
 TEST_F(DriveProblem, IsToldInTheSystemsWordsOtherwise) {
