@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "quarner/platform/DRErrors.h"
 #include "quarner/project/DiscProject.h"
 #include "tests/support/ProjectObserver.h"
 
@@ -46,6 +47,19 @@ protected:
         for (const DiscItemRef& item : *project->items())
             names.push_back(item->displayName);
         return names;
+    }
+    /// The end of the only burn that has been reported.
+    const DiscBurnEnd& burnEnd() {
+        settle();
+        EXPECT_THAT(observer->burnEnds, ::testing::SizeIs(1));
+        EXPECT_FALSE(project->isBurning());
+        return observer->burnEnds.front();
+    }
+    std::vector<DRError> problemCodes() const {
+        std::vector<DRError> codes;
+        for (const DiscProblem& problem : project->problems(driveId()))
+            codes.push_back(problem.code);
+        return codes;
     }
     DiscDrive::Id driveId() const { return project->drives().front().id; }
 
