@@ -23,7 +23,7 @@ struct DiscDrive {
     std::string name;      ///< the display name
     bool canWrite = false; ///< it writes CDs
 
-    /// False until the drive has answered for the first time, and everything below is then unknown.
+    /// False until the drive was examined for the first time. Until then nothing below is known.
     /// A drive is asked in the background, because that may take seconds.
     bool isExamined = false;
     bool hasDisc = false;

@@ -92,8 +92,8 @@ public:
     std::optional<DiscDrive> drive(DiscDrive::Id id) const;
     /// The drive with this display name; of several the last one. `std::nullopt` if there is none.
     std::optional<DiscDrive::Id> driveNamed(const std::string& name) const;
-    /// Asks a drive once more about its disc, in the background. `done` is called on the main
-    /// thread, after the observers have heard of what has changed; never inside this call.
+    /// Examines a drive and its disc again, in the background. `done` is called on the main thread,
+    /// after the observers were notified of what has changed; never inside this call.
     void examine(DiscDrive::Id id, std::function<void()> done);
     /// Ejects the disc in the background. `done` is called on the main thread, never inside this
     /// call: with an empty text if the disc was ejected, otherwise with the reason, a sentence.

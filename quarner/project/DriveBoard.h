@@ -30,8 +30,8 @@ public:
     /// The drive itself; null if it is not attached any more.
     std::shared_ptr<DRDevice> device(DiscDrive::Id id) const;
 
-    /// Asks a drive once more. `done` is called once on the main loop after its answer was taken,
-    /// or when the drive is not attached.
+    /// Examines a drive again. `done` is called once on the main loop, after `drives` contains the
+    /// result, or when the drive is not attached.
     void examine(DiscDrive::Id id, std::function<void()> done);
 
 private:
@@ -41,7 +41,7 @@ private:
         bool isBeingAsked = false;
         bool isStale = false; // it reported a change while it was being asked
         std::uint64_t changeCount = 0;
-        std::vector<std::function<void()>> waiting; // for the answer
+        std::vector<std::function<void()>> waiting; // called once it was examined
     };
 
     void observe(const char* name, void (DriveBoard::*handler)(const std::shared_ptr<DRDevice>&));

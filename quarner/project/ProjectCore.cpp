@@ -195,8 +195,8 @@ void ProjectCore::examine(DiscDrive::Id id, std::function<void()> done) {
 void ProjectCore::eject(DiscDrive::Id id, std::function<void(const std::string&)> done) {
     const auto dispatch = currentPlatform()->dispatch;
     const auto device = _drives->device(id);
-    dispatch->asyncGlobal([=, answer = whileOpen(std::move(done))] {
-        dispatch->asyncMain([answer, problem = ejectDisc(device)] { answer(problem); });
+    dispatch->asyncGlobal([=, report = whileOpen(std::move(done))] {
+        dispatch->asyncMain([report, problem = ejectDisc(device)] { report(problem); });
     });
 }
 

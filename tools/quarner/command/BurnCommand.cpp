@@ -138,7 +138,8 @@ BurnCommand::Outcome BurnCommand::perform() {
     return answer == BurnAnswer::Yes && !_isInterrupted ? burn() : cancellation();
 }
 
-/// Everything that is waited for ends with Ctrl-C, but a burn, which ends by being cancelled.
+/// Waits until `isOver` or Ctrl-C. Not for the adding of files and the burn: Ctrl-C cancels these,
+/// and they end soon.
 void BurnCommand::runUntil(const std::function<bool()>& isOver) {
     _host.loop.runUntil([&] { return _isInterrupted || isOver(); });
 }
