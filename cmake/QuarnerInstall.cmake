@@ -89,4 +89,7 @@ function(quarner_install_package)
   install(FILES README.md CHANGELOG.md COPYING DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
   install(DIRECTORY LICENSES docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc
           PATTERN man EXCLUDE)
+  if(QUARNER_BUILD_DESKTOP)
+    quarner_manual(libquarner.3 development)
+  endif()
 endfunction()
