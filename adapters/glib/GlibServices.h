@@ -12,7 +12,7 @@
 #include "quarner/platform/TextService.h"
 
 /// The platform services that use GLib and GIO. None of them calls `setlocale` or changes anything
-/// else in the host's process.
+/// else in the host's process, but for the binding of gettext's domain `quarner`.
 namespace quarner {
 
 /// The dispatch service, which can be shut down.
@@ -55,7 +55,8 @@ std::shared_ptr<FileService> makeGlibFileService();
 /// names at the time of this call, whether or not the host has called `setlocale`; the C locale if
 /// that locale is not installed. Translations come from gettext's default domain: for them the host
 /// itself calls `setlocale`, `textdomain`, `bindtextdomain` and `bind_textdomain_codeset(domain,
-/// "UTF-8")`.
+/// "UTF-8")`. The library's own messages come from the domain `quarner`, which this call binds
+/// (`bindTranslations`).
 std::shared_ptr<TextService> makeGlibTextService();
 
 /// GLib's structured log with log domain "Quarn" and level info: by default a line is shown only if

@@ -50,6 +50,8 @@ private:
 
 class GlibTextService : public TextService {
 public:
+    GlibTextService() { bindTranslations(); }
+
     int compareLocalizedCaseInsensitive(const std::string& a, const std::string& b) override {
         return FoldedText(a).compare(FoldedText(b), _locale);
     }

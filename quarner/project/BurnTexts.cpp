@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "quarner/project/BurnTexts.h"
 
+#include "quarner/platform/Texts.h"
 #include "quarner/project/DiscCapacity.h"
-#include "quarner/project/Texts.h"
 #include "quarner/util/MultiMedia.h"
 
 namespace quarner {
@@ -13,79 +13,81 @@ namespace {
 const char* messageFor(DRError code) {
     switch (code) {
     case DRError::UserCanceled:
-        return "The burn was cancelled.";
+        return translatable("The burn was cancelled.");
     case DRError::DeviceBusy:
-        return "The drive is busy with another burn or program.";
+        return translatable("The drive is busy with another burn or program.");
     case DRError::DeviceVanished:
-        return "The drive was unplugged.";
+        return translatable("The drive was unplugged.");
     case DRError::MediaNotPresent:
-        return "There is no disc in the drive.";
+        return translatable("There is no disc in the drive.");
     case DRError::MediaNotWritable:
-        return "The disc cannot be written.";
+        return translatable("The disc cannot be written.");
     case DRError::MediaTooSmall:
-        return "The content does not fit the disc.";
+        return translatable("The content does not fit the disc.");
     case DRError::WrongMedia:
-        return "The disc is not a recordable CD.";
+        return translatable("The disc is not a recordable CD.");
     case DRError::EmptyLayout:
-        return "There is nothing to write.";
+        return translatable("There is nothing to write.");
     case DRError::TooManyTracks:
-        return "A disc holds at most 99 tracks.";
+        return translatable("A disc holds at most 99 tracks.");
     case DRError::DeviceNotPermitted:
-        return "The drive may not be opened.";
+        return translatable("The drive may not be opened.");
     case DRError::SourceMissing:
-        return "A source file is gone or unreadable.";
+        return translatable("A source file is gone or unreadable.");
     case DRError::SourceChanged:
-        return "A source file has changed since it was added.";
+        return translatable("A source file has changed since it was added.");
     case DRError::SourceUnreadable:
-        return "A source file cannot be read or decoded.";
+        return translatable("A source file cannot be read or decoded.");
     case DRError::NoSpace:
-        return "No space is left for the image.";
+        return translatable("No space is left for the image.");
     case DRError::PermissionDenied:
-        return "The image may not be written there.";
+        return translatable("The image may not be written there.");
     case DRError::WriteFailed:
-        return "Writing failed.";
+        return translatable("Writing failed.");
     case DRError::ReadBackFailed:
-        return "The written disc cannot be read back.";
+        return translatable("The written disc cannot be read back.");
     case DRError::VerifyFailed:
-        return "The written disc differs from what was sent to it.";
+        return translatable("The written disc differs from what was sent to it.");
     case DRError::Internal:
-        return "An internal error occurred.";
+        return translatable("An internal error occurred.");
     }
-    return "The drive reported an unknown error.";
+    return translatable("The drive reported an unknown error.");
 }
 
 const char* adviceFor(DRError code) {
     switch (code) {
     case DRError::DeviceBusy:
-        return "Wait until the other burn or program has ended.";
+        return translatable("Wait until the other burn or program has ended.");
     case DRError::DeviceVanished:
-        return "Reconnect the drive and use a new disc.";
+        return translatable("Reconnect the drive and use a new disc.");
     case DRError::DeviceNotPermitted:
-        return "An administrator can change that; then log in again.";
+        return translatable("An administrator can change that; then log in again.");
     case DRError::MediaNotPresent:
     case DRError::MediaNotWritable:
     case DRError::WrongMedia:
-        return "Insert a blank CD-R or CD-RW.";
+        return translatable("Insert a blank CD-R or CD-RW.");
     case DRError::MediaTooSmall:
-        return "Remove some files, or use a larger disc.";
+        return translatable("Remove some files, or use a larger disc.");
     case DRError::EmptyLayout:
-        return "Add files first.";
+        return translatable("Add files first.");
     case DRError::TooManyTracks:
-        return "Burn the files to several discs.";
+        return translatable("Burn the files to several discs.");
     case DRError::SourceMissing:
-        return "Restore the file and try again.";
+        return translatable("Restore the file and try again.");
     case DRError::SourceChanged:
-        return "Try again with the file as it is now.";
+        return translatable("Try again with the file as it is now.");
     case DRError::SourceUnreadable:
-        return "Leave the file out, or replace it.";
+        return translatable("Leave the file out, or replace it.");
     case DRError::NoSpace:
-        return "The image takes {size}: make room for it, or put it on another file system.";
+        return translatable(
+            "The image takes {size}: make room for it, or put it on another file system.");
     case DRError::PermissionDenied:
-        return "Choose a folder that you may write to, or change the permissions of the file or "
-               "folder.";
+        return translatable(
+            "Choose a folder that you may write to, or change the permissions of the file or "
+            "folder.");
     case DRError::ReadBackFailed:
     case DRError::VerifyFailed:
-        return "Try again, preferably with a new disc.";
+        return translatable("Try again, preferably with a new disc.");
     case DRError::UserCanceled:
     case DRError::WriteFailed:
     case DRError::Internal:

@@ -6,8 +6,8 @@
 #include "quarner/front/BurnItemKeys.h"
 #include "quarner/platform/DRTrack.h"
 #include "quarner/platform/DiscFormat.h"
+#include "quarner/platform/Texts.h"
 #include "quarner/project/BurnTexts.h"
-#include "quarner/project/Texts.h"
 #include "quarner/util/MultiMedia.h"
 
 namespace quarner {

@@ -7,8 +7,8 @@
 
 #include "quarner/device/DiscQueries.h"
 #include "quarner/platform/DRKeys.h"
+#include "quarner/platform/Texts.h"
 #include "quarner/project/BurnTexts.h"
-#include "quarner/project/Texts.h"
 #include "quarner/util/MultiMedia.h"
 
 namespace quarner {
@@ -21,7 +21,7 @@ constexpr std::array<std::pair<std::string_view, const char*>, 7> kinds = {{
     {DRDeviceMediaTypeDVDROM, "DVD-ROM"},
     {DRDeviceMediaTypeDVDR, "DVD-R"},
     {DRDeviceMediaTypeDVDRW, "DVD-RW"},
-    {DRDeviceMediaTypeBD, "Blu-ray disc"},
+    {DRDeviceMediaTypeBD, translatable("Blu-ray disc")},
 }};
 
 Value mediaValue(const DRDevice& drive, const char* key) {
@@ -49,13 +49,14 @@ std::vector<double> speedsOf(const DRDevice& drive) {
 
 /// What can be done with a disc, in the order in which it is shown.
 std::vector<const char*> statesOf(const DiscDrive& drive) {
-    std::vector<const char*> states = {drive.isBlank ? "blank" : "written"};
+    std::vector<const char*> states = {drive.isBlank ? translatable("blank")
+                                                     : translatable("written")};
     if (drive.isAppendable && !drive.isBlank)
-        states.push_back("can be added to");
+        states.push_back(translatable("can be added to"));
     if (drive.isErasable)
-        states.push_back("can be erased");
+        states.push_back(translatable("can be erased"));
     else if (drive.isOverwritable)
-        states.push_back("can be overwritten");
+        states.push_back(translatable("can be overwritten"));
     return states;
 }
 
@@ -113,7 +114,8 @@ std::string textForDisc(const DiscDrive& drive) {
         return text("examining the disc");
     if (!drive.hasDisc)
         return text("no disc");
-    std::string all = drive.discKind.empty() ? text("a disc of unknown kind") : drive.discKind;
+    std::string all =
+        drive.discKind.empty() ? text("a disc of unknown kind") : text(drive.discKind.c_str());
     for (const char* const state : statesOf(drive))
         all = text("{list}, {item}", {{"list", all}, {"item", text(state)}});
     return all;

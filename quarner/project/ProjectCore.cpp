@@ -6,9 +6,9 @@
 
 #include "quarner/device/QuarnerDevice.h"
 #include "quarner/platform/Platform.h"
+#include "quarner/platform/Texts.h"
 #include "quarner/project/BurnTexts.h"
 #include "quarner/project/RefusalTexts.h"
-#include "quarner/project/Texts.h"
 
 namespace quarner {
 namespace {

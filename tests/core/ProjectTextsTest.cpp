@@ -7,9 +7,9 @@
 #include <cctype>
 
 #include "quarner/platform/DRErrors.h"
+#include "quarner/platform/Texts.h"
 #include "quarner/project/BurnTexts.h"
 #include "quarner/project/RefusalTexts.h"
-#include "quarner/project/Texts.h"
 
 namespace quarner::testing {
 namespace {

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <fcntl.h>
-#include <libintl.h>
 #include <unistd.h>
 
 #include <chrono>
-#include <clocale>
 #include <csignal>
 #include <exception>
 #include <fstream>
@@ -22,9 +20,12 @@
 #include "tools/quarner/command/Commands.h"
 #include "tools/quarner/command/Run.h"
 #include "tools/quarner/host/Interruptions.h"
+#include "tools/words/Words.h"
 
 namespace quarner::cli {
 namespace {
+
+using words::_;
 
 /// The desktop platform, for as long as this object lives.
 class InstalledPlatform {
@@ -55,7 +56,7 @@ std::string addDesktopImageDrive(const ImageDriveOptions& options) {
         }
     std::string name = addImageDrive(options);
     if (name.empty())
-        throw UsageProblem("the image cannot be used");
+        throw UsageProblem(_("the image cannot be used"));
     return name;
 }
 
@@ -112,9 +113,7 @@ ExitStatus runOnDesktop(Console& console, const Command& command) {
 
 ExitStatus runProgram(const std::vector<std::string>& arguments) {
     fillClosedStandardStreams();
-    std::setlocale(LC_ALL, ""); // NOLINT(concurrency-mt-unsafe): no other thread is there yet
-    textdomain("quarner");
-    bind_textdomain_codeset("quarner", "UTF-8");
+    words::useLanguageOfUser();
     // A reader that goes away, or a limit on the size of files, does not end a burn halfway.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
@@ -138,7 +137,7 @@ int main(int count, char** arguments) {
     } catch (const std::exception& failure) {
         std::cerr << "quarner: " << failure.what() << '\n';
     } catch (...) {
-        std::cerr << "quarner: an unknown failure\n";
+        std::cerr << "quarner: " << quarner::words::_("an unknown failure") << '\n';
     }
     return static_cast<int>(quarner::cli::ExitStatus::Failed);
 }

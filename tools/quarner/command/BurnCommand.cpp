@@ -12,10 +12,12 @@
 #include "quarner/project/DiscProject.h"
 #include "tools/quarner/command/BurnQuestion.h"
 #include "tools/quarner/command/DriveChoice.h"
+#include "tools/words/Words.h"
 
 namespace quarner::cli {
 namespace {
 
+using words::_;
 using Phase = DiscBurnProgress::Phase;
 
 /// What the project has reported.
@@ -72,7 +74,7 @@ private:
     void ejectDisc();
     Outcome refusal() const;
     Outcome cancellation() const;
-    const char* leftByCancellation() const;
+    const char* messageOfCancellation() const;
 
     Host& _host;
     const BurnOptions _options;
@@ -90,7 +92,7 @@ BurnCommand::BurnCommand(Host& host, BurnOptions options, std::shared_ptr<View> 
       _reports(std::make_shared<Reports>()), _project(_options.kind),
       _drive(_project.driveNamed(_driveName).value_or(0)) {
     if (isAsked() && !_host.terminal->show && !_options.dryRun)
-        throw UsageProblem("the question cannot be shown; --yes burns without asking");
+        throw UsageProblem(_("the question cannot be shown; --yes burns without asking"));
     _project.setDelegate(_view);
     _project.addObserver(_view);
     _project.addObserver(_reports);
@@ -130,9 +132,9 @@ BurnCommand::Outcome BurnCommand::perform() {
             return {statusFor(problem->code), explained(problem->text, "", problem->advice)};
         }
         if (_options.dryRun)
-            return {ExitStatus::Success, "Dry run: nothing was written."};
+            return {ExitStatus::Success, _("Dry run: nothing was written.")};
         if (!isFirst)
-            _host.terminal->show("The disc was changed.");
+            _host.terminal->show(_("The disc was changed."));
         answer = ask();
     }
     return answer == BurnAnswer::Yes && !_isInterrupted ? burn() : cancellation();
@@ -187,10 +189,10 @@ Compilation BurnCommand::compilation() const {
 BurnCommand::Outcome BurnCommand::refusal() const {
     if (_project.items()->empty())
         return {ExitStatus::Refused, _reports->refusedCount == 0
-                                         ? "there is nothing to burn: no audio file was found"
-                                         : "nothing is left to burn"};
-    return {ExitStatus::Refused, "files were refused, so nothing was burnt; --keep-going burns the "
-                                 "rest"};
+                                         ? _("there is nothing to burn: no audio file was found")
+                                         : _("nothing is left to burn")};
+    return {ExitStatus::Refused,
+            _("files were refused, so nothing was burnt; --keep-going burns the rest")};
 }
 
 // --- The drive and its disc ---
@@ -266,18 +268,21 @@ void BurnCommand::ejectDisc() {
 }
 
 BurnCommand::Outcome BurnCommand::cancellation() const {
-    return {ExitStatus::Canceled, std::string("cancelled; ") + leftByCancellation()};
+    return {ExitStatus::Canceled, _(messageOfCancellation())};
 }
 
-const char* BurnCommand::leftByCancellation() const {
+const char* BurnCommand::messageOfCancellation() const {
     // A burn that was ended at once reports its end to nobody, and may have ended before.
     const bool isUnknown = _reports->phase && !_reports->end;
     if (!_reports->phase || _options.target.image)
-        return isUnknown ? "nothing was written, unless the image was complete already"
-                         : "nothing was written";
+        return isUnknown
+                   ? translatable(
+                         "cancelled; nothing was written, unless the image was complete already")
+                   : translatable("cancelled; nothing was written");
     if (_reports->phase == Phase::Verifying)
-        return "the disc is complete, but was not verified";
-    return isUnknown ? "the disc may not be usable" : "the disc is not usable";
+        return translatable("cancelled; the disc is complete, but was not verified");
+    return isUnknown ? translatable("cancelled; the disc may not be usable")
+                     : translatable("cancelled; the disc is not usable");
 }
 
 } // namespace

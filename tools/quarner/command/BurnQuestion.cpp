@@ -7,12 +7,17 @@
 
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <vector>
 
 #include "quarner/display.h"
+#include "tools/quarner/text/Columns.h"
+#include "tools/words/Words.h"
 
 namespace quarner::cli {
 namespace {
+
+using words::_;
 
 /// Becomes readable, or comes to its end, while the main loop runs.
 class Readable {
@@ -48,12 +53,13 @@ bool isYesTyped(int descriptor, const Wait& wait) {
 }
 
 std::vector<std::string> questionAbout(const DiscDrive& drive, const std::string& title) {
-    std::vector<std::string> lines = {"Drive:   " + safeText(drive.name),
-                                      "Disc:    " + safeText(textForDiscAndFreeTime(drive))};
+    std::vector<std::string> lines = {
+        labelled(Label::Drive, safeText(drive.name)),
+        labelled(Label::Disc, safeText(textForDiscAndFreeTime(drive)))};
     if (!drive.isBlank)
-        lines.emplace_back("         Its content will be erased.");
-    lines.push_back("Title:   " + safeText(title));
-    lines.emplace_back("Burn this disc? Type y to burn it, anything else to cancel.");
+        lines.push_back(labelled(Label::None, _("Its content will be erased.")));
+    lines.push_back(labelled(Label::Title, safeText(title)));
+    lines.push_back(_("Burn this disc? Type y to burn it, anything else to cancel."));
     return lines;
 }
 
@@ -79,8 +85,12 @@ void examineDisc(DiscProject& project, DiscDrive::Id drive, const Wait& wait) {
 
 bool isYes(const std::string& answer) {
     const std::string word = answer.substr(0, answer.find_last_not_of(" \t\r") + 1);
-    return g_ascii_strcasecmp(word.c_str(), "y") == 0 ||
-           g_ascii_strcasecmp(word.c_str(), "yes") == 0;
+    // TRANSLATORS: The answers that mean yes, in lower case; "y" and "yes" mean yes as well.
+    std::istringstream answers("y yes " + _("y yes"));
+    for (std::string yes; answers >> yes;)
+        if (g_ascii_strcasecmp(word.c_str(), yes.c_str()) == 0)
+            return true;
+    return false;
 }
 
 } // namespace quarner::cli

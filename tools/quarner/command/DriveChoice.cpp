@@ -9,18 +9,21 @@
 #include "quarner/display.h"
 #include "quarner/util/Paths.h"
 #include "tools/quarner/options/NearestName.h"
+#include "tools/words/Words.h"
 
 namespace quarner::cli {
 namespace {
 
 namespace fs = std::filesystem;
+using words::_;
 
 constexpr DiscKind allKinds[] = {DiscKind::Audio, DiscKind::Data};
 
 std::string imageHint(std::optional<DiscKind> kind) {
-    const std::string name =
-        kind ? std::string("FILE") + extensionFor(*kind) : "FILE.cue or FILE.iso";
-    return "--image " + name + " makes an image without a drive.";
+    if (kind)
+        return _("--image FILE{extension} makes an image without a drive.",
+                 {{"extension", extensionFor(*kind)}});
+    return _("--image FILE.cue or FILE.iso makes an image without a drive.");
 }
 
 bool canWrite(const std::string& name) { return QuarnerDevice(name).cdBurnEnabled(); }
@@ -28,20 +31,23 @@ bool canWrite(const std::string& name) { return QuarnerDevice(name).cdBurnEnable
 std::string listed(const std::vector<std::string>& names) {
     std::string text;
     for (const std::string& name : names)
-        text += "\n  " + safeText(name) + (canWrite(name) ? "" : " (cannot write CDs)");
+        text += "\n  " + (canWrite(name) ? safeText(name)
+                                         : _("{drive} (cannot write CDs)", {{"drive", name}}));
     return text;
 }
 
 std::string namedDrive(const std::string& name, std::optional<DiscKind> toBurn) {
     const std::vector<std::string> all = QuarnerDevice::devices();
     if (all.empty())
-        throw UsageProblem("there is no drive '" + safeText(name) + "', nor any other. " +
-                           imageHint(toBurn));
+        throw UsageProblem(_("there is no drive '{drive}', nor any other.", {{"drive", name}}) +
+                           " " + imageHint(toBurn));
     if (std::find(all.begin(), all.end(), name) == all.end())
-        throw UsageProblem("there is no drive '" + safeText(name) + "'; did you mean '" +
-                           safeText(nearestName(name, all)) + "'? The drives are:" + listed(all));
+        throw UsageProblem(
+            _("there is no drive '{drive}'; did you mean '{nearest}'? The drives are:",
+              {{"drive", name}, {"nearest", nearestName(name, all)}}) +
+            listed(all));
     if (toBurn && !canWrite(name))
-        throw UsageProblem("the drive '" + safeText(name) + "' cannot write CDs. " +
+        throw UsageProblem(_("the drive '{drive}' cannot write CDs.", {{"drive", name}}) + " " +
                            imageHint(toBurn));
     return name;
 }
@@ -54,11 +60,11 @@ std::string onlyDrive(std::optional<DiscKind> toBurn) {
     if (fit.size() == 1)
         return fit.front();
     if (all.empty())
-        throw UsageProblem("there is no drive. " + imageHint(toBurn));
+        throw UsageProblem(_("there is no drive.") + " " + imageHint(toBurn));
     if (fit.empty())
-        throw UsageProblem("no drive can write CDs. " + imageHint(toBurn) +
-                           " The drives are:" + listed(all));
-    throw UsageProblem("there are several drives; choose one with --drive NAME:" + listed(fit));
+        throw UsageProblem(_("no drive can write CDs.") + " " + imageHint(toBurn) + " " +
+                           _("The drives are:") + listed(all));
+    throw UsageProblem(_("there are several drives; choose one with --drive NAME:") + listed(fit));
 }
 
 /// The kind of disc of which an image of that name would be.
@@ -70,18 +76,27 @@ std::optional<DiscKind> kindOfImage(const std::string& name) {
     return std::nullopt;
 }
 
+/// Why an image cannot have this name.
+std::string problemOfName(const std::string& name, std::optional<DiscKind> kind,
+                          std::optional<DiscKind> found) {
+    if (!kind)
+        return _("the image's name must end in .cue or .iso, as in mix.cue, but is '{name}'",
+                 {{"name", name}});
+    if (!found)
+        return _("the image's name must end in {extension}, as in mix{extension}, but is '{name}'",
+                 {{"extension", extensionFor(*kind)}, {"name", name}});
+    return _("the image's name must end in {extension}, as in mix{extension}, but is '{name}'; an "
+             "image that ends in {otherExtension} is made by quarner {command}",
+             {{"extension", extensionFor(*kind)},
+              {"name", name},
+              {"otherExtension", extensionFor(*found)},
+              {"command", commandFor(*found)}});
+}
+
 void checkExtension(const std::string& name, std::optional<DiscKind> kind) {
     const std::optional<DiscKind> found = kindOfImage(name);
-    if (found && (!kind || *found == *kind))
-        return;
-    const std::string endings = kind ? extensionFor(*kind) : ".cue or .iso";
-    std::string text = "the image's name must end in " + endings + ", as in " + std::string("mix") +
-                       extensionFor(kind.value_or(DiscKind::Audio)) + ", but is '" +
-                       safeText(name) + "'";
-    if (found)
-        text += std::string("; an image that ends in ") + extensionFor(*found) +
-                " is made by quarner " + commandFor(*found);
-    throw UsageProblem(text);
+    if (!found || (kind && *found != *kind))
+        throw UsageProblem(problemOfName(name, kind, found));
 }
 
 } // namespace

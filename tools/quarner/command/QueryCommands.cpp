@@ -13,11 +13,14 @@
 #include "quarner/project/DiscProjectRecords.h"
 #include "quarner/util/MultiMedia.h"
 #include "tools/quarner/command/DriveChoice.h"
+#include "tools/quarner/text/Columns.h"
 #include "tools/quarner/text/JsonLine.h"
+#include "tools/words/Words.h"
 
 namespace quarner::cli {
 namespace {
 
+using words::_;
 using Drives = std::vector<std::shared_ptr<DRDevice>>;
 
 constexpr double sectorsPerSecondAtSingleSpeed = 75; // Red Book
@@ -35,10 +38,12 @@ Drives drivesToList(const Host& host, const Target& target) {
 }
 
 std::string driveLine(const DiscDrive& drive, bool isHidden) {
-    return safeText(drive.name) + ": " + (drive.canWrite ? "writes CDs" : "cannot write CDs") +
-           "; " +
-           (isHidden ? "cannot be chosen, as a later drive has the same name"
-                     : safeText(textForDiscAndFreeTime(drive)));
+    const char* const message = drive.canWrite ? translatable("{drive}: writes CDs; {state}")
+                                               : translatable("{drive}: cannot write CDs; {state}");
+    return _(message,
+             {{"drive", drive.name},
+              {"state", isHidden ? _("cannot be chosen, as a later drive has the same name")
+                                 : textForDiscAndFreeTime(drive)}});
 }
 
 std::string jsonWithProblem(const char* event, JsonArguments arguments, const DiscDrive& drive) {
@@ -71,18 +76,18 @@ std::string speedsText(const std::vector<double>& speeds) {
 }
 
 std::vector<std::string> discLines(const DiscDrive& drive) {
-    std::vector<std::string> lines = {"Drive:   " + safeText(drive.name),
-                                      "Disc:    " + safeText(textForDisc(drive))};
+    std::vector<std::string> lines = {labelled(Label::Drive, safeText(drive.name)),
+                                      labelled(Label::Disc, safeText(textForDisc(drive)))};
     if (!drive.hasDisc)
         return lines;
     const auto amounts = [](std::uint64_t seconds, std::uint64_t bytes) {
         return MultiMedia::stringWithDuration(static_cast<std::int64_t>(seconds), false) + ", " +
                MultiMedia::stringWithFilesize(static_cast<std::int64_t>(bytes));
     };
-    lines.push_back("Used:    " + amounts(drive.usedSeconds, drive.usedBytes));
-    lines.push_back("Free:    " + amounts(drive.freeSeconds, drive.freeBytes));
+    lines.push_back(labelled(Label::Used, amounts(drive.usedSeconds, drive.usedBytes)));
+    lines.push_back(labelled(Label::Free, amounts(drive.freeSeconds, drive.freeBytes)));
     if (!drive.speeds.empty())
-        lines.push_back("Speeds:  " + speedsText(drive.speeds));
+        lines.push_back(labelled(Label::Speeds, speedsText(drive.speeds)));
     return lines;
 }
 
@@ -98,8 +103,9 @@ ExitStatus listDrives(Host& host, const Target& target, bool json) {
         host.console.line(json ? driveJson(facts) : driveLine(facts, isHidden));
     }
     if (drives.empty())
-        host.console.error("quarner: there is no drive; quarner audio --image FILE.cue makes an "
-                           "image without one");
+        host.console.error(
+            "quarner: " +
+            _("there is no drive; quarner audio --image FILE.cue makes an image without one"));
     return ExitStatus::Success;
 }
 
@@ -124,7 +130,7 @@ ExitStatus ejectDisc(Host& host, const Target& target, bool json) {
     if (json)
         host.console.line(ejectJson(name, problem, device));
     else if (isOut)
-        host.console.line("Ejected: " + safeText(name));
+        host.console.line(_("Ejected: {drive}", {{"drive", name}}));
     if (!isOut)
         host.console.error("quarner: " + safeText(problem));
     return isOut ? ExitStatus::Success : ExitStatus::Failed;

@@ -9,9 +9,12 @@
 #include "tools/quarner/text/JsonLine.h"
 #include "tools/quarner/view/JsonView.h"
 #include "tools/quarner/view/PeopleView.h"
+#include "tools/words/Words.h"
 
 namespace quarner::cli {
 namespace {
+
+using words::_;
 
 std::shared_ptr<View> makeView(Console& console, bool json) {
     return json ? std::shared_ptr<View>(std::make_shared<JsonView>(console))
@@ -55,8 +58,9 @@ ExitStatus runCommand(Host& host, const Command& command) {
 }
 
 void reportForcedEnd(Console& console, bool json) {
-    console.error("quarner: cancelled without waiting for a drive or a file that does not answer; "
-                  "a disc that was being written may not be usable");
+    console.error("quarner: " +
+                  _("cancelled without waiting for a drive or a file that does not answer; a disc "
+                    "that was being written may not be usable"));
     endJson(console, json, ExitStatus::Canceled);
 }
 
@@ -64,8 +68,8 @@ ExitStatus statusAfterOutput(Console& console, ExitStatus status) {
     const int error = console.outputError();
     if (error == 0 || error == EPIPE)
         return status;
-    console.error("quarner: the output could not be written: " +
-                  std::generic_category().message(error));
+    console.error("quarner: " + _("the output could not be written: {error}",
+                                  {{"error", std::generic_category().message(error)}}));
     return status == ExitStatus::Success ? ExitStatus::Failed : status;
 }
 

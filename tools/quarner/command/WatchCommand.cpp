@@ -11,9 +11,12 @@
 #include "tools/quarner/command/Commands.h"
 #include "tools/quarner/command/DriveChoice.h"
 #include "tools/quarner/text/JsonLine.h"
+#include "tools/words/Words.h"
 
 namespace quarner::cli {
 namespace {
+
+using words::_;
 
 class WatchCommand : private QuarnerDeviceDelegate {
 public:
@@ -77,8 +80,8 @@ ExitStatus WatchCommand::run() {
     _host.onInterruption([this] { _isInterrupted = true; });
     tellStart();
     if (!_host.receivesDriveEvents())
-        _host.console.error("quarner: the device manager (udev) is not running: changes of "
-                            "optical drives and discs will not be reported");
+        _host.console.error("quarner: " + _("the device manager (udev) is not running: changes of "
+                                            "optical drives and discs will not be reported"));
     _host.loop.runUntil([this] { return _isInterrupted || _host.console.isBroken(); });
     return _host.console.isBroken() ? ExitStatus::Success : ExitStatus::Canceled;
 }
@@ -94,7 +97,7 @@ void WatchCommand::tellStart() const {
     for (const auto& [name, drive] : _drives)
         _host.console.line(safeText(name) + ": " + drive->state());
     if (_drives.empty())
-        _host.console.line("There is no drive yet.");
+        _host.console.line(_("There is no drive yet."));
 }
 
 void WatchCommand::watch(const std::string& name) {
@@ -105,14 +108,14 @@ void WatchCommand::watch(const std::string& name) {
 void WatchCommand::deviceDidAppeared(const std::string& deviceName) {
     if (!isWanted(deviceName))
         return;
-    tell("deviceDidAppeared", deviceName, [] { return "appeared"; });
+    tell("deviceDidAppeared", deviceName, [] { return _("appeared"); });
     watch(deviceName);
 }
 
 void WatchCommand::deviceDidDisappeared(const std::string& deviceName) {
     if (!isWanted(deviceName))
         return;
-    tell("deviceDidDisappeared", deviceName, [] { return "disappeared"; });
+    tell("deviceDidDisappeared", deviceName, [] { return _("disappeared"); });
     _drives.erase(deviceName);
 }
 

@@ -10,40 +10,63 @@
 #include "quarner/display.h"
 #include "quarner/front/Quarner.h"
 #include "tools/quarner/options/NearestName.h"
+#include "tools/quarner/options/ParserTexts.h"
+#include "tools/words/Words.h"
 
 namespace quarner::cli {
 namespace {
 
-constexpr char statusHelp[] =
-    "Exit status: 0 burnt and verified, 1 the burn failed, 2 wrong usage or "
-    "no drive or\nimage to use, 3 a file was refused, 4 does not fit the disc, 130 "
-    "cancelled.\n";
-constexpr char outputHelp[] =
-    "If the output cannot be written, status 0 becomes 1, unless its reader went away.\n";
-constexpr char audioExample[] =
-    "Example:\n  quarner audio --image mix.cue --title \"Summer mix\" one.mp3 two.m4a\n\n"
-    "The files become tracks in the order given, those of a playlist (M3U, PLS, XSPF) in its\n"
-    "order. Ctrl-C cancels; a disc that was being written is lost, an image is as it was\n"
-    "before.\n";
-constexpr char dataExample[] =
-    "Example:\n  quarner data --image mix.iso --title \"Summer mix\" one.mp3 two.m4a\n\n"
-    "The files are stored unchanged in one folder of the disc, those of a playlist (M3U, PLS,\n"
-    "XSPF) too. Ctrl-C cancels; a disc that was being written is lost, an image is as it was\n"
-    "before.\n";
-constexpr char drivesExample[] = "Example:\n  quarner drives --json\n\n"
-                                 "Without drives the list is empty and the exit status is 0.\n";
-constexpr char discExample[] =
-    "Example:\n  quarner disc --image mix.cue\n\n"
-    "Exit status: 0 also for an empty drive, 2 without a drive or with one "
-    "that cannot be\nused now.\n";
-constexpr char ejectExample[] =
-    "Example:\n  quarner eject --drive \"Front drive\"\n\n"
-    "Exit status: 0 if the disc was ejected, 1 if it was not or there is none, "
-    "2 without a\ndrive.\n";
-constexpr char watchExample[] =
-    "Example:\n  quarner watch --json\n\n"
-    "Waits, also on a machine without drives, until Ctrl-C (exit status 130) or until its\noutput "
-    "cannot be written.\n";
+using words::_;
+
+// TRANSLATORS: No line of a help text may take more than 87 columns.
+constexpr const char* statusHelp = translatable(
+    "Exit status: 0 burnt and verified, 1 the burn failed, 2 wrong usage or no drive or\n"
+    "image to use, 3 a file was refused, 4 does not fit the disc, 130 cancelled.\n");
+constexpr const char* outputHelp = translatable(
+    "If the output cannot be written, status 0 becomes 1, unless its reader went away.\n");
+
+/// What follows the options in the help of a command.
+struct Footer {
+    const char* example; ///< a command line
+    const char* text;
+};
+
+constexpr Footer audioFooter = {
+    "quarner audio --image mix.cue --title \"Summer mix\" one.mp3 two.m4a",
+    translatable(
+        "The files become tracks in the order given, those of a playlist (M3U, PLS, XSPF) in its\n"
+        "order. Ctrl-C cancels; a disc that was being written is lost, an image is as it was\n"
+        "before.\n")};
+constexpr Footer dataFooter = {
+    "quarner data --image mix.iso --title \"Summer mix\" one.mp3 two.m4a",
+    translatable(
+        "The files are stored unchanged in one folder of the disc, those of a playlist (M3U, PLS,\n"
+        "XSPF) too. Ctrl-C cancels; a disc that was being written is lost, an image is as it was\n"
+        "before.\n")};
+constexpr Footer drivesFooter = {
+    "quarner drives --json",
+    translatable("Without drives the list is empty and the exit status is 0.\n")};
+constexpr Footer discFooter = {
+    "quarner disc --image mix.cue",
+    translatable(
+        "Exit status: 0 also for an empty drive, 2 without a drive or with one that cannot be\n"
+        "used now.\n")};
+constexpr Footer ejectFooter = {
+    "quarner eject --drive \"Front drive\"",
+    translatable(
+        "Exit status: 0 if the disc was ejected, 1 if it was not or there is none, 2 without a\n"
+        "drive.\n")};
+constexpr Footer watchFooter = {
+    "quarner watch --json",
+    translatable(
+        "Waits, also on a machine without drives, until Ctrl-C (exit status 130) or until its\n"
+        "output cannot be written.\n")};
+
+std::string exampleText(const char* example) { return _("Example:") + "\n  " + example + "\n\n"; }
+
+std::string footerText(const Footer& footer) {
+    return exampleText(footer.example) + _(footer.text);
+}
 
 /// The grammar of the command line, and the place that it fills.
 class Grammar {
@@ -55,9 +78,10 @@ public:
     Message messageFor(const CLI::ParseError& end) const;
 
 private:
-    void addBurn(DiscKind kind, const char* how, const char* image, const char* example);
-    void addBurnOptions(CLI::App& command, const char* title);
-    void addQuery(const char* name, const char* description, const char* example, Query query);
+    void addBurn(DiscKind kind, const char* description, const char* image, const Footer& footer);
+    void addBurnOptions(CLI::App& command, const std::string& title);
+    void addQuery(const char* name, const char* description, const Footer& footer, Query query);
+    CLI::App& addCommand(const char* name, const std::string& description);
     void addTarget(CLI::App& command, const std::string& name, const char* image);
     void takeFiles();
     void checkWordsBeforeCommand() const;
@@ -65,7 +89,7 @@ private:
     [[noreturn]] void refuseOption(const CLI::App& command, const std::string& option) const;
     const CLI::App* chosen() const;
 
-    CLI::App _app{"Puts audio files onto a CD, or into the image of one, and verifies it.",
+    CLI::App _app{_("Puts audio files onto a CD, or into the image of one, and verifies it."),
                   "quarner"};
     std::optional<DiscKind> _toBurn;
     bool _json = false;
@@ -91,7 +115,8 @@ constexpr std::string_view maskedPlus("++\0", 3);
 
 std::string problemOfCapacity(const std::string& text) {
     const std::string shown(text == maskedPlus ? doublePlus : text);
-    return shown == "74" || shown == "80" ? "" : "'" + shown + "' is neither 74 nor 80";
+    return shown == "74" || shown == "80" ? ""
+                                          : _("'{value}' is neither 74 nor 80", {{"value", shown}});
 }
 
 std::string listOf(const std::vector<std::string>& words) {
@@ -102,80 +127,91 @@ std::string listOf(const std::vector<std::string>& words) {
 }
 
 Grammar::Grammar() {
-    _app.set_version_flag("--version", "quarner " QUARNER_VERSION);
+    translateHelp(_app);
+    _app.set_version_flag("--version", "quarner " QUARNER_VERSION,
+                          _("Display program version information and exit"));
     _app.require_subcommand(0, 1);
     _app.allow_extras();
-    _app.footer(std::string("Example:\n  quarner audio --image mix.cue one.mp3 two.m4a\n\n"
-                            "quarner COMMAND --help describes a command.\n") +
-                statusHelp + outputHelp);
-    addBurn(DiscKind::Audio, "to an audio CD",
-            "FILE.cue and FILE.bin; files of these names are replaced", audioExample);
-    addBurn(DiscKind::Data, "as they are to a data CD",
-            "The image of a disc; a file of this name is replaced", dataExample);
-    addQuery("drives", "List the drives and what they can do", drivesExample, Query::Drives);
-    addQuery("disc", "Show the disc in a drive", discExample, Query::Disc);
-    addQuery("eject", "Eject the disc in a drive", ejectExample, Query::Eject);
-    addQuery("watch", "Report drives and discs as they come and go", watchExample, Query::Watch);
+    _app.footer(exampleText("quarner audio --image mix.cue one.mp3 two.m4a") +
+                _("quarner COMMAND --help describes a command.\n") + _(statusHelp) + _(outputHelp));
+    addBurn(DiscKind::Audio,
+            translatable("Burn audio files ({types}) and playlists to an audio CD"),
+            translatable("FILE.cue and FILE.bin; files of these names are replaced"), audioFooter);
+    addBurn(DiscKind::Data,
+            translatable("Burn audio files ({types}) and playlists as they are to a data CD"),
+            translatable("The image of a disc; a file of this name is replaced"), dataFooter);
+    addQuery("drives", translatable("List the drives and what they can do"), drivesFooter,
+             Query::Drives);
+    addQuery("disc", translatable("Show the disc in a drive"), discFooter, Query::Disc);
+    addQuery("eject", translatable("Eject the disc in a drive"), ejectFooter, Query::Eject);
+    addQuery("watch", translatable("Report drives and discs as they come and go"), watchFooter,
+             Query::Watch);
 }
 
-void Grammar::addBurn(DiscKind kind, const char* how, const char* image, const char* example) {
-    CLI::App* const command = _app.add_subcommand(
-        commandFor(kind),
-        "Burn audio files (" + listOf(DiscProject::fileExtensions()) + ") and playlists " + how);
+CLI::App& Grammar::addCommand(const char* name, const std::string& description) {
+    CLI::App* const command = _app.add_subcommand(name, description);
     command->allow_extras();
-    addTarget(*command, std::string("FILE") + extensionFor(kind), image);
-    addBurnOptions(*command, kind == DiscKind::Audio
-                                 ? "Name of the disc (neither an image nor a player shows it)"
-                                 : "Name of the disc");
-    command->footer(std::string(example) + statusHelp + outputHelp);
-    command->callback([this, kind] { _toBurn = kind; });
+    translateHelp(*command);
+    return *command;
 }
 
-void Grammar::addBurnOptions(CLI::App& command, const char* title) {
+void Grammar::addBurn(DiscKind kind, const char* description, const char* image,
+                      const Footer& footer) {
+    CLI::App& command = addCommand(
+        commandFor(kind), _(description, {{"types", listOf(DiscProject::fileExtensions())}}));
+    addTarget(command, std::string("FILE") + extensionFor(kind), image);
+    addBurnOptions(command, kind == DiscKind::Audio
+                                ? _("Name of the disc (neither an image nor a player shows it)")
+                                : _("Name of the disc"));
+    command.footer(footerText(footer) + _(statusHelp) + _(outputHelp));
+    command.callback([this, kind] { _toBurn = kind; });
+}
+
+void Grammar::addBurnOptions(CLI::App& command, const std::string& title) {
     command.add_option("--title", _burnOptions.title, title)->type_name("NAME");
-    command.add_option("--capacity", _target.capacity, "Minutes of the image's disc (default 80)")
+    command
+        .add_option("--capacity", _target.capacity, _("Minutes of the image's disc (default 80)"))
         ->type_name("74|80")
         ->check(problemOfCapacity)
         ->needs("--image");
-    command.add_flag("--sort", _burnOptions.sort, "Sort the files by name");
+    command.add_flag("--sort", _burnOptions.sort, _("Sort the files by name"));
     command.add_flag("--recursive", _burnOptions.recursive,
-                     "Add the audio files in folders and in their folders");
+                     _("Add the audio files in folders and in their folders"));
     command
         .add_flag("--wait", _burnOptions.wait,
-                  "Wait until there is a disc that can be burnt in the drive")
+                  _("Wait until there is a disc that can be burnt in the drive"))
         ->excludes("--image");
-    command.add_flag("--eject", _burnOptions.eject, "Eject the disc when it is burnt")
+    command.add_flag("--eject", _burnOptions.eject, _("Eject the disc when it is burnt"))
         ->excludes("--image");
     command.add_flag("--dry-run", _burnOptions.dryRun,
-                     "Do everything up to the burn, write nothing");
+                     _("Do everything up to the burn, write nothing"));
     command.add_flag("--keep-going", _burnOptions.keepGoing,
-                     "Burn the rest when a file is refused");
+                     _("Burn the rest when a file is refused"));
     command.add_flag("--yes", _burnOptions.yes,
-                     "Burn to a drive without asking first (it asks only on a terminal, and "
-                     "not with --json)");
-    command.add_flag("--verbose", _verbose, "Show diagnostics");
-    command.add_flag("--json", _json, "One JSON object a line, for programs");
+                     _("Burn to a drive without asking first (it asks only on a terminal, and "
+                       "not with --json)"));
+    command.add_flag("--verbose", _verbose, _("Show diagnostics"));
+    command.add_flag("--json", _json, _("One JSON object a line, for programs"));
     // Only the first: a list would have its brackets taken off. The others are what remains.
     command
         .add_option("FILE...", _firstFile,
-                    "Audio files and playlists; after -- also ones that begin with -")
+                    _("Audio files and playlists; after -- also ones that begin with -"))
         ->type_name(" ");
 }
 
-void Grammar::addQuery(const char* name, const char* description, const char* example,
+void Grammar::addQuery(const char* name, const char* description, const Footer& footer,
                        Query query) {
-    CLI::App* const command = _app.add_subcommand(name, description);
-    command->allow_extras();
-    command->add_flag("--json", _json, "One JSON object a line, for programs");
-    command->footer(std::string(example) + outputHelp);
-    command->callback([this, query] { _query = query; });
-    addTarget(*command, "FILE", "The image of a disc: FILE.cue or FILE.iso");
+    CLI::App& command = addCommand(name, _(description));
+    command.add_flag("--json", _json, _("One JSON object a line, for programs"));
+    command.footer(footerText(footer) + _(outputHelp));
+    command.callback([this, query] { _query = query; });
+    addTarget(command, "FILE", translatable("The image of a disc: FILE.cue or FILE.iso"));
 }
 
 void Grammar::addTarget(CLI::App& command, const std::string& name, const char* image) {
     CLI::Option* const option =
-        command.add_option("--image", _target.image, image)->type_name(name);
-    command.add_option("--drive", _target.drive, "The drive, by its name in 'quarner drives'")
+        command.add_option("--image", _target.image, _(image))->type_name(name);
+    command.add_option("--drive", _target.drive, _("The drive, by its name in 'quarner drives'"))
         ->type_name("NAME")
         ->excludes(option);
 }
@@ -193,10 +229,10 @@ void Grammar::parse(const std::vector<std::string>& arguments) {
             *value = doublePlus;
     checkWordsBeforeCommand();
     if (chosen() == nullptr)
-        throw UsageError("no command is given");
+        throw UsageError(_("no command is given"));
     takeFiles();
     if (_toBurn == DiscKind::Data && !_burnOptions.title)
-        throw UsageError("a data disc needs a name: --title NAME (an empty one is allowed)");
+        throw UsageError(_("a data disc needs a name: --title NAME (an empty one is allowed)"));
 }
 
 const CLI::App* Grammar::chosen() const {
@@ -223,16 +259,18 @@ bool contains(const std::vector<std::string>& list, const std::string& text) {
 void Grammar::refuseOption(const CLI::App& command, const std::string& option) const {
     const std::string name = nameOf(option);
     const std::string place = &command == &_app ? "quarner" : "quarner " + command.get_name();
-    throw UsageError(safeText(name) + " is not an option of " + place + "; did you mean " +
-                     nearestName(name, optionsOf(command)) + "?");
+    throw UsageError(_("{option} is not an option of {command}; did you mean {nearest}?",
+                       {{"option", name},
+                        {"command", place},
+                        {"nearest", nearestName(name, optionsOf(command))}}));
 }
 
 void Grammar::refuseCommand(const std::string& word) const {
     std::vector<std::string> commands;
     for (const CLI::App* command : _app.get_subcommands({}))
         commands.push_back(command->get_name());
-    throw UsageError("'" + safeText(word) + "' is not a command; did you mean 'quarner " +
-                     nearestName(word, commands) + "'?");
+    throw UsageError(_("'{word}' is not a command; did you mean 'quarner {nearest}'?",
+                       {{"word", word}, {"nearest", nearestName(word, commands)}}));
 }
 
 /// What the parser did not take for itself.
@@ -252,8 +290,8 @@ void Grammar::checkWordsBeforeCommand() const {
         return;
     const CLI::App* const given = chosen();
     if (given != nullptr && contains(optionsOf(*given), nameOf(words.front())))
-        throw UsageError(nameOf(words.front()) + " goes after the command: quarner " +
-                         given->get_name() + " " + nameOf(words.front()));
+        throw UsageError(_("{option} goes after the command: quarner {command} {option}",
+                           {{"option", nameOf(words.front())}, {"command", given->get_name()}}));
     refuseOption(given == nullptr ? _app : *given, words.front());
 }
 
@@ -268,9 +306,10 @@ void Grammar::takeFiles() {
     }
     files.insert(files.end(), _filesAfterMark.begin(), _filesAfterMark.end());
     if (_toBurn && files.empty())
-        throw UsageError("no file is given");
+        throw UsageError(_("no file is given"));
     if (!_toBurn && !files.empty())
-        throw UsageError("quarner " + chosen()->get_name() + " takes no '" + files.front() + "'");
+        throw UsageError(_("quarner {command} takes no '{file}'",
+                           {{"command", chosen()->get_name()}, {"file", files.front()}}));
 }
 
 Command Grammar::command() const {
@@ -291,7 +330,9 @@ std::string withoutLineEnd(std::string text) {
 Message Grammar::messageFor(const CLI::ParseError& end) const {
     if (end.get_exit_code() != 0) {
         const std::string command = chosen() == nullptr ? "" : " " + chosen()->get_name();
-        return {ExitStatus::Usage, safeText(end.what()) + "\nTry: quarner" + command + " --help"};
+        return {ExitStatus::Usage,
+                safeText(textOf(end)) + "\n" +
+                    _("Try: {command}", {{"command", "quarner" + command + " --help"}})};
     }
     std::ostringstream text;
     _app.exit(end, text, text);

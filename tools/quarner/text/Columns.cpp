@@ -3,11 +3,16 @@
 
 #include <glib.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <utility>
 
+#include "tools/words/Words.h"
+
 namespace quarner::cli {
 namespace {
+
+using words::_;
 
 constexpr std::string_view ellipsis = "...";
 
@@ -26,6 +31,26 @@ std::pair<std::string_view, std::size_t> beginning(std::string_view text, std::s
         place = g_utf8_next_char(place);
     }
     return {text.substr(0, static_cast<std::size_t>(place - text.data())), taken};
+}
+
+std::string textOf(Label label) {
+    switch (label) {
+    case Label::None:
+        return {};
+    case Label::Drive:
+        return _("Drive:");
+    case Label::Disc:
+        return _("Disc:");
+    case Label::Title:
+        return _("Title:");
+    case Label::Used:
+        return _("Used:");
+    case Label::Free:
+        return _("Free:");
+    case Label::Speeds:
+        return _("Speeds:");
+    }
+    return {};
 }
 
 } // namespace
@@ -48,6 +73,14 @@ std::string leftAligned(std::string_view text, std::size_t columns) {
 std::string rightAligned(std::string_view text, std::size_t columns) {
     std::string cut = shortened(text, columns);
     return cut.insert(0, columns - displayWidth(cut), ' ');
+}
+
+std::string labelled(Label label, std::string_view text) {
+    std::size_t widest = 0;
+    for (const Label each :
+         {Label::Drive, Label::Disc, Label::Title, Label::Used, Label::Free, Label::Speeds})
+        widest = std::max(widest, displayWidth(textOf(each)));
+    return leftAligned(textOf(label), widest + 2).append(text);
 }
 
 } // namespace quarner::cli

@@ -17,4 +17,10 @@ std::string shortened(std::string_view text, std::size_t columns);
 std::string leftAligned(std::string_view text, std::size_t columns);
 std::string rightAligned(std::string_view text, std::size_t columns);
 
+/// What stands before a fact, at the beginning of its line.
+enum class Label { None, Drive, Disc, Title, Used, Free, Speeds };
+
+/// A label and a safe text. The texts of all labels begin in the same column.
+std::string labelled(Label label, std::string_view text);
+
 } // namespace quarner::cli

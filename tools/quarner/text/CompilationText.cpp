@@ -7,9 +7,12 @@
 
 #include "quarner/display.h"
 #include "tools/quarner/text/Columns.h"
+#include "tools/words/Words.h"
 
 namespace quarner::cli {
 namespace {
+
+using words::_;
 
 constexpr std::size_t numberColumns = 3;
 constexpr std::size_t timeColumns = 10;
@@ -38,7 +41,8 @@ constexpr std::size_t narrowestBar = 8;
 double keptWithinOne(double fraction) { return fraction > 0 ? std::min(fraction, 1.0) : 0.0; }
 
 std::string percentText(double fraction) {
-    return std::to_string(static_cast<int>(std::floor(keptWithinOne(fraction) * 100))) + "%";
+    const auto percent = static_cast<int>(std::floor(keptWithinOne(fraction) * 100));
+    return _("{percent}%", {{"percent", std::to_string(percent)}});
 }
 
 } // namespace
@@ -67,33 +71,36 @@ std::string bar(double fraction, std::size_t columns, bool isUtf8) {
 
 std::string usageLine(const DiscCapacity& capacity, std::size_t columns, bool isUtf8) {
     if (!capacity.isDiscKnown)
-        return "There is no disc in the drive.";
-    const std::string figures = capacity.usedText + " of " + capacity.totalText;
-    const std::string verdict = ", " + capacity.verdict;
-    const std::size_t text = figures.size() + verdict.size() + 1;
+        return _("There is no disc in the drive.");
+    const std::string figures = _("{used} of {total}, {verdict}", {{"used", capacity.usedText},
+                                                                   {"total", capacity.totalText},
+                                                                   {"verdict", capacity.verdict}});
+    const std::size_t text = displayWidth(figures) + 1;
     if (text + narrowestBar > columns)
-        return shortened(figures + verdict, columns);
+        return shortened(figures, columns);
     const double fraction = capacity.total == 0 ? 1.0
                                                 : static_cast<double>(capacity.used) /
                                                       static_cast<double>(capacity.total);
-    return bar(fraction, std::min(widestBar, columns - text), isUtf8) + " " + figures + verdict;
+    return bar(fraction, std::min(widestBar, columns - text), isUtf8) + " " + figures;
 }
 
 std::string progressLine(const DiscBurnProgress& progress, std::size_t columns, bool isUtf8) {
-    const std::string percent = rightAligned(percentText(progress.fraction), 4);
+    const std::string percent =
+        rightAligned(percentText(progress.fraction), displayWidth(percentText(1)));
     const std::string time = progress.timeLeftText.empty() ? "--:--" : progress.timeLeftText;
-    const std::string left = "  " + rightAligned(time, 5) + " left";
+    const std::string left = "  " + _("{time} left", {{"time", rightAligned(time, 5)}});
     const std::string head = progress.text + " ";
-    const std::size_t text = displayWidth(head) + 1 + percent.size() + left.size();
+    const std::size_t figures = displayWidth(percent) + displayWidth(left);
+    const std::size_t text = displayWidth(head) + 1 + figures;
     if (text + narrowestBar <= columns)
         return head + bar(progress.fraction, std::min(widestBar, columns - text), isUtf8) + " " +
                percent + left;
-    if (displayWidth(head) + percent.size() + left.size() <= columns)
+    if (displayWidth(head) + figures <= columns)
         return head + percent + left;
     const std::string end = " " + percentText(progress.fraction);
-    if (columns <= end.size())
+    if (columns <= displayWidth(end))
         return percentText(progress.fraction);
-    return shortened(progress.text, columns - end.size()) + end;
+    return shortened(progress.text, columns - displayWidth(end)) + end;
 }
 
 } // namespace quarner::cli

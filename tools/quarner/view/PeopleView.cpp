@@ -6,14 +6,21 @@
 
 #include "quarner/display.h"
 #include "tools/quarner/text/CompilationText.h"
+#include "tools/words/Words.h"
 
 namespace quarner::cli {
 namespace {
 
+using words::_;
+
+/// A step of the burn with how much of the whole burn is done.
 std::string tenthText(int tenth, const DiscBurnProgress& progress) {
-    const std::string& time = progress.timeLeftText;
-    const std::string left = time.empty() ? "" : ", " + time + " left";
-    return ": " + std::to_string(tenth * 10) + "%" + left;
+    const char* const message = progress.timeLeftText.empty()
+                                    ? translatable("{step}: {percent}%")
+                                    : translatable("{step}: {percent}%, {time} left");
+    return _(message, {{"step", progress.text},
+                       {"percent", std::to_string(tenth * 10)},
+                       {"time", progress.timeLeftText}});
 }
 
 } // namespace
@@ -29,7 +36,8 @@ void PeopleView::compilationIsComplete(const Compilation& compilation) {
 }
 
 void PeopleView::waitsFor(const DiscProblem& problem) {
-    console().error("quarner: waiting. " + safeText(problem.text + " " + problem.advice));
+    console().error("quarner: " + _("waiting. {problem} {advice}",
+                                    {{"problem", problem.text}, {"advice", problem.advice}}));
 }
 
 void PeopleView::didEnd(ExitStatus status, const std::string& outcome) {
@@ -43,8 +51,9 @@ void PeopleView::didEnd(ExitStatus status, const std::string& outcome) {
 }
 
 void PeopleView::addingProgress(const std::string& displayName, std::size_t index, std::size_t of) {
-    const std::string text = "Adding " + std::to_string(index) + " of " + std::to_string(of) +
-                             ": " + safeText(displayName);
+    const std::string text =
+        _("Adding {index} of {count}: {name}",
+          {{"index", std::to_string(index)}, {"count", std::to_string(of)}, {"name", displayName}});
     console().screen().isTerminal ? console().status(text) : console().line(text);
 }
 
@@ -61,7 +70,7 @@ void PeopleView::printStep(const DiscBurnProgress& progress) {
     const int tenth = static_cast<int>(std::floor(progress.fraction * 10));
     const bool isNewTenth = tenth != _lastTenth;
     if (progress.text != _lastStep || isNewTenth)
-        console().line(progress.text + (isNewTenth ? tenthText(tenth, progress) : ""));
+        console().line(isNewTenth ? tenthText(tenth, progress) : progress.text);
     _lastStep = progress.text;
     _lastTenth = tenth;
 }

@@ -21,7 +21,8 @@ namespace quarner {
 ///
 /// Names and numbers use the locale that the environment names at the time of this call.
 /// Translations come from gettext's default domain: a host that has them calls `setlocale`,
-/// `textdomain` and `bindtextdomain` itself.
+/// `textdomain` and `bindtextdomain` itself. The library's own messages are in the user's language
+/// once the host has called `setlocale`; their domain `quarner` is bound here (`bindTranslations`).
 ///
 /// A second call reinstalls the same platform, drives included, if another one was installed in
 /// between.

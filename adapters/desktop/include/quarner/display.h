@@ -13,4 +13,10 @@ namespace quarner {
 /// direction of writing, becomes U+FFFD. Any thread; needs no platform.
 QUARNER_EXPORT std::string safeText(std::string_view text);
 
+/// Tells gettext where the catalogues of the domain `quarner` are, which holds the messages of the
+/// library and of its programs: in share/locale of the tree that this library was installed or
+/// built in. Does nothing if the host has bound the domain. `installDesktopPlatform` does this,
+/// too. A host that shows the library's messages in the user's language calls `setlocale` itself.
+QUARNER_EXPORT void bindTranslations();
+
 } // namespace quarner
