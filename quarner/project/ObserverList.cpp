@@ -14,9 +14,22 @@ void ObserverList::add(std::weak_ptr<DiscProjectObserver> observer) {
 }
 
 void ObserverList::send(Event event) {
-    if (_isClosed)
-        return;
-    _events.push_back(std::move(event));
+    queue(std::move(event));
+    deliverQueue();
+}
+
+void ObserverList::send(std::vector<Event> events) {
+    for (Event& event : events)
+        queue(std::move(event));
+    deliverQueue();
+}
+
+void ObserverList::queue(Event event) {
+    if (!_isClosed)
+        _events.push_back(std::move(event));
+}
+
+void ObserverList::deliverQueue() {
     if (_isDelivering)
         return;
     _isDelivering = true;

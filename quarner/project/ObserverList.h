@@ -20,11 +20,15 @@ public:
 
     /// Delivers an event at once, or after those that are being delivered.
     void send(Event event);
+    /// The same for several, between which no other event is delivered.
+    void send(std::vector<Event> events);
 
     /// Drops everything: no observer is called any more.
     void close();
 
 private:
+    void queue(Event event);
+    void deliverQueue();
     void deliver(const Event& event);
 
     std::vector<std::weak_ptr<DiscProjectObserver>> _observers;

@@ -56,8 +56,7 @@ void ProjectCore::applyChanges() {
     const std::vector<ListChange> changes = _burner->takeChanges();
     if (changes.empty())
         return;
-    for (const ListChange& change : changes)
-        _rows.apply(change, _observers);
+    _observers.send(_rows.apply(changes));
     if (_dataSize)
         _dataSize->setItems(_burner->items());
     capacityDidChange();

@@ -2,6 +2,8 @@
 #include "quarner/project/RowList.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 #include "quarner/front/BurnItemKeys.h"
 #include "quarner/platform/MediaService.h"
@@ -32,12 +34,18 @@ DiscItems::iterator at(DiscItems& rows, std::size_t row) {
     return rows.begin() + static_cast<std::ptrdiff_t>(row);
 }
 
-/// Moves a run to before the row `to`, which is outside of it.
-void moveRun(DiscItems& rows, Run run, std::size_t to) {
-    if (to < run.first)
-        std::rotate(at(rows, to), at(rows, run.first), at(rows, run.end()));
-    else
-        std::rotate(at(rows, run.first), at(rows, run.end()), at(rows, to));
+/// Takes the rows with these numbers, which ascend, out of a list in one pass.
+DiscItems take(DiscItems& rows, const std::vector<std::uint64_t>& numbers) {
+    DiscItems taken;
+    std::size_t kept = numbers.front();
+    for (std::size_t row = kept; row < rows.size(); ++row) {
+        if (taken.size() < numbers.size() && numbers[taken.size()] == row)
+            taken.push_back(std::move(rows[row]));
+        else
+            rows[kept++] = std::move(rows[row]);
+    }
+    rows.resize(kept);
+    return taken;
 }
 
 std::string textUnder(const Dictionary& properties, const char* key) {
@@ -61,45 +69,59 @@ BurnItemList RowList::itemsIn(const std::set<std::size_t>& rows) const {
     return items;
 }
 
-void RowList::apply(const ListChange& change, ObserverList& observers) {
+std::vector<ObserverList::Event> RowList::apply(const std::vector<ListChange>& changes) {
     _snapshot.reset();
-    switch (change.kind) {
-    case ListChange::Kind::Inserted:
-        return insert(change, observers);
-    case ListChange::Kind::Removed:
-        return remove(change, observers);
-    case ListChange::Kind::Moved:
-        return move(change, observers);
+    Events events;
+    for (const ListChange& change : changes) {
+        switch (change.kind) {
+        case ListChange::Kind::Inserted:
+            insert(change, events);
+            break;
+        case ListChange::Kind::Removed:
+            remove(change, events);
+            break;
+        case ListChange::Kind::Moved:
+            move(change, events);
+            break;
+        }
     }
+    return events;
 }
 
-void RowList::insert(const ListChange& change, ObserverList& observers) {
-    std::size_t next = 0;
+void RowList::insert(const ListChange& change, Events& events) {
+    const auto tail = at(_rows, change.rows.front());
+    DiscItems later(std::make_move_iterator(tail), std::make_move_iterator(_rows.end()));
+    _rows.erase(tail, _rows.end());
+    auto nextLater = later.begin();
+    auto nextItem = change.items.begin();
     for (const Run run : runsOf(change.rows)) {
-        DiscItems items;
-        for (std::size_t i = 0; i < run.count; ++i)
-            items.push_back(makeRow(change.items[next++]));
-        _rows.insert(at(_rows, run.first), items.begin(), items.end());
-        observers.send([first = run.first, items](DiscProjectObserver& observer) {
-            observer.rowsInserted(first, items);
-        });
+        for (; _rows.size() < run.first; ++nextLater)
+            _rows.push_back(std::move(*nextLater));
+        for (; _rows.size() < run.end(); ++nextItem)
+            _rows.push_back(makeRow(*nextItem));
+        events.push_back(
+            [first = run.first, items = DiscItems(at(_rows, run.first), _rows.end())](
+                DiscProjectObserver& observer) { observer.rowsInserted(first, items); });
     }
+    _rows.insert(_rows.end(), std::make_move_iterator(nextLater),
+                 std::make_move_iterator(later.end()));
 }
 
-/// From the end on, so that the rows before keep their numbers.
-void RowList::remove(const ListChange& change, ObserverList& observers) {
+/// The events are from the end on, so that the rows before keep their numbers.
+void RowList::remove(const ListChange& change, Events& events) {
+    take(_rows, change.rows);
     std::vector<Run> runs = runsOf(change.rows);
     std::reverse(runs.begin(), runs.end());
-    for (const Run run : runs) {
-        _rows.erase(at(_rows, run.first), at(_rows, run.end()));
-        observers.send(
+    for (const Run run : runs)
+        events.push_back(
             [run](DiscProjectObserver& observer) { observer.rowsRemoved(run.first, run.count); });
-    }
 }
 
-/// Gathers the runs one after another at their destination. The runs before it are moved in
-/// ascending order to its end, which each of them moves forward; the later ones follow.
-void RowList::move(const ListChange& change, ObserverList& observers) {
+/// The events gather the runs one after another at their destination. The runs before it are moved
+/// in ascending order to its end, which each of them moves forward; the later ones follow.
+void RowList::move(const ListChange& change, Events& events) {
+    const DiscItems moved = take(_rows, change.rows);
+    _rows.insert(at(_rows, change.to), moved.begin(), moved.end());
     const std::vector<Run> runs = runsOf(change.rows);
     // The destination before the move: behind as many other rows as are before it afterwards.
     auto to = static_cast<std::size_t>(change.to);
@@ -112,12 +134,10 @@ void RowList::move(const ListChange& change, ObserverList& observers) {
         if (isBefore)
             run.first -= movedForward;
         const bool isInPlace = isBefore ? run.end() == to : run.first == to;
-        if (!isInPlace) {
-            moveRun(_rows, run, to);
-            observers.send([run, to](DiscProjectObserver& observer) {
+        if (!isInPlace)
+            events.push_back([run, to](DiscProjectObserver& observer) {
                 observer.rowsMoved(run.first, run.count, to);
             });
-        }
         if (isBefore)
             movedForward += run.count;
         else

@@ -24,14 +24,17 @@ public:
     /// The items of the burner in these rows, in their order.
     BurnItemList itemsIn(const std::set<std::size_t>& rows) const;
 
-    /// Applies a change of the burner's list, and sends the events for it: one for each run of rows
-    /// that lie side by side.
-    void apply(const ListChange& change, ObserverList& observers);
+    /// Applies changes of the burner's list, each in time linear in the length of the list. Returns
+    /// the events for them: one for each run of rows that lie side by side. Send them together, as
+    /// an observer may change the list inside the first.
+    std::vector<ObserverList::Event> apply(const std::vector<ListChange>& changes);
 
 private:
-    void insert(const ListChange& change, ObserverList& observers);
-    void remove(const ListChange& change, ObserverList& observers);
-    void move(const ListChange& change, ObserverList& observers);
+    using Events = std::vector<ObserverList::Event>;
+
+    void insert(const ListChange& change, Events& events);
+    void remove(const ListChange& change, Events& events);
+    void move(const ListChange& change, Events& events);
     DiscItemRef makeRow(const BurnItemRef& item);
 
     DiscItems _rows;

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include <algorithm>
-#include <ctime>
 #include <functional>
 
 #include "tests/support/BurnFixture.h"
+#include "tests/support/ProcessorTime.h"
 
 namespace quarner::testing {
 namespace {
@@ -16,25 +15,6 @@ protected:
     BothScale() {
         addWriter(this->platform);
         this->platform.playBurns();
-    }
-
-    /// The processor time of `work`, summed over this program's threads.
-    static double secondsOf(const std::function<void()>& work) {
-        const std::clock_t start = std::clock();
-        work();
-        return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-    }
-
-    /// The median of several times, of more if they are short, because the machine is shared, and
-    /// because one of them may by luck have to wait for nothing.
-    static double usualSecondsOf(const std::function<void()>& work) {
-        constexpr std::size_t leastTimes = 5;
-        constexpr double enough = 0.1;
-        std::vector<double> times;
-        for (double sum = 0; times.size() < leastTimes || sum < enough; sum += times.back())
-            times.push_back(secondsOf(work));
-        std::sort(times.begin(), times.end());
-        return times[times.size() / 2];
     }
 
     static std::string nameOf(int number) { return "song " + std::to_string(number); }

@@ -184,6 +184,29 @@ TEST_P(DiscProjectList, AnObserverThatEditsIsNotCalledInsideItsOwnCall) {
     EXPECT_EQ(observer->names(), names());
 }
 
+TEST_P(DiscProjectList, AnObserverThatEditsInsideTheFirstOfSeveralEventsKeepsItsCopy) {
+    compile({"a.mp3", "b.mp3", "c.mp3", "d.mp3", "e.mp3", "f.mp3"});
+    bool hasEdited = false;
+    observer->onCall = [&] {
+        if (!std::exchange(hasEdited, true))
+            project->remove(Rows{0});
+    };
+    observer->events.clear();
+    project->remove(Rows{1, 3, 5});
+    EXPECT_THAT(observer->events,
+                ElementsAre("removed 5+1", "removed 3+1", "removed 1+1", "removed 0+1"));
+    EXPECT_THAT(names(), ElementsAre("c.mp3", "e.mp3"));
+    EXPECT_EQ(observer->names(), names());
+}
+
+TEST_P(DiscProjectList, AnObserverMayAskForTheListBetweenTheEventsOfAChange) {
+    compile({"a.mp3", "b.mp3", "c.mp3", "d.mp3", "e.mp3"});
+    observer->onCall = [&] { EXPECT_EQ(project->items()->size(), 2U) << "all rows are removed"; };
+    project->remove(Rows{0, 2, 4});
+    EXPECT_THAT(names(), ElementsAre("b.mp3", "d.mp3"));
+    EXPECT_EQ(observer->names(), names());
+}
+
 TEST_P(DiscProjectList, AProjectThatAnObserverDestroysReportsNothingMore) {
     observer->onCall = [&] { project.reset(); };
     project->add(songs({"a.mp3", "b.mp3"}));
