@@ -65,6 +65,13 @@ DiscProblem explained(const ContentSize& content, const DiscDrive& drive, DRErro
     return result;
 }
 
+/// Whatever disc is in the drive.
+DiscProblem readOnly(const DiscDrive& drive) {
+    return {DRError::MediaNotWritable,
+            text("The drive \"{drive}\" cannot write CDs.", {{"drive", drive.name}}),
+            text("Use a drive that writes CDs.")};
+}
+
 DiscProblem overflow(const ContentSize& content, const DiscDrive& drive) {
     DiscProblem result = problem(content, DRError::MediaTooSmall);
     const std::string total = textFor(content, inUnit(content, blocksOf(drive)));
@@ -154,6 +161,8 @@ std::vector<DiscProblem> problemsOf(const ContentSize& content,
         problems.push_back(problem(content, DRError::DeviceVanished));
     else if (isBurning)
         problems.push_back(problem(content, DRError::DeviceBusy));
+    else if (!drive->canWrite)
+        problems.push_back(readOnly(*drive));
     else if (const auto code = drive->isExamined ? problemOfDisc(*drive) : std::nullopt)
         problems.push_back(explained(content, *drive, *code));
     else if (drive->isExamined && isTooLarge(content, *drive))

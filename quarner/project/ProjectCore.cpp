@@ -227,20 +227,23 @@ bool ProjectCore::burn(DiscDrive::Id drive, const std::string& title) {
     capacityDidChange(); // the drive is busy now
     reportProgress();
     if (!_isClosed)
-        beginBurn(_drives->device(drive), title);
+        beginBurn(title);
     return true;
 }
 
-void ProjectCore::beginBurn(const std::shared_ptr<DRDevice>& device, const std::string& title) {
+void ProjectCore::beginBurn(const std::string& title) {
     const auto name = title.empty() ? std::nullopt : std::optional(title);
+    const auto drive = _drives->drive(_burnedDrive);
     if (_isCancelWanted) {
         endBurn({.outcome = DiscBurnEnd::Outcome::Canceled});
-    } else if (!device) {
+    } else if (!drive) {
         fail(DRError::DeviceVanished, {});
+    } else if (!drive->canWrite) { // the recording service would try
+        refuseBurn({});
     } else if (_rows.size() == 0) { // the burner of data CDs would burn an empty disc
         fail(DRError::EmptyLayout, {});
     } else {
-        _burner->burnWithDevice(QuarnerDevice(device), name);
+        _burner->burnWithDevice(QuarnerDevice(_drives->device(_burnedDrive)), name);
         if (_isClosed || _isCancelWanted) // during the call
             _burner->stopBurn();
     }
@@ -274,18 +277,24 @@ void ProjectCore::reportProgress() {
         [progress = _progress](DiscProjectObserver& observer) { observer.burnProgress(progress); });
 }
 
-/// Code 0 stands for a burn that was refused before it began: for what stands in its way.
+/// Code 0 stands for a burn that was refused before it began.
 void ProjectCore::burnDidFail(const BurnError& error) {
-    if (error.code != 0)
-        return fail(static_cast<DRError>(static_cast<std::uint32_t>(error.code)), error.info);
+    if (error.code == 0)
+        refuseBurn(error.info);
+    else
+        fail(static_cast<DRError>(static_cast<std::uint32_t>(error.code)), error.info);
+}
+
+/// Ends a burn that was refused before it began, with what stands in its way.
+void ProjectCore::refuseBurn(const BurnErrorInfo& info) {
     const auto drive = _drives->drive(_burnedDrive);
     const auto problems = problemsOf(contentSize(), drive, false);
     if (problems.empty()) // so the drive is attached, as one that is not would be a problem
-        return fail(drive->hasDisc ? DRError::MediaTooSmall : DRError::MediaNotPresent, error.info);
+        return fail(drive->hasDisc ? DRError::MediaTooSmall : DRError::MediaNotPresent, info);
     endBurn({.outcome = DiscBurnEnd::Outcome::Failed,
              .code = problems.front().code,
              .text = problems.front().text,
-             .info = error.info,
+             .info = info,
              .advice = problems.front().advice});
 }
 

@@ -85,8 +85,9 @@ private:
     void capacityDidChange();
     ContentSize contentSize() const;
     bool isDeferred(std::function<void()> add);
-    void beginBurn(const std::shared_ptr<DRDevice>& device, const std::string& title);
+    void beginBurn(const std::string& title);
     void reportProgress();
+    void refuseBurn(const BurnErrorInfo& info);
     void fail(DRError code, const BurnErrorInfo& info);
 
     const DiscProject::Kind _kind;

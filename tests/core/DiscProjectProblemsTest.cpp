@@ -82,6 +82,23 @@ TEST_P(DiscProjectProblems, WhatTheDriveCannotWriteIsAProblem) {
     EXPECT_THAT(problemCodes(), IsEmpty());
 }
 
+TEST_P(DiscProjectProblems, ADriveThatCannotWriteIsAProblemWhateverItsDisc) {
+    platform.playBurns();
+    compile({"a.mp3"});
+    platform.unplug(drive);
+    drive = platform.plug({.name = "Reader", .canWriteCD = false, .disc = DiscScript{}});
+    EXPECT_EQ(foretoldFailure(), DRError::MediaNotWritable);
+    EXPECT_THAT(platform.burns(), IsEmpty());
+    const DiscProblem problem = project->problems(driveId()).front();
+    EXPECT_EQ(problem.text, "The drive \"Reader\" cannot write CDs.");
+    EXPECT_EQ(problem.advice, "Use a drive that writes CDs.");
+    EXPECT_EQ(burnEnd().text, problem.text);
+    EXPECT_EQ(burnEnd().advice, problem.advice);
+    drive->ejectMedia();
+    settle();
+    EXPECT_EQ(project->problems(driveId()).front(), problem);
+}
+
 TEST_P(DiscProjectProblems, ADiscThatIsBeingExaminedIsSaidToBe) {
     compile({"a.mp3"});
     drive->change([](DriveScript& script) {
