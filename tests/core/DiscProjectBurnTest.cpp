@@ -200,6 +200,36 @@ TEST_P(DiscProjectBurn, TheNextBurnStartsInsideTheEndOfTheLast) {
     EXPECT_THAT(observer->burnEnds, Each(Field(&DiscBurnEnd::outcome, Outcome::Done)));
 }
 
+/// Burns once more in the first report of a change that comes when a burn is over.
+struct BurnsAgain : DiscProjectObserver {
+    explicit BurnsAgain(DiscProject& burning) : project(burning) {}
+    void burnProgress(const DiscBurnProgress& /*progress*/) override {
+        if (events.empty() || events.back() != "progress")
+            events.emplace_back("progress");
+    }
+    void burnEnded(const DiscBurnEnd& /*end*/) override { events.emplace_back("ended"); }
+    void capacityChanged() override {
+        if (!events.empty() && !project.isBurning() && !std::exchange(hasBegun, true)) {
+            events.emplace_back("burns again");
+            EXPECT_TRUE(project.burn(project.drives().front().id));
+        }
+    }
+    DiscProject& project;
+    bool hasBegun = false;
+    std::vector<std::string> events;
+};
+
+TEST_P(DiscProjectBurn, ABurnThatStartsInCapacityChangedFollowsTheEndOfTheLast) {
+    platform.playBurns();
+    compile({"a.mp3"});
+    const auto again = std::make_shared<BurnsAgain>(*project);
+    project->addObserver(again);
+    project->burn(driveId());
+    settle();
+    EXPECT_THAT(again->events,
+                ElementsAre("progress", "ended", "burns again", "progress", "ended"));
+}
+
 /// A burn fails with each code that a recorder may give.
 TEST_P(DiscProjectBurn, EachFailureEndsWithWhatItsCodeMeans) {
     compile({"a.mp3"});
