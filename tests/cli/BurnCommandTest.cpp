@@ -103,6 +103,16 @@ TEST_P(BurnCommandTest, InterruptingTheAddingStopsAtTheNextFile) {
     EXPECT_EQ(objects().back().at("status"), 130);
 }
 
+TEST_P(BurnCommandTest, InterruptingTheSearchAddsNothing) {
+    const TemporaryFolder folder;
+    std::ofstream(folder.file("a.mp3")).flush();
+    host.platform.putSong(folder.file("a.mp3"), {.seconds = 10});
+    host.interrupt(); // before the search can report its end
+    EXPECT_EQ(burn({"--json", "--recursive", folder.file("."), "/m/a.mp3"}), 130);
+    EXPECT_THAT(events(), ElementsAre("compilation", "exit"));
+    EXPECT_EQ(delegateObjects()[0].at("items"), 0);
+}
+
 TEST_P(BurnCommandTest, InterruptingTheBurnWaitsForItsEnd) {
     host.platform.playBurns({.progressReports = 2000});
     onceWhileBurning([this] { host.interrupt(); });

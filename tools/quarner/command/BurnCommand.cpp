@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "tools/quarner/command/Commands.h"
 
-#include <atomic>
+#include <memory>
 #include <optional>
 #include <stop_token>
 #include <thread>
@@ -159,15 +159,14 @@ std::vector<std::string> BurnCommand::findFiles() {
     const auto searched =
         _options.recursive ? DiscProject::fileExtensions() : std::vector<std::string>();
     std::vector<std::string> files;
-    std::atomic<bool> isDone = false;
+    const auto isDone = std::make_shared<bool>(false); // the loop may outlive an interrupted search
     {
         const std::jthread search(
             [&](const std::stop_token& stop) { // stops at the end of its scope
                 files = filesToAdd(_options.files, searched, stop);
-                isDone = true;
-                _host.loop.post([] {}); // so that the loop asks again
+                _host.loop.post([isDone] { *isDone = true; });
             });
-        runUntil([&] { return isDone.load(); });
+        runUntil([&] { return *isDone; });
     }
     return files;
 }
