@@ -129,6 +129,17 @@ TEST_P(DiscProjectBurn, CanBeCancelledBeforeTheBurnerHasBegun) {
     EXPECT_THAT(platform.burns(), IsEmpty());
 }
 
+TEST_P(DiscProjectBurn, IsNotCancelledWithTheOneBefore) {
+    compile({"a.mp3"});
+    project->burn(driveId());
+    project->cancelBurn();
+    EXPECT_EQ(burnEnd().outcome, Outcome::Canceled);
+    observer->burnEnds.clear();
+    platform.playBurns();
+    project->burn(driveId());
+    EXPECT_EQ(burnEnd().outcome, Outcome::Done);
+}
+
 /// Cancels or destroys in the first call of the delegate, in which the burner knows no burn yet.
 struct AtStart : QuarnDelegate {
     explicit AtStart(std::function<void()> work) : action(std::move(work)) {}

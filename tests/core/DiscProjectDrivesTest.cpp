@@ -95,6 +95,19 @@ TEST_F(DiscProjectDrives, ARequestIsAnsweredAlsoIfTheDriveIsGone) {
     EXPECT_EQ(answers, 2);
 }
 
+TEST_F(DiscProjectDrives, IsNoticedToBeGoneWhenItIsExaminedBeforeItsNotificationComes) {
+    const DiscDrive::Id gone = driveId();
+    platform.fail(ServiceCall::Devices); // lists no drive, and sends no notification
+    int calls = 0;
+    project->examine(gone, [&] {
+        ++calls;
+        EXPECT_FALSE(project->drive(gone));
+    });
+    settle();
+    EXPECT_EQ(calls, 1);
+    EXPECT_THAT(project->drives(), IsEmpty());
+}
+
 TEST_F(DiscProjectDrives, ADriveIsUnknownUntilItHasAnswered) {
     platform.backgroundQueue().hold();
     platform.plug({.name = "Slow"});

@@ -48,12 +48,12 @@ protected:
             names.push_back(item->displayName);
         return names;
     }
-    /// The end of the only burn that has been reported.
-    const DiscBurnEnd& burnEnd() {
+    /// The end of the only burn that has been reported; a neutral one if there is none.
+    DiscBurnEnd burnEnd() {
         settle();
         EXPECT_THAT(observer->burnEnds, ::testing::SizeIs(1));
         EXPECT_FALSE(project->isBurning());
-        return observer->burnEnds.front();
+        return observer->burnEnds.empty() ? DiscBurnEnd() : observer->burnEnds.front();
     }
     std::vector<DRError> problemCodes() const {
         std::vector<DRError> codes;

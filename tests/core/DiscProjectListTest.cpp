@@ -277,12 +277,47 @@ TEST_P(DiscProjectList, FilesOfALaterCallDoNotReviveTheOnesThatWereCancelled) {
     project->add(songs({"a.mp3", "b.mp3"}));
     project->cancelAdding();
     project->add(songs({"c.mp3"}));
+    project->addSorted(songs({"e.mp3", "d.mp3"}));
     platform.backgroundQueue().release();
     settle();
-    EXPECT_THAT(names(), ElementsAre("c.mp3"));
+    EXPECT_THAT(names(), ElementsAre("c.mp3", "d.mp3", "e.mp3"));
     EXPECT_EQ(observer->events.front(), "adding canceled");
     EXPECT_EQ(observer->events.back(), "adding ended");
     EXPECT_FALSE(project->isAdding());
+}
+
+TEST_P(DiscProjectList, CancellingAgainLeavesOutTheFilesOfALaterCallToo) {
+    platform.backgroundQueue().hold();
+    project->add(songs({"a.mp3", "b.mp3"}));
+    project->cancelAdding();
+    project->add(songs({"c.mp3"}));
+    project->cancelAdding();
+    platform.backgroundQueue().release();
+    settle();
+    EXPECT_THAT(names(), IsEmpty());
+    EXPECT_THAT(observer->events, ElementsAre("adding canceled"));
+}
+
+TEST_P(DiscProjectList, CancellingWhenNothingIsAddedDelaysNoLaterCall) {
+    project->cancelAdding();
+    compile({"a.mp3"});
+    EXPECT_THAT(names(), ElementsAre("a.mp3"));
+}
+
+TEST_P(DiscProjectList, ADestroyedProjectDoesNotAddTheFilesOfALaterCall) {
+    platform.backgroundQueue().hold();
+    project->add(songs({"a.mp3", "b.mp3"}));
+    project->cancelAdding();
+    project->add(songs({"c.mp3"}));
+    observer->onCall = [&] {
+        if (project && !project->isAdding())
+            project.reset();
+    };
+    platform.onCall(ServiceCall::DisplayName,
+                    [&](const std::string& path) { EXPECT_NE(path, "/music/c.mp3"); });
+    platform.backgroundQueue().release();
+    settle();
+    EXPECT_FALSE(project);
 }
 
 TEST(DiscProjectWithoutPlatform, DoesNothingAndDoesNotHang) {

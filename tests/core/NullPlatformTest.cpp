@@ -79,6 +79,10 @@ TEST_F(NullPlatformTest, WorksInAThreadOfItsOwnAndInsteadOfTheMainThreadAtOnce) 
     EXPECT_EQ(main, std::this_thread::get_id());
 }
 
+TEST_F(NullPlatformTest, DropsWorkForAMainQueueThatIsNotThere) {
+    platform.dispatch->asyncMain([] { FAIL() << "not inside the call, and there is no later"; });
+}
+
 TEST_F(NullPlatformTest, SortsWithoutRegardToCase) {
     EXPECT_EQ(compare("", ""), 0);
     EXPECT_EQ(compare("Song", "sONG"), 0);
