@@ -1,5 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include <sys/inotify.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -105,12 +109,22 @@ TEST_P(BurnCommandTest, InterruptingTheAddingStopsAtTheNextFile) {
 
 TEST_P(BurnCommandTest, InterruptingTheSearchAddsNothing) {
     const TemporaryFolder folder;
-    std::ofstream(folder.file("a.mp3")).flush();
-    host.platform.putSong(folder.file("a.mp3"), {.seconds = 10});
-    host.interrupt(); // before the search can report its end
-    EXPECT_EQ(burn({"--json", "--recursive", folder.file("."), "/m/a.mp3"}), 130);
+    std::filesystem::create_directories(folder.file("first"));
+    std::filesystem::create_directories(folder.file("second"));
+    const std::string song = folder.file("first/a.mp3");
+    std::ofstream(song).flush();
+    host.platform.putSong(song, {.seconds = 10});
+    const int opened = inotify_init1(IN_CLOEXEC);
+    inotify_add_watch(opened, folder.file("second").c_str(), IN_OPEN);
+    host.loop.post([opened] { // waits until the first folder has been searched
+        std::array<char, 4096> event = {};
+        EXPECT_GT(read(opened, event.data(), event.size()), 0);
+    });
+    host.interrupt();
+    EXPECT_EQ(burn({"--json", "--recursive", folder.file("first"), folder.file("second")}), 130);
     EXPECT_THAT(events(), ElementsAre("compilation", "exit"));
     EXPECT_EQ(delegateObjects()[0].at("items"), 0);
+    close(opened);
 }
 
 TEST_P(BurnCommandTest, InterruptingTheBurnWaitsForItsEnd) {
