@@ -153,13 +153,13 @@ private:
         const QSignalBlocker blocker(_drives);
         _drives->clear();
         for (const quarner::DiscDrive& drive : project.drives())
-            if (drive.canWrite || !drive.isExamined)
+            if (drive.canWrite)
                 _drives->addItem(text(drive.name), QVariant::fromValue(drive.id));
         _drives->setCurrentIndex(std::max(_drives->findData(chosen), 0));
     }
     void capacityChanged() override {
         const quarner::DiscCapacity space = project.capacity(chosenDrive());
-        const std::string rest = " of " + space.totalText + ", " + space.freeText + " free";
+        const std::string rest = " of " + space.totalText + ", " + space.verdict;
         _space->setFormat(text(space.usedText + (space.isDiscKnown ? rest : " used")));
         _space->setMaximum(std::max(static_cast<int>(space.total), 1));
         _space->setValue(std::min(static_cast<int>(space.used), _space->maximum()));
@@ -177,10 +177,8 @@ private:
     }
     void burnProgress(const quarner::DiscBurnProgress& progress) override {
         QString step = text(progress.text);
-        if (progress.secondsLeft)
-            step += QTime(0, 0)
-                        .addSecs(static_cast<int>(*progress.secondsLeft))
-                        .toString(", H:mm:ss 'left'");
+        if (!progress.timeLeftText.empty())
+            step += ", " + text(progress.timeLeftText) + " left";
         _progress->setFormat(step);
         _progress->setValue(static_cast<int>(progress.fraction * _progress->maximum()));
         _progress->show();
