@@ -6,6 +6,7 @@
 
 #include "adapters/ffmpeg/FFmpegLog.h"
 #include "adapters/ffmpeg/WindowedFile.h"
+#include "quarner/platform/Texts.h"
 
 namespace quarner {
 
@@ -39,8 +40,8 @@ std::optional<std::size_t> FFmpegPCMStream::read(std::span<std::int16_t> samples
 std::string FFmpegPCMStream::problem() const {
     if (_file->hasFailed())
         return _file->problem();
-    return "more than " + std::to_string(PacketSource::mostDamage >> 20) +
-           " MiB of damage in one place";
+    return text("more than {size} MiB of damage in one place",
+                {{"size", std::to_string(PacketSource::mostDamage >> 20)}});
 }
 
 bool FFmpegPCMStream::isDamaged() const { return !_file->hasFailed(); }

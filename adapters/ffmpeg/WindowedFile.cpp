@@ -8,6 +8,8 @@
 #include <system_error>
 #include <utility>
 
+#include "quarner/platform/Texts.h"
+
 namespace quarner {
 
 namespace {
@@ -30,7 +32,8 @@ std::unique_ptr<WindowedFile> WindowedFile::open(const std::string& path, MayCon
 std::string WindowedFile::problem() const {
     if (!_hasFailed || _wasStopped)
         return {};
-    return _error == 0 ? "unexpected end of the file" : std::generic_category().message(_error);
+    return _error == 0 ? text("unexpected end of the file")
+                       : std::generic_category().message(_error);
 }
 
 WindowedFile::WindowedFile(const std::string& path, MayContinue mayContinue)

@@ -8,11 +8,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <string_view>
 #include <system_error>
 #include <vector>
 
 #include "adapters/optical/DriveOpening.h"
+#include "quarner/platform/Texts.h"
 
 namespace quarner {
 namespace {
@@ -38,22 +38,24 @@ std::string permissionProblem(const std::string& node, int error) {
     struct stat found = {};
     const bool groupMay = stat(node.c_str(), &found) == 0 && (found.st_mode & 0060) == 0060;
     if (groupMay && !isMember(found.st_gid))
-        return node + " may be opened only by members of the group " + nameOfGroup(found.st_gid);
-    return node +
-           " may not be opened for reading and writing: " + std::generic_category().message(error);
+        return text("{node} may be opened only by members of the group {group}",
+                    {{"node", node}, {"group", nameOfGroup(found.st_gid)}});
+    return text("{node} may not be opened for reading and writing: {error}",
+                {{"node", node}, {"error", std::generic_category().message(error)}});
 }
 
-std::string_view remedy(int error) {
+/// A problem together with what can be done about it.
+const char* messageWithRemedy(int error) {
     switch (error) {
     case EBUSY:
-        return "; its disc may be mounted";
+        return translatable("{problem}; its disc may be mounted");
     case EACCES:
-        return "; an administrator can change that, then log in again";
+        return translatable("{problem}; an administrator can change that, then log in again");
     case EPERM: // a container may have no access to devices, whatever the node's mode
     case ENOENT:
-        return "; in a container, the drive has to be passed through";
+        return translatable("{problem}; in a container, the drive has to be passed through");
     default:
-        return "";
+        return "{problem}";
     }
 }
 
@@ -64,13 +66,14 @@ std::string openingProblem(const std::string& node, int error) {
     case EACCES:
         return permissionProblem(node, error);
     case EPERM:
-        return "the system forbids opening " + node;
+        return text("the system forbids opening {node}", {{"node", node}});
     case EBUSY:
-        return node + " is in use by another program";
+        return text("{node} is in use by another program", {{"node", node}});
     case ENOENT:
-        return "the drive has no device node " + node;
+        return text("the drive has no device node {node}", {{"node", node}});
     default:
-        return node + " cannot be opened: " + std::generic_category().message(error);
+        return text("{node} cannot be opened: {error}",
+                    {{"node", node}, {"error", std::generic_category().message(error)}});
     }
 }
 
@@ -80,7 +83,7 @@ std::optional<std::string> accessProblem(const std::string& node) {
     const bool isPermitted = access(node.c_str(), R_OK | W_OK) == 0;
     const int result = isPermitted ? openDrive(node, timeout, nullptr) : -errno;
     if (result < 0)
-        return openingProblem(node, -result).append(remedy(-result));
+        return text(messageWithRemedy(-result), {{"problem", openingProblem(node, -result)}});
     close(result);
     return std::nullopt;
 }

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "quarner/platform/Platform.h"
+#include "quarner/platform/Texts.h"
 #include "quarner/util/SizeFormat.h"
 
 namespace quarner {
@@ -23,7 +24,8 @@ SizeFormat translated(const std::string& key, char kind) {
 }
 
 std::string kilobyteForm(double number) {
-    return translated("%.0f KB", 'f').withNumber(number, *currentPlatform()->text);
+    // TRANSLATORS: A size of a file. %.0f stands for a whole number, %@ for a number as text.
+    return translated(translatable("%.0f KB"), 'f').withNumber(number, *currentPlatform()->text);
 }
 
 std::string unitForm(const std::string& key, const std::string& number) {
@@ -81,11 +83,12 @@ std::string MultiMedia::stringWithFilesize(std::int64_t size) {
     if (bytes < kilo * kilo)
         return kilobyteForm(bytes / kilo);
     if (bytes < kilo * kilo * kilo)
-        return unitForm("%@ MB", trimmedToTenths(bytes / kilo / kilo));
+        return unitForm(translatable("%@ MB"), trimmedToTenths(bytes / kilo / kilo));
     if (bytes < kilo * kilo * kilo * kilo)
-        return unitForm("%@ GB", trimmedToHundredths(bytes / kilo / kilo / kilo));
+        return unitForm(translatable("%@ GB"), trimmedToHundredths(bytes / kilo / kilo / kilo));
     if (bytes < kilo * kilo * kilo * kilo * kilo)
-        return unitForm("%@ TB", trimmedToHundredths(bytes / kilo / kilo / kilo / kilo));
+        return unitForm(translatable("%@ TB"),
+                        trimmedToHundredths(bytes / kilo / kilo / kilo / kilo));
     return kilobyteForm(0.0);
 }
 

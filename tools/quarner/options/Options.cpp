@@ -18,10 +18,12 @@ namespace {
 
 using words::_;
 
-// TRANSLATORS: No line of a help text may take more than 87 columns.
-constexpr const char* statusHelp = translatable(
-    "Exit status: 0 burnt and verified, 1 the burn failed, 2 wrong usage or no drive or\n"
-    "image to use, 3 a file was refused, 4 does not fit the disc, 130 cancelled.\n");
+constexpr const char* statusHelp =
+    // TRANSLATORS: No line of a help text may take more than 87 columns. Leave NAME and FILE as
+    // they are.
+    translatable(
+        "Exit status: 0 burnt and verified, 1 the burn failed, 2 wrong usage or no drive or\n"
+        "image to use, 3 a file was refused, 4 does not fit the disc, 130 cancelled.\n");
 constexpr const char* outputHelp = translatable(
     "If the output cannot be written, status 0 becomes 1, unless its reader went away.\n");
 

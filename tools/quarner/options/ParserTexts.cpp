@@ -48,7 +48,6 @@ bool isTranslated(const CLI::ParseError& problem) {
 } // namespace
 
 void translateHelp(CLI::App& command) {
-    // TRANSLATORS: Names like OPTIONS, FILE and COMMAND stand for what the user types.
     for (const char* const label :
          {translatable("Usage"), translatable("OPTIONS"), translatable("SUBCOMMAND"),
           translatable("Positionals"), translatable("Needs"), translatable("Excludes")})

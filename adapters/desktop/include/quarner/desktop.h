@@ -112,11 +112,11 @@ QUARNER_EXPORT bool removeImageDrive(const std::string& displayName);
 /// (see `QuarnerDevice::eject`).
 QUARNER_EXPORT bool insertBlankDisc(const std::string& displayName);
 
-/// Returns why the optical drive with this name cannot be used now, in one English sentence without
-/// a full stop, and in brackets what can be done: the group or permission that this user lacks,
-/// another program that has the drive open, a system that forbids access, or a missing device node.
-/// Returns an empty text if the drive can be used, while this process burns on it, and for an image
-/// drive.
+/// Returns why the optical drive with this name cannot be used now, in one sentence without a full
+/// stop in the user's language, and in brackets what can be done: the group or permission that this
+/// user lacks, another program that has the drive open, a system that forbids access, or a missing
+/// device node. Returns an empty text if the drive can be used, while this process burns on it, and
+/// for an image drive.
 ///
 /// A drive with such a problem is listed and seems to have no disc, and a burn on it fails. A host
 /// can report the problem before. To find out, the drive is opened for a moment. A busy drive is
