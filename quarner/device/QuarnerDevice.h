@@ -38,18 +38,22 @@ public:
 
     /// Receives all reports. Not owned; may be null.
     QuarnerDeviceDelegate* delegate() const { return _delegate; }
+    /// Sets the delegate, or none for null. The delegate must outlive the handle, or be replaced
+    /// before it is destroyed.
     void setDelegate(QuarnerDeviceDelegate* delegate) { _delegate = delegate; }
 
     /// The drive itself, or null.
     std::shared_ptr<DRDevice> device() const { return _device; }
     /// The drive's display name; `std::nullopt` without a drive.
     std::optional<std::string> deviceName() const;
-    /// The drive's dictionaries (keys in DRKeys.h); `std::nullopt` without a drive.
+    /// `DRDevice::info` (keys in DRKeys.h); `std::nullopt` without a drive.
     std::optional<Dictionary> info() const;
+    /// `DRDevice::status` (keys in DRKeys.h); `std::nullopt` without a drive.
     std::optional<Dictionary> status() const;
 
     /// Whether the drive writes CDs; false without a drive.
     bool cdBurnEnabled() const;
+    /// Whether there is a disc in the drive; false without a drive.
     bool isDiscInDevice() const;
     /// Whether a disc is being loaded or examined; false without a drive.
     bool isCheckingDisc() const;
@@ -60,26 +64,34 @@ public:
 
     // --- DiscStatus: the disc in the drive ---
 
+    /// Whether nothing is recorded on the disc; false without a disc, as in the next four.
     bool isDiscBlank() const;
+    /// Whether a session can be written to the disc: it is blank, or was left open.
     bool isDiscAppendable() const;
+    /// Whether the disc can be blanked, as a CD-RW can.
     bool isDiscErasable() const;
+    /// Whether the disc can be written again without being blanked. No CD can.
     bool isDiscOverwritable() const;
     /// Whether the disc is a CD-ROM, CD-R or CD-RW.
     bool isCDDisc() const;
 
-    /// Play time in whole seconds, truncated; 0 if unknown.
+    /// The recorded play time in whole seconds, truncated; 0 if unknown.
     std::uint64_t usedTimeOfDisc() const;
+    /// The free play time in whole seconds, truncated; 0 if unknown.
     std::uint64_t freeTimeOfDisc() const;
-    /// The same as "00:12:34".
+    /// `usedTimeOfDisc` as "00:12:34".
     std::string stringForUsedTimeOfDisc() const;
+    /// `freeTimeOfDisc` as "00:12:34".
     std::string stringForFreeTimeOfDisc() const;
 
-    /// Size in bytes, as blocks of 2048; 0 if unknown. The drive reports it separately from the
-    /// times above.
+    /// The recorded size in bytes, as blocks of 2048; 0 if unknown. The drive reports it separately
+    /// from the times above.
     std::uint64_t usedSizeOfDisc() const;
+    /// The free size in bytes, likewise.
     std::uint64_t freeSizeOfDisc() const;
-    /// The same as "702.8 MB".
+    /// `usedSizeOfDisc` as "702.8 MB".
     std::string stringForUsedSizeOfDisc() const;
+    /// `freeSizeOfDisc` as "702.8 MB".
     std::string stringForFreeSizeOfDisc() const;
 
     /// The write speeds of the disc in blocks per second, the fastest last; `std::nullopt` without
@@ -88,8 +100,11 @@ public:
 
     // --- Called by the notification centre, never by a host ---
 
+    /// Forwards `DRDeviceStatusChangedNotification` of this drive to the delegate.
     void deviceStatusDidChanged(const DRNotification& notification);
+    /// Forwards `DRDeviceAppearedNotification` of any drive to the delegate.
     void deviceDidAppeared(const DRNotification& notification);
+    /// Forwards `DRDeviceDisappearedNotification` to the delegate.
     void deviceDidDisappeared(const DRNotification& notification);
 
 private:

@@ -39,16 +39,20 @@ public:
         /// Valid as long as the snapshot that it came from.
         class QUARNER_EXPORT Iterator {
         public:
-            using iterator_category = std::forward_iterator_tag;
-            using value_type = BurnItemRef;
-            using difference_type = std::ptrdiff_t;
-            using pointer = const BurnItemRef*;
-            using reference = const BurnItemRef&;
+            using iterator_category = std::forward_iterator_tag; ///< several passes are possible
+            using value_type = BurnItemRef;                      ///< an item
+            using difference_type = std::ptrdiff_t;              ///< a distance in items
+            using pointer = const BurnItemRef*;                  ///< owned by the snapshot
+            using reference = const BurnItemRef&;                ///< owned by the snapshot
 
+            /// One that belongs to no snapshot: it can only be assigned to.
             Iterator() = default;
 
+            /// The item, never null. Not at the end.
             reference operator*() const { return _run.front(); }
+            /// The same for access to a member.
             pointer operator->() const { return &_run.front(); }
+            /// Goes to the next item. Not at the end.
             Iterator& operator++() {
                 ++_index;
                 _run = _run.subspan(1);
@@ -56,11 +60,13 @@ public:
                     _run = _snapshot->runFrom(_index);
                 return *this;
             }
+            /// The same, and returns the iterator as it was before.
             Iterator operator++(int) {
                 const Iterator before = *this;
                 ++*this;
                 return before;
             }
+            /// Compares iterators of one snapshot.
             bool operator==(const Iterator& other) const { return _index == other._index; }
 
         private:
@@ -73,10 +79,10 @@ public:
             std::span<const BurnItemRef> _run; // from this item on; empty at the end
         };
 
-        Iterator begin() const { return {this, 0}; }
-        Iterator end() const { return {this, _size}; }
-        std::size_t size() const { return _size; }
-        bool empty() const { return _size == 0; }
+        Iterator begin() const { return {this, 0}; }   ///< at the first item
+        Iterator end() const { return {this, _size}; } ///< behind the last item
+        std::size_t size() const { return _size; }     ///< the number of items
+        bool empty() const { return _size == 0; }      ///< whether there is no item
         /// The index must be below the size.
         const BurnItemRef& operator[](std::size_t index) const { return runFrom(index).front(); }
 
@@ -100,11 +106,13 @@ public:
     ContentList(const ContentList&) = delete;
     ContentList& operator=(const ContentList&) = delete;
 
+    /// Returns the list as it is now. Copies no item.
     Snapshot snapshot() const;
 
     /// Whether the item, compared by identity, is in the list.
     bool contains(const BurnItemRef& item) const;
 
+    /// Adds an item at the end. The item must not be null.
     void append(BurnItemRef item);
 
     /// A place between two items at which one owner inserts items, each behind the one before. It
@@ -130,6 +138,7 @@ public:
     /// Removes every occurrence of these items.
     void removeAll(const std::unordered_set<BurnItemRef>& items);
 
+    /// Removes all items.
     void clear();
 
     /// Moves the items at these indexes, in their order, to before the item that is now at the

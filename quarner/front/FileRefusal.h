@@ -23,11 +23,12 @@ struct FileRefusal {
     /// As in the end report: as the caller wrote it if the file was refused before the run began,
     /// otherwise resolved.
     std::string path = {};
-    RefusalReason reason = RefusalReason::Missing;
+    RefusalReason reason = RefusalReason::Missing; ///< why, for programs
     /// What the system or the decoder says, in a few English words without the path: "Permission
     /// denied". May be empty.
     std::string detail = {};
 
+    /// Compares every member.
     bool operator==(const FileRefusal&) const = default;
 };
 

@@ -30,9 +30,11 @@ struct BurnError {
     std::int64_t code = 0;
     BurnErrorInfo info = {}; ///< empty for a burn that is refused before it starts
 
+    /// Compares every member.
     bool operator==(const BurnError&) const = default;
 };
 
+/// The domain of every error of a burn.
 inline constexpr char burnErrorDomain[] = "Quarn";
 
 /// The reports of a burner to its host. Every operation does nothing by default: override those
@@ -102,15 +104,21 @@ public:
     /// The time left is 0 on a data CD, while the speed is unknown or 0, and in the last second.
     virtual void burnProgressDidChanaged(double /*fraction*/, std::uint64_t /*lefttime*/) {}
 
+    /// The drive is opened and the disc is checked; a rewritable disc may be erased.
     virtual void burnProgressIsPreparing() {}
 
-    /// `burnProgressIsOpeningTrack:of:`, `burnProgressIsWriteingTrack:of:`,
-    /// `burnProgressDidCloseTrack:of:` The track, from 1, and the number of tracks.
+    /// `burnProgressIsOpeningTrack:of:` A track begins: its number, from 1, and the number of
+    /// tracks.
     virtual void burnProgressIsOpeningTrack(std::int64_t /*track*/, std::int64_t /*of*/) {}
+    /// `burnProgressIsWriteingTrack:of:` The track, from 1, of `of` is being written. Called again
+    /// after each `burnProgressDidChanaged`.
     virtual void burnProgressIsWriteingTrack(std::int64_t /*track*/, std::int64_t /*of*/) {}
+    /// `burnProgressDidCloseTrack:of:` The track, from 1, of `of` was written.
     virtual void burnProgressDidCloseTrack(std::int64_t /*track*/, std::int64_t /*of*/) {}
 
+    /// All tracks were written, and the session was closed.
     virtual void burnProgressDidCloseSession() {}
+    /// The disc is being completed.
     virtual void burnProgressIsFinishing() {}
 
     /// The written disc is being read back and compared.

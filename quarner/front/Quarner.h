@@ -186,6 +186,9 @@ public:
 
     /// Receives all reports. Not owned; may be null.
     QuarnDelegate* delegate() const;
+    /// Sets the delegate, or none for null. Any thread; a call that is under way on another thread
+    /// may still use the one that is replaced. One that was set by `setSharedDelegate` is kept, but
+    /// not called any more.
     void setDelegate(QuarnDelegate* delegate);
 
     /// The same for a delegate that the burner then owns: it is kept until the burner, which every
@@ -205,16 +208,17 @@ protected:
     /// Adds files in the order of the paths, at a place of `_content`. Neutral value: false.
     virtual bool addFilesAt(const std::vector<std::string>& paths, ContentList::Place place);
 
+    /// The function that `reportRefusals` was given, kept by every run that may call it.
     using RefusalReport = std::shared_ptr<const std::function<void(const FileRefusal&)>>;
     /// Returns what `reportRefusals` was given; null if refusals are not reported.
     RefusalReport refusalReport() const;
 
-    std::atomic<QuarnDelegate*> _delegate = nullptr;
-    std::shared_ptr<QuarnDelegate> _sharedDelegate; // only its owner: `_delegate` is what is called
-    std::atomic<bool> _continue2AddFiles = false;
-    std::atomic<bool> _readsTags = false;
-    ContentList _content;
-    std::shared_ptr<DRBurn> _burner;
+    std::atomic<QuarnDelegate*> _delegate = nullptr; ///< what is called; may be null
+    std::shared_ptr<QuarnDelegate> _sharedDelegate;  ///< keeps `_delegate` if the burner owns it
+    std::atomic<bool> _continue2AddFiles = false;    ///< false asks every run to stop
+    std::atomic<bool> _readsTags = false;            ///< set by `readTags`
+    ContentList _content;                            ///< the compilation
+    std::shared_ptr<DRBurn> _burner;                 ///< the running burn; null if there is none
 
 private:
     mutable std::mutex _mutex;

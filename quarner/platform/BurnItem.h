@@ -16,9 +16,6 @@ struct MediaTags;
 /// One entry of a compilation: an object that carries a property dictionary. Items are compared
 /// by identity. An item is filled before it enters a compilation and never changes afterwards,
 /// so a host may read it on any thread.
-///
-/// `className` returns the name of the object's own class. `isKindOfClass` is true for that class
-/// and for every class that it is derived from.
 class QUARNER_EXPORT BurnItem {
 public:
     BurnItem() = default;
@@ -26,17 +23,23 @@ public:
     BurnItem(const BurnItem&) = delete;
     BurnItem& operator=(const BurnItem&) = delete;
 
+    /// Returns the name of the object's own class, such as `DRTrack::drClassName`. The text is
+    /// static.
     virtual std::string_view className() const = 0;
+    /// Returns whether `name` is the object's own class or one that it is derived from.
     virtual bool isKindOfClass(std::string_view name) const = 0;
 
     /// The property dictionary; never null.
     std::shared_ptr<const Dictionary> properties() const { return _properties; }
+    /// Replaces the whole dictionary. Only while the item is being filled: not safe while another
+    /// thread reads it.
     void setProperties(Dictionary properties) {
         _properties = std::make_shared<const Dictionary>(std::move(properties));
     }
 
     /// The tags of the item's file, for display; null if they were not read (`Quarner::readTags`).
     std::shared_ptr<const MediaTags> tags() const { return _tags; }
+    /// Sets the tags. Only while the item is being filled.
     void setTags(std::shared_ptr<const MediaTags> tags) { _tags = std::move(tags); }
 
 private:
@@ -46,6 +49,7 @@ private:
 
 /// A burn item as hosts and burners hold it.
 using BurnItemRef = std::shared_ptr<const BurnItem>;
+/// Burn items in the order of the list that they are from.
 using BurnItemList = std::vector<BurnItemRef>;
 
 } // namespace quarner

@@ -11,16 +11,19 @@
 
 namespace quarner {
 
-/// The string encoding numbers that a CD-Text block is made with.
+/// The number of the encoding ISO/IEC 8859-1 (Latin-1), which a CD-Text block is made with.
 inline constexpr std::uint32_t isoLatin1StringEncoding = 5;
 
 /// The texts of a disc and of its tracks in one language.
 class DRCDTextBlock {
 public:
+    /// A block without texts. An empty language stands for one that is not known.
     DRCDTextBlock(std::string language, std::uint32_t encoding)
         : _language(std::move(language)), _encoding(encoding) {}
 
+    /// The language as given.
     const std::string& language() const { return _language; }
+    /// The encoding number as given.
     std::uint32_t encoding() const { return _encoding; }
 
     /// `setObject:forKey:ofTrack:`: stores a value under a key for a track. Track 0 is the disc.

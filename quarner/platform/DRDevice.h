@@ -29,16 +29,22 @@ public:
     /// `DRStatusCurrentSpeedKey`.
     virtual Dictionary status() const = 0;
 
+    /// True if a disc is in the drive and was examined.
     virtual bool mediaIsPresent() const = 0;
     /// True while a disc is being loaded or examined.
     virtual bool mediaIsTransitioning() const = 0;
+    /// True if nothing is recorded on the disc. False without a disc, as in the next three.
     virtual bool mediaIsBlank() const = 0;
+    /// True if a session can be written to the disc: it is blank, or was left open.
     virtual bool mediaIsAppendable() const = 0;
+    /// True if the disc can be blanked, as a CD-RW can.
     virtual bool mediaIsErasable() const = 0;
+    /// True if the disc can be written again without being blanked. No CD can.
     virtual bool mediaIsOverwritable() const = 0;
 
-    /// The recorded and the free length of the disc; `std::nullopt` if unknown.
+    /// The recorded length of the disc; `std::nullopt` if unknown.
     virtual std::optional<DRMSF> mediaSpaceUsed() const = 0;
+    /// The length that can still be recorded; `std::nullopt` if unknown.
     virtual std::optional<DRMSF> mediaSpaceFree() const = 0;
 
     /// Ejects the disc. Returns whether that worked; false while a burn uses the drive.

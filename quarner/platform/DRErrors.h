@@ -47,6 +47,7 @@ struct BurnErrorInfo {
     /// want to know more than the code says.
     std::string message = {};
 
+    /// Compares every member.
     bool operator==(const BurnErrorInfo&) const = default;
 };
 

@@ -13,8 +13,11 @@ namespace quarner {
 /// all file systems (`DRAllFilesystems`).
 class QUARNER_EXPORT DRFile : public BurnItem {
 public:
+    /// What `className` returns.
     static constexpr std::string_view drClassName = "DRFile";
 
+    /// `sourcePath` is kept as it is given, and looked up each time that the file is opened. The
+    /// file need not exist.
     explicit DRFile(std::string sourcePath, FileStamp stamp = {})
         : _sourcePath(std::move(sourcePath)), _stamp(stamp) {}
 

@@ -10,7 +10,9 @@ namespace quarner {
 /// frames in 32 bits; sums wrap around at 2^32 frames (some 662 days).
 class DRMSF {
 public:
+    /// Frames in a second (Red Book).
     static constexpr std::uint32_t framesPerSecond = 75;
+    /// Frames in a minute.
     static constexpr std::uint32_t framesPerMinute = 4500;
 
     /// `msf`: the time zero.
@@ -22,7 +24,9 @@ public:
     /// `msfByAdding:`: the sum of this time and another, exact to the frame.
     constexpr DRMSF msfByAdding(DRMSF other) const { return DRMSF(_frames + other._frames); }
 
+    /// Whole minutes; may be more than 99.
     constexpr std::uint32_t minutes() const { return _frames / framesPerMinute; }
+    /// The whole seconds of the last, incomplete minute: 0 to 59.
     constexpr std::uint32_t seconds() const { return _frames / framesPerSecond % 60; }
 
     /// The whole length in frames.
@@ -31,6 +35,7 @@ public:
     /// minutes × 60 + seconds; the frames of the last, incomplete second are dropped.
     constexpr std::uint32_t wholeSeconds() const { return minutes() * 60 + seconds(); }
 
+    /// Equal to the frame.
     constexpr bool operator==(const DRMSF&) const = default;
 
 private:

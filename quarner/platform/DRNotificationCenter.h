@@ -11,11 +11,11 @@
 
 namespace quarner {
 
-/// One notification. `object` is its sender: a DRDevice or a DRBurn.
+/// One notification.
 struct DRNotification {
-    std::string name;
-    std::shared_ptr<DRObject> object;
-    Dictionary userInfo;
+    std::string name;                 ///< one of the DR...Notification of DRKeys.h
+    std::shared_ptr<DRObject> object; ///< its sender: a DRDevice or a DRBurn; never null
+    Dictionary userInfo;              ///< a burn's status record; empty for a drive
 };
 
 /// The notification centre of one run loop (`RecordingService::currentRunLoopCenter`). That run
@@ -23,6 +23,7 @@ struct DRNotification {
 /// notifications, and never from within another call into the service.
 class QUARNER_EXPORT DRNotificationCenter {
 public:
+    /// Receives a notification. It must not throw.
     using Handler = std::function<void(const DRNotification&)>;
 
     DRNotificationCenter() = default;

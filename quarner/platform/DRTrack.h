@@ -20,6 +20,7 @@ namespace quarner {
 /// and the recorder that writes them reads them.
 class QUARNER_EXPORT DRTrack : public BurnItem {
 public:
+    /// What `className` returns.
     static constexpr std::string_view drClassName = "DRTrack";
 
     /// Stereo samples at 44.1 kHz in one sector of 2352 bytes (Red Book: 44100 / 75).
@@ -43,15 +44,18 @@ public:
     /// The play length: the samples rounded up to whole sectors, at least `minimumSectors`. The
     /// pre-gap is not included.
     DRMSF length() const { return _length; }
+    /// Sets the play length, which is kept as it is given.
     void setLength(DRMSF length) { _length = length; }
 
     /// The silence before the track.
     DRMSF preGap() const { return _preGap; }
+    /// Sets the silence, which the burner chooses: 150 frames on an audio disc.
     void setPreGap(DRMSF preGap) { _preGap = preGap; }
 
     /// The blocks that the track takes on the disc: its length plus its pre-gap, one block per
     /// frame, unless `setEstimateLength` was called.
     std::uint64_t estimateLength() const;
+    /// Sets the blocks that the track takes. Replaces an estimate that takes long.
     void setEstimateLength(std::uint64_t blocks) {
         _laterEstimate.reset();
         _estimateLength = blocks;

@@ -20,17 +20,19 @@ struct FileAttributes {
 
 /// Why a file cannot be read.
 struct FileProblem {
+    /// What is wrong.
     enum class Kind {
         Missing,   ///< nothing is at the path
         NotAFile,  ///< a folder, a device, a socket or the like
         Unreadable ///< the file may not be opened, or opening it fails
     };
 
-    Kind kind = Kind::Missing;
+    Kind kind = Kind::Missing; ///< what is wrong, for programs
     /// A few English words without the path, such as "Permission denied" or "a folder". May be
     /// empty.
     std::string detail = {};
 
+    /// Compares every member.
     bool operator==(const FileProblem&) const = default;
 };
 
@@ -50,6 +52,7 @@ public:
     /// permission).
     virtual std::optional<FileAttributes> attributes(const std::string& path) = 0;
 
+    /// Returns the icon of the file's type; one without names if that is unknown.
     virtual Icon icon(const std::string& path) = 0;
 
     /// Returns the path that an alias refers to, following a chain of aliases to its end. Returns

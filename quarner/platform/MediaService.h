@@ -15,8 +15,8 @@ namespace quarner {
 
 /// A play time: `value` ticks, `scale` of them per second. A scale of 0 means unknown.
 struct QTTime {
-    std::int64_t value = 0;
-    std::int64_t scale = 0;
+    std::int64_t value = 0; ///< in ticks
+    std::int64_t scale = 0; ///< ticks per second; 0 if the time is unknown
     std::int64_t flags = 0; ///< not read by this library
 };
 
@@ -28,11 +28,13 @@ public:
     QTMovie(const QTMovie&) = delete;
     QTMovie& operator=(const QTMovie&) = delete;
 
+    /// Returns the play time, with a scale of 0 if it is unknown. Called on the main thread.
     virtual QTTime duration() const = 0;
 };
 
 /// Why a file is no movie, or one that is too short.
 struct MovieProblem {
+    /// What is wrong.
     enum class Kind {
         Unreadable, ///< the file cannot be read
         NoSound,    ///< no sound that can be decoded was found in it
@@ -40,22 +42,25 @@ struct MovieProblem {
         TooShort    ///< it plays for less than a second
     };
 
-    Kind kind = Kind::Unreadable;
-    std::string detail = {}; ///< a few English words without the path; may be empty
+    Kind kind = Kind::Unreadable; ///< what is wrong, for programs
+    std::string detail = {};      ///< a few English words without the path; may be empty
 
+    /// Compares every member.
     bool operator==(const MovieProblem&) const = default;
 };
 
 /// What a file says about its own content, for display. Every text is valid UTF-8 without control
 /// characters, has at most `mostBytes` bytes, and is empty if the file does not say it.
 struct MediaTags {
+    /// The size of a text, at most. A longer one is cut at a character.
     static constexpr std::size_t mostBytes = 1024;
 
-    std::string title = {};
-    std::string artist = {};
-    std::string album = {};
+    std::string title = {};  ///< of the piece
+    std::string artist = {}; ///< of the piece, not of the album
+    std::string album = {};  ///< the album's title
     std::uint32_t track = 0; ///< the number on its album, from 1; 0 if the file does not say it
 
+    /// Compares every member.
     bool operator==(const MediaTags&) const = default;
 };
 

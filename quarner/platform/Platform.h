@@ -18,12 +18,12 @@ namespace quarner {
 /// then runs on a thread of its own, and work for the main thread runs at once on the caller's
 /// thread.
 struct Platform {
-    std::shared_ptr<RecordingService> recording = nullptr;
-    std::shared_ptr<MediaService> media = nullptr;
-    std::shared_ptr<FileService> files = nullptr;
-    std::shared_ptr<DispatchService> dispatch = nullptr;
-    std::shared_ptr<TextService> text = nullptr;
-    std::shared_ptr<LogSink> log = nullptr;
+    std::shared_ptr<RecordingService> recording = nullptr; ///< drives and burns
+    std::shared_ptr<MediaService> media = nullptr;         ///< which files can be played
+    std::shared_ptr<FileService> files = nullptr;          ///< attributes, names and aliases
+    std::shared_ptr<DispatchService> dispatch = nullptr;   ///< work on other threads
+    std::shared_ptr<TextService> text = nullptr;           ///< the user's locale and language
+    std::shared_ptr<LogSink> log = nullptr;                ///< diagnostics for developers
 };
 
 /// Installs the platform of this process. Call it once, before anything else of the framework is

@@ -12,9 +12,16 @@ namespace quarner {
 
 /// How far a burn is.
 struct DiscBurnProgress {
-    enum class Phase { Preparing, Writing, Closing, Finishing, Verifying };
+    /// The phases, in their order.
+    enum class Phase {
+        Preparing, ///< the drive and the disc are made ready
+        Writing,   ///< the tracks are written
+        Closing,   ///< all tracks were written, and the session was closed
+        Finishing, ///< the disc is completed
+        Verifying  ///< the disc is read back and compared
+    };
 
-    Phase phase = Phase::Preparing;
+    Phase phase = Phase::Preparing;                ///< the one that runs
     std::int64_t track = 0;                        ///< from 1, while writing; 0 otherwise
     std::int64_t trackCount = 0;                   ///< 0 unless writing
     double phaseFraction = 0;                      ///< of the phase, 0.0 to 1.0
@@ -27,13 +34,14 @@ struct DiscBurnProgress {
 
 /// How a burn ended.
 struct DiscBurnEnd {
+    /// How a burn can end.
     enum class Outcome {
         Done,     ///< written and verified
         Canceled, ///< by `cancelBurn`
-        Failed
+        Failed    ///< `code` says why
     };
 
-    Outcome outcome = Outcome::Done;
+    Outcome outcome = Outcome::Done;  ///< how this one ended
     std::optional<DRError> code = {}; ///< of a burn that failed
     std::string text = {};            ///< what happened, as a sentence
     BurnErrorInfo info = {}; ///< the file, the sector or the drive's words that it is about

@@ -16,9 +16,9 @@ struct DiscCapacity {
     std::uint64_t used = 0;  ///< by the compilation
     std::uint64_t free = 0;  ///< of `total`; 0 if it does not fit
     std::uint64_t total = 0; ///< what the disc takes; 0 without a disc that can be written
-    std::string usedText;
-    std::string freeText;
-    std::string totalText;
+    std::string usedText;    ///< `used` for display, as time or size
+    std::string freeText;    ///< `free` for display
+    std::string totalText;   ///< `total` for display
     std::string contentText; ///< "2 tracks and their pauses", "1 file"
     /// What is left of a known disc, or what is too much for it: "01:13:13 left", "00:01:47 too
     /// long", "2 tracks too many". Empty without a disc.
@@ -26,8 +26,8 @@ struct DiscCapacity {
 
     std::size_t count = 0;       ///< tracks of an audio CD, files of a data CD
     std::uint64_t fileBytes = 0; ///< of the files, without the file system of a data CD
-    std::string fileBytesText;
-    bool isDiscKnown = false;
+    std::string fileBytesText;   ///< `fileBytes` for display
+    bool isDiscKnown = false;    ///< whether there is a disc in the drive
     /// False if there is more than the disc takes, or more than 99 tracks. Also false for a data CD
     /// whose file system makes it too large. True if no disc is known.
     bool fits = true;
@@ -42,6 +42,7 @@ struct DiscProblem {
     std::string text;                 ///< what is wrong, as a sentence
     std::string advice;               ///< what the user can do, as a sentence; may be empty
 
+    /// Compares every member.
     bool operator==(const DiscProblem&) const = default;
 };
 

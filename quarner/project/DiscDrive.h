@@ -19,33 +19,35 @@ struct DiscDrive {
     /// that comes back is another one. Two drives with one name have two identities.
     using Id = std::uint64_t;
 
-    Id id = 0;
+    Id id = 0;             ///< 0 for one that belongs to no project
     std::string name;      ///< the display name
     bool canWrite = false; ///< it writes CDs
 
     /// False until the drive was examined for the first time. Until then nothing below is known.
     /// A drive is asked in the background, because that may take seconds.
     bool isExamined = false;
-    bool hasDisc = false;
-    bool isLoading = false; ///< a disc is being loaded or examined
-    std::string discKind;   ///< "CD-R", "DVD-RW"; empty if it is unknown
-    bool isCD = false;      ///< the disc is a CD-ROM, CD-R or CD-RW
-    bool isBlank = false;
-    bool isAppendable = false;
-    bool isErasable = false;
-    bool isOverwritable = false;
+    bool hasDisc = false;        ///< a disc is in it and was examined
+    bool isLoading = false;      ///< a disc is being loaded or examined
+    std::string discKind;        ///< "CD-R", "DVD-RW"; empty if it is unknown
+    bool isCD = false;           ///< the disc is a CD-ROM, CD-R or CD-RW
+    bool isBlank = false;        ///< nothing is recorded on the disc
+    bool isAppendable = false;   ///< a session can be written to it: it is blank, or was left open
+    bool isErasable = false;     ///< it can be blanked, as a CD-RW can
+    bool isOverwritable = false; ///< it can be written again without being blanked; no CD can
     std::uint64_t usedSeconds = 0; ///< play time on the disc
-    std::uint64_t freeSeconds = 0;
-    std::uint64_t usedBytes = 0; ///< blocks of 2048 bytes
-    std::uint64_t freeBytes = 0;
-    std::vector<double> speeds; ///< at which it can be written, in sectors of 1/75 s per second
+    std::uint64_t freeSeconds = 0; ///< play time that can still be recorded
+    std::uint64_t usedBytes = 0;   ///< on the disc, in blocks of 2048 bytes
+    std::uint64_t freeBytes = 0;   ///< that can still be recorded, likewise
+    std::vector<double> speeds;    ///< at which it can be written, in sectors of 1/75 s per second
     /// How often the drive has reported a change. The disc may be another one if this is another
     /// number, even if the two look alike.
     std::uint64_t changeCount = 0;
     /// Why the drive cannot be used now: one sentence without its full stop. Empty if it can.
     std::string problem;
 
+    /// Returns whether the disc can be burnt, after it was erased if need be.
     bool isWritableDisc() const { return isBlank || isErasable || isOverwritable; }
+    /// Compares every member.
     bool operator==(const DiscDrive&) const = default;
 };
 

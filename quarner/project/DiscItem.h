@@ -21,16 +21,16 @@ struct DiscItem {
     std::string duration;               ///< the play time as "00:03:25"
     std::string size;                   ///< the size as "4.1 MB"
 
-    /// What the file's tags say, for display only: it is never written to a disc. Empty, and 0, for
-    /// a file that does not say it.
-    std::string title;
-    std::string artist;
-    std::string album;
-    std::uint32_t trackNumber = 0;
+    // What the file's tags say, for display only: it is never written to a disc.
+    std::string title;             ///< of the piece; empty if the file does not say it
+    std::string artist;            ///< of the piece; empty if the file does not say it
+    std::string album;             ///< empty if the file does not say it
+    std::uint32_t trackNumber = 0; ///< on its album; 0 if the file does not say it
 
     BurnItemRef item; ///< the item of the burner
 };
 
+/// A row as a project and its observers share it.
 using DiscItemRef = std::shared_ptr<const DiscItem>;
 
 /// The rows of a project at one moment, in their order; none of them is null. Any thread.

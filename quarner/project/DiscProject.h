@@ -33,13 +33,20 @@ class ProjectCore;
 /// destroyed.
 class QUARNER_EXPORT DiscProject {
 public:
-    enum class Kind { Audio, Data };
+    /// What becomes of the files.
+    enum class Kind {
+        Audio, ///< each one is a track of an audio CD
+        Data   ///< they are stored unchanged on a data CD
+    };
 
+    /// An empty compilation. The drives are examined in the background: `drivesChanged`.
     explicit DiscProject(Kind kind);
+    /// Cancels what the project does, see above.
     ~DiscProject();
     DiscProject(const DiscProject&) = delete;
     DiscProject& operator=(const DiscProject&) = delete;
 
+    /// The kind as given.
     Kind kind() const;
 
     /// Adds an observer, which is held weakly. Observers are called in the order in which they were
@@ -57,15 +64,16 @@ public:
 
     // --- The list ---
 
-    /// Adds files in the order of the paths, at the end or so that the first one gets the number
-    /// `row`; a row past the end means the end. Files are examined in the background, and each row
-    /// appears once its file was examined: `rowsInserted`. A file that cannot be added is reported
-    /// with its reason: `fileRefused`. May be called again while files are being added.
+    /// Adds files in the order of the paths, so that the first one gets the number `row`; a row
+    /// past the end means the end. Files are examined in the background, and each row appears once
+    /// its file was examined: `rowsInserted`. A file that cannot be added is reported with its
+    /// reason: `fileRefused`. May be called again while files are being added.
     ///
     /// The rows of one call stay together behind the row that was before `row` at the time of the
     /// call, however the list changes while the files are examined.
-    void add(const std::vector<std::string>& paths);
     void add(const std::vector<std::string>& paths, std::size_t row);
+    /// The same at the end.
+    void add(const std::vector<std::string>& paths);
     /// Adds files at the end, sorted by the user's locale.
     void addSorted(const std::vector<std::string>& paths);
     /// True from a call of `add` until `addingEnded`.
@@ -79,6 +87,7 @@ public:
     /// Moves the rows with these numbers, in their order, to before the row `to`; a number past the
     /// end means the end. Does nothing if a number in `rows` is past the end.
     void move(const std::set<std::size_t>& rows, std::size_t to);
+    /// Removes all rows. Files that are still being examined are added nevertheless.
     void clear();
 
     /// The rows, shared with later calls until the list changes. Never null.

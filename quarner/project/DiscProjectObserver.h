@@ -62,7 +62,9 @@ public:
 
     // --- The burn. The last call of a burn is `burnEnded`. ---
 
+    /// The burn has made progress: at most some ten times a second, and at each new step.
     virtual void burnProgress(const DiscBurnProgress& /*progress*/) {}
+    /// The burn is over. Called once for each `DiscProject::burn` that returned true.
     virtual void burnEnded(const DiscBurnEnd& /*end*/) {}
 };
 

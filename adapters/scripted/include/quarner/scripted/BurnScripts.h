@@ -16,11 +16,11 @@ namespace quarner {
 
 /// One status record of a burn. An entry without a value is left out of it.
 struct QUARNER_EXPORT BurnRecord {
-    std::optional<std::string> state = std::nullopt; ///< a DRStatusState... of DRKeys.h, or any
-    std::optional<double> fraction = std::nullopt;   ///< 0.0 to 1.0, below 0 for unknown
-    std::optional<double> speed = std::nullopt;      ///< blocks per second
-    std::optional<std::int64_t> track = std::nullopt;
-    std::optional<std::int64_t> of = std::nullopt;
+    std::optional<std::string> state = std::nullopt;   ///< a DRStatusState... of DRKeys.h, or any
+    std::optional<double> fraction = std::nullopt;     ///< 0.0 to 1.0, below 0 for unknown
+    std::optional<double> speed = std::nullopt;        ///< blocks per second
+    std::optional<std::int64_t> track = std::nullopt;  ///< the current track, from 1
+    std::optional<std::int64_t> of = std::nullopt;     ///< the number of tracks
     std::optional<std::uint32_t> error = std::nullopt; ///< the service's code
     BurnErrorInfo errorInfo = {};                      ///< only with an error
 
@@ -39,8 +39,8 @@ struct BurnScript {
     std::optional<double> failsAt = std::nullopt;
     /// The burn fails with `code` right after the first record with this state.
     std::optional<std::string> failsIn = std::nullopt;
-    DRError code = DRError::WriteFailed;
-    BurnErrorInfo errorInfo = {};
+    DRError code = DRError::WriteFailed; ///< of a burn that fails
+    BurnErrorInfo errorInfo = {};        ///< of a burn that fails
 };
 
 /// Returns the records that a script sends for a layout, in order. The last one, and no other, is

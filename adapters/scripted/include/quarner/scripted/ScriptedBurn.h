@@ -21,14 +21,15 @@ public:
     ~ScriptedBurn() override;
 
     virtual std::shared_ptr<DRDevice> device() const = 0; ///< null for a burn without a drive
-    virtual Dictionary properties() const = 0;
-    virtual DRLayout layout() const = 0;
-    virtual bool isStarted() const = 0; ///< `writeLayout` was called
-    virtual bool isAborted() const = 0; ///< `abort` was called, with or without effect
-    virtual bool isOver() const = 0;    ///< a record with the state Done or Failed was sent
+    virtual Dictionary properties() const = 0;            ///< what `setProperties` was given last
+    virtual DRLayout layout() const = 0; ///< what `writeLayout` was given first; empty before
+    virtual bool isStarted() const = 0;  ///< `writeLayout` was called
+    virtual bool isAborted() const = 0;  ///< `abort` was called, with or without effect
+    virtual bool isOver() const = 0;     ///< a record with the state Done or Failed was sent
 
     /// Sends one status record unchanged, at any time. It is not checked for plausibility.
     virtual void post(const BurnRecord& record) = 0;
+    /// The same for a record that a `BurnRecord` cannot express.
     virtual void post(Dictionary record) = 0;
 
     /// Lets the burn play by itself from now on. An otherwise idle run loop sends one record per
@@ -36,7 +37,7 @@ public:
     /// is unplugged. Replaces the script that is being played. Does nothing if the burn is not
     /// under way.
     virtual void play(const BurnScript& script = {}) = 0;
-    virtual bool isPlaying() const = 0;
+    virtual bool isPlaying() const = 0; ///< a script is being played and has not ended
 };
 
 } // namespace quarner

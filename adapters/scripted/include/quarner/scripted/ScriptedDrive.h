@@ -18,6 +18,7 @@ class QUARNER_EXPORT ScriptedDrive : public DRDevice {
 public:
     ~ScriptedDrive() override;
 
+    /// Puts a disc into the drive, in place of the one that is there.
     virtual void insert(DiscScript disc) = 0;
     /// Changes anything of the drive or its disc:
     /// `drive->change([](DriveScript& script) { script.disc->isBlank = false; });`

@@ -64,6 +64,7 @@ public:
 
     /// Puts a file at a path, replacing the file there. A file without media is no media file.
     void putFile(const std::string& path, FileScript file = {});
+    /// Puts media at a path, replacing those there. They can be played also if there is no file.
     void putMedia(const std::string& path, MediaScript media);
     /// Puts the file and its media.
     void putSong(const std::string& path, MediaScript media, FileScript file = {});
@@ -78,6 +79,7 @@ public:
 
     /// Adds an entry to the host's string table.
     void setText(const std::string& key, const std::string& translation);
+    /// Sets the separator of `TextService::localizedNumber`; at first a full stop.
     void setDecimalSeparator(const std::string& separator);
     /// Sets the comparison of texts, which returns a negative number, 0 or a positive number. The
     /// default compares bytes and ignores the case of ASCII letters.
@@ -90,6 +92,7 @@ public:
 
     /// Returns all burns made so far, in order, including those not started.
     std::vector<std::shared_ptr<ScriptedBurn>> burns() const;
+    /// Returns the burn that was made last; null if there is none.
     std::shared_ptr<ScriptedBurn> lastBurn() const;
 
     /// Every burn that is started from now on plays `script` by itself. A burn that no recorder
@@ -114,8 +117,9 @@ public:
 
     // --- Queues and run loops ---
 
-    /// The global concurrent queue, and the main queue, whose work `runOnce` runs.
+    /// The global concurrent queue.
     ScriptedQueue& backgroundQueue();
+    /// The main queue, whose work `runOnce` runs.
     ScriptedQueue& mainQueue();
 
     /// Turns the calling thread's run loop once. On the main thread that runs one item of the main
@@ -123,6 +127,7 @@ public:
     /// next record. Returns false if there was nothing to do.
     bool runOnce();
 
+    /// How long `runUntil` and `runUntilIdle` wait if they are not told.
     static constexpr std::chrono::milliseconds defaultTimeout = std::chrono::seconds(20);
 
     /// Turns the calling thread's run loop until `predicate`, called before every turn, returns

@@ -22,17 +22,19 @@ namespace quarner {
 
 /// A disc. By default a blank CD-R of 80 minutes.
 struct DiscScript {
-    std::string type = DRDeviceMediaTypeCDR;
-    bool isBlank = true;
-    bool isAppendable = true;
-    bool isErasable = false;
-    bool isOverwritable = false;
-    /// The play times that the drive returns; `std::nullopt` if unknown. They are independent of
-    /// the blocks below.
+    std::string type = DRDeviceMediaTypeCDR; ///< a DRDeviceMediaType... of DRKeys.h, or any text
+    bool isBlank = true;                     ///< see `DRDevice::mediaIsBlank`
+    bool isAppendable = true;                ///< see `DRDevice::mediaIsAppendable`
+    bool isErasable = false;                 ///< see `DRDevice::mediaIsErasable`
+    bool isOverwritable = false;             ///< see `DRDevice::mediaIsOverwritable`
+    /// The recorded play time that the drive returns; `std::nullopt` if unknown. The times are
+    /// independent of the blocks below.
     std::optional<DRMSF> spaceUsed = DRMSF::msf();
+    /// The free play time that the drive returns; `std::nullopt` if unknown.
     std::optional<DRMSF> spaceFree = DRMSF::msfWithFrames(359'847);
-    /// Blocks of 2048 bytes in the media information; `std::nullopt` leaves the entry out.
+    /// Recorded blocks of 2048 bytes in the media information; `std::nullopt` leaves the entry out.
     std::optional<std::uint64_t> blocksUsed = 0;
+    /// Free blocks, likewise.
     std::optional<std::uint64_t> blocksFree = 359'847;
     /// Blocks per second, the fastest last; `std::nullopt` leaves the entry out.
     std::optional<Array> speeds = Array{300, 1800, 3900};
@@ -42,12 +44,12 @@ struct DiscScript {
 
 /// A drive. By default a CD writer without a disc.
 struct DriveScript {
-    std::string name = "Scripted Drive";
-    std::optional<bool> canWriteCD = true; ///< `std::nullopt` leaves the entry out
-    std::optional<double> currentSpeed = std::nullopt;
-    bool isTransitioning = false; ///< a disc is being loaded or examined
-    std::optional<DiscScript> disc = std::nullopt;
-    std::string accessProblem = {}; ///< see `DRDevice::accessProblem`
+    std::string name = "Scripted Drive";               ///< its display name
+    std::optional<bool> canWriteCD = true;             ///< `std::nullopt` leaves the entry out
+    std::optional<double> currentSpeed = std::nullopt; ///< blocks per second; leaves the entry out
+    bool isTransitioning = false;                      ///< a disc is being loaded or examined
+    std::optional<DiscScript> disc = std::nullopt;     ///< `std::nullopt` for an empty drive
+    std::string accessProblem = {};                    ///< see `DRDevice::accessProblem`
 };
 
 /// A file as the file service sees it.
@@ -55,13 +57,12 @@ struct FileScript {
     std::int64_t size = 4'000'000;                         ///< bytes
     std::optional<std::uint32_t> typeCode = std::nullopt;  ///< see `typeCode`
     std::optional<std::string> displayName = std::nullopt; ///< by default the last component
-    Icon icon = {};
+    Icon icon = {};                                        ///< what `FileService::icon` returns
     bool isReadable = true; ///< if false, its attributes cannot be read
     /// The target, if the file is an alias. The target may be an alias too.
     std::optional<std::string> aliasOf = std::nullopt;
-    /// Whether a file node can be made from the file, and if not, whether that throws an exception.
-    bool makesNode = true;
-    bool nodeThrows = false;
+    bool makesNode = true;   ///< if false, no file node can be made from the file
+    bool nodeThrows = false; ///< with `makesNode` false: whether that throws an exception
     /// The initial entries of the node's property dictionary.
     Dictionary nodeProperties = {};
     /// Why the file cannot be read. By default nothing if it is readable, otherwise "Permission
@@ -72,7 +73,7 @@ struct FileScript {
 /// The media of a file. The play time of the media service and the length of the recording
 /// service's track can be set independently.
 struct MediaScript {
-    double seconds = 0.0;
+    double seconds = 0.0; ///< the play time
     /// The play time that the media service returns, instead of `seconds`.
     std::optional<QTTime> time = std::nullopt;
     /// Stereo samples at 44.1 kHz, instead of those of `seconds`.
@@ -87,7 +88,7 @@ struct MediaScript {
     Dictionary trackProperties = {};
     /// Why the media service refuses the file, instead of what follows from its play time.
     std::optional<MovieProblem> problem = std::nullopt;
-    MediaTags tags = {};
+    MediaTags tags = {}; ///< what `MediaService::tags` returns
 };
 
 /// Returns the number of a type code of four characters: `typeCode("M4P ")`.
