@@ -37,7 +37,7 @@ DiscItems::iterator at(DiscItems& rows, std::size_t row) {
 /// Takes the rows with these numbers, which ascend, out of a list in one pass.
 DiscItems take(DiscItems& rows, const std::vector<std::uint64_t>& numbers) {
     DiscItems taken;
-    std::size_t kept = numbers.front();
+    auto kept = static_cast<std::size_t>(numbers.front());
     for (std::size_t row = kept; row < rows.size(); ++row) {
         if (taken.size() < numbers.size() && numbers[taken.size()] == row)
             taken.push_back(std::move(rows[row]));
@@ -89,7 +89,7 @@ std::vector<ObserverList::Event> RowList::apply(const std::vector<ListChange>& c
 }
 
 void RowList::insert(const ListChange& change, Events& events) {
-    const auto tail = at(_rows, change.rows.front());
+    const auto tail = at(_rows, static_cast<std::size_t>(change.rows.front()));
     DiscItems later(std::make_move_iterator(tail), std::make_move_iterator(_rows.end()));
     _rows.erase(tail, _rows.end());
     auto nextLater = later.begin();
@@ -121,7 +121,7 @@ void RowList::remove(const ListChange& change, Events& events) {
 /// in ascending order to its end, which each of them moves forward; the later ones follow.
 void RowList::move(const ListChange& change, Events& events) {
     const DiscItems moved = take(_rows, change.rows);
-    _rows.insert(at(_rows, change.to), moved.begin(), moved.end());
+    _rows.insert(at(_rows, static_cast<std::size_t>(change.to)), moved.begin(), moved.end());
     const std::vector<Run> runs = runsOf(change.rows);
     // The destination before the move: behind as many other rows as are before it afterwards.
     auto to = static_cast<std::size_t>(change.to);
