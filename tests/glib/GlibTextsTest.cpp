@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "adapters/glib/GlibServices.h"
+#include "quarner/display.h"
 #include "quarner/platform/Platform.h"
 #include "quarner/util/MultiMedia.h"
 
@@ -204,6 +205,20 @@ TEST_F(GlibTranslations, ATranslatedSizeFormatIsFilledInEverywhere) {
     EXPECT_EQ(MultiMedia::stringWithFilesize(std::int64_t{1} << 50), "0 Kilobyte für Sie");
     EXPECT_EQ(MultiMedia::stringWithFilesize(std::int64_t{1} << 30), "1 GB");
     installPlatform({});
+}
+
+TEST_F(GlibTranslations, TheMessagesOfTheLibraryAreFoundBesideIt) {
+    EXPECT_EQ(text->libraryText("The burn was cancelled."), "Der Brennvorgang wurde abgebrochen.");
+    EXPECT_EQ(text->libraryTextForCount("{count} file", "{count} files", 2), "{count} Dateien");
+    EXPECT_EQ(text->libraryText("No such message."), "No such message.");
+    EXPECT_EQ(text->libraryText(""), "");
+}
+
+TEST_F(GlibTranslations, ACatalogueThatTheHostHasBoundStaysBound) {
+    bindtextdomain("quarner", TEST_CATALOGUES);
+    bindTranslations();
+    EXPECT_STREQ(bindtextdomain("quarner", nullptr), TEST_CATALOGUES);
+    EXPECT_EQ(text->libraryText("The burn was cancelled."), "The burn was cancelled.");
 }
 
 TEST(GlibTexts, SeveralThreadsMayUseThemAtOnce) {
