@@ -88,7 +88,7 @@ function(quarner_install_package)
           DESTINATION ${QUARNER_PACKAGE_DIR} COMPONENT development)
   install(FILES README.md CHANGELOG.md COPYING DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
   install(DIRECTORY LICENSES docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc
-          PATTERN man EXCLUDE)
+          PATTERN man EXCLUDE PATTERN site EXCLUDE)
   if(QUARNER_BUILD_DESKTOP)
     quarner_manual(libquarner.3 development)
   endif()

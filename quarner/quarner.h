@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
-
+/// @file
 /// Includes everything that a host needs of the framework. To run it, a host also installs a
 /// platform: `quarner/desktop.h` on a desktop, `quarner/scripted.h` in a test.
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
-
+/// @file
 /// The names used by the disc-recording service: notifications, states, and the keys of its
 /// dictionaries. All are compared as strings.
 namespace quarner {
@@ -19,7 +19,7 @@ inline constexpr char DRDeviceStatusChangedNotification[] = "DRDeviceStatusChang
 inline constexpr char DRBurnStatusChangedNotification[] = "DRBurnStatusChangedNotification";
 
 // A drive's info dictionary.
-inline constexpr char DRDeviceCanWriteCDKey[] = "DRDeviceCanWriteCDKey"; ///< bool
+inline constexpr char DRDeviceCanWriteCDKey[] = "DRDeviceCanWriteCDKey"; ///< bool: it writes CDs
 
 // A drive's status dictionary.
 /// Dictionary: information about the disc in the drive. Absent without a disc.
@@ -57,9 +57,9 @@ inline constexpr char DRDeviceMediaTypeBD[] = "DRDeviceMediaTypeBD";
 inline constexpr char DRDeviceMediaTypeUnknown[] = "DRDeviceMediaTypeUnknown";
 
 // The settings of a burn.
-inline constexpr char DRBurnAppendableKey[] = "DRBurnAppendableKey";       ///< bool
-inline constexpr char DRBurnOverwriteDiscKey[] = "DRBurnOverwriteDiscKey"; ///< bool
-inline constexpr char DRBurnVerifyDiscKey[] = "DRBurnVerifyDiscKey";       ///< bool
+inline constexpr char DRBurnAppendableKey[] = "DRBurnAppendableKey";       ///< bool: keep it open
+inline constexpr char DRBurnOverwriteDiscKey[] = "DRBurnOverwriteDiscKey"; ///< bool: erase if used
+inline constexpr char DRBurnVerifyDiscKey[] = "DRBurnVerifyDiscKey";       ///< bool: read it back
 /// Number, blocks per second.
 inline constexpr char DRBurnRequestedSpeedKey[] = "DRBurnRequestedSpeedKey";
 

@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "quarner/platform/Export.h"
-
+/// @file
 /// Messages for people. Each is a whole English sentence or phrase in the source, which the
 /// translators find by the names `text`, `textForCount` and `translatable`.
 namespace quarner {

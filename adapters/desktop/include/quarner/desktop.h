@@ -7,7 +7,7 @@
 #include <string>
 
 #include "quarner/platform/Export.h"
-
+/// @file
 /// The platform of a desktop host: a main loop, GLib's or the host's own, GLib's log, the user's
 /// locale, the desktop's files and aliases, sound through FFmpeg, the optical drives of the
 /// machine, and drives whose discs are image files.

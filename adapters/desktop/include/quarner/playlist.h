@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "quarner/platform/Export.h"
-
+/// @file
 /// Playlists and folders, whose files a host adds in their order (`DiscProject::add`,
 /// `Quarner::addFilesInOrder`).
 namespace quarner {
