@@ -1,6 +1,7 @@
 # What `cmake --install` puts where: libraries, headers, the program, a CMake package with one
 # component for each library, and a pkg-config file for each. `cmake --install --component NAME`
-# installs a part: runtime (shared libraries), development, tool (the program) or doc.
+# installs a part: runtime (shared libraries), development, tool (the program), window (the program
+# with a window) or doc.
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -91,5 +92,8 @@ function(quarner_install_package)
           PATTERN man EXCLUDE PATTERN site EXCLUDE)
   if(QUARNER_BUILD_DESKTOP)
     quarner_manual(libquarner.3 development)
+  endif()
+  if(TARGET quarner-gtk)
+    quarner_manual(quarner-gtk.1 window)
   endif()
 endfunction()
