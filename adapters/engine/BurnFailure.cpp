@@ -4,6 +4,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include "quarner/platform/Texts.h"
+
 namespace quarner {
 namespace {
 
@@ -23,9 +25,13 @@ DRError codeForErrno(int errorNumber) {
 
 } // namespace
 
-BurnFailure writeFailure(int errorNumber, const std::string& attempt, const std::string& path) {
+BurnFailure writeFailure(int errorNumber, const char* message, const std::string& path,
+                         const std::string& from) {
     return {codeForErrno(errorNumber),
-            attempt + path + ": " + std::generic_category().message(errorNumber), path};
+            text(message, {{"path", path},
+                           {"from", from},
+                           {"error", std::generic_category().message(errorNumber)}}),
+            path};
 }
 
 } // namespace quarner

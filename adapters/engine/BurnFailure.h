@@ -36,8 +36,9 @@ private:
 };
 
 /// Returns the failure of a system call that could not write to a path. `errorNumber` is its
-/// `errno`, `attempt` says what was attempted ("creating "); the text ends with the system's
-/// reason.
-BurnFailure writeFailure(int errorNumber, const std::string& attempt, const std::string& path);
+/// `errno`, `message` says what was attempted ("creating {path}: {error}"), where "{error}" is the
+/// system's reason and "{from}" another path.
+BurnFailure writeFailure(int errorNumber, const char* message, const std::string& path,
+                         const std::string& from = {});
 
 } // namespace quarner

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "quarner/platform/DRKeys.h"
+#include "quarner/platform/Texts.h"
 
 namespace quarner {
 
@@ -35,9 +36,11 @@ bool EngineDrive::unplugUnlessBurning() {
 
 void EngineDrive::refuseUnlessFree() const {
     if (!_isAttached)
-        throw BurnFailure(DRError::DeviceVanished, _displayName + ": unplugged");
+        throw BurnFailure(DRError::DeviceVanished,
+                          text("{drive}: unplugged", {{"drive", _displayName}}));
     if (_burning)
-        throw BurnFailure(DRError::DeviceBusy, _displayName + ": another burn is under way");
+        throw BurnFailure(DRError::DeviceBusy,
+                          text("{drive}: another burn is under way", {{"drive", _displayName}}));
 }
 
 void EngineDrive::startBurn(std::shared_ptr<StopSignal> stop) { _burning = std::move(stop); }
@@ -53,8 +56,10 @@ void EngineDrive::reportChange() {
 }
 
 BurnFailure discTooSmall(const DiscPlan& plan, std::uint64_t blocks) {
-    return {DRError::MediaTooSmall, "the layout takes " + std::to_string(plan.sectors()) +
-                                        " sectors, the disc has " + std::to_string(blocks)};
+    return {
+        DRError::MediaTooSmall,
+        text("the layout takes {sectors} sectors, the disc has {blocks}",
+             {{"sectors", std::to_string(plan.sectors())}, {"blocks", std::to_string(blocks)}})};
 }
 
 } // namespace quarner

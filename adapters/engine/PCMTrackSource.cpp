@@ -8,6 +8,7 @@
 
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/posix/FileStamps.h"
+#include "quarner/platform/Texts.h"
 
 namespace quarner {
 namespace {
@@ -36,10 +37,12 @@ PCMTrackSource::PCMTrackSource(std::shared_ptr<PCMService> service,
 void PCMTrackSource::check() {
     const std::optional<FileStamp> now = stampOfFile(_track->path);
     if (!now || !mayBeRead(_track->path))
-        throw BurnFailure(DRError::SourceMissing, _track->path + ": gone or not readable",
+        throw BurnFailure(DRError::SourceMissing,
+                          text("{path}: gone or not readable", {{"path", _track->path}}),
                           _track->path);
     if (*now != _track->stamp)
-        throw BurnFailure(DRError::SourceChanged, _track->path + ": changed since it was added",
+        throw BurnFailure(DRError::SourceChanged,
+                          text("{path}: changed since it was added", {{"path", _track->path}}),
                           _track->path);
 }
 
@@ -73,7 +76,7 @@ void PCMTrackSource::readSamples(std::span<std::byte> buffer) {
     const std::optional<std::size_t> count = _stream->read(samples);
     if (count != samples.size()) {
         check(); // reports a file that was changed during the burn as such
-        fail(count ? "plays shorter than measured" : _stream->problem());
+        fail(count ? text("plays shorter than measured") : _stream->problem());
     }
     makeLittleEndian(buffer);
     _bytesOfSoundLeft -= buffer.size();
@@ -86,7 +89,7 @@ void PCMTrackSource::expectEnd() {
     if (_stream->read(beyond).value_or(0) == 0)
         return;
     check(); // only a file with another stamp has changed
-    fail("plays longer than measured");
+    fail(text("plays longer than measured"));
 }
 
 TrackSources audioSources(const DRLayout& layout, const std::shared_ptr<PCMService>& service) {

@@ -9,6 +9,7 @@
 
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/engine/SectorBuffer.h"
+#include "quarner/platform/Texts.h"
 
 namespace quarner {
 
@@ -60,12 +61,13 @@ void Verifier::verifyChunk(std::size_t chunk, std::span<std::byte> buffer) {
 }
 
 void Verifier::fail(std::uint64_t firstSector, std::uint64_t sectors) const {
-    throw BurnFailure(DRError::VerifyFailed,
-                      "the " + std::to_string(sectors) + " sectors from " +
-                          std::to_string(firstSector) + " on (track " +
-                          std::to_string(_plan.trackAtSector(firstSector)) +
-                          ") differ from what was sent",
-                      {}, firstSector);
+    throw BurnFailure(
+        DRError::VerifyFailed,
+        text("the {count} sectors from {sector} on (track {track}) differ from what was sent",
+             {{"count", std::to_string(sectors)},
+              {"sector", std::to_string(firstSector)},
+              {"track", std::to_string(_plan.trackAtSector(firstSector))}}),
+        {}, firstSector);
 }
 
 } // namespace quarner

@@ -7,6 +7,7 @@
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/image/CueSheet.h"
 #include "adapters/image/ImagePlace.h"
+#include "quarner/platform/Texts.h"
 
 namespace quarner {
 
@@ -83,7 +84,8 @@ void CueWriter::beginVerification() {
 
 void CueWriter::verifySheet(const std::string& path, const std::string& binPath) {
     if (_files->content(path) != cueSheet(_plan, CueNames::baseName(binPath)))
-        throw BurnFailure(DRError::VerifyFailed, path + " differs from what was written", path);
+        throw BurnFailure(DRError::VerifyFailed,
+                          text("{path} differs from what was written", {{"path", path}}), path);
 }
 
 void CueWriter::commit() {

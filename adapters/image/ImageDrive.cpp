@@ -9,6 +9,7 @@
 #include "adapters/image/ImageNames.h"
 #include "adapters/image/IsoWriter.h"
 #include "quarner/platform/DRKeys.h"
+#include "quarner/platform/Texts.h"
 
 namespace quarner {
 namespace {
@@ -112,21 +113,25 @@ std::unique_ptr<SectorWriter> ImageDrive::writerFor(const DiscPlan& plan,
     if (plan.sectorSize == dataBlockSize) {
         if (std::optional<IsoNames> names = isoNames(_path))
             return std::make_unique<IsoWriter>(_files, std::move(*names), stop);
-        throw BurnFailure(DRError::WrongMedia, _path + ": a data disc needs the extension iso",
+        throw BurnFailure(DRError::WrongMedia,
+                          text("{path}: a data disc needs the extension iso", {{"path", _path}}),
                           _path);
     }
     if (std::optional<CueNames> names = cueNames(_path))
         return std::make_unique<CueWriter>(_files, std::move(*names), stop);
-    throw BurnFailure(DRError::WrongMedia, _path + ": an audio disc needs the extension cue",
+    throw BurnFailure(DRError::WrongMedia,
+                      text("{path}: an audio disc needs the extension cue", {{"path", _path}}),
                       _path);
 }
 
 void ImageDrive::refuseUnlessReady(const DiscPlan& plan) const {
     refuseUnlessFree();
     if (!_disc)
-        throw BurnFailure(DRError::MediaNotPresent, displayName() + ": no disc");
+        throw BurnFailure(DRError::MediaNotPresent,
+                          text("{drive}: no disc", {{"drive", displayName()}}));
     if (!_disc->isBlank)
-        throw BurnFailure(DRError::MediaNotWritable, displayName() + ": the disc is not blank");
+        throw BurnFailure(DRError::MediaNotWritable,
+                          text("{drive}: the disc is not blank", {{"drive", displayName()}}));
     if (plan.sectors() > _capacity)
         throw discTooSmall(plan, _capacity);
 }

@@ -7,6 +7,7 @@
 #include <cerrno>
 
 #include "adapters/posix/SystemCall.h"
+#include "quarner/platform/Texts.h"
 
 namespace quarner {
 namespace {
@@ -18,16 +19,18 @@ void refuseIrreplaceable(const std::string& path) {
     if (!found)
         return;
     if (!S_ISREG(found->st_mode))
-        throw BurnFailure(DRError::WriteFailed, path + " is not a file and is not replaced", path);
+        throw BurnFailure(DRError::WriteFailed,
+                          text("{path} is not a file and is not replaced", {{"path", path}}), path);
     const auto askAccess = [&] { return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS); };
     if (uninterrupted(askAccess) == 0)
         return;
     const int error = errno;
-    constexpr char action[] = "asking for access to ";
-    if (writeFailure(error, action, path).error() != DRError::PermissionDenied)
-        throw writeFailure(error, action, path);
+    constexpr const char* message = translatable("asking for access to {path}: {error}");
+    if (writeFailure(error, message, path).error() != DRError::PermissionDenied)
+        throw writeFailure(error, message, path);
     throw BurnFailure(DRError::PermissionDenied,
-                      path + " may not be written to and is not replaced", path);
+                      text("{path} may not be written to and is not replaced", {{"path", path}}),
+                      path);
 }
 
 void refuseClosedFolder(const std::string& folder) {
@@ -35,7 +38,7 @@ void refuseClosedFolder(const std::string& folder) {
         return faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS);
     };
     if (uninterrupted(askAccess) != 0)
-        throw writeFailure(errno, "writing to the folder ", folder);
+        throw writeFailure(errno, translatable("writing to the folder {path}: {error}"), folder);
 }
 
 } // namespace
@@ -45,7 +48,7 @@ std::optional<struct stat> statusOf(const std::string& path) {
     if (uninterrupted([&] { return stat(path.c_str(), &found); }) == 0)
         return found;
     if (errno != ENOENT)
-        throw writeFailure(errno, "looking at ", path);
+        throw writeFailure(errno, translatable("looking at {path}: {error}"), path);
     return std::nullopt;
 }
 
@@ -54,7 +57,7 @@ bool isThere(const std::string& path) {
     if (uninterrupted([&] { return lstat(path.c_str(), &found); }) == 0)
         return true;
     if (errno != ENOENT)
-        throw writeFailure(errno, "looking at ", path);
+        throw writeFailure(errno, translatable("looking at {path}: {error}"), path);
     return false;
 }
 

@@ -18,6 +18,7 @@
 #include "adapters/posix/FileDescriptor.h"
 #include "adapters/posix/RegularFile.h"
 #include "adapters/posix/SystemCall.h"
+#include "quarner/platform/Texts.h"
 
 namespace quarner {
 
@@ -42,7 +43,7 @@ FileDescriptor openedLock(const std::string& path) {
     constexpr int flags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
     FileDescriptor file(uninterrupted([&] { return open(path.c_str(), flags, readableByAll); }));
     if (!file.isOpen())
-        throw writeFailure(errno, "creating ", path);
+        throw writeFailure(errno, translatable("creating {path}: {error}"), path);
     return file;
 }
 
@@ -50,10 +51,11 @@ void takeLock(const FileDescriptor& file, const std::string& path) {
     if (uninterrupted([&] { return flock(file.number(), LOCK_EX | LOCK_NB); }) == 0)
         return;
     if (errno == EWOULDBLOCK)
-        throw BurnFailure(DRError::DeviceBusy, path + " is held by another burn", path);
+        throw BurnFailure(DRError::DeviceBusy,
+                          text("{path} is held by another burn", {{"path", path}}), path);
     const bool hasNoLocks = errno == ENOLCK || errno == EOPNOTSUPP || errno == ENOSYS;
     if (!hasNoLocks)
-        throw writeFailure(errno, "locking ", path);
+        throw writeFailure(errno, translatable("locking {path}: {error}"), path);
 }
 
 /// Returns whether the file is still the one at the path: the last holder may have removed it
@@ -62,11 +64,11 @@ bool isAtPath(const FileDescriptor& file, const std::string& path) {
     struct stat opened = {};
     struct stat found = {};
     if (uninterrupted([&] { return fstat(file.number(), &opened); }) != 0)
-        throw writeFailure(errno, "locking ", path);
+        throw writeFailure(errno, translatable("locking {path}: {error}"), path);
     if (uninterrupted([&] { return stat(path.c_str(), &found); }) == 0)
         return opened.st_dev == found.st_dev && opened.st_ino == found.st_ino;
     if (errno != ENOENT)
-        throw writeFailure(errno, "locking ", path);
+        throw writeFailure(errno, translatable("locking {path}: {error}"), path);
     return false;
 }
 
@@ -95,8 +97,10 @@ std::unique_ptr<ImageLock> PosixFileSystem::lock(const std::string& path, const 
         if (isAtPath(file, path))
             return std::make_unique<PosixLock>(path, std::move(file));
     }
-    throw BurnFailure(DRError::WriteFailed,
-                      "locking " + path + ": the file system does not keep the file there", path);
+    throw BurnFailure(
+        DRError::WriteFailed,
+        text("locking {path}: the file system does not keep the file there", {{"path", path}}),
+        path);
 }
 
 std::optional<std::string> PosixFileSystem::content(const std::string& path) {
@@ -105,7 +109,7 @@ std::optional<std::string> PosixFileSystem::content(const std::string& path) {
     if (file.error() == ENOENT)
         return std::nullopt;
     if (!file.isOpen()) // before anything is written: not a write failure of the image
-        throw writeFailure(file.error(), "reading ", path);
+        throw writeFailure(file.error(), translatable("reading {path}: {error}"), path);
     std::string text;
     std::array<char, 4096> buffer = {};
     posix_fadvise(file.number(), 0, 0, POSIX_FADV_DONTNEED);
@@ -116,14 +120,17 @@ std::optional<std::string> PosixFileSystem::content(const std::string& path) {
             text.append(buffer.data(), static_cast<std::size_t>(count));
     }
     if (count < 0)
-        throw BurnFailure(DRError::ReadBackFailed,
-                          "reading " + path + ": " + std::generic_category().message(errno), path);
+        throw BurnFailure(
+            DRError::ReadBackFailed,
+            quarner::text("reading {path}: {error}",
+                          {{"path", path}, {"error", std::generic_category().message(errno)}}),
+            path);
     return text;
 }
 
 void PosixFileSystem::rename(const std::string& from, const std::string& to) {
     if (uninterrupted([&] { return std::rename(from.c_str(), to.c_str()); }) != 0)
-        throw writeFailure(errno, "renaming " + from + " to ", to);
+        throw writeFailure(errno, translatable("renaming {from} to {path}: {error}"), to, from);
 }
 
 bool PosixFileSystem::link(const std::string& existing, const std::string& name) {
@@ -132,7 +139,7 @@ bool PosixFileSystem::link(const std::string& existing, const std::string& name)
 
 void PosixFileSystem::remove(const std::string& path) {
     if (uninterrupted([&] { return unlink(path.c_str()); }) != 0 && errno != ENOENT)
-        throw writeFailure(errno, "removing ", path);
+        throw writeFailure(errno, translatable("removing {path}: {error}"), path);
 }
 
 void PosixFileSystem::syncFolder(const std::string& folder) {
@@ -141,7 +148,7 @@ void PosixFileSystem::syncFolder(const std::string& folder) {
     if (!file.isOpen())
         return; // a folder may be writable but not readable
     if (uninterrupted([&] { return fsync(file.number()); }) != 0 && errno != EINVAL)
-        throw writeFailure(errno, "writing ", folder);
+        throw writeFailure(errno, translatable("writing {path}: {error}"), folder);
 }
 
 } // namespace

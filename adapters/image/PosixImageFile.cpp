@@ -12,6 +12,7 @@
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/image/ImagePlace.h"
 #include "adapters/posix/SystemCall.h"
+#include "quarner/platform/Texts.h"
 
 namespace quarner {
 namespace {
@@ -25,7 +26,7 @@ FileDescriptor create(const std::string& path, mode_t mode) {
     constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
     FileDescriptor file(uninterrupted([&] { return open(path.c_str(), flags, mode); }));
     if (!file.isOpen())
-        throw writeFailure(errno, "creating ", path);
+        throw writeFailure(errno, translatable("creating {path}: {error}"), path);
     return file;
 }
 
@@ -76,7 +77,7 @@ FileDescriptor createLike(const std::string& path, const std::string& replaced) 
     const std::optional<struct stat> old = statusOf(replaced);
     FileDescriptor file = create(path, old ? readableByOwner : readableByAll);
     if (old && !takeAccess(file, *old))
-        throw writeFailure(errno, "setting the permissions of ", path);
+        throw writeFailure(errno, translatable("setting the permissions of {path}: {error}"), path);
     return file;
 }
 
@@ -90,7 +91,8 @@ bool leaveDirectMode(const FileDescriptor& file) {
 
 BurnFailure readFailure(int errorNumber, const std::string& path) {
     return {DRError::ReadBackFailed,
-            "reading " + path + ": " + std::generic_category().message(errorNumber)};
+            text("reading {path}: {error}",
+                 {{"path", path}, {"error", std::generic_category().message(errorNumber)}})};
 }
 
 } // namespace
@@ -107,7 +109,7 @@ void PosixImageFile::reserve(std::uint64_t size) {
     if (uninterrupted(allocate) == 0)
         return;
     if (errno != EOPNOTSUPP && errno != ENOSYS && errno != EINVAL)
-        throw writeFailure(errno, "reserving space for ", _path);
+        throw writeFailure(errno, translatable("reserving space for {path}: {error}"), _path);
 }
 
 void PosixImageFile::append(std::span<const std::byte> bytes) {
@@ -142,12 +144,12 @@ void PosixImageFile::writeAll(std::span<const std::byte> bytes) {
             bytes = bytes.subspan(static_cast<std::size_t>(count));
             offset += count;
         } else if (count == 0) {
-            throw BurnFailure(DRError::WriteFailed, "writing " + _path + ": no byte is taken",
-                              _path);
+            throw BurnFailure(DRError::WriteFailed,
+                              text("writing {path}: no byte is taken", {{"path", _path}}), _path);
         } else if (errno == EINVAL && leaveDirectMode(_file)) {
             _isDirect = false;
         } else {
-            throw writeFailure(errno, "writing ", _path);
+            throw writeFailure(errno, translatable("writing {path}: {error}"), _path);
         }
     }
 }
@@ -165,7 +167,7 @@ void PosixImageFile::sync() {
     const auto cutOff = [this] { return ftruncate(_file.number(), static_cast<off_t>(_written)); };
     const auto sync = [this] { return fsync(_file.number()); };
     if (uninterrupted(cutOff) != 0 || uninterrupted(sync) != 0)
-        throw writeFailure(errno, "writing ", _path);
+        throw writeFailure(errno, translatable("writing {path}: {error}"), _path);
     posix_fadvise(_file.number(), 0, 0, POSIX_FADV_DONTNEED);
     posix_fadvise(_file.number(), 0, 0, POSIX_FADV_SEQUENTIAL);
 }
@@ -192,7 +194,8 @@ void PosixImageFile::readPart(std::uint64_t offset, std::span<std::byte> buffer,
         if (count < 0 && (errno != EINVAL || !leaveDirectMode(_file)))
             throw readFailure(errno, _path);
         if (count == 0)
-            throw BurnFailure(DRError::VerifyFailed, _path + " is shorter than what was written",
+            throw BurnFailure(DRError::VerifyFailed,
+                              text("{path} is shorter than what was written", {{"path", _path}}),
                               _path);
         got += count > 0 ? static_cast<std::size_t>(count) : 0;
     }

@@ -13,6 +13,7 @@
 #include "adapters/isofs/JolietDirectory.h"
 #include "adapters/isofs/JolietNames.h"
 #include "adapters/posix/FileStamps.h"
+#include "quarner/platform/Texts.h"
 
 namespace quarner {
 namespace {
@@ -85,9 +86,11 @@ void checkFiles(const DRFolder& folder) {
         const std::string& path = node->sourcePath();
         const std::optional<FileStamp> now = stampOfFile(path);
         if (!now || !mayBeRead(path))
-            throw BurnFailure(DRError::SourceMissing, path + ": gone or not readable", path);
+            throw BurnFailure(DRError::SourceMissing,
+                              text("{path}: gone or not readable", {{"path", path}}), path);
         if (*now != node->stamp())
-            throw BurnFailure(DRError::SourceChanged, path + ": changed since it was added", path);
+            throw BurnFailure(DRError::SourceChanged,
+                              text("{path}: changed since it was added", {{"path", path}}), path);
     }
 }
 

@@ -10,6 +10,7 @@
 
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/posix/RegularFile.h"
+#include "quarner/platform/Texts.h"
 
 namespace quarner {
 
@@ -31,13 +32,14 @@ public:
             throw unreadable(std::generic_category().message(errno));
         if (count == 0)
             throw stampOfFile(_path) != _stamp ? changed()
-                                               : unreadable("unexpected end of the file");
+                                               : unreadable(text("unexpected end of the file"));
         return static_cast<std::size_t>(count);
     }
 
 private:
     BurnFailure changed() const {
-        return {DRError::SourceChanged, _path + ": changed since it was added"};
+        return {DRError::SourceChanged,
+                text("{path}: changed since it was added", {{"path", _path}})};
     }
     BurnFailure unreadable(const std::string& problem) const {
         return {DRError::SourceUnreadable, _path + ": " + problem};

@@ -10,6 +10,7 @@
 #include "adapters/optical/OpticalWriter.h"
 #include "quarner/platform/DRKeys.h"
 #include "quarner/platform/Platform.h"
+#include "quarner/platform/Texts.h"
 
 namespace quarner {
 namespace {
@@ -29,15 +30,16 @@ std::optional<BurnFailure> refusal(const DiscFacts& disc, const DiscPlan& plan,
                                    const BurnSettings& settings) {
     using State = DiscFacts::State;
     if (disc.state == State::None)
-        return BurnFailure(DRError::MediaNotPresent, "no disc");
+        return BurnFailure(DRError::MediaNotPresent, text("no disc"));
     if (disc.state == State::NotReady)
-        return BurnFailure(DRError::MediaNotPresent, "the disc does not get ready");
+        return BurnFailure(DRError::MediaNotPresent, text("the disc does not get ready"));
     if (disc.type == DRDeviceMediaTypeCDROM) // many drives also report a closed CD-R as CD-ROM
-        return BurnFailure(DRError::MediaNotWritable, "the disc cannot be recorded any more");
+        return BurnFailure(DRError::MediaNotWritable, text("the disc cannot be recorded any more"));
     if (disc.type != DRDeviceMediaTypeCDR && disc.type != DRDeviceMediaTypeCDRW)
-        return BurnFailure(DRError::WrongMedia, "the disc is no CD: " + disc.type);
+        return BurnFailure(DRError::WrongMedia,
+                           text("the disc is no CD: {kind}", {{"kind", disc.type}}));
     if (disc.state != State::Blank && !(disc.isErasable && settings.overwrite))
-        return BurnFailure(DRError::MediaNotWritable, "the disc is not blank");
+        return BurnFailure(DRError::MediaNotWritable, text("the disc is not blank"));
     if (plan.sectors() > disc.freeBlocks)
         return discTooSmall(plan, disc.freeBlocks);
     return std::nullopt;

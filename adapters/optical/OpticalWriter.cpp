@@ -10,6 +10,7 @@
 #include "adapters/optical/DiscFacts.h"
 #include "adapters/optical/FailureCause.h"
 #include "adapters/optical/Libburn.h"
+#include "quarner/platform/Texts.h"
 
 namespace quarner {
 namespace {
@@ -43,12 +44,13 @@ void OpticalWriter::openSession(const DiscPlan& plan) {
         _sound.emplace(plan.sectors());
     if (_needsBlanking)
         if (const std::optional<DRError> error = blankDisc(*_drive))
-            fail(*error, "blanking the disc");
+            fail(*error, text("blanking the disc"));
     _stop->throwIfRequested();
     setSpeeds(*_drive, _settings.requestedSpeed);
     _job = std::make_unique<BurnJob>(*_drive, plan, _settings, _pipe);
     if (const std::optional<std::string> refusal = _job->refusal())
-        fail(DRError::MediaNotWritable, "libburn refuses to write: " + *refusal);
+        fail(DRError::MediaNotWritable,
+             text("libburn refuses to write: {reason}", {{"reason", *refusal}}));
 }
 
 void OpticalWriter::write(std::span<const std::byte> sectors) {
@@ -80,7 +82,7 @@ void OpticalWriter::give(std::span<const std::byte> sectors) {
         _job->start();
     _isStarted = true;
     if (!_pipe.give(sectors, _stop->token(), [this] { return _job->isRunning(); }))
-        fail(DRError::WriteFailed, "writing");
+        fail(DRError::WriteFailed, text("writing"));
 }
 
 void OpticalWriter::closeSession() {
@@ -90,7 +92,7 @@ void OpticalWriter::closeSession() {
         std::this_thread::sleep_for(pollInterval);
     }
     if (!_job->isRunning() && !_job->wroteWell())
-        fail(DRError::WriteFailed, "writing");
+        fail(DRError::WriteFailed, text("writing"));
 }
 
 void OpticalWriter::finish() {
@@ -99,13 +101,14 @@ void OpticalWriter::finish() {
         std::this_thread::sleep_for(pollInterval);
     }
     if (!_job->wroteWell())
-        fail(DRError::WriteFailed, "closing the disc");
+        fail(DRError::WriteFailed, text("closing the disc"));
 }
 
 void OpticalWriter::beginVerification() {
     const std::string difference = differenceFromPlan(*_drive, _plan);
     if (!difference.empty())
-        fail(DRError::VerifyFailed, "the table of contents of the disc has " + difference);
+        fail(DRError::VerifyFailed, text("the table of contents of the disc has {difference}",
+                                         {{"difference", difference}}));
     if (_sound)
         findOffset();
 }
@@ -117,9 +120,9 @@ void OpticalWriter::findOffset() {
     };
     const std::optional<std::int64_t> offset = _sound->find(read);
     if (!isRead)
-        fail(DRError::ReadBackFailed, "reading back the first sound");
+        fail(DRError::ReadBackFailed, text("reading back the first sound"));
     if (!offset)
-        fail(DRError::VerifyFailed, "the first sound was not found again on the disc");
+        fail(DRError::VerifyFailed, text("the first sound was not found again on the disc"));
     _offset = *offset;
 }
 
@@ -130,7 +133,8 @@ void OpticalWriter::readBack(std::uint64_t firstSector, std::span<std::byte> buf
     const bool isRead = _sound ? _sound->readAligned(firstSector, buffer, _offset, read)
                                : read(std::int64_t(firstSector), buffer);
     if (!isRead)
-        fail(DRError::ReadBackFailed, "reading back from sector " + std::to_string(firstSector),
+        fail(DRError::ReadBackFailed,
+             text("reading back from sector {sector}", {{"sector", std::to_string(firstSector)}}),
              firstSector);
 }
 

@@ -100,6 +100,15 @@ TEST_F(ProgramLanguage, WhatIsWrongWithACommandLineIsSaidInGerman) {
     }
 }
 
+TEST_F(ProgramLanguage, WhatTheSystemRefusesIsSaidInGerman) {
+    song("a.mp3");
+    const HostEnd end = runInGerman({"audio", "--image", "none/mix.cue", "a.mp3"});
+    EXPECT_EQ(end.status, 2);
+    // The reason is the system's, whose translations may not be installed.
+    EXPECT_THAT(end.err, AllOf(StartsWith("quarner: Das Schreiben ist fehlgeschlagen.\n"),
+                               HasSubstr("\nSchreiben in den Ordner /")));
+}
+
 TEST_F(ProgramLanguage, ABurnIsInGermanFromStartToEnd) {
     song("a.mp3");
     song("b.m4a");
