@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/optical/GrabbedDrive.h"
 
-#include <fcntl.h>
 #include <linux/cdrom.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -14,6 +13,7 @@
 #include "adapters/optical/DriveOpening.h"
 #include "adapters/optical/Libburn.h"
 #include "adapters/optical/NodeDescriptors.h"
+#include "adapters/optical/SharedNode.h"
 
 namespace quarner {
 namespace {
@@ -25,20 +25,6 @@ bool isLoading(const std::string& path, std::chrono::milliseconds timeout, const
     nodePath = NodeDescriptors::pathOf(node.descriptor());
     return node.isLoading();
 }
-
-/// A second descriptor of the node, because libburn's thread may close its own at any moment.
-struct SharedNode {
-    explicit SharedNode(const std::string& path)
-        : descriptor(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {}
-    ~SharedNode() {
-        if (descriptor >= 0)
-            close(descriptor);
-    }
-    SharedNode(const SharedNode&) = delete;
-    SharedNode& operator=(const SharedNode&) = delete;
-
-    const int descriptor;
-};
 
 } // namespace
 
@@ -99,8 +85,8 @@ GrabbedDrive::~GrabbedDrive() {
 }
 
 bool GrabbedDrive::hasDisc() const {
-    const SharedNode node(_node);
-    const int status = ioctl(node.descriptor, CDROM_DRIVE_STATUS, CDSL_CURRENT);
+    const SharedNode node(_node); // libburn's thread may close its own descriptor at any moment
+    const int status = ioctl(node.descriptor(), CDROM_DRIVE_STATUS, CDSL_CURRENT);
     return status != CDS_NO_DISC && status != CDS_TRAY_OPEN;
 }
 
@@ -108,7 +94,7 @@ void GrabbedDrive::abandon() {
     if (!replaceByEmptyFile(_descriptors, _nodePath))
         return;
     const SharedNode node(_node);
-    ioctl(node.descriptor, CDROM_LOCKDOOR, 0);
+    ioctl(node.descriptor(), CDROM_LOCKDOOR, 0);
 }
 
 bool isAttached(const DriveRecord& record) {
