@@ -42,13 +42,23 @@ DriveNode::DriveNode(const std::string& path, std::chrono::milliseconds timeout,
 
 DriveNode::~DriveNode() { close(_descriptor); }
 
-bool DriveNode::isLoading() const {
-    return ioctl(_descriptor, CDROM_DRIVE_STATUS, CDSL_CURRENT) == CDS_DRIVE_NOT_READY;
-}
+int DriveNode::status() const { return ioctl(_descriptor, CDROM_DRIVE_STATUS, CDSL_CURRENT); }
+
+bool DriveNode::isLoading() const { return status() == CDS_DRIVE_NOT_READY; }
+
+bool DriveNode::isReady() const { return status() == CDS_DISC_OK; }
+
+bool DriveNode::isTrayOpen() const { return status() == CDS_TRAY_OPEN; }
 
 bool DriveNode::openTray() const {
-    if (ioctl(_descriptor, CDROM_DRIVE_STATUS, CDSL_CURRENT) == CDS_TRAY_OPEN)
+    if (isTrayOpen() || !eject())
         return false;
+    // A drive without a tray reports only that it has no disc.
+    const int state = status();
+    return state != CDS_DISC_OK && state != CDS_DRIVE_NOT_READY;
+}
+
+bool DriveNode::eject() const {
     ioctl(_descriptor, CDROM_LOCKDOOR, 0); // a program that died may have locked it
     // The system examines a new disc, also one that was just written, without opening the drive
     // exclusively. The kernel does not open the tray during that time.
@@ -57,9 +67,15 @@ bool DriveNode::openTray() const {
             return false;
         waitForDrive(nullptr);
     }
-    // A drive without a tray reports only that it has no disc.
-    const int status = ioctl(_descriptor, CDROM_DRIVE_STATUS, CDSL_CURRENT);
-    return status != CDS_DISC_OK && status != CDS_DRIVE_NOT_READY;
+    return true;
 }
+
+bool DriveNode::canReload() const {
+    constexpr int needed = CDC_OPEN_TRAY | CDC_CLOSE_TRAY;
+    const int capabilities = ioctl(_descriptor, CDROM_GET_CAPABILITY);
+    return capabilities >= 0 && (capabilities & needed) == needed;
+}
+
+bool DriveNode::reload() const { return eject() && ioctl(_descriptor, CDROMCLOSETRAY) == 0; }
 
 } // namespace quarner

@@ -22,13 +22,26 @@ public:
 
     /// Whether a disc is being loaded or examined.
     bool isLoading() const;
+    bool isReady() const; ///< with a disc
+    /// False also for an open drive without a tray.
+    bool isTrayOpen() const;
 
     /// Unlocks and opens the tray, whatever the state of the disc. Retries for two seconds while
     /// other programs have the drive open non-exclusively. Returns whether the tray was opened;
     /// false if it was open before.
     bool openTray() const;
 
+    /// Whether the drive can open its tray and close it again without the user. The tray of many
+    /// portable computers must be pushed in.
+    bool canReload() const;
+
+    /// Opens the tray as `openTray` does and closes it. Returns whether the drive executed both.
+    bool reload() const;
+
 private:
+    int status() const;
+    bool eject() const;
+
     const int _descriptor;
 };
 

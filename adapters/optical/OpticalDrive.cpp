@@ -226,17 +226,41 @@ std::unique_ptr<SectorWriter> OpticalDrive::open(const DiscPlan& plan, const Bur
     if (const std::optional<BurnFailure> failure = refusal(disc, plan, settings))
         throw BurnFailure(causeBehind(failure->error(), *drive, _record, *stop),
                           displayName() + ": " + failure->info());
+    _reload.emplace(_record, plan);
     return std::make_unique<OpticalWriter>(std::move(drive), _record, settings,
                                            disc.state != DiscFacts::State::Blank, stop);
 }
 
-void OpticalDrive::release(std::optional<std::uint64_t>) {
+void OpticalDrive::release(std::optional<std::uint64_t> writtenSectors) {
+    if (writtenSectors)
+        reload();
     {
         const std::lock_guard lock(mutex());
         endBurn();
         _cached.reset();
     }
     reportChange();
+}
+
+/// Still part of the burn, so that no query opens the drive, and so that a host that reacts to the
+/// end of the burn finds the new disc.
+void OpticalDrive::reload() {
+    try {
+        if (_reload->perform() == DiscReload::Result::NotSupported)
+            logUnsupportedReload();
+    } catch (const std::exception& failure) {
+        currentPlatform()->log->log(displayName() +
+                                    ": the written disc was not reloaded: " + failure.what());
+    }
+}
+
+void OpticalDrive::logUnsupportedReload() {
+    if (!_hasLoggedUnsupportedReload)
+        currentPlatform()->log->log(displayName() +
+                                    ": the drive cannot close its tray, so a written disc is not "
+                                    "reloaded. The system may see its content only after the disc "
+                                    "was taken out and inserted again.");
+    _hasLoggedUnsupportedReload = true;
 }
 
 } // namespace quarner

@@ -10,6 +10,7 @@
 #include "adapters/engine/EngineDrive.h"
 #include "adapters/engine/ProgressMeter.h"
 #include "adapters/optical/DiscFacts.h"
+#include "adapters/optical/DiscReload.h"
 #include "adapters/optical/DriveRecord.h"
 
 namespace quarner {
@@ -23,6 +24,9 @@ namespace quarner {
 /// drive open, a query returns after half a second that there is no disc; while a disc is being
 /// loaded, it returns at once that the disc is in transition. While a burn runs, queries return
 /// what was known when it began.
+///
+/// After a successful burn the disc is reloaded if the kernel has not noticed its new content and
+/// if the drive can close its tray. The burn ends afterwards, successfully also if that fails.
 ///
 /// A status change may be reported twice: once by its cause and once by udev.
 ///
@@ -77,6 +81,8 @@ private:
     std::uint64_t changeCount() const;
     void updateCache(const DiscFacts& disc, bool isTransient, std::uint64_t changes) const;
     void reserve(const std::shared_ptr<StopSignal>& stop);
+    void reload();
+    void logUnsupportedReload();
     std::unique_ptr<SectorWriter> open(const DiscPlan& plan, const BurnSettings& settings,
                                        const std::shared_ptr<StopSignal>& stop);
 
@@ -88,6 +94,10 @@ private:
     mutable std::mutex _querying;
     mutable std::optional<Cached> _cached;
     std::uint64_t _changes = 0; ///< the number of reported changes of the disc
+
+    // Used by the thread of the running burn alone.
+    std::optional<DiscReload> _reload; ///< of the disc that is being written
+    bool _hasLoggedUnsupportedReload = false;
 };
 
 } // namespace quarner

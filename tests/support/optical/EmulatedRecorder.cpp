@@ -51,7 +51,8 @@ std::string withUnderscores(std::string text) {
 EmulatedRecorder::EmulatedRecorder(UdevBed& udev, unsigned number,
                                    const RecorderDescription& description)
     : _udev(udev), _name("sr" + std::to_string(number)),
-      _unit(description.vendor, description.product), _delay(description.delay) {
+      _unit(description.vendor, description.product), _closesTray(description.closesTray),
+      _reportsWrittenDisc(description.reportsWrittenDisc), _delay(description.delay) {
     _unit.readOffset = description.readOffset;
     _unit.writeSpeeds = description.writeSpeeds;
     _unit.faults = description.faults;
@@ -77,6 +78,7 @@ void EmulatedRecorder::replug() {
             return;
         _isPlugged = true;
         _unit.start();
+        _kernel = {};
         all = properties();
     }
     changeNode(node(), true, [&] { _udev.plugResponding(_name, all, shared_from_this()); });
@@ -86,6 +88,7 @@ void EmulatedRecorder::insert(Medium medium) {
     {
         const std::lock_guard lock(_mutex);
         _unit.changeMedium(std::move(medium));
+        _kernel.change();
     }
     tellOfMedium();
 }
@@ -94,6 +97,7 @@ void EmulatedRecorder::removeMedium() {
     {
         const std::lock_guard lock(_mutex);
         _unit.changeMedium(std::nullopt);
+        _kernel.change();
     }
     tellOfMedium();
 }
@@ -104,6 +108,7 @@ void EmulatedRecorder::pressEject() {
         if (_unit.isTrayLocked() || _unit.isTrayOpen())
             return;
         _unit.setTrayOpen(true);
+        _kernel.change();
     }
     tellOfMedium();
 }
@@ -151,22 +156,52 @@ std::optional<ScsiReply> EmulatedRecorder::execute(const ScsiCommand& command) {
         return std::nullopt;
     _commands.push_back(command.operation());
     const bool hadMedium = _unit.hasMedium();
+    const bool wasWritten = isWritten();
     const ScsiReply reply = _unit.execute(command);
-    afterCommand(hadMedium);
+    afterCommand(hadMedium, wasWritten);
     return _unit.isUnplugged() ? std::nullopt : std::optional(reply);
 }
 
+bool EmulatedRecorder::isWritten() const {
+    return _unit.hasMedium() && _unit.medium()->state == Medium::State::Closed;
+}
+
 /// Sends the events for what commands and faults did to the drive.
-void EmulatedRecorder::afterCommand(bool hadMedium) {
+void EmulatedRecorder::afterCommand(bool hadMedium, bool wasWritten) {
     const auto self = shared_from_this();
+    const bool hasMoved = _unit.hasMedium() != hadMedium;
+    const bool isReported = hasMoved || (_reportsWrittenDisc && isWritten() && !wasWritten);
+    if (isReported)
+        _kernel.change();
     if (_unit.isUnplugged())
         _udev.later([self] { self->unplug(); });
-    else if (_unit.hasMedium() != hadMedium)
+    else if (isReported)
         _udev.later([self] { self->tellOfMedium(); });
+}
+
+void EmulatedRecorder::open() {
+    const std::lock_guard lock(_mutex);
+    _kernel.open(_unit.hasMedium() ? _unit.medium() : std::nullopt);
+}
+
+int EmulatedRecorder::capabilities() {
+    return CDC_OPEN_TRAY | CDC_LOCK | CDC_MEDIA_CHANGED | (_closesTray ? CDC_CLOSE_TRAY : 0);
+}
+
+bool EmulatedRecorder::takeMediaChange() {
+    const std::lock_guard lock(_mutex);
+    return _kernel.takeChange();
+}
+
+std::uint64_t EmulatedRecorder::size() {
+    const std::lock_guard lock(_mutex);
+    return _kernel.size();
 }
 
 int EmulatedRecorder::driveStatus() {
     const std::lock_guard lock(_mutex);
+    if (!_isPlugged || _unit.isUnplugged())
+        return -1;
     if (_unit.isTrayOpen())
         return CDS_TRAY_OPEN;
     if (_unit.hasMedium() && _unit.faults.notReady > 0) {
@@ -184,9 +219,17 @@ int EmulatedRecorder::eject() {
             --_unit.faults.observers;
             return EBUSY;
         }
+        ++_ejections;
     }
     const std::array<std::uint8_t, 6> openTray = {0x1B, 0, 0, 0, 2};
     return lockTray(false) && succeeds(openTray) ? 0 : EIO;
+}
+
+int EmulatedRecorder::closeTray() {
+    const std::array<std::uint8_t, 6> closeTray = {0x1B, 0, 0, 0, 3};
+    if (!_closesTray)
+        return ENOSYS;
+    return succeeds(closeTray) ? 0 : EIO;
 }
 
 bool EmulatedRecorder::lockTray(bool isLocked) {
@@ -219,6 +262,11 @@ void EmulatedRecorder::setBusy(unsigned attempts) { refuseOpening(node(), EBUSY,
 void EmulatedRecorder::setCommandHook(std::function<void(std::uint8_t)> hook) {
     const std::lock_guard lock(_mutex);
     _hook = std::move(hook);
+}
+
+unsigned EmulatedRecorder::ejections() const {
+    const std::lock_guard lock(_mutex);
+    return _ejections;
 }
 
 bool EmulatedRecorder::isTrayOpen() const {

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/optical/KernelDisc.h"
 #include "tests/support/optical/Medium.h"
 #include "tests/support/optical/OpticalUnit.h"
 #include "tests/support/optical/SystemCallTarget.h"
@@ -26,6 +27,9 @@ struct RecorderDescription {
     std::vector<std::uint32_t> writeSpeeds = {4234, 2822, 1411, 706}; ///< kB/s, the highest first
     UnitFaults faults = {};
     std::chrono::microseconds delay{0}; ///< the duration of each command
+    bool closesTray = true;             ///< false: as a portable computer's, pushed in by hand
+    /// Whether it reports another disc when it has written one. Many drives do not.
+    bool reportsWrittenDisc = false;
 };
 
 /// A recorder in an `OpticalBed`: a node in /dev that takes the system calls and SCSI commands of a
@@ -65,6 +69,8 @@ public:
     /// the thread that executes the commands of all recorders. It must not send commands itself.
     void setCommandHook(std::function<void(std::uint8_t)> hook);
 
+    /// The number of times that a program has made the kernel open the tray.
+    unsigned ejections() const;
     bool isTrayOpen() const;
     bool isTrayLocked() const;
     /// The number of times that this process has the node open.
@@ -80,14 +86,20 @@ public:
     std::vector<std::uint8_t> commands() const;
 
     std::optional<ScsiReply> execute(const ScsiCommand& command) override;
+    void open() override;
     int driveStatus() override;
+    int capabilities() override;
+    bool takeMediaChange() override;
+    std::uint64_t size() override;
     int eject() override;
+    int closeTray() override;
     bool lockTray(bool isLocked) override;
 
 private:
     UdevBed::Properties properties() const;
     void tellOfMedium();
-    void afterCommand(bool hadMedium);
+    void afterCommand(bool hadMedium, bool wasWritten);
+    bool isWritten() const;
     bool succeeds(std::span<const std::uint8_t> command);
 
     UdevBed& _udev;
@@ -95,6 +107,10 @@ private:
 
     mutable std::mutex _mutex;
     OpticalUnit _unit;
+    KernelDisc _kernel;
+    const bool _closesTray;
+    const bool _reportsWrittenDisc;
+    unsigned _ejections = 0;
     bool _isPlugged = false;
     std::chrono::microseconds _delay;
     std::function<void(std::uint8_t)> _hook;

@@ -23,7 +23,7 @@ struct UnitFaults {
     unsigned notReady = 0;
     bool refusesCueSheet = false;
     unsigned observers = 0;   ///< the number of ejects that fail because the node has another user
-    bool isTrayStuck = false; ///< the tray stays closed, although no command fails
+    bool isTrayStuck = false; ///< the tray stays as it is, although no command fails
 };
 
 /// A CD recorder as the MMC standard describes it: takes commands, returns replies. Supports

@@ -2,6 +2,7 @@
 #include "tests/support/optical/SystemCalls.h"
 
 #include <linux/cdrom.h>
+#include <linux/fs.h>
 #include <scsi/sg.h>
 
 #include <algorithm>
@@ -102,6 +103,12 @@ CallResult fillIn(UMockdevIoctlClient* client, std::vector<std::uint8_t> bytes) 
     return {};
 }
 
+CallResult fillInNumber(UMockdevIoctlClient* client, std::uint64_t number) {
+    std::vector<std::uint8_t> bytes(sizeof number);
+    std::memcpy(bytes.data(), &number, sizeof number);
+    return fillIn(client, std::move(bytes));
+}
+
 CallResult resultOf(int error) { return error == 0 ? CallResult() : CallResult{-1, error}; }
 
 /// Returns the argument of a call that takes a number.
@@ -109,6 +116,11 @@ std::uintptr_t numberIn(const UMockdevIoctlData* argument) {
     std::uintptr_t number = 0;
     std::memcpy(&number, argument->data, std::min(sizeof number, std::size_t(argument->data_len)));
     return number;
+}
+
+CallResult statusOf(SystemCallTarget& target) {
+    const int status = target.driveStatus();
+    return status < 0 ? resultOf(ENODEV) : CallResult{status};
 }
 
 CallResult handle(UMockdevIoctlClient* client, SystemCallTarget& target) {
@@ -119,10 +131,18 @@ CallResult handle(UMockdevIoctlClient* client, SystemCallTarget& target) {
         return fillIn(client, std::vector<std::uint8_t>(8));
     case getBusNumber:
         return fillIn(client, std::vector<std::uint8_t>(4));
+    case BLKGETSIZE64:
+        return fillInNumber(client, target.size());
     case CDROM_DRIVE_STATUS:
-        return {target.driveStatus()};
+        return statusOf(target);
+    case CDROM_GET_CAPABILITY:
+        return {target.capabilities()};
+    case CDROM_MEDIA_CHANGED:
+        return {target.takeMediaChange() ? 1 : 0};
     case CDROMEJECT:
         return resultOf(target.eject());
+    case CDROMCLOSETRAY:
+        return resultOf(target.closeTray());
     case CDROM_LOCKDOOR:
         return resultOf(
             target.lockTray(numberIn(umockdev_ioctl_client_get_arg(client)) != 0) ? 0 : EIO);
@@ -164,6 +184,11 @@ gboolean onCall(UMockdevIoctlBase* calls, UMockdevIoctlClient* client, gpointer)
     return TRUE;
 }
 
+void onOpening(UMockdevIoctlBase* calls, UMockdevIoctlClient*, gpointer) {
+    if (const std::shared_ptr<SystemCallTarget> target = targets().of(calls))
+        target->open();
+}
+
 } // namespace
 
 void handleSystemCalls(UMockdevIoctlBase* calls, const std::shared_ptr<SystemCallTarget>& target) {
@@ -171,6 +196,7 @@ void handleSystemCalls(UMockdevIoctlBase* calls, const std::shared_ptr<SystemCal
     const auto forget = [](gpointer of, GClosure*) { targets().forget(of); };
     g_signal_connect_data(calls, "handle-ioctl", G_CALLBACK(onCall), calls, forget,
                           GConnectFlags(0));
+    g_signal_connect(calls, "client-connected", G_CALLBACK(onOpening), nullptr);
 }
 
 } // namespace quarner

@@ -113,6 +113,10 @@ public:
         std::filesystem::remove_all(root() / sysPath.substr(1));
     }
 
+    bool has(const std::string& sysPath) const {
+        return std::filesystem::exists(root() / sysPath.substr(1));
+    }
+
     void later(std::function<void()> function) {
         const std::lock_guard lock(_waitingMutex);
         _waiting.push_back(std::move(function));
@@ -201,6 +205,8 @@ void UdevBed::setProperty(const std::string& sysPath, const std::string& key,
 void UdevBed::change(const std::string& sysPath, const Properties& properties,
                      const Properties& once) {
     const std::lock_guard lock(_bed->mutex);
+    if (!_bed->has(sysPath)) // unplugged just before
+        return;
     const Properties all = _bed->complete(nameAt(sysPath), properties);
     Properties told = all;
     told.insert(told.end(), once.begin(), once.end());
