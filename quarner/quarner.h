@@ -18,6 +18,7 @@
 #include "quarner/front/Quarner.h"
 #include "quarner/platform/DRErrors.h"
 #include "quarner/project/DiscProject.h"
+#include "quarner/project/DiscProjectHistory.h"
 #include "quarner/project/DiscProjectRecords.h"
 #include "quarner/util/MultiMedia.h"
 #include "quarner/util/Paths.h"
