@@ -49,6 +49,11 @@ std::shared_ptr<Drive> driveNamed(const std::string& name, DriveList& drives) {
     return nullptr;
 }
 
+std::shared_ptr<OpticalDrive> opticalDriveNamed(const std::string& name) {
+    const auto desktop = current();
+    return desktop ? driveNamed<OpticalDrive>(name, desktop->opticalDrives()) : nullptr;
+}
+
 } // namespace
 
 void installDesktopPlatform() { installDesktopPlatform({}); }
@@ -99,10 +104,13 @@ bool insertBlankDisc(const std::string& displayName) {
 }
 
 std::string driveAccessProblem(const std::string& displayName) {
-    const auto desktop = current();
-    const auto drive =
-        desktop ? driveNamed<OpticalDrive>(displayName, desktop->opticalDrives()) : nullptr;
+    const auto drive = opticalDriveNamed(displayName);
     return drive ? drive->accessProblem() : "";
+}
+
+std::string opticalDriveNode(const std::string& displayName) {
+    const auto drive = opticalDriveNamed(displayName);
+    return drive ? drive->record().node : "";
 }
 
 bool receivesDriveEvents() {

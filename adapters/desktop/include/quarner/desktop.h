@@ -123,6 +123,11 @@ QUARNER_EXPORT bool insertBlankDisc(const std::string& displayName);
 /// retried for half a second. The call also waits for a query that another thread is making.
 QUARNER_EXPORT std::string driveAccessProblem(const std::string& displayName);
 
+/// Returns the device node of the optical drive with this name, "/dev/sr0": by it a host finds out
+/// whether its disc is mounted. Returns an empty text for an image drive, and if there is no such
+/// drive.
+QUARNER_EXPORT std::string opticalDriveNode(const std::string& displayName);
+
 /// Whether a `QuarnerDeviceDelegate` is notified of optical drives and discs that come and go.
 /// False if the device manager (udev) is not running: then a host must query the drives again.
 QUARNER_EXPORT bool receivesDriveEvents();

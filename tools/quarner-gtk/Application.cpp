@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "tools/quarner-gtk/Application.h"
+
+#include <gdkmm/display.h>
+#include <giomm/file.h>
+#include <glibmm/miscutils.h>
+#include <gtkmm/aboutdialog.h>
+#include <gtkmm/cssprovider.h>
+#include <gtkmm/stylecontext.h>
+
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "tools/quarner-gtk/Paths.h"
+#include "tools/quarner-gtk/Words.h"
+
+namespace quarner::window {
+namespace {
+
+constexpr char style[] = R"(
+.track { padding: 3px 6px; border-top: 2px solid transparent; border-bottom: 2px solid transparent; }
+.track.drop-above { border-top-color: @accent_bg_color; }
+.track.drop-below { border-bottom-color: @accent_bg_color; }
+levelbar.overfull block.filled { background-color: @error_color; border-color: @error_color; }
+label.overfull { color: @error_color; font-weight: bold; }
+.numeric { font-feature-settings: "tnum"; }
+.caption { font-size: smaller; }
+.title-2 { font-size: larger; font-weight: bold; }
+.message { padding: 9px 12px; }
+.message.warning { background-color: alpha(@warning_color, 0.2); }
+.message.error { background-color: alpha(@error_color, 0.2); }
+.message.success { background-color: alpha(@success_color, 0.2); }
+)";
+
+} // namespace
+
+Glib::RefPtr<Application> Application::create() {
+    return Glib::make_refptr_for_instance(new Application);
+}
+
+Application::Application()
+    : Gtk::Application(QUARNER_APPLICATION_ID, Gio::Application::Flags::HANDLES_COMMAND_LINE) {
+    add_main_option_entry(OptionType::BOOL, "audio", 'a', _("Make an audio CD"));
+    add_main_option_entry(OptionType::BOOL, "data", 'd', _("Make a data CD"));
+    add_main_option_entry(OptionType::BOOL, "version", 'v', _("Show the version"));
+    add_main_option_entry(OptionType::FILENAME_VECTOR, G_OPTION_REMAINING, '\0', "",
+                          _("[FILE | FOLDER | PLAYLIST]…"));
+    set_option_context_summary(_("Burns music to an audio CD or a data CD."));
+}
+
+int Application::on_handle_local_options(const Glib::RefPtr<Glib::VariantDict>& options) {
+    if (options->contains("version")) {
+        std::cout << "quarner-gtk " QUARNER_VERSION << std::endl;
+        return 0;
+    }
+    if (options->contains("audio") && options->contains("data")) {
+        std::cerr << "quarner-gtk: " << _("A disc is either an audio CD or a data CD.")
+                  << std::endl;
+        return 2;
+    }
+    return Gtk::Application::on_handle_local_options(options);
+}
+
+void Application::on_startup() {
+    Gtk::Application::on_startup();
+    addStyle();
+    add_action("about", [this] { showAbout(); });
+}
+
+int Application::on_command_line(const Glib::RefPtr<Gio::ApplicationCommandLine>& call) {
+    const auto options = call->get_options_dict();
+    const bool isData = options->contains("data");
+    const auto kind = isData ? DiscProject::Kind::Data : DiscProject::Kind::Audio;
+    if (!_window) {
+        _window = std::make_unique<Window>(kind);
+        add_window(*_window);
+        _window->signal_hide().connect([this] { quit(); });
+    } else if (isData || options->contains("audio")) {
+        _window->setKind(kind);
+    }
+    std::vector<std::string> paths;
+    std::vector<std::string> words;
+    options->lookup_value(G_OPTION_REMAINING, words);
+    for (const std::string& word : words)
+        paths.push_back(pathOf(call->create_file_for_arg(word)));
+    if (!paths.empty())
+        _window->open(paths);
+    _window->present();
+    return 0;
+}
+
+void Application::addStyle() {
+    const auto provider = Gtk::CssProvider::create();
+    provider->load_from_data(style);
+    Gtk::StyleContext::add_provider_for_display(Gdk::Display::get_default(), provider,
+                                                GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+}
+
+void Application::showAbout() {
+    auto* const dialog = Gtk::make_managed<Gtk::AboutDialog>();
+    dialog->set_program_name("Quarner");
+    dialog->set_version(QUARNER_VERSION);
+    dialog->set_comments(_("Burns music to an audio CD or a data CD, and verifies it."));
+    dialog->set_logo_icon_name(QUARNER_APPLICATION_ID);
+    dialog->set_license_type(Gtk::License::LGPL_2_1);
+    dialog->set_transient_for(*_window);
+    dialog->set_modal(true);
+    dialog->present();
+}
+
+} // namespace quarner::window

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <giomm/applicationcommandline.h>
+#include <gtkmm/application.h>
+
+#include <memory>
+
+#include "tools/quarner-gtk/Window.h"
+
+namespace quarner::window {
+
+/// The program: one window, which also takes the files of later calls of the program.
+class Application : public Gtk::Application {
+public:
+    static Glib::RefPtr<Application> create();
+
+protected:
+    Application();
+
+    void on_startup() override;
+    int on_command_line(const Glib::RefPtr<Gio::ApplicationCommandLine>& call) override;
+    int on_handle_local_options(const Glib::RefPtr<Glib::VariantDict>& options) override;
+
+private:
+    void addStyle();
+    void showAbout();
+
+    std::unique_ptr<Window> _window;
+};
+
+} // namespace quarner::window

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "tools/quarner-gtk/DriveChooser.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "quarner/display.h"
+#include "tools/quarner-gtk/Accessible.h"
+#include "tools/quarner-gtk/Words.h"
+
+namespace quarner::window {
+
+DriveChooser::DriveChooser(Handlers handlers)
+    : _handlers(std::move(handlers)), _names(Gtk::StringList::create({})) {
+    set_model(_names);
+    set_hexpand(true);
+    setSpokenName(*this, _("Drive"));
+    property_selected().signal_changed().connect([this] { selectionChanged(); });
+    show({});
+}
+
+void DriveChooser::show(const std::vector<DiscDrive>& drives) {
+    std::vector<Glib::ustring> names;
+    _drives.clear();
+    DiscDrive::Id wanted = 0;
+    for (const DiscDrive& drive : drives) {
+        if (drive.isExamined && !drive.canWrite)
+            continue;
+        names.push_back(safeText(drive.name));
+        _drives.push_back(drive.id);
+        if (drive.name == _wantedName)
+            wanted = drive.id;
+    }
+    if (_drives.empty()) { // an entry that is selected cannot be chosen
+        names.emplace_back(_("No drive"));
+        _drives.push_back(0);
+    }
+    names.emplace_back(_("Image file..."));
+    _isBeingFilled = true;
+    _names->splice(0, _names->get_n_items(), names);
+    _isBeingFilled = false;
+    if (wanted != 0) {
+        _chosen = wanted;
+        _wantedName.clear();
+    }
+    if (std::find(_drives.begin(), _drives.end(), _chosen) == _drives.end())
+        _chosen = _drives.front();
+    selectChosen();
+}
+
+void DriveChooser::choose(const std::string& name) { _wantedName = name; }
+
+void DriveChooser::selectChosen() {
+    const auto entry = std::find(_drives.begin(), _drives.end(), _chosen) - _drives.begin();
+    _isBeingFilled = true;
+    set_selected(static_cast<guint>(entry));
+    _isBeingFilled = false;
+}
+
+void DriveChooser::selectionChanged() {
+    if (_isBeingFilled)
+        return;
+    if (get_selected() >= _drives.size()) {
+        selectChosen();
+        return _handlers.imageWanted();
+    }
+    _chosen = _drives[get_selected()];
+    _handlers.chosen();
+}
+
+} // namespace quarner::window

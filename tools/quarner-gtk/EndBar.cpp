@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "tools/quarner-gtk/EndBar.h"
+
+#include <utility>
+
+#include "quarner/display.h"
+#include "tools/quarner-gtk/Accessible.h"
+#include "tools/quarner-gtk/Words.h"
+
+namespace quarner::window {
+
+std::string textFor(const DiscBurnEnd& end) {
+    std::string text = end.text;
+    for (const std::string* const more : {&end.info.path, &end.info.message, &end.advice})
+        if (!more->empty())
+            text += "\n" + safeText(*more);
+    return text;
+}
+
+EndBar::EndBar(Handlers handlers) : _handlers(std::move(handlers)) {
+    _text.set_wrap(true);
+    _text.set_wrap_mode(Pango::WrapMode::WORD_CHAR);
+    _text.set_xalign(0);
+    _text.set_hexpand(true);
+    _text.set_selectable(true);
+    _text.set_focusable(false);
+    _close.set_icon_name("window-close-symbolic");
+    _close.set_valign(Gtk::Align::START);
+    _close.set_has_frame(false);
+    setSpokenName(_close, _("Close the message about the burn"));
+    _close.signal_clicked().connect([this] { hideEnd(); });
+    _head.append(_text);
+    _head.append(_close);
+    _openFolder.set_label(_("Open Folder"));
+    _openFolder.signal_clicked().connect([this] { _handlers.openFolder(); });
+    _burnAnother.set_label(_("Burn Another Copy"));
+    _burnAnother.signal_clicked().connect([this] {
+        hideEnd();
+        _handlers.burnAnother();
+    });
+    _offers.append(_openFolder);
+    _offers.append(_burnAnother);
+    _bar.add_css_class("message");
+    _bar.append(_head);
+    _bar.append(_offers);
+    set_child(_bar);
+}
+
+void EndBar::show(const DiscBurnEnd& end, bool isImage) {
+    const bool isDone = end.outcome == DiscBurnEnd::Outcome::Done;
+    _text.set_text(textFor(end));
+    _offers.set_visible(isDone);
+    _openFolder.set_visible(isImage);
+    for (const char* const look : {"success", "error"})
+        _bar.remove_css_class(look);
+    if (end.outcome != DiscBurnEnd::Outcome::Canceled)
+        _bar.add_css_class(isDone ? "success" : "error");
+    set_reveal_child(true);
+}
+
+} // namespace quarner::window

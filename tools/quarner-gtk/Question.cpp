@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "tools/quarner-gtk/Question.h"
+
+#include <gtkmm/messagedialog.h>
+
+#include <utility>
+
+#include "tools/quarner-gtk/Words.h"
+
+namespace quarner::window {
+
+void ask(Gtk::Window& parent, const Question& question, std::function<void()> yes) {
+    auto* const dialog = new Gtk::MessageDialog(
+        parent, question.text, false, Gtk::MessageType::QUESTION, Gtk::ButtonsType::NONE, true);
+    dialog->set_secondary_text(question.detail);
+    dialog->add_button(_("Cancel"), Gtk::ResponseType::CANCEL);
+    dialog->add_button(question.yes, Gtk::ResponseType::YES)->add_css_class("destructive-action");
+    dialog->set_default_response(Gtk::ResponseType::CANCEL);
+    // The dialogue goes once its signal is through.
+    dialog->signal_response().connect([dialog, yes = std::move(yes)](int response) {
+        dialog->set_visible(false);
+        Glib::signal_idle().connect_once(
+            [dialog, call = yes, isYes = response == Gtk::ResponseType::YES] {
+                delete dialog;
+                if (isYes)
+                    call();
+            });
+    });
+    dialog->set_visible(true);
+}
+
+} // namespace quarner::window

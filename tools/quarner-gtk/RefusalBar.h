@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <gtkmm/box.h>
+#include <gtkmm/button.h>
+#include <gtkmm/expander.h>
+#include <gtkmm/label.h>
+#include <gtkmm/revealer.h>
+#include <gtkmm/scrolledwindow.h>
+
+#include <cstddef>
+#include <string>
+
+namespace quarner::window {
+
+/// Says how many files were not added; when it is opened, which and why.
+class RefusalBar : public Gtk::Revealer {
+public:
+    RefusalBar();
+
+    void add(const std::string& text);
+    void clear();
+
+private:
+    std::size_t _count = 0;
+    Gtk::Box _bar;
+    Gtk::Expander _expander;
+    Gtk::ScrolledWindow _scroller;
+    Gtk::Box _texts{Gtk::Orientation::VERTICAL, 6};
+    Gtk::Button _close;
+};
+
+} // namespace quarner::window

@@ -1,0 +1,383 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "tools/quarner-gtk/Window.h"
+
+#include <giomm/file.h>
+#include <glibmm/fileutils.h>
+#include <glibmm/miscutils.h>
+#include <gtkmm/filefilter.h>
+#include <gtkmm/shortcut.h>
+#include <gtkmm/shortcutaction.h>
+#include <gtkmm/shortcutcontroller.h>
+#include <gtkmm/shortcuttrigger.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "quarner/desktop.h"
+#include "quarner/display.h"
+#include "quarner/playlist.h"
+#include "tools/quarner-gtk/Paths.h"
+#include "tools/quarner-gtk/Question.h"
+#include "tools/quarner-gtk/Words.h"
+
+namespace quarner::window {
+namespace {
+
+constexpr int width = 480;
+constexpr int height = 640;
+
+Glib::RefPtr<Gtk::Shortcut> shortcut(const char* keys, const char* action) {
+    return Gtk::Shortcut::create(Gtk::ShortcutTrigger::parse_string(keys),
+                                 Gtk::NamedAction::create(action));
+}
+
+Glib::RefPtr<Gtk::FileFilter> filterForMusic() {
+    const auto filter = Gtk::FileFilter::create();
+    filter->set_name(_("Music and playlists"));
+    for (const std::string& extension : DiscProject::fileExtensions())
+        filter->add_suffix(extension);
+    for (const char* const playlist : {"m3u", "m3u8", "pls", "xspf"})
+        filter->add_suffix(playlist);
+    return filter;
+}
+
+} // namespace
+
+Window::Window(DiscProject::Kind kind)
+    : _layout({{[this] { wantRefresh(); }, [this] { chooseImage(); }},
+               {[this] { openImageFolder(); }, [this] { burnAnother(); }}}),
+      _burning(*this, {[this] { wantRefresh(); }, [this](const auto& text) { say(text); }}) {
+    set_title(_("Burn a Disc"));
+    set_icon_name(QUARNER_APPLICATION_ID);
+    set_default_size(width, height);
+    set_titlebar(_layout.header);
+    set_child(_layout.page);
+    addActions();
+    addShortcuts();
+    startCompilation(kind);
+    const auto chosen = [this](Gtk::ToggleButton& button, DiscProject::Kind itsKind) {
+        button.set_active(itsKind == project().kind());
+        button.signal_toggled().connect([this, &button, itsKind] {
+            if (button.get_active())
+                setKind(itsKind);
+        });
+    };
+    chosen(_layout.audio, DiscProject::Kind::Audio);
+    chosen(_layout.data, DiscProject::Kind::Data);
+    _layout.burn.signal_clicked().connect([this] { burnOrCancel(); });
+    _layout.title.signal_activate().connect([this] { _layout.burn.grab_focus(); });
+    _layout.stopAdding.signal_clicked().connect([this] { project().cancelAdding(); });
+    const auto target = makeDropTarget();
+    target->signal_drop().connect(
+        [this](const auto& value, double, double) {
+            const DroppedContent content = droppedContent(value);
+            const auto* const paths = std::get_if<std::vector<std::string>>(&content);
+            if (paths != nullptr)
+                open(*paths);
+            return paths != nullptr;
+        },
+        false);
+    _layout.content.add_controller(target);
+    refresh();
+}
+
+Window::~Window() { _refreshing.disconnect(); }
+
+// --- What the user does ---
+
+Glib::RefPtr<Gio::SimpleAction> Window::addEdit(const std::string& name,
+                                                std::function<void()> edit) {
+    const auto action = add_action(name, std::move(edit));
+    _edits.push_back(action);
+    return action;
+}
+
+void Window::addActions() {
+    addEdit("add-files", [this] { chooseFiles(Gtk::FileChooser::Action::OPEN); });
+    addEdit("add-folder", [this] { chooseFiles(Gtk::FileChooser::Action::SELECT_FOLDER); });
+    addEdit("remove", [this] { removeSelected(); });
+    addEdit("move-up", [this] { moveSelected(false); });
+    addEdit("move-down", [this] { moveSelected(true); });
+    addEdit("clear", [this] { _compilation->history().clear(); });
+    addEdit("choose-image", [this] { chooseImage(); });
+    _undo = add_action("undo", [this] { _compilation->history().undo(); });
+    _redo = add_action("redo", [this] { _compilation->history().redo(); });
+    _eject = add_action("eject", [this] { eject(); });
+}
+
+/// Behind the focus, so that keys mean in the title what they mean in a text.
+void Window::addShortcuts() {
+    const auto shortcuts = Gtk::ShortcutController::create();
+    const std::pair<const char*, const char*> keys[] = {{"<Control>z", "win.undo"},
+                                                        {"<Control><Shift>z", "win.redo"},
+                                                        {"<Control>y", "win.redo"},
+                                                        {"<Control>o", "win.add-files"},
+                                                        {"<Control><Shift>o", "win.add-folder"},
+                                                        {"<Control>s", "win.choose-image"},
+                                                        {"<Control>e", "win.eject"},
+                                                        {"<Control>w", "window.close"}};
+    for (const auto& [key, action] : keys)
+        shortcuts->add_shortcut(shortcut(key, action));
+    add_controller(shortcuts);
+}
+
+void Window::startCompilation(DiscProject::Kind kind) {
+    const Compilation::Handlers handlers = {
+        .changed = [this] { wantRefresh(); },
+        .fileRefused = [this](const std::string& text) { _layout.refusals.add(text); },
+        .addingProgress = [this](const std::string& name, std::size_t index,
+                                 std::size_t of) { showAdding(name, index, of); },
+        .burnProgress = [this](const auto& progress) { showProgress(progress); },
+        .burnEnded = [this](const DiscBurnEnd& end) { burnEnded(end); }};
+    auto next = std::make_unique<Compilation>(
+        kind, handlers,
+        TrackList::Handlers{[this](const auto& rows, std::size_t to) { moveRows(rows, to); },
+                            [this](const auto& paths, std::size_t row) { open(paths, row); }});
+    const auto keys = Gtk::ShortcutController::create();
+    keys->add_shortcut(shortcut("Delete", "win.remove"));
+    keys->add_shortcut(shortcut("<Alt>Up", "win.move-up"));
+    keys->add_shortcut(shortcut("<Alt>Down", "win.move-down"));
+    next->list().view().add_controller(keys);
+    _layout.setList(next->list());
+    _compilation = std::move(next);
+}
+
+void Window::setKind(DiscProject::Kind kind) {
+    if (kind == project().kind() || !isEditable() || project().isAdding())
+        return wantRefresh();
+    const std::vector<std::string> paths = _compilation->paths();
+    if (const auto image = std::exchange(_image, std::nullopt)) // its format is that of the kind
+        removeImageDrive(image->drive);
+    _layout.refusals.clear();
+    startCompilation(kind);
+    if (!paths.empty())
+        project().add(paths);
+    wantRefresh();
+}
+
+void Window::open(const std::vector<std::string>& paths, std::optional<std::size_t> row) {
+    _search.find(paths, [this, row](const std::vector<std::string>& files) {
+        if (isEditable() && !files.empty())
+            _compilation->history().add(files, row);
+        wantRefresh();
+    });
+    wantRefresh();
+}
+
+void Window::chooseFiles(Gtk::FileChooser::Action action) {
+    const bool areFolders = action == Gtk::FileChooser::Action::SELECT_FOLDER;
+    _chooser = Gtk::FileChooserNative::create(areFolders ? _("Add Folder") : _("Add Files"), *this,
+                                              action, _("_Add"), _("_Cancel"));
+    _chooser->set_select_multiple(true);
+    if (!areFolders)
+        _chooser->add_filter(filterForMusic());
+    _chooser->signal_response().connect([this](int response) {
+        if (response == Gtk::ResponseType::ACCEPT)
+            open(pathsIn(*_chooser->get_files()));
+    });
+    _chooser->show();
+}
+
+std::string Window::extension() const {
+    return project().kind() == DiscProject::Kind::Audio ? ".cue" : ".iso";
+}
+
+void Window::chooseImage() {
+    _chooser = Gtk::FileChooserNative::create(
+        _("Burn to an Image"), *this, Gtk::FileChooser::Action::SAVE, _("_Choose"), _("_Cancel"));
+    _chooser->set_current_name(_("Disc") + extension());
+    _chooser->signal_response().connect([this](int response) {
+        if (response == Gtk::ResponseType::ACCEPT)
+            useImage(pathOf(_chooser->get_file()));
+    });
+    _chooser->show();
+}
+
+void Window::useImage(const std::string& chosenPath) {
+    std::string path = chosenPath;
+    const bool hasExtension = Glib::str_has_suffix(path, extension());
+    if (!hasExtension)
+        path += extension();
+    if (const auto problem = findImageProblem(path)) {
+        const DiscProblem meaning = problemForCode(problem->code);
+        return say(meaning.text + "\n" + safeText(problem->info) + "\n" + meaning.advice);
+    }
+    if (_image)
+        removeImageDrive(_image->drive);
+    // The dialogue has asked about a file of that very name.
+    _image = Image{addImageDrive({.path = path}), path, hasExtension};
+    _layout.drives.choose(_image->drive);
+    wantRefresh();
+}
+
+bool Window::isOnImage() const {
+    const auto drive = project().drive(_layout.drives.chosen());
+    return _image && drive && drive->name == _image->drive;
+}
+
+void Window::removeSelected() {
+    _compilation->history().remove(_compilation->model().selectedRows());
+}
+
+void Window::moveSelected(bool down) {
+    const std::set<std::size_t> rows = _compilation->model().selectedRows();
+    if (rows.empty())
+        return;
+    if (down)
+        moveRows(rows, *rows.rbegin() + 2);
+    else
+        moveRows(rows, *rows.begin() == 0 ? 0 : *rows.begin() - 1);
+}
+
+void Window::moveRows(const std::set<std::size_t>& rows, std::size_t to) {
+    if (isEditable())
+        _compilation->history().move(rows, to);
+}
+
+void Window::eject() {
+    project().eject(_layout.drives.chosen(), [this](const std::string& problem) {
+        if (!problem.empty())
+            say(problem);
+    });
+}
+
+void Window::burnOrCancel() {
+    if (project().isBurning())
+        return project().cancelBurn();
+    _layout.end.hideEnd();
+    std::string replaced;
+    if (isOnImage() && !_image->mayBeReplaced &&
+        Glib::file_test(_image->path, Glib::FileTest::EXISTS))
+        replaced = _image->path;
+    _burning.start({&project(), _layout.drives.chosen(), _layout.title.get_text(), replaced});
+}
+
+void Window::burnAnother() {
+    if (isOnImage())
+        chooseImage();
+    else
+        eject(); // the notice then asks for a blank disc
+}
+
+void Window::openImageFolder() {
+    const std::string folder = Glib::path_get_dirname(_image->path);
+    gtk_show_uri(GTK_WINDOW(gobj()), Gio::File::create_for_path(folder)->get_uri().c_str(),
+                 GDK_CURRENT_TIME);
+}
+
+bool Window::on_close_request() {
+    if (!project().isBurning())
+        return Gtk::ApplicationWindow::on_close_request();
+    ask(*this,
+        {_("Stop the burn?"),
+         isOnImage() ? _("The new image is discarded.") : _("The disc becomes unusable."),
+         _("Stop and Close")},
+        [this] {
+            _isClosing = true;
+            if (project().isBurning())
+                project().cancelBurn();
+            else
+                close();
+        });
+    return true;
+}
+
+// --- What it shows ---
+
+/// Once for many changes.
+void Window::wantRefresh() {
+    if (!_refreshing.connected())
+        _refreshing = Glib::signal_idle().connect([this] {
+            _refreshing = {};
+            refresh();
+            return false;
+        });
+}
+
+void Window::refresh() {
+    _layout.drives.show(project().drives());
+    _layout.showList(project().items()->empty());
+    _layout.capacity.show(project().capacity(_layout.drives.chosen()));
+    const bool isAudio = project().kind() == DiscProject::Kind::Audio;
+    (isAudio ? _layout.audio : _layout.data).set_active(true);
+    if (!project().isBurning() && !project().isAdding())
+        _layout.work.set_reveal_child(false);
+    refreshActions();
+    refreshNotice();
+}
+
+void Window::refreshActions() {
+    const bool isStill = !isBurning() && !project().isAdding();
+    for (const auto& edit : _edits)
+        edit->set_enabled(isEditable());
+    _undo->set_enabled(isEditable() && _compilation->history().canUndo());
+    _redo->set_enabled(isEditable() && _compilation->history().canRedo());
+    const auto drive = project().drive(_layout.drives.chosen());
+    _eject->set_enabled(isEditable() && drive && drive->hasDisc && !isOnImage());
+    for (Gtk::Widget* const part : std::initializer_list<Gtk::Widget*>{
+             &_layout.audio, &_layout.data, &_layout.drives, &_layout.title})
+        part->set_sensitive(isStill);
+}
+
+void Window::refreshNotice() {
+    const DiscDrive::Id id = _layout.drives.chosen();
+    const auto drive = project().drive(id);
+    std::vector<DiscProblem> problems;
+    if (drive)
+        problems = Burning::problems(project(), id);
+    std::string notice = drive && !isOnImage() ? textForDiscAndFreeTime(*drive) : "";
+    if (!drive)
+        notice = _("Attach a drive that writes CDs, or choose an image file.");
+    else if (!isBurning() && !project().items()->empty() && !problems.empty())
+        notice = problems.front().text + " " + problems.front().advice;
+    _layout.notice.set_text(notice);
+    _layout.notice.set_visible(!notice.empty());
+
+    const bool isCancel = project().isBurning();
+    _layout.burn.set_label(isCancel ? _("Cancel") : _("Burn"));
+    for (const char* const look : {"suggested-action", "destructive-action"})
+        _layout.burn.remove_css_class(look);
+    _layout.burn.add_css_class(isCancel ? "destructive-action" : "suggested-action");
+    const bool isReady = drive && problems.empty() && !project().isAdding() && !isBurning();
+    _layout.burn.set_sensitive(isCancel || isReady);
+}
+
+void Window::showAdding(const std::string& name, std::size_t index, std::size_t of) {
+    const std::string text =
+        filled(_("Adding {index} of {count}: {file}"), {{"index", std::to_string(index)},
+                                                        {"count", std::to_string(of)},
+                                                        {"file", safeText(name)}});
+    _layout.showWork(text, static_cast<double>(index) / static_cast<double>(of), true);
+}
+
+void Window::showProgress(const DiscBurnProgress& progress) {
+    const std::string text =
+        progress.timeLeftText.empty()
+            ? progress.text
+            : filled(_("{state}, {time} left"),
+                     {{"state", progress.text}, {"time", progress.timeLeftText}});
+    _layout.showWork(text, progress.fraction, false);
+}
+
+void Window::burnEnded(const DiscBurnEnd& end) {
+    _burning.end(end);
+    if (_isClosing)
+        return close();
+    _layout.end.show(end, isOnImage());
+    if (isOnImage()) {
+        _image->mayBeReplaced = false;
+        if (end.outcome ==
+            DiscBurnEnd::Outcome::Done) // the drive takes a blank disc for the next burn
+            project().eject(_layout.drives.chosen(), [this](const std::string&) {
+                if (_image)
+                    insertBlankDisc(_image->drive);
+            });
+    }
+    wantRefresh();
+}
+
+void Window::say(const std::string& text) {
+    _layout.end.show({.outcome = DiscBurnEnd::Outcome::Failed, .text = text}, false);
+}
+
+} // namespace quarner::window
