@@ -55,8 +55,10 @@ void CapacityBar::show(const DiscCapacity& capacity) {
         else
             part->add_css_class("overfull");
     }
-    setSpokenName(_bar, filled(_("Space on the disc: {used}, {rest}"),
-                               {{"used", used}, {"rest", capacity.verdict}}));
+    setSpokenName(_bar, capacity.verdict.empty()
+                            ? filled(_("The files take {used}"), {{"used", used}})
+                            : filled(_("The files take {used}, {rest}"),
+                                     {{"used", used}, {"rest", capacity.verdict}}));
 }
 
 } // namespace quarner::window

@@ -14,7 +14,6 @@ DriveChooser::DriveChooser(Handlers handlers)
     : _handlers(std::move(handlers)), _names(Gtk::StringList::create({})) {
     set_model(_names);
     set_hexpand(true);
-    setSpokenName(*this, _("Drive"));
     property_selected().signal_changed().connect([this] { selectionChanged(); });
     show({});
 }
@@ -55,6 +54,11 @@ void DriveChooser::selectChosen() {
     _isBeingFilled = true;
     set_selected(static_cast<guint>(entry));
     _isBeingFilled = false;
+    // The focus goes to the button in it.
+    const std::string name =
+        filled(_("Drive: {name}"), {{"name", _names->get_string(static_cast<guint>(entry))}});
+    setSpokenName(*this, name);
+    setSpokenName(*get_first_child(), name);
 }
 
 void DriveChooser::selectionChanged() {

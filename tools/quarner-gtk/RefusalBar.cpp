@@ -19,6 +19,7 @@ RefusalBar::RefusalBar() {
     _scroller.set_child(_texts);
     _expander.set_child(_scroller);
     _expander.set_hexpand(true);
+    _expander.set_valign(Gtk::Align::CENTER);
     _close.set_icon_name("window-close-symbolic");
     _close.set_valign(Gtk::Align::START);
     _close.set_has_frame(false);

@@ -62,7 +62,9 @@ void TrackRow::show(const DiscItem& item, std::size_t row) {
     _artist.set_visible(!artist.empty());
     _extent.set_text(extent);
     set_tooltip_text(safeText(item.path));
-    setSpokenName(*this, title + (artist.empty() ? "" : ", " + artist) + ", " + extent);
+    // The focus goes to the widget of the list that this one is in.
+    if (Gtk::Widget* const place = get_parent())
+        setSpokenName(*place, title + (artist.empty() ? "" : ", " + artist) + ", " + extent);
     setRow(row);
 }
 

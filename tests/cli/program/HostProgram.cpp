@@ -60,7 +60,7 @@ std::vector<std::string> commandLine(const std::vector<std::string>& arguments,
     const std::vector<std::string> preloads = preloading(settings.preloads);
     words.insert(words.end(), preloads.begin(), preloads.end());
     words.insert(words.end(), settings.wrapper.begin(), settings.wrapper.end());
-    words.emplace_back(QUARNER_PROGRAM);
+    words.push_back(settings.program);
     words.insert(words.end(), arguments.begin(), arguments.end());
     return words;
 }

@@ -18,6 +18,7 @@ struct HostEnd {
 
 /// How to run it.
 struct HostSettings {
+    std::string program = QUARNER_PROGRAM;
     std::string folder = ".";         ///< the working directory
     std::vector<std::string> wrapper; ///< a program that runs it, with arguments: setpriv, prlimit
     unsigned terminalColumns = 0;     ///< above 0: on a terminal as wide as this

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/cli/program/HostFixture.h"
+#include "tests/gtk/SeenWidget.h"
+#include "tests/gtk/VirtualDesktop.h"
+
+namespace quarner::testing {
+
+/// For a test of the real window on a virtual desktop. It is found as assistive programs find it,
+/// and used as a person uses it: with the pointer and the keyboard.
+class WindowTest : public HostFixture {
+protected:
+    WindowTest();
+
+    /// Starts the program with arguments, and waits until its window is there.
+    void start(const std::vector<std::string>& arguments = {}, HostSettings settings = {});
+
+    /// Waits until a condition holds, and fails the test, with what the window shows, if that takes
+    /// more than half a minute.
+    void waitUntil(const std::function<bool()>& condition, const std::string& what) const;
+
+    /// A visible widget of the program by its name, and its role if one is given; waits for it.
+    SeenWidget find(const std::string& name, const std::string& role = {}) const;
+    bool isThere(const std::string& name, const std::string& role = {}) const;
+    SeenWidget program() const;
+
+    void click(const std::string& name, const std::string& role = {}) const;
+    /// Clicks once the widget can be used.
+    void clickWhenReady(const std::string& name, const std::string& role = {}) const;
+    void click(const SeenWidget& widget, const std::string& windowTitle) const;
+    static void press(const std::string& keys); ///< "ctrl+z"
+    static void type(const std::string& text);
+
+    /// The titles of the rows of the list, in their order.
+    std::vector<std::string> rows() const;
+    void waitForRows(const std::vector<std::string>& titles) const;
+    SeenWidget row(const std::string& title) const;
+    /// Drags a row to above or below another one.
+    void dragRow(const std::string& title, const std::string& to, bool below) const;
+    /// Drags files from another program to a widget of the window.
+    void dropFiles(const std::vector<std::string>& paths, const SeenWidget& target);
+
+    /// Chooses an image through the menu and the dialogue of the desktop.
+    void chooseImage(const std::string& path) const;
+
+    static constexpr char title[] = "Burn a Disc";
+
+    struct Point {
+        int x = 0;
+        int y = 0;
+    };
+    /// On the screen.
+    Point pointIn(const SeenWidget& widget, const std::string& windowTitle,
+                  double part = 0.5) const;
+    static void drag(Point from, Point to);
+
+    std::unique_ptr<HostProgram> window;
+
+private:
+    std::unique_ptr<HostProgram> _manager; // files are read from it after they were dropped
+};
+
+} // namespace quarner::testing
