@@ -11,6 +11,11 @@ std::string taken(char* text) {
     return text == nullptr ? "" : text;
 }
 
+/// Whether nothing is looked for in such a widget: each look is a call to the other program.
+bool isLeaf(const std::string& role) {
+    return role == "label" || role == "list item" || role == "combo box" || role == "scroll bar";
+}
+
 void describe(const SeenWidget& widget, std::size_t depth, std::string& text) {
     const SeenWidget::Place place = widget.place();
     text += std::string(2 * depth, ' ') + widget.role() + " '" + widget.name() + "' " +
@@ -24,15 +29,23 @@ void describe(const SeenWidget& widget, std::size_t depth, std::string& text) {
 
 } // namespace
 
+/// libatspi does not expect to be asked about a program that has ended.
+bool SeenWidget::isThere() const {
+    const AtspiApplication* const program = ATSPI_OBJECT(_object.get())->app;
+    return program != nullptr && program->bus_name != nullptr;
+}
+
 std::string SeenWidget::name() const {
-    return taken(atspi_accessible_get_name(_object.get(), nullptr));
+    return !isThere() ? "" : taken(atspi_accessible_get_name(_object.get(), nullptr));
 }
 
 std::string SeenWidget::role() const {
-    return taken(atspi_accessible_get_role_name(_object.get(), nullptr));
+    return !isThere() ? "" : taken(atspi_accessible_get_role_name(_object.get(), nullptr));
 }
 
 std::string SeenWidget::text() const {
+    if (!isThere())
+        return {};
     const std::unique_ptr<AtspiText, decltype(&g_object_unref)> text(
         atspi_accessible_get_text_iface(_object.get()), g_object_unref);
     return text ? taken(atspi_text_get_text(
@@ -41,18 +54,24 @@ std::string SeenWidget::text() const {
 }
 
 double SeenWidget::value() const {
+    if (!isThere())
+        return {};
     const std::unique_ptr<AtspiValue, decltype(&g_object_unref)> value(
         atspi_accessible_get_value_iface(_object.get()), g_object_unref);
     return value ? atspi_value_get_current_value(value.get(), nullptr) : 0;
 }
 
 bool SeenWidget::hasState(AtspiStateType state) const {
+    if (!isThere())
+        return {};
     const std::unique_ptr<AtspiStateSet, decltype(&g_object_unref)> states(
         atspi_accessible_get_state_set(_object.get()), g_object_unref);
     return states && atspi_state_set_contains(states.get(), state) == TRUE;
 }
 
 std::vector<SeenWidget> SeenWidget::children() const {
+    if (!isThere())
+        return {};
     std::vector<SeenWidget> children;
     const int count = atspi_accessible_get_child_count(_object.get(), nullptr);
     for (int i = 0; i < count; ++i)
@@ -62,6 +81,8 @@ std::vector<SeenWidget> SeenWidget::children() const {
 }
 
 SeenWidget::Place SeenWidget::place() const {
+    if (!isThere())
+        return {};
     const std::unique_ptr<AtspiComponent, decltype(&g_object_unref)> component(
         atspi_accessible_get_component_iface(_object.get()), g_object_unref);
     if (!component)
@@ -71,12 +92,23 @@ SeenWidget::Place SeenWidget::place() const {
     return extents ? Place{extents->x, extents->y, extents->width, extents->height} : Place{};
 }
 
+void SeenWidget::activate() const {
+    if (!isThere())
+        return;
+    const std::unique_ptr<AtspiAction, decltype(&g_object_unref)> action(
+        atspi_accessible_get_action_iface(_object.get()), g_object_unref);
+    if (action)
+        atspi_action_do_action(action.get(), 0, nullptr);
+}
+
 bool SeenWidget::isVisible() const { return place().width > 0 && place().height > 0; }
 
 std::optional<SeenWidget> SeenWidget::find(const Condition& condition) const {
     for (const SeenWidget& child : children()) {
         if (condition(child))
             return child;
+        if (isLeaf(child.role()))
+            continue;
         if (auto found = child.find(condition))
             return found;
     }

@@ -28,6 +28,9 @@ public:
     double value() const; ///< of a bar
     std::vector<SeenWidget> children() const;
 
+    /// Does what a click does.
+    void activate() const;
+
     /// In its window.
     struct Place {
         int x = 0;
@@ -44,6 +47,7 @@ public:
     void visit(const std::function<void(const SeenWidget&)>& visitor) const;
 
 private:
+    bool isThere() const;
     bool hasState(AtspiStateType state) const;
 
     std::shared_ptr<AtspiAccessible> _object;

@@ -82,6 +82,11 @@ void WindowTest::waitUntil(const std::function<bool()>& condition, const std::st
     if (waitFor(condition))
         return;
     const auto seen = seenProgram("quarner-gtk");
+    if (!seen && window) {
+        const HostEnd end = window->wait();
+        throw std::runtime_error("There is no " + what + ": the program ended with " +
+                                 std::to_string(end.status) + " and said " + end.out + end.err);
+    }
     throw std::runtime_error("There is no " + what + " in\n" +
                              (seen ? treeOf(*seen) : std::string("no program")));
 }

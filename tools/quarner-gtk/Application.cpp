@@ -13,9 +13,12 @@
 #include <vector>
 
 #include "tools/quarner-gtk/Paths.h"
-#include "tools/quarner-gtk/Words.h"
+#include "tools/words/Words.h"
 
 namespace quarner::window {
+
+using words::_;
+
 namespace {
 
 constexpr char style[] = R"(
@@ -82,6 +85,8 @@ int Application::on_command_line(const Glib::RefPtr<Gio::ApplicationCommandLine>
     std::vector<std::string> paths;
     std::vector<std::string> words;
     options->lookup_value(G_OPTION_REMAINING, words);
+    // What a desktop hands over for a blank disc.
+    std::erase_if(words, [](const std::string& word) { return word.starts_with("burn:"); });
     for (const std::string& word : words)
         paths.push_back(pathOf(call->create_file_for_arg(word)));
     if (!paths.empty())

@@ -12,9 +12,12 @@
 #include "tools/quarner-gtk/EndBar.h"
 #include "tools/quarner-gtk/MountedDisc.h"
 #include "tools/quarner-gtk/Question.h"
-#include "tools/quarner-gtk/Words.h"
+#include "tools/words/Words.h"
 
 namespace quarner::window {
+
+using words::_;
+
 namespace {
 
 constexpr char notificationId[] = "burn-ended";
@@ -59,14 +62,14 @@ void Burning::start(Burn burn) {
     _burn = std::move(burn);
     if (const auto mount = mountIn(*_burn.project, _burn.drive)) {
         ask(_window,
-            {filled(_("Unmount “{disc}”?"), {{"disc", safeText(mount->get_name())}}),
+            {_("Unmount “{disc}”?", {{"disc", safeText(mount->get_name())}}),
              _("The disc is mounted. Programs that read it have to be closed first."),
              _("Unmount")},
             call(&Burning::unmount));
     } else if (!_burn.replaced.empty()) {
         const std::string name = safeText(Glib::path_get_basename(_burn.replaced));
         ask(_window,
-            {filled(_("Replace “{image}”?"), {{"image", name}}),
+            {_("Replace “{image}”?", {{"image", name}}),
              _("The image exists already. The burn replaces it once the new one is complete."),
              _("Replace")},
             call(&Burning::burn));
@@ -90,8 +93,8 @@ void Burning::unmount() {
 void Burning::unmounted(const std::string& problem) {
     if (!problem.empty()) {
         setStarting(false);
-        return _handlers.refused(filled(_("The disc could not be unmounted: {reason}"),
-                                        {{"reason", safeText(problem)}}));
+        return _handlers.refused(
+            _("The disc could not be unmounted: {reason}", {{"reason", safeText(problem)}}));
     }
     setStarting(true);
     _burn.project->examine(_burn.drive, call(&Burning::askBeforeErasing));

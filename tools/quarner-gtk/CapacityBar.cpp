@@ -5,16 +5,18 @@
 #include <string>
 
 #include "tools/quarner-gtk/Accessible.h"
-#include "tools/quarner-gtk/Words.h"
+#include "tools/words/Words.h"
 
 namespace quarner::window {
+
+using words::_;
+
 namespace {
 
 std::string usedText(const DiscCapacity& capacity) {
     if (!capacity.isDiscKnown)
         return capacity.usedText;
-    return filled(_("{used} of {total}"),
-                  {{"used", capacity.usedText}, {"total", capacity.totalText}});
+    return _("{used} of {total}", {{"used", capacity.usedText}, {"total", capacity.totalText}});
 }
 
 double fractionOf(const DiscCapacity& capacity) {
@@ -55,10 +57,9 @@ void CapacityBar::show(const DiscCapacity& capacity) {
         else
             part->add_css_class("overfull");
     }
-    setSpokenName(_bar, capacity.verdict.empty()
-                            ? filled(_("The files take {used}"), {{"used", used}})
-                            : filled(_("The files take {used}, {rest}"),
-                                     {{"used", used}, {"rest", capacity.verdict}}));
+    setSpokenName(_bar, capacity.verdict.empty() ? _("The files take {used}", {{"used", used}})
+                                                 : _("The files take {used}, {rest}",
+                                                     {{"used", used}, {"rest", capacity.verdict}}));
 }
 
 } // namespace quarner::window

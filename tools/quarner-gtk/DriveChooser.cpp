@@ -6,9 +6,11 @@
 
 #include "quarner/display.h"
 #include "tools/quarner-gtk/Accessible.h"
-#include "tools/quarner-gtk/Words.h"
+#include "tools/words/Words.h"
 
 namespace quarner::window {
+
+using words::_;
 
 DriveChooser::DriveChooser(Handlers handlers)
     : _handlers(std::move(handlers)), _names(Gtk::StringList::create({})) {
@@ -56,7 +58,7 @@ void DriveChooser::selectChosen() {
     _isBeingFilled = false;
     // The focus goes to the button in it.
     const std::string name =
-        filled(_("Drive: {name}"), {{"name", _names->get_string(static_cast<guint>(entry))}});
+        _("Drive: {name}", {{"name", _names->get_string(static_cast<guint>(entry))}});
     setSpokenName(*this, name);
     setSpokenName(*get_first_child(), name);
 }

@@ -5,9 +5,11 @@
 
 #include "quarner/display.h"
 #include "tools/quarner-gtk/Accessible.h"
-#include "tools/quarner-gtk/Words.h"
+#include "tools/words/Words.h"
 
 namespace quarner::window {
+
+using words::_;
 
 std::string textFor(const DiscBurnEnd& end) {
     std::string text = end.text;

@@ -5,16 +5,24 @@
 
 #include <utility>
 
-#include "tools/quarner-gtk/Words.h"
+#include "tools/quarner-gtk/Accessible.h"
+#include "tools/words/Words.h"
 
 namespace quarner::window {
+
+using words::_;
 
 void ask(Gtk::Window& parent, const Question& question, std::function<void()> yes) {
     auto* const dialog = new Gtk::MessageDialog(
         parent, question.text, false, Gtk::MessageType::QUESTION, Gtk::ButtonsType::NONE, true);
     dialog->set_secondary_text(question.detail);
-    dialog->add_button(_("Cancel"), Gtk::ResponseType::CANCEL);
-    dialog->add_button(question.yes, Gtk::ResponseType::YES)->add_css_class("destructive-action");
+    const auto addButton = [dialog](const std::string& label, Gtk::ResponseType response) {
+        Gtk::Button* const button = dialog->add_button(label, response);
+        setSpokenName(*button, label); // twice otherwise
+        return button;
+    };
+    addButton(_("Cancel"), Gtk::ResponseType::CANCEL);
+    addButton(question.yes, Gtk::ResponseType::YES)->add_css_class("destructive-action");
     dialog->set_default_response(Gtk::ResponseType::CANCEL);
     // The dialogue goes once its signal is through.
     dialog->signal_response().connect([dialog, yes = std::move(yes)](int response) {

@@ -3,9 +3,12 @@
 
 #include "quarner/display.h"
 #include "tools/quarner-gtk/Accessible.h"
-#include "tools/quarner-gtk/Words.h"
+#include "tools/words/Words.h"
 
 namespace quarner::window {
+
+using words::_;
+
 namespace {
 
 constexpr int highestList = 160;
@@ -41,8 +44,7 @@ void RefusalBar::add(const std::string& text) {
     _texts.append(*label);
     ++_count;
     const std::string head =
-        filled(ngettext("{count} file was not added", "{count} files were not added", _count),
-               {{"count", std::to_string(_count)}});
+        words::counted("{count} file was not added", "{count} files were not added", _count);
     _expander.set_label(head);
     setSpokenName(_expander, head);
     set_reveal_child(true);

@@ -7,9 +7,12 @@
 #include <utility>
 
 #include "tools/quarner-gtk/Accessible.h"
-#include "tools/quarner-gtk/Words.h"
+#include "tools/words/Words.h"
 
 namespace quarner::window {
+
+using words::_;
+
 namespace {
 
 TrackRow& rowOf(const Glib::RefPtr<Gtk::ListItem>& item) {

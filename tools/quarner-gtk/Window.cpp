@@ -18,9 +18,12 @@
 #include "quarner/playlist.h"
 #include "tools/quarner-gtk/Paths.h"
 #include "tools/quarner-gtk/Question.h"
-#include "tools/quarner-gtk/Words.h"
+#include "tools/words/Words.h"
 
 namespace quarner::window {
+
+using words::_;
+
 namespace {
 
 constexpr int width = 480;
@@ -344,18 +347,17 @@ void Window::refreshNotice() {
 
 void Window::showAdding(const std::string& name, std::size_t index, std::size_t of) {
     const std::string text =
-        filled(_("Adding {index} of {count}: {file}"), {{"index", std::to_string(index)},
-                                                        {"count", std::to_string(of)},
-                                                        {"file", safeText(name)}});
+        _("Adding {index} of {count}: {file}", {{"index", std::to_string(index)},
+                                                {"count", std::to_string(of)},
+                                                {"file", safeText(name)}});
     _layout.showWork(text, static_cast<double>(index) / static_cast<double>(of), true);
 }
 
 void Window::showProgress(const DiscBurnProgress& progress) {
-    const std::string text =
-        progress.timeLeftText.empty()
-            ? progress.text
-            : filled(_("{state}, {time} left"),
-                     {{"state", progress.text}, {"time", progress.timeLeftText}});
+    const std::string text = progress.timeLeftText.empty()
+                                 ? progress.text
+                                 : _("{state}, {time} left",
+                                     {{"state", progress.text}, {"time", progress.timeLeftText}});
     _layout.showWork(text, progress.fraction, false);
 }
 

@@ -9,23 +9,27 @@
 #include <utility>
 
 #include "tools/quarner-gtk/Accessible.h"
-#include "tools/quarner-gtk/Words.h"
+#include "tools/words/Words.h"
 
 namespace quarner::window {
+
+using words::_;
+
 namespace {
 
 constexpr int margin = 12;
 constexpr char listPage[] = "list";
 constexpr char emptyPage[] = "empty";
 
-void makeIconButton(Gtk::Button& button, const char* icon, const char* name, const char* action) {
+void makeIconButton(Gtk::Button& button, const char* icon, const std::string& name,
+                    const char* action) {
     button.set_icon_name(icon);
     button.set_tooltip_text(name);
     button.set_action_name(action);
     setSpokenName(button, name);
 }
 
-void addItem(const Glib::RefPtr<Gio::Menu>& menu, const char* label, const char* action,
+void addItem(const Glib::RefPtr<Gio::Menu>& menu, const std::string& label, const char* action,
              const char* keys = nullptr) {
     const auto item = Gio::MenuItem::create(label, action);
     if (keys != nullptr)

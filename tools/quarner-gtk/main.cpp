@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include <libintl.h>
-
-#include <clocale>
 #include <exception>
 #include <iostream>
 
 #include "quarner/desktop.h"
 #include "tools/quarner-gtk/Application.h"
+#include "tools/words/Words.h"
 
 int main(int count, char** arguments) {
-    std::setlocale(LC_ALL, ""); // NOLINT(concurrency-mt-unsafe): no other thread is there yet
-    textdomain("quarner");
-    bind_textdomain_codeset("quarner", "UTF-8");
+    quarner::words::useLanguageOfUser();
     int status = 1;
     try {
         const auto application = quarner::window::Application::create();

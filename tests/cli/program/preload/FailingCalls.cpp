@@ -5,9 +5,10 @@
 //   QUARNER_FAULT       "CALL NUMBER HOW WHEN PATH", for instance "pwrite 2 ENOSPC always
 //   /images/":
 //                       the second pwrite to a file whose path contains /images/ fails with ENOSPC,
-//                       and each one after it. HOW is EIO, ENOSPC, EINTR, short (half of the bytes)
-//                       or zero (none of them); WHEN is once or always. With the number 0, nothing
-//                       fails, and each call to such a path is written to the log.
+//                       and each one after it. HOW is EIO, ENOSPC, EINTR, short (half of the
+//                       bytes), zero (none of them), or held (a pwrite does nothing until the file
+//                       QUARNER_FAULT_GATE is gone); WHEN is once or always. With the number 0,
+//                       nothing fails, and each call to such a path is written to the log.
 //   QUARNER_FAULT_LOG   the log: a line with the name of the call for each call that has failed.
 //
 // Calls that take a descriptor count for the path at which the file was opened, or is now.
@@ -28,6 +29,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 
 namespace {
 
@@ -103,6 +105,14 @@ Function next(const char* name) {
     return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
 }
 
+/// Returns once the gate is open.
+void waitAtGate() {
+    const char* const gate = std::getenv("QUARNER_FAULT_GATE");
+    constexpr timespec interval = {0, 1'000'000};
+    while (gate != nullptr && syscall(SYS_faccessat, AT_FDCWD, gate, F_OK) == 0)
+        syscall(SYS_nanosleep, &interval, nullptr);
+}
+
 int failed() {
     errno = fault().error();
     return -1;
@@ -113,6 +123,10 @@ template <typename Transfer>
 ssize_t cut(size_t size, const Transfer& transfer) {
     if (fault().error() != 0)
         return failed();
+    if (fault().is("held")) {
+        waitAtGate();
+        return transfer(size);
+    }
     return fault().is("short") ? transfer((size + 1) / 2) : 0;
 }
 

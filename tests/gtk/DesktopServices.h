@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <gio/gio.h>
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace quarner::testing {
+
+/// What a desktop offers to programs on the message bus: it shows notifications, and keeps the
+/// machine awake. Keeps what it was asked for. Any thread.
+class DesktopServices {
+public:
+    /// Returns once the services are on the bus of this process.
+    DesktopServices();
+    ~DesktopServices();
+    DesktopServices(const DesktopServices&) = delete;
+    DesktopServices& operator=(const DesktopServices&) = delete;
+
+    /// The headlines of all notifications so far.
+    std::vector<std::string> notifications() const;
+    /// How many programs want the machine to stay awake.
+    int inhibitors() const;
+    int allInhibitors() const; ///< also those that have ended
+
+private:
+    static void called(GDBusConnection* bus, const char* sender, const char* path,
+                       const char* interface, const char* method, GVariant* arguments,
+                       GDBusMethodInvocation* call, gpointer services);
+    GVariant* answer(const std::string& method, GVariant* arguments);
+    void serve();
+
+    mutable std::mutex _mutex;
+    std::vector<std::string> _notifications;
+    int _inhibitors = 0;
+    int _allInhibitors = 0;
+    GMainContext* const _context;
+    GMainLoop* const _loop;
+    GDBusConnection* _bus = nullptr;
+    std::thread _thread;
+};
+
+} // namespace quarner::testing
