@@ -13,7 +13,7 @@ std::string taken(char* text) {
 
 /// Whether nothing is looked for in such a widget: each look is a call to the other program.
 bool isLeaf(const std::string& role) {
-    return role == "label" || role == "list item" || role == "combo box" || role == "scroll bar";
+    return role == "label" || role == "list item" || role == "scroll bar";
 }
 
 void describe(const SeenWidget& widget, std::size_t depth, std::string& text) {

@@ -96,8 +96,7 @@ TEST_F(WindowBurns, AnImageThatIsThereAgainOnlyIfItsUserAgrees) {
     clickWhenReady("Burn", "push button");
     find("Replace “mix.cue”?");
     find("Replace", "push button").activate();
-    find("The disc is burnt and verified.");
-    EXPECT_NE(std::filesystem::last_write_time(cue), written);
+    waitUntil([&] { return std::filesystem::last_write_time(cue) != written; }, "new image");
 }
 
 TEST_F(WindowBurns, ADataDiscWithItsTitle) {
@@ -122,6 +121,7 @@ TEST_F(WindowBurns, NoLongerWhenItsWindowIsClosedAndThatIsConfirmed) {
     press("ctrl+w");
     find("Stop the burn?");
     find("Stop and Close", "push button").activate();
+    waitUntil([&] { return !isThere("Stop the burn?"); }, "end of the question");
     std::filesystem::remove(gate);
     EXPECT_EQ(window->wait().status, 0);
     EXPECT_FALSE(std::filesystem::exists(cue));

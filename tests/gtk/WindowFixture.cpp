@@ -145,6 +145,14 @@ void WindowTest::drag(Point from, Point to) {
                coordinate(from.y + (to.y - from.y) * step / steps)});
 }
 
+int WindowTest::resize(int width, int height) {
+    const Geometry before = geometryOf(title);
+    input({"search", "--name", std::string("^") + title + "$", "windowsize", coordinate(width),
+           coordinate(height)});
+    waitFor([&] { return geometryOf(title).width != before.width; });
+    return geometryOf(title).width;
+}
+
 std::vector<std::string> WindowTest::rows() const {
     std::vector<std::string> titles;
     const auto list = program().find([](const SeenWidget& one) { return one.role() == "list"; });

@@ -59,6 +59,8 @@ protected:
     Point pointIn(const SeenWidget& widget, const std::string& windowTitle,
                   double part = 0.5) const;
     static void drag(Point from, Point to);
+    /// Asks for a size of the window. Returns the width that it then has.
+    static int resize(int width, int height);
 
     std::unique_ptr<HostProgram> window;
 

@@ -69,7 +69,7 @@ WindowLayout::WindowLayout(Handlers handlers)
     layOutBottom();
     content.set_vexpand(true);
     for (Gtk::Widget* const part :
-         std::initializer_list<Gtk::Widget*>{&refusals, &end, &content, &_bottom})
+         std::initializer_list<Gtk::Widget*>{&_kinds, &refusals, &end, &content, &_bottom})
         page.append(*part);
 }
 
@@ -80,8 +80,12 @@ void WindowLayout::layOutHeader() {
     data.set_label(_("Data CD"));
     data.set_group(audio);
     _kinds.add_css_class("linked");
-    _kinds.append(audio);
-    _kinds.append(data);
+    _kinds.set_homogeneous(true);
+    _kinds.set_margin(margin);
+    for (Gtk::ToggleButton* const kind : {&audio, &data}) {
+        kind->set_hexpand(true);
+        _kinds.append(*kind);
+    }
     _menu.set_icon_name("open-menu-symbolic");
     _menu.set_menu_model(makeMenu());
     _menu.set_primary(true); // F10 opens it
@@ -89,7 +93,6 @@ void WindowLayout::layOutHeader() {
     setSpokenName(_menu, _("Menu"));
     header.pack_start(_add);
     header.pack_start(_undo);
-    header.set_title_widget(_kinds);
     header.pack_end(_menu);
 }
 

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <set>
+
+#include "tests/gtk/WindowFixture.h"
+#include "tests/support/Program.h"
+
+namespace quarner::testing {
+namespace {
+
+class WindowLook : public WindowTest {
+protected:
+    /// The roles of widgets that a person uses.
+    static bool isUsed(const SeenWidget& widget) {
+        static const std::set<std::string> roles = {"push button", "text",      "list",
+                                                    "list item",   "level bar", "progress bar"};
+        return widget.isVisible() && roles.contains(widget.role());
+    }
+};
+
+TEST_F(WindowLook, EverythingThatIsUsedHasANameThatIsSpoken) {
+    std::ofstream(folder.file("text.txt")) << "words";
+    start({song("a.mp3"), "text.txt"});
+    find("1 file was not added");
+    program().visit([](const SeenWidget& one) {
+        if (isUsed(one)) {
+            EXPECT_FALSE(one.name().empty()) << one.role();
+            EXPECT_THAT(one.name(), ::testing::Not(::testing::HasSubstr("Gtk"))) << one.role();
+        }
+    });
+}
+
+TEST_F(WindowLook, EverythingThatIsUsedIsReachedByTheKeyboard) {
+    start({song("a.mp3")});
+    waitForRows({"a.mp3"});
+    std::set<std::string> reached;
+    const std::size_t mostWidgets = 20;
+    for (std::size_t i = 0; i < mostWidgets; ++i) {
+        press("Tab");
+        if (const auto focused = program().find(
+                [](const SeenWidget& one) { return one.isFocused() && one.isVisible(); }))
+            reached.insert(focused->name());
+    }
+    for (const char* const name :
+         {"Add Files…", "Undo", "Menu", "Drive: No drive", "Title of the disc", "a.mp3, 00:00:10"})
+        EXPECT_TRUE(reached.contains(name)) << name << ::testing::PrintToString(reached);
+}
+
+TEST_F(WindowLook, FitsInto360PixelsAlsoInALanguageOfLongerWords) {
+    HostSettings german = here();
+    german.environment = {"LC_ALL=C.UTF-8", "LANGUAGE=de"};
+    start({song("a.mp3")}, german);
+    EXPECT_LE(resize(360, 640), 360);
+}
+
+TEST_F(WindowLook, SpeaksGerman) {
+    HostSettings german = here();
+    german.environment = {"LC_ALL=C.UTF-8", "LANGUAGE=de"};
+    start({}, german);
+    EXPECT_FALSE(isThere("Burn", "push button"));
+    EXPECT_TRUE(isThere("Brennen", "push button"));
+}
+
+TEST_F(WindowLook, KeepsRightToLeftTextsWithinItsRows) {
+    const std::string name = "שיר ארוך מאוד שאין לו סוף ועוד קצת ועוד קצת ועוד קצת.mp3";
+    start({song(name)});
+    waitUntil([&] { return !rows().empty(); }, "row");
+    const SeenWidget item = row(name);
+    EXPECT_LE(item.place().x + item.place().width, program().children()[0].place().width);
+}
+
+TEST_F(WindowLook, TheDesktopAcceptsWhatTheProgramTellsIt) {
+    const std::string folderOfData = SOURCE_FOLDER "/tools/quarner-gtk/desktop/";
+    const ProgramResult entry =
+        runProgram({"desktop-file-validate", folderOfData + "org.quarner.Quarner.desktop"});
+    EXPECT_EQ(entry.status, 0) << entry.output;
+    const ProgramResult info = runProgram({"appstreamcli", "validate", "--no-net",
+                                           folderOfData + "org.quarner.Quarner.metainfo.xml"});
+    EXPECT_EQ(info.status, 0) << info.output;
+}
+
+} // namespace
+} // namespace quarner::testing
