@@ -46,7 +46,7 @@ Matches match(const DiscItems& wanted, const DiscItems& present) {
 
 /// The longest ascending part of a permutation: what can stay in place while the rest is moved.
 std::set<std::size_t> longestAscent(const std::vector<std::size_t>& order) {
-    std::vector<std::size_t> ends;                       // the index of the end of each length
+    std::vector<std::size_t> ends;                           // the index of the end of each length
     std::vector<std::size_t> before(order.size(), SIZE_MAX); // the index before this one
     for (std::size_t i = 0; i < order.size(); ++i) {
         const auto place =
@@ -182,8 +182,8 @@ void DiscProjectHistory::restore(const DiscItems& wanted) {
     removeAllBut(kept);
     const std::vector<std::size_t> ascending(kept.begin(), kept.end());
     for (std::size_t& row : order) // its number after the removal
-        row = static_cast<std::size_t>(
-            std::lower_bound(ascending.begin(), ascending.end(), row) - ascending.begin());
+        row = static_cast<std::size_t>(std::lower_bound(ascending.begin(), ascending.end(), row) -
+                                       ascending.begin());
     arrange(_project, order);
     addMissing(_project, wanted, matches);
 }

@@ -11,6 +11,7 @@ using words::_;
 
 namespace {
 
+constexpr int lowestList = 96;
 constexpr int highestList = 160;
 
 } // namespace
@@ -18,7 +19,9 @@ constexpr int highestList = 160;
 RefusalBar::RefusalBar() {
     _scroller.set_policy(Gtk::PolicyType::NEVER, Gtk::PolicyType::AUTOMATIC);
     _scroller.set_propagate_natural_height(true);
+    _scroller.set_min_content_height(lowestList);
     _scroller.set_max_content_height(highestList);
+    _texts.set_margin_top(6);
     _scroller.set_child(_texts);
     _expander.set_child(_scroller);
     _expander.set_hexpand(true);
