@@ -74,7 +74,7 @@ WindowTest::WindowTest() {
 void WindowTest::start(const std::vector<std::string>& arguments, HostSettings settings) {
     settings.folder = folder.path().string();
     window = std::make_unique<HostProgram>(arguments, settings);
-    waitUntil([] { return geometryOf(title).width > 0; }, "a window");
+    waitUntil([&] { return geometryOf(title).width > 0; }, "window");
     waitUntil([] { return seenProgram("quarner-gtk") != std::nullopt; }, "the program");
 }
 
@@ -145,9 +145,9 @@ void WindowTest::drag(Point from, Point to) {
                coordinate(from.y + (to.y - from.y) * step / steps)});
 }
 
-int WindowTest::resize(int width, int height) {
+int WindowTest::resize(int width, int height) const {
     const Geometry before = geometryOf(title);
-    input({"search", "--name", std::string("^") + title + "$", "windowsize", coordinate(width),
+    input({"search", "--name", "^" + title + "$", "windowsize", coordinate(width),
            coordinate(height)});
     waitFor([&] { return geometryOf(title).width != before.width; });
     return geometryOf(title).width;

@@ -49,7 +49,7 @@ protected:
     /// Chooses an image through the menu and the dialogue of the desktop.
     void chooseImage(const std::string& path) const;
 
-    static constexpr char title[] = "Burn a Disc";
+    std::string title = "Burn a Disc"; ///< of the window, in the language of the test
 
     struct Point {
         int x = 0;
@@ -60,7 +60,7 @@ protected:
                   double part = 0.5) const;
     static void drag(Point from, Point to);
     /// Asks for a size of the window. Returns the width that it then has.
-    static int resize(int width, int height);
+    int resize(int width, int height) const;
 
     std::unique_ptr<HostProgram> window;
 

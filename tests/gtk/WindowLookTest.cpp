@@ -9,6 +9,13 @@ namespace {
 
 class WindowLook : public WindowTest {
 protected:
+    void startInGerman(const std::vector<std::string>& arguments) {
+        HostSettings settings = here();
+        settings.environment = {"LC_ALL=C.UTF-8", "LANGUAGE=de"};
+        title = "Disc brennen";
+        start(arguments, settings);
+    }
+
     /// The roles of widgets that a person uses.
     static bool isUsed(const SeenWidget& widget) {
         static const std::set<std::string> roles = {"push button", "text",      "list",
@@ -46,16 +53,12 @@ TEST_F(WindowLook, EverythingThatIsUsedIsReachedByTheKeyboard) {
 }
 
 TEST_F(WindowLook, FitsInto360PixelsAlsoInALanguageOfLongerWords) {
-    HostSettings german = here();
-    german.environment = {"LC_ALL=C.UTF-8", "LANGUAGE=de"};
-    start({song("a.mp3")}, german);
+    startInGerman({song("a.mp3")});
     EXPECT_LE(resize(360, 640), 360);
 }
 
 TEST_F(WindowLook, SpeaksGerman) {
-    HostSettings german = here();
-    german.environment = {"LC_ALL=C.UTF-8", "LANGUAGE=de"};
-    start({}, german);
+    startInGerman({});
     EXPECT_FALSE(isThere("Burn", "push button"));
     EXPECT_TRUE(isThere("Brennen", "push button"));
 }

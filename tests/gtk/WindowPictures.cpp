@@ -103,6 +103,7 @@ TEST_F(WindowPictures, Narrow) {
     machine.plug({});
     HostSettings settings = here();
     settings.environment = {"LC_ALL=C.UTF-8", "LANGUAGE=de"};
+    title = "Disc brennen";
     start(tunes(), settings);
     resize(360, 640);
     take("window-narrow");
