@@ -146,10 +146,9 @@ void WindowTest::drag(Point from, Point to) {
 }
 
 int WindowTest::resize(int width, int height) const {
-    const Geometry before = geometryOf(title);
     input({"search", "--name", "^" + title + "$", "windowsize", coordinate(width),
            coordinate(height)});
-    waitFor([&] { return geometryOf(title).width != before.width; });
+    waitFor([&] { return geometryOf(title).width <= width; });
     return geometryOf(title).width;
 }
 

@@ -27,6 +27,7 @@ constexpr char style[] = R"(
 .track.drop-below { border-bottom-color: @accent_bg_color; }
 levelbar.overfull block.filled { background-color: @error_color; border-color: @error_color; }
 label.overfull { color: @error_color; font-weight: bold; }
+headerbar .title { padding-left: 3px; padding-right: 3px; }
 .numeric { font-feature-settings: "tnum"; }
 .caption { font-size: smaller; }
 .title-2 { font-size: larger; font-weight: bold; }

@@ -347,9 +347,8 @@ void Window::refreshNotice() {
 
 void Window::showAdding(const std::string& name, std::size_t index, std::size_t of) {
     const std::string text =
-        _("Adding {index} of {count}: {name}", {{"index", std::to_string(index)},
-                                                {"count", std::to_string(of)},
-                                                {"name", name}});
+        _("Adding {index} of {count}: {name}",
+          {{"index", std::to_string(index)}, {"count", std::to_string(of)}, {"name", name}});
     _layout.showWork(text, static_cast<double>(index) / static_cast<double>(of), true);
 }
 
