@@ -25,22 +25,28 @@ public:
     /// How many edits can be undone; older ones are forgotten.
     static constexpr std::size_t mostEdits = 100;
 
+    /// Has no edit to undo at first. Changes that were made to the project before stay.
     explicit DiscProjectHistory(DiscProject& project);
 
     /// Adds files as `DiscProject::add` does, at the end without a row. Files that are added while
     /// others are being added belong to one edit with them.
     void add(const std::vector<std::string>& paths, std::optional<std::size_t> row = std::nullopt);
+    /// Removes rows as `DiscProject::remove` does.
     void remove(const std::set<std::size_t>& rows);
+    /// Moves rows as `DiscProject::move` does.
     void move(const std::set<std::size_t>& rows, std::size_t to);
+    /// Removes all rows.
     void clear();
 
-    /// Whether there is an edit to undo, or one to redo. Both are false while files are being
-    /// added. They may change with every change of the list, and when adding has ended.
+    /// Whether there is an edit to undo. False while files are being added. May change with every
+    /// change of the list, and when adding has ended.
     bool canUndo() const;
+    /// Whether there is an edit to redo, likewise.
     bool canRedo() const;
-    /// Makes the list again what it was before the last edit, or after the last one that was
-    /// undone. Does nothing if there is none.
+    /// Makes the list again what it was before the last edit. Does nothing if `canUndo` is false.
     void undo();
+    /// Makes the list again what it was after the edit that was undone last. Does nothing if
+    /// `canRedo` is false.
     void redo();
 
 private:

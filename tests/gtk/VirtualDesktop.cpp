@@ -10,6 +10,8 @@
 #include <array>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <stdexcept>
 
 namespace quarner::testing {
@@ -58,6 +60,10 @@ VirtualDesktop::VirtualDesktop() {
     set("GSK_RENDERER", "cairo");
     set("GTK_THEME", "Adwaita");
     set("GSETTINGS_BACKEND", "memory");
+    // A window has one button, as on most desktops that have GTK's programs.
+    std::filesystem::create_directories(_home.path() / ".config/gtk-4.0");
+    std::ofstream(_home.file(".config/gtk-4.0/settings.ini"))
+        << "[Settings]\ngtk-decoration-layout=:close\ngtk-enable-animations=false\n";
     start({"openbox"}, nullptr);
 }
 

@@ -146,9 +146,12 @@ void WindowTest::drag(Point from, Point to) {
 }
 
 int WindowTest::resize(int width, int height) const {
-    input({"search", "--name", "^" + title + "$", "windowsize", coordinate(width),
-           coordinate(height)});
-    waitFor([&] { return geometryOf(title).width <= width; });
+    // The window manager keeps it as large as it had to be at the time of each request.
+    waitFor([&] {
+        input({"search", "--name", "^" + title + "$", "windowsize", coordinate(width),
+               coordinate(height)});
+        return geometryOf(title).width <= width;
+    });
     return geometryOf(title).width;
 }
 

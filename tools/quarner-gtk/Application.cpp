@@ -8,10 +8,10 @@
 #include <gtkmm/cssprovider.h>
 #include <gtkmm/stylecontext.h>
 
-#include <iostream>
 #include <string>
 #include <vector>
 
+#include "tools/quarner-gtk/CommandLine.h"
 #include "tools/quarner-gtk/Paths.h"
 #include "tools/words/Words.h"
 
@@ -45,25 +45,7 @@ Glib::RefPtr<Application> Application::create() {
 
 Application::Application()
     : Gtk::Application(QUARNER_APPLICATION_ID, Gio::Application::Flags::HANDLES_COMMAND_LINE) {
-    add_main_option_entry(OptionType::BOOL, "audio", 'a', _("Make an audio CD"));
-    add_main_option_entry(OptionType::BOOL, "data", 'd', _("Make a data CD"));
-    add_main_option_entry(OptionType::BOOL, "version", 'v', _("Show the version"));
-    add_main_option_entry(OptionType::FILENAME_VECTOR, G_OPTION_REMAINING, '\0', "",
-                          _("[FILE | FOLDER | PLAYLIST]…"));
-    set_option_context_summary(_("Burns music to an audio CD or a data CD."));
-}
-
-int Application::on_handle_local_options(const Glib::RefPtr<Glib::VariantDict>& options) {
-    if (options->contains("version")) {
-        std::cout << "quarner-gtk " QUARNER_VERSION << std::endl;
-        return 0;
-    }
-    if (options->contains("audio") && options->contains("data")) {
-        std::cerr << "quarner-gtk: " << _("A disc is either an audio CD or a data CD.")
-                  << std::endl;
-        return 2;
-    }
-    return Gtk::Application::on_handle_local_options(options);
+    g_application_add_main_option_entries(Gio::Application::gobj(), commandLineOptions());
 }
 
 void Application::on_startup() {

@@ -20,7 +20,6 @@ protected:
 
     void on_startup() override;
     int on_command_line(const Glib::RefPtr<Gio::ApplicationCommandLine>& call) override;
-    int on_handle_local_options(const Glib::RefPtr<Glib::VariantDict>& options) override;
 
 private:
     void addStyle();

@@ -40,8 +40,13 @@ EndBar::EndBar(Handlers handlers) : _handlers(std::move(handlers)) {
         hideEnd();
         _handlers.burnAnother();
     });
-    _offers.append(_openFolder);
-    _offers.append(_burnAnother);
+    _offers.set_selection_mode(Gtk::SelectionMode::NONE);
+    for (Gtk::Button* const offer : {&_openFolder, &_burnAnother}) {
+        auto* const place = Gtk::make_managed<Gtk::FlowBoxChild>();
+        place->set_child(*offer);
+        place->set_focusable(false);
+        _offers.append(*place);
+    }
     _bar.add_css_class("message");
     _bar.append(_head);
     _bar.append(_offers);
@@ -52,7 +57,7 @@ void EndBar::show(const DiscBurnEnd& end, bool isImage) {
     const bool isDone = end.outcome == DiscBurnEnd::Outcome::Done;
     _text.set_text(textFor(end));
     _offers.set_visible(isDone);
-    _openFolder.set_visible(isImage);
+    _openFolder.get_parent()->set_visible(isImage);
     for (const char* const look : {"success", "error"})
         _bar.remove_css_class(look);
     if (end.outcome != DiscBurnEnd::Outcome::Canceled)

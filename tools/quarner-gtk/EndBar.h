@@ -3,6 +3,7 @@
 
 #include <gtkmm/box.h>
 #include <gtkmm/button.h>
+#include <gtkmm/flowbox.h>
 #include <gtkmm/label.h>
 #include <gtkmm/revealer.h>
 
@@ -33,7 +34,7 @@ private:
     Gtk::Box _head;
     Gtk::Label _text;
     Gtk::Button _close;
-    Gtk::Box _offers{Gtk::Orientation::HORIZONTAL, 6};
+    Gtk::FlowBox _offers; ///< below one another in a narrow window
     Gtk::Button _openFolder;
     Gtk::Button _burnAnother;
 };
