@@ -123,7 +123,8 @@ TEST_F(WindowBurns, NoLongerWhenItsWindowIsClosedAndThatIsConfirmed) {
     find("Stop and Close", "push button").activate();
     waitUntil([&] { return !isThere("Stop the burn?"); }, "end of the question");
     std::filesystem::remove(gate);
-    EXPECT_EQ(window->wait().status, 0);
+    const HostEnd end = window->wait();
+    EXPECT_EQ(end.status, 0) << end.err;
     EXPECT_FALSE(std::filesystem::exists(cue));
 }
 
