@@ -61,7 +61,11 @@ int Application::on_command_line(const Glib::RefPtr<Gio::ApplicationCommandLine>
     if (!_window) {
         _window = std::make_unique<Window>(kind);
         add_window(*_window);
-        _window->signal_hide().connect([this] { quit(); });
+        // A window that is closed is only hidden, and goes while GTK is still there. The program
+        // ends with its last window.
+        _window->set_hide_on_close(true);
+        _window->signal_hide().connect(
+            [this] { Glib::signal_idle().connect_once([this] { _window.reset(); }); });
     } else if (isData || options->contains("audio")) {
         _window->setKind(kind);
     }

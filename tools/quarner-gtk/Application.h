@@ -25,7 +25,7 @@ private:
     void addStyle();
     void showAbout();
 
-    std::unique_ptr<Window> _window;
+    std::unique_ptr<Window> _window; ///< null once it was closed
 };
 
 } // namespace quarner::window
