@@ -19,9 +19,9 @@ TEST(WriteFailure, HasTheCodeOfTheSystemsReason) {
 }
 
 TEST(WriteFailure, NamesTheAttemptAndTheReason) {
-    EXPECT_EQ(writeFailure(ENOSPC, "creating ", "mix.bin").path(), "mix.bin");
-    EXPECT_EQ(writeFailure(ENOSPC, "creating ", "mix.bin").info(),
-              "creating mix.bin: No space left on device");
+    const BurnFailure failure = writeFailure(ENOSPC, "creating {path}: {error}", "mix.bin");
+    EXPECT_EQ(failure.path(), "mix.bin");
+    EXPECT_EQ(failure.info(), "creating mix.bin: No space left on device");
 }
 
 } // namespace

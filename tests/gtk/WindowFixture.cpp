@@ -69,6 +69,9 @@ bool is(const SeenWidget& widget, const std::string& name, const std::string& ro
 WindowTest::WindowTest() {
     VirtualDesktop::shared();
     atspi_init();
+    // A call about a widget that has just gone is never replied to.
+    constexpr int milliseconds = 1000;
+    atspi_set_timeout(milliseconds, 0);
 }
 
 void WindowTest::start(const std::vector<std::string>& arguments, HostSettings settings) {
