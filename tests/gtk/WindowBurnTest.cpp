@@ -151,6 +151,31 @@ TEST_F(WindowBurns, OnADriveThatWasAttachedLater) {
     find("Drive: No drive");
 }
 
+TEST_F(WindowBurns, AnotherCopyIntoAnotherImage) {
+    const std::string cue = folder.file("mix.cue");
+    const std::string copy = folder.file("copy.cue");
+    start({song("a.mp3", 11)});
+    chooseImage(cue);
+    clickWhenReady("Burn", "push button");
+    find("The disc is burnt and verified.");
+    find("Open Folder", "push button");
+    find("Burn Another Copy", "push button").activate();
+    answerDialogue(copy);
+    find("Drive: copy.cue");
+    clickWhenReady("Burn", "push button");
+    waitUntil([&] { return std::filesystem::exists(copy); }, "copy");
+    EXPECT_TRUE(std::filesystem::exists(cue));
+}
+
+TEST_F(WindowBurns, AnImageThatIsTheLastEntryOfTheDrives) {
+    start({song("a.mp3", 11)});
+    click("Drive: No drive", "push button");
+    press("Down");
+    press("Return");
+    answerDialogue(folder.file("mix.cue"));
+    find("Drive: mix.cue");
+}
+
 TEST_F(WindowBurns, NothingThatDoesNotFit) {
     machine.plug({});
     paddedSong("long.m4a", 800'000'000);

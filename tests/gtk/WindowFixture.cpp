@@ -202,8 +202,12 @@ void WindowTest::dropFiles(const std::vector<std::string>& paths, const SeenWidg
 }
 
 void WindowTest::chooseImage(const std::string& path) const {
-    static constexpr char dialogue[] = "Burn to an Image";
     press("ctrl+s");
+    answerDialogue(path);
+}
+
+void WindowTest::answerDialogue(const std::string& path) const {
+    static constexpr char dialogue[] = "Burn to an Image";
     waitUntil([&] { return geometryOf(dialogue).width > 0; }, dialogue);
     waitUntil(
         [&] {

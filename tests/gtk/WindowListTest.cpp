@@ -62,6 +62,16 @@ TEST_F(WindowList, IsEditedByKeysAndEachEditIsUndoneAndRedone) {
     find("Drop music here");
 }
 
+TEST_F(WindowList, SelectsTheNextRowWhenOneIsRemoved) {
+    start({song("a.mp3"), song("b.mp3"), song("c.mp3")});
+    waitForRows({"a.mp3", "b.mp3", "c.mp3"});
+    click(row("a.mp3"), title);
+    press("Delete");
+    waitForRows({"b.mp3", "c.mp3"});
+    press("Delete");
+    waitForRows({"c.mp3"});
+}
+
 TEST_F(WindowList, KeysMeanInTheTitleWhatTheyMeanInAText) {
     start({song("a.mp3")});
     waitForRows({"a.mp3"});

@@ -37,9 +37,7 @@ void DriveChooser::show(const std::vector<DiscDrive>& drives) {
         _drives.push_back(0);
     }
     names.emplace_back(_("Image file..."));
-    _isBeingFilled = true;
-    _names->splice(0, _names->get_n_items(), names);
-    _isBeingFilled = false;
+    setNames(names);
     if (wanted != 0) {
         _chosen = wanted;
         _wantedName.clear();
@@ -47,6 +45,18 @@ void DriveChooser::show(const std::vector<DiscDrive>& drives) {
     if (std::find(_drives.begin(), _drives.end(), _chosen) == _drives.end())
         _chosen = _drives.front();
     selectChosen();
+}
+
+/// Leaves the list alone, which may be open, if nothing has changed.
+void DriveChooser::setNames(const std::vector<Glib::ustring>& names) {
+    bool isSame = _names->get_n_items() == names.size();
+    for (guint i = 0; isSame && i < names.size(); ++i)
+        isSame = _names->get_string(i) == names[i];
+    if (isSame)
+        return;
+    _isBeingFilled = true;
+    _names->splice(0, _names->get_n_items(), names);
+    _isBeingFilled = false;
 }
 
 void DriveChooser::choose(const std::string& name) { _wantedName = name; }

@@ -30,6 +30,7 @@ public:
     DiscDrive::Id chosen() const { return _chosen; }
 
 private:
+    void setNames(const std::vector<Glib::ustring>& names);
     void selectionChanged();
     void selectChosen();
 

@@ -219,7 +219,13 @@ bool Window::isOnImage() const {
 }
 
 void Window::removeSelected() {
-    _compilation->history().remove(_compilation->model().selectedRows());
+    TrackModel& model = _compilation->model();
+    const std::set<std::size_t> rows = model.selectedRows();
+    if (rows.empty())
+        return;
+    _compilation->history().remove(rows);
+    if (model.size() > 0) // so that the next key has something to work on
+        model.select({std::min(*rows.begin(), model.size() - 1)});
 }
 
 void Window::moveSelected(bool down) {
