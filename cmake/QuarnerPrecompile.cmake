@@ -13,6 +13,11 @@ function(quarner_use_headers_of NAME TARGET)
   target_precompile_headers(${NAME} REUSE_FROM ${TARGET})
   # Headers that were compiled with other flags cost time, nothing else.
   set_target_properties(${NAME} PROPERTIES PCH_WARN_INVALID OFF)
+  quarner_expect_precompiled_headers(${NAME})
+endfunction()
+
+# For a target that uses precompiled headers.
+function(quarner_expect_precompiled_headers NAME)
   # GCC 12 reports these in std::string when its header was precompiled, and not otherwise.
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     target_compile_options(${NAME} PRIVATE -Wno-array-bounds -Wno-restrict -Wno-stringop-overflow
