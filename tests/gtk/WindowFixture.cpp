@@ -17,6 +17,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds longest{30};
 constexpr std::chrono::milliseconds interval{10};
+constexpr char imageDialogue[] = "Burn to an Image";
 
 std::string input(std::vector<std::string> command) {
     command.insert(command.begin(), "xdotool");
@@ -202,13 +203,21 @@ void WindowTest::dropFiles(const std::vector<std::string>& paths, const SeenWidg
 }
 
 void WindowTest::chooseImage(const std::string& path) const {
-    press("ctrl+s");
+    // The end of a drag may keep the keyboard from the window for a moment.
+    int polls = 0;
+    waitUntil(
+        [&] {
+            constexpr int pollsBeforeAnotherTry = 200;
+            if (polls++ % pollsBeforeAnotherTry == 0)
+                press("ctrl+s");
+            return geometryOf(imageDialogue).width > 0;
+        },
+        imageDialogue);
     answerDialogue(path);
 }
 
 void WindowTest::answerDialogue(const std::string& path) const {
-    static constexpr char dialogue[] = "Burn to an Image";
-    waitUntil([&] { return geometryOf(dialogue).width > 0; }, dialogue);
+    waitUntil([&] { return geometryOf(imageDialogue).width > 0; }, imageDialogue);
     waitUntil(
         [&] {
             return program()
@@ -219,7 +228,7 @@ void WindowTest::answerDialogue(const std::string& path) const {
     press("ctrl+a");
     type(path);
     press("Return");
-    waitUntil([&] { return geometryOf(dialogue).width == 0; }, "end of the dialogue");
+    waitUntil([&] { return geometryOf(imageDialogue).width == 0; }, "end of the dialogue");
 }
 
 } // namespace quarner::testing

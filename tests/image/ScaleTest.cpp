@@ -79,7 +79,8 @@ TEST_F(DataScale, TheMemoryDoesNotGrowWithTheBytes) {
     const long small = peakOfBurning(100 * mebibyte);
     const long large = peakOfBurning(600 * mebibyte);
     RecordProperty("growthInKiB", std::to_string(large - small));
-    EXPECT_LT(large - small, 8 * 1024);
+    // Of 500 MiB more; what the threads' heaps take varies by a few MiB.
+    EXPECT_LT(large - small, 24 * 1024);
 }
 
 } // namespace
