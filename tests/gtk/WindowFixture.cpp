@@ -49,8 +49,8 @@ Geometry geometryOf(const std::string& windowTitle) {
     return geometry;
 }
 
-bool waitFor(const std::function<bool()>& condition) {
-    const auto end = Clock::now() + longest;
+bool waitFor(const std::function<bool()>& condition, std::chrono::seconds most = longest) {
+    const auto end = Clock::now() + most;
     while (!condition()) {
         if (Clock::now() > end)
             return false;
@@ -139,7 +139,7 @@ void WindowTest::press(const std::string& keys) { input({"key", "--clearmodifier
 
 void WindowTest::type(const std::string& text) { input({"type", "--delay", "0", text}); }
 
-void WindowTest::drag(Point from, Point to) {
+void WindowTest::dragOnce(Point from, Point to) {
     input({"mousemove", "--sync", coordinate(from.x), coordinate(from.y), "mousedown", "1"});
     // The toolkit takes it for a drag once the pointer has moved some way, and asks the window
     // below it at each move.
@@ -147,6 +147,18 @@ void WindowTest::drag(Point from, Point to) {
     for (int step = 1; step <= steps; ++step)
         input({"mousemove", "--sync", coordinate(from.x + (to.x - from.x) * step / steps),
                coordinate(from.y + (to.y - from.y) * step / steps)});
+    input({"mouseup", "1"});
+}
+
+void WindowTest::drag(Point from, Point to) const {
+    constexpr int mostTries = 4;
+    constexpr std::chrono::seconds patience{6};
+    const std::vector<std::string> before = rows();
+    for (int tries = 0; tries < mostTries; ++tries) {
+        dragOnce(from, to);
+        if (waitFor([&] { return rows() != before; }, patience))
+            return;
+    }
 }
 
 int WindowTest::resize(int width, int height) const {
@@ -185,7 +197,6 @@ SeenWidget WindowTest::row(const std::string& rowTitle) const {
 
 void WindowTest::dragRow(const std::string& rowTitle, const std::string& to, bool below) const {
     drag(pointIn(row(rowTitle), title), pointIn(row(to), title, below ? 0.8 : 0.2));
-    input({"mouseup", "1"});
 }
 
 void WindowTest::dropFiles(const std::vector<std::string>& paths, const SeenWidget& target) {
@@ -199,7 +210,6 @@ void WindowTest::dropFiles(const std::vector<std::string>& paths, const SeenWidg
     input({"search", "--name", source, "windowmove", "--sync", "0", "0"});
     const Geometry from = geometryOf(source);
     drag({from.x + from.width / 2, from.y + from.height / 2}, pointIn(target, title));
-    input({"mouseup", "1"});
 }
 
 void WindowTest::chooseImage(const std::string& path) const {

@@ -60,7 +60,10 @@ protected:
     /// On the screen.
     Point pointIn(const SeenWidget& widget, const std::string& windowTitle,
                   double part = 0.5) const;
-    static void drag(Point from, Point to);
+    /// Drags something, and once more if the rows stay as they are for a while: a program that has
+    /// just come does not notice the pointer at once.
+    void drag(Point from, Point to) const;
+    static void dragOnce(Point from, Point to);
     /// Asks for a size of the window. Returns the width that it then has.
     int resize(int width, int height) const;
 
