@@ -39,6 +39,14 @@ std::string readLine(int descriptor) {
     return line;
 }
 
+/// A number of its own: a server that ends removes the socket of its number, which another one may
+/// just have taken.
+std::string ownDisplay() {
+    constexpr int first = 100;
+    constexpr int numbers = 50'000;
+    return ":" + std::to_string(first + getpid() % numbers);
+}
+
 void set(const char* name, const std::string& value) { setenv(name, value.c_str(), 1); }
 
 } // namespace
@@ -53,7 +61,8 @@ VirtualDesktop::VirtualDesktop() {
     set("XDG_RUNTIME_DIR", home());
     chmod(home().c_str(), 0700);
     set("DISPLAY",
-        ":" + start({"Xvfb", "-screen", "0", "1280x1024x24", "-nolisten", "tcp"}, "-displayfd"));
+        ":" + start({"Xvfb", ownDisplay(), "-screen", "0", "1280x1024x24", "-nolisten", "tcp"},
+                    "-displayfd"));
     set("DBUS_SESSION_BUS_ADDRESS",
         start({"dbus-daemon", "--session", "--nofork"}, "--print-address"));
     // Where nothing draws on a graphics card, this is quicker; and nobody sees the animations.

@@ -46,6 +46,14 @@ protected:
     void burnAndCancel() {
         clickWhenReady("Burn", "push button");
         clickWhenReady("Cancel", "push button");
+        waitUntil(
+            [&] {
+                const auto cancel = program().find([](const SeenWidget& one) {
+                    return one.role() == "push button" && one.name() == "Cancel";
+                });
+                return !cancel || !cancel->isSensitive();
+            },
+            "cancellation");
         std::filesystem::remove(gate);
         find("The burn was cancelled.");
     }

@@ -218,8 +218,10 @@ void WindowTest::chooseImage(const std::string& path) const {
     waitUntil(
         [&] {
             constexpr int pollsBeforeAnotherTry = 200;
-            if (polls++ % pollsBeforeAnotherTry == 0)
+            if (polls++ % pollsBeforeAnotherTry == 0) {
+                click("Title of the disc", "text"); // so that this window has the keyboard
                 press("ctrl+s");
+            }
             return geometryOf(imageDialogue).width > 0;
         },
         imageDialogue);

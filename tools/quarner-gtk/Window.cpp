@@ -251,8 +251,11 @@ void Window::eject() {
 }
 
 void Window::burnOrCancel() {
-    if (project().isBurning())
+    if (project().isBurning()) {
+        _isCanceling = true;
+        refreshNotice();
         return project().cancelBurn();
+    }
     _layout.end.hideEnd();
     std::string replaced;
     if (isOnImage() && !_image->mayBeReplaced &&
@@ -348,7 +351,7 @@ void Window::refreshNotice() {
         _layout.burn.remove_css_class(look);
     _layout.burn.add_css_class(isCancel ? "destructive-action" : "suggested-action");
     const bool isReady = drive && problems.empty() && !project().isAdding() && !isBurning();
-    _layout.burn.set_sensitive(isCancel || isReady);
+    _layout.burn.set_sensitive(isCancel ? !_isCanceling : isReady);
 }
 
 void Window::showAdding(const std::string& name, std::size_t index, std::size_t of) {
@@ -368,6 +371,7 @@ void Window::showProgress(const DiscBurnProgress& progress) {
 
 void Window::burnEnded(const DiscBurnEnd& end) {
     _burning.end(end);
+    _isCanceling = false;
     if (_isClosing)
         return close();
     _layout.end.show(end, isOnImage());

@@ -76,6 +76,7 @@ private:
     std::unique_ptr<Compilation> _compilation;
     std::optional<Image> _image;
     bool _isClosing = false;
+    bool _isCanceling = false;
     sigc::connection _refreshing;
     Glib::RefPtr<Gtk::FileChooserNative> _chooser;
     std::vector<Glib::RefPtr<Gio::SimpleAction>> _edits; ///< possible unless a disc is being burnt
