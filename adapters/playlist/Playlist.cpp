@@ -250,6 +250,13 @@ const Format* formatOf(const std::string& path) {
 
 } // namespace
 
+std::vector<std::string> playlistExtensions() {
+    std::vector<std::string> extensions;
+    for (const Format& format : formats)
+        extensions.emplace_back(format.extension);
+    return extensions;
+}
+
 bool isPlaylist(const std::string& path) { return formatOf(path) != nullptr; }
 
 std::optional<std::vector<std::string>> readPlaylist(const std::string& path) try {

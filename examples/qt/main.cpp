@@ -190,7 +190,12 @@ private:
     }
 
     void addFiles() {
-        const QString types = "Music and playlists (*.mp3 *.m4a *.m3u *.m3u8 *.pls *.xspf)";
+        QStringList patterns;
+        for (const auto& list :
+             {quarner::DiscProject::fileExtensions(), quarner::playlistExtensions()})
+            for (const std::string& extension : list)
+                patterns.append("*." + text(extension));
+        const QString types = "Music and playlists (" + patterns.join(' ') + ')';
         project.add(pathsOf(QFileDialog::getOpenFileUrls(this, "Add Files", {}, types)));
     }
     void remove() { project.remove(rowsOf(_list->selectionModel()->selectedRows())); }

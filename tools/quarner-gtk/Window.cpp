@@ -39,8 +39,8 @@ Glib::RefPtr<Gtk::FileFilter> filterForMusic() {
     filter->set_name(_("Music and playlists"));
     for (const std::string& extension : DiscProject::fileExtensions())
         filter->add_suffix(extension);
-    for (const char* const playlist : {"m3u", "m3u8", "pls", "xspf"})
-        filter->add_suffix(playlist);
+    for (const std::string& extension : playlistExtensions())
+        filter->add_suffix(extension);
     return filter;
 }
 

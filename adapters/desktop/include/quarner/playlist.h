@@ -12,8 +12,11 @@
 /// `Quarner::addFilesInOrder`).
 namespace quarner {
 
-/// Returns whether a path has the extension of a playlist that `readPlaylist` reads: m3u, m3u8, pls
-/// or xspf, ignoring case.
+/// The extensions of the playlists that `readPlaylist` reads, in lower case: m3u, m3u8, pls and
+/// xspf. Any thread.
+QUARNER_EXPORT std::vector<std::string> playlistExtensions();
+
+/// Returns whether a path has one of these extensions, ignoring case.
 QUARNER_EXPORT bool isPlaylist(const std::string& path);
 
 /// Reads a playlist from the disk. Returns the paths of its entries in their order, those of a
