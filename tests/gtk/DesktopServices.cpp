@@ -89,10 +89,10 @@ void DesktopServices::called(GDBusConnection* /*bus*/, const char* /*sender*/, c
                              const char* /*interface*/, const char* method, GVariant* arguments,
                              GDBusMethodInvocation* call, gpointer services) {
     g_dbus_method_invocation_return_value(
-        call, static_cast<DesktopServices*>(services)->answer(method, arguments));
+        call, static_cast<DesktopServices*>(services)->replyTo(method, arguments));
 }
 
-GVariant* DesktopServices::answer(const std::string& method, GVariant* arguments) {
+GVariant* DesktopServices::replyTo(const std::string& method, GVariant* arguments) {
     const std::lock_guard lock(_mutex);
     if (method == "Notify") {
         const char* headline = nullptr;
@@ -108,7 +108,6 @@ GVariant* DesktopServices::answer(const std::string& method, GVariant* arguments
         return g_variant_new("(o)", "/org/gnome/SessionManager/Client1");
     if (method == "Inhibit") {
         ++_inhibitors;
-        ++_allInhibitors;
         return g_variant_new("(u)", 1U);
     }
     if (method == "Uninhibit")
@@ -124,11 +123,6 @@ std::vector<std::string> DesktopServices::notifications() const {
 int DesktopServices::inhibitors() const {
     const std::lock_guard lock(_mutex);
     return _inhibitors;
-}
-
-int DesktopServices::allInhibitors() const {
-    const std::lock_guard lock(_mutex);
-    return _allInhibitors;
 }
 
 } // namespace quarner::testing

@@ -25,19 +25,17 @@ public:
     std::vector<std::string> notifications() const;
     /// How many programs want the machine to stay awake.
     int inhibitors() const;
-    int allInhibitors() const; ///< also those that have ended
 
 private:
     static void called(GDBusConnection* bus, const char* sender, const char* path,
                        const char* interface, const char* method, GVariant* arguments,
                        GDBusMethodInvocation* call, gpointer services);
-    GVariant* answer(const std::string& method, GVariant* arguments);
+    GVariant* replyTo(const std::string& method, GVariant* arguments);
     void serve();
 
     mutable std::mutex _mutex;
     std::vector<std::string> _notifications;
     int _inhibitors = 0;
-    int _allInhibitors = 0;
     GMainContext* const _context;
     GMainLoop* const _loop;
     GDBusConnection* _bus = nullptr;

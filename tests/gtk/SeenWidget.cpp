@@ -53,14 +53,6 @@ std::string SeenWidget::text() const {
                 : "";
 }
 
-double SeenWidget::value() const {
-    if (!isThere())
-        return {};
-    const std::unique_ptr<AtspiValue, decltype(&g_object_unref)> value(
-        atspi_accessible_get_value_iface(_object.get()), g_object_unref);
-    return value ? atspi_value_get_current_value(value.get(), nullptr) : 0;
-}
-
 bool SeenWidget::hasState(AtspiStateType state) const {
     if (!isThere())
         return {};
@@ -122,7 +114,6 @@ void SeenWidget::visit(const std::function<void(const SeenWidget&)>& visitor) co
 }
 
 std::optional<SeenWidget> seenProgram(const std::string& name) {
-    // Only what was connected when it was asked for the first time would be seen otherwise.
     const SeenWidget desktop(atspi_get_desktop(0));
     for (SeenWidget& program : desktop.children())
         if (program.name() == name)

@@ -20,12 +20,7 @@ public:
     std::string role() const; ///< "push button"
     std::string text() const; ///< what stands in a text field
     bool isSensitive() const { return hasState(ATSPI_STATE_SENSITIVE); }
-    bool isFocusable() const { return hasState(ATSPI_STATE_FOCUSABLE); }
     bool isFocused() const { return hasState(ATSPI_STATE_FOCUSED); }
-    bool isChecked() const {
-        return hasState(ATSPI_STATE_CHECKED) || hasState(ATSPI_STATE_PRESSED);
-    }
-    double value() const; ///< of a bar
     std::vector<SeenWidget> children() const;
 
     /// Does what a click does.

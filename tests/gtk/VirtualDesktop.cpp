@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
+#include <string_view>
 
 namespace quarner::testing {
 namespace {
@@ -60,12 +61,13 @@ VirtualDesktop::VirtualDesktop() {
     set("HOME", home());
     set("XDG_RUNTIME_DIR", home());
     chmod(home().c_str(), 0700);
+    // A server that resets itself when its last program leaves turns away one that comes just then.
     set("DISPLAY",
-        ":" + start({"Xvfb", ownDisplay(), "-screen", "0", "1280x1024x24", "-nolisten", "tcp"},
-                    "-displayfd"));
+        ":" + startAndRead({"Xvfb", ownDisplay(), "-noreset", "-screen", "0", "1280x1024x24",
+                            "-nolisten", "tcp", "-displayfd", "{descriptor}"}));
     set("DBUS_SESSION_BUS_ADDRESS",
-        start({"dbus-daemon", "--session", "--nofork"}, "--print-address"));
-    // Where nothing draws on a graphics card, this is quicker; and nobody sees the animations.
+        startAndRead({"dbus-daemon", "--session", "--nofork", "--print-address={descriptor}"}));
+    // Quicker where there is no graphics card.
     set("GSK_RENDERER", "cairo");
     set("GTK_THEME", "Adwaita");
     set("GSETTINGS_BACKEND", "memory");
@@ -73,7 +75,7 @@ VirtualDesktop::VirtualDesktop() {
     std::filesystem::create_directories(_home.path() / ".config/gtk-4.0");
     std::ofstream(_home.file(".config/gtk-4.0/settings.ini"))
         << "[Settings]\ngtk-decoration-layout=:close\ngtk-enable-animations=false\n";
-    start({"openbox"}, nullptr);
+    start({"openbox"});
 }
 
 VirtualDesktop::~VirtualDesktop() {
@@ -83,35 +85,28 @@ VirtualDesktop::~VirtualDesktop() {
     }
 }
 
-/// Returns the line that it writes to the descriptor that it is told by the option.
-std::string VirtualDesktop::start(const std::vector<std::string>& command,
-                                  const char* answerOption) {
+void VirtualDesktop::start(const std::vector<std::string>& command) {
+    const pid_t process = fork();
+    if (process == 0)
+        become(command);
+    _processes.push_back(process);
+}
+
+std::string VirtualDesktop::startAndRead(std::vector<std::string> command) {
     std::array<int, 2> ends = {};
     if (pipe(ends.data()) != 0)
         throw std::runtime_error("no pipe");
     fcntl(ends[0], F_SETFD, FD_CLOEXEC);
-    const pid_t process = fork();
-    if (process == 0) {
-        std::vector<std::string> words = command;
-        const bool isOneWord = answerOption != nullptr && answerOption[1] == '-';
-        if (isOneWord) {
-            words.push_back(std::string(answerOption) + "=" + std::to_string(ends[1]));
-        } else if (answerOption != nullptr) {
-            words.emplace_back(answerOption);
-            words.push_back(std::to_string(ends[1]));
-        }
-        become(std::move(words));
-    }
+    constexpr std::string_view place = "{descriptor}";
+    std::string& last = command.back();
+    last.replace(last.find(place), place.size(), std::to_string(ends[1]));
+    start(command);
     close(ends[1]);
-    _processes.push_back(process);
-    std::string answer;
-    if (answerOption != nullptr) {
-        answer = readLine(ends[0]);
-        if (answer.empty())
-            throw std::runtime_error(command.front() + " does not start");
-    }
+    const std::string line = readLine(ends[0]);
     close(ends[0]);
-    return answer;
+    if (line.empty())
+        throw std::runtime_error(command.front() + " does not start");
+    return line;
 }
 
 } // namespace quarner::testing

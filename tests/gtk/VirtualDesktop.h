@@ -27,7 +27,10 @@ public:
     std::string home() const { return _home.path().string(); }
 
 private:
-    std::string start(const std::vector<std::string>& command, const char* answerOption);
+    void start(const std::vector<std::string>& command);
+    /// Returns the first line that the program writes to the descriptor whose number it is given in
+    /// place of "{descriptor}" in its last argument.
+    std::string startAndRead(std::vector<std::string> command);
 
     TemporaryFolder _home;
     std::vector<pid_t> _processes;

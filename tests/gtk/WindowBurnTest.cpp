@@ -168,7 +168,7 @@ TEST_F(WindowBurns, AnotherCopyIntoAnotherImage) {
     find("The disc is burnt and verified.");
     find("Open Folder", "push button");
     find("Burn Another Copy", "push button").activate();
-    answerDialogue(copy);
+    fillDialogue(copy);
     find("Drive: copy.cue");
     clickWhenReady("Burn", "push button");
     waitUntil([&] { return std::filesystem::exists(copy); }, "copy");
@@ -180,7 +180,7 @@ TEST_F(WindowBurns, AnImageThatIsTheLastEntryOfTheDrives) {
     click("Drive: No drive", "push button");
     press("Down");
     press("Return");
-    answerDialogue(folder.file("mix.cue"));
+    fillDialogue(folder.file("mix.cue"));
     find("Drive: mix.cue");
 }
 

@@ -77,6 +77,7 @@ WindowTest::WindowTest() {
 
 void WindowTest::start(const std::vector<std::string>& arguments, HostSettings settings) {
     settings.folder = folder.path().string();
+    waitUntil([] { return !input({"get_num_desktops"}).empty(); }, "window manager");
     window = std::make_unique<HostProgram>(arguments, settings);
     waitUntil([&] { return geometryOf(title).width > 0; }, "window");
     waitUntil([] { return seenProgram("quarner-gtk") != std::nullopt; }, "the program");
@@ -152,11 +153,11 @@ void WindowTest::dragOnce(Point from, Point to) {
 
 void WindowTest::drag(Point from, Point to) const {
     constexpr int mostTries = 4;
-    constexpr std::chrono::seconds patience{6};
+    constexpr std::chrono::seconds longEnough{6};
     const std::vector<std::string> before = rows();
     for (int tries = 0; tries < mostTries; ++tries) {
         dragOnce(from, to);
-        if (waitFor([&] { return rows() != before; }, patience))
+        if (waitFor([&] { return rows() != before; }, longEnough))
             return;
     }
 }
@@ -225,10 +226,10 @@ void WindowTest::chooseImage(const std::string& path) const {
             return geometryOf(imageDialogue).width > 0;
         },
         imageDialogue);
-    answerDialogue(path);
+    fillDialogue(path);
 }
 
-void WindowTest::answerDialogue(const std::string& path) const {
+void WindowTest::fillDialogue(const std::string& path) const {
     waitUntil([&] { return geometryOf(imageDialogue).width > 0; }, imageDialogue);
     waitUntil(
         [&] {

@@ -49,7 +49,7 @@ protected:
     /// Chooses an image through the menu and the dialogue of the desktop.
     void chooseImage(const std::string& path) const;
     /// Types the path into the dialogue for an image, which is about to come.
-    void answerDialogue(const std::string& path) const;
+    void fillDialogue(const std::string& path) const;
 
     std::string title = "Burn a Disc"; ///< of the window, in the language of the test
 

@@ -9,9 +9,9 @@
 
 #include "quarner/desktop.h"
 #include "quarner/display.h"
-#include "tools/quarner-gtk/EndBar.h"
 #include "tools/quarner-gtk/MountedDisc.h"
 #include "tools/quarner-gtk/Question.h"
+#include "tools/quarner-gtk/Sentences.h"
 #include "tools/words/Words.h"
 
 namespace quarner::window {
@@ -25,10 +25,6 @@ constexpr char notificationId[] = "burn-ended";
 Glib::RefPtr<Gio::Mount> mountIn(const DiscProject& project, DiscDrive::Id id) {
     const auto drive = project.drive(id);
     return drive ? mountOf(opticalDriveNode(drive->name)) : Glib::RefPtr<Gio::Mount>();
-}
-
-std::string textOf(const DiscProblem& problem) {
-    return problem.text + (problem.advice.empty() ? "" : " " + problem.advice);
 }
 
 } // namespace
@@ -104,7 +100,7 @@ void Burning::askBeforeErasing() {
     setStarting(false);
     const auto problems = _burn.project->problems(_burn.drive);
     if (!problems.empty())
-        return _handlers.refused(textOf(problems.front()));
+        return _handlers.refused(textFor(problems.front()));
     const auto drive = _burn.project->drive(_burn.drive);
     if (!drive || drive->isBlank)
         return burn();

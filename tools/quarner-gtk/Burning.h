@@ -36,7 +36,7 @@ public:
     static std::vector<DiscProblem> problems(const DiscProject& project, DiscDrive::Id drive);
     static bool isMounted(const DiscProject& project, DiscDrive::Id drive);
 
-    /// Asks, and begins the burn if all answers are yes.
+    /// Asks, and begins the burn if the user agrees to everything.
     void start(Burn burn);
     /// True while a disc is being unmounted for the burn.
     bool isStarting() const { return _isStarting; }

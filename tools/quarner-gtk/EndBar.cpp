@@ -3,21 +3,13 @@
 
 #include <utility>
 
-#include "quarner/display.h"
 #include "tools/quarner-gtk/Accessible.h"
+#include "tools/quarner-gtk/Sentences.h"
 #include "tools/words/Words.h"
 
 namespace quarner::window {
 
 using words::_;
-
-std::string textFor(const DiscBurnEnd& end) {
-    std::string text = end.text;
-    for (const std::string* const more : {&end.info.path, &end.info.message, &end.advice})
-        if (!more->empty())
-            text += "\n" + safeText(*more);
-    return text;
-}
 
 EndBar::EndBar(Handlers handlers) : _handlers(std::move(handlers)) {
     _text.set_wrap(true);

@@ -39,7 +39,4 @@ private:
     Gtk::Button _burnAnother;
 };
 
-/// How a burn ended, in sentences: what happened, to what, and what can be done.
-std::string textFor(const DiscBurnEnd& end);
-
 } // namespace quarner::window

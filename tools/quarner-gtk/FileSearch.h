@@ -27,7 +27,6 @@ public:
 
     /// Calls `done` with the files in a later turn of the main loop; in the order of the calls.
     void find(Paths paths, std::function<void(const Paths& files)> done);
-    bool isSearching() const { return !_calls.empty(); }
 
 private:
     void work(const std::stop_token& stop);

@@ -41,8 +41,6 @@ void TrackModel::move(std::size_t first, std::size_t count, std::size_t to) {
         _selection->select_item(number(row), false);
 }
 
-void TrackModel::clear() { _tracks->remove_all(); }
-
 std::set<std::size_t> TrackModel::selectedRows() const {
     std::set<std::size_t> rows;
     for (guint row = 0; row < _tracks->get_n_items(); ++row)

@@ -35,7 +35,6 @@ public:
     void insert(std::size_t first, const DiscItems& items);
     void remove(std::size_t first, std::size_t count);
     void move(std::size_t first, std::size_t count, std::size_t to);
-    void clear();
 
     std::size_t size() const { return _tracks->get_n_items(); }
     /// The row must be below the size.

@@ -18,6 +18,7 @@
 #include "quarner/playlist.h"
 #include "tools/quarner-gtk/Paths.h"
 #include "tools/quarner-gtk/Question.h"
+#include "tools/quarner-gtk/Sentences.h"
 #include "tools/words/Words.h"
 
 namespace quarner::window {
@@ -88,11 +89,8 @@ Window::~Window() { _refreshing.disconnect(); }
 
 // --- What the user does ---
 
-Glib::RefPtr<Gio::SimpleAction> Window::addEdit(const std::string& name,
-                                                std::function<void()> edit) {
-    const auto action = add_action(name, std::move(edit));
-    _edits.push_back(action);
-    return action;
+void Window::addEdit(const std::string& name, std::function<void()> edit) {
+    _edits.push_back(add_action(name, std::move(edit)));
 }
 
 void Window::addActions() {
@@ -201,10 +199,8 @@ void Window::useImage(const std::string& chosenPath) {
     const bool hasExtension = Glib::str_has_suffix(path, extension());
     if (!hasExtension)
         path += extension();
-    if (const auto problem = findImageProblem(path)) {
-        const DiscProblem meaning = problemForCode(problem->code);
-        return say(meaning.text + "\n" + safeText(problem->info) + "\n" + meaning.advice);
-    }
+    if (const auto problem = findImageProblem(path))
+        return say(textFor(problemForCode(problem->code), problem->info));
     if (_image)
         removeImageDrive(_image->drive);
     // The dialogue has asked about a file of that very name.
@@ -341,7 +337,7 @@ void Window::refreshNotice() {
     if (!drive)
         notice = _("Attach a drive that writes CDs, or choose an image file.");
     else if (!isBurning() && !project().items()->empty() && !problems.empty())
-        notice = problems.front().text + " " + problems.front().advice;
+        notice = textFor(problems.front());
     _layout.notice.set_text(notice);
     _layout.notice.set_visible(!notice.empty());
 
@@ -377,8 +373,8 @@ void Window::burnEnded(const DiscBurnEnd& end) {
     _layout.end.show(end, isOnImage());
     if (isOnImage()) {
         _image->mayBeReplaced = false;
-        if (end.outcome ==
-            DiscBurnEnd::Outcome::Done) // the drive takes a blank disc for the next burn
+        // The drive takes a blank disc for the next burn.
+        if (end.outcome == DiscBurnEnd::Outcome::Done)
             project().eject(_layout.drives.chosen(), [this](const std::string&) {
                 if (_image)
                     insertBlankDisc(_image->drive);

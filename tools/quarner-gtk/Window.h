@@ -39,7 +39,7 @@ private:
 
     // What the user does
     void addActions();
-    Glib::RefPtr<Gio::SimpleAction> addEdit(const std::string& name, std::function<void()> edit);
+    void addEdit(const std::string& name, std::function<void()> edit);
     void addShortcuts();
     void startCompilation(DiscProject::Kind kind);
     void chooseFiles(Gtk::FileChooser::Action action);
