@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "tools/quarner-gtk/Window.h"
 
+#include <gdkmm/applaunchcontext.h>
+#include <giomm/appinfo.h>
 #include <giomm/file.h>
 #include <glibmm/fileutils.h>
 #include <glibmm/miscutils.h>
@@ -18,6 +20,7 @@
 #include "quarner/playlist.h"
 #include "tools/quarner-gtk/Paths.h"
 #include "tools/quarner-gtk/Question.h"
+#include "tools/quarner-gtk/Renderer.h"
 #include "tools/quarner-gtk/Sentences.h"
 #include "tools/words/Words.h"
 
@@ -269,8 +272,10 @@ void Window::burnAnother() {
 
 void Window::openImageFolder() {
     const std::string folder = Glib::path_get_dirname(_image->path);
-    gtk_show_uri(GTK_WINDOW(gobj()), Gio::File::create_for_path(folder)->get_uri().c_str(),
-                 GDK_CURRENT_TIME);
+    const Glib::RefPtr<Gio::AppLaunchContext> context = get_display()->get_app_launch_context();
+    forgetRenderer(*context);
+    Gio::AppInfo::launch_default_for_uri_async(Gio::File::create_for_path(folder)->get_uri(),
+                                               context);
 }
 
 bool Window::on_close_request() {
