@@ -13,8 +13,8 @@
 #include <functional>
 
 #include "tests/support/TemporaryFolder.h"
-#include "tests/support/optical/NodeAccess.h"
 #include "tests/support/optical/OpticalBed.h"
+#include "tests/support/optical/nodes/NodeAccess.h"
 
 namespace quarner {
 namespace {

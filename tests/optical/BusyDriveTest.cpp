@@ -10,8 +10,8 @@
 #include "tests/optical/LibburnSession.h"
 #include "tests/optical/OtherProgram.h"
 #include "tests/support/KeptLog.h"
-#include "tests/support/optical/NodeAccess.h"
 #include "tests/support/optical/OpticalStage.h"
+#include "tests/support/optical/nodes/NodeAccess.h"
 
 namespace quarner {
 namespace {

@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <thread>
 
-#include "tests/support/optical/NodeAccess.h"
+#include "tests/support/optical/nodes/NodeAccess.h"
 
 namespace quarner {
 namespace {
@@ -143,7 +143,18 @@ void EmulatedRecorder::tellOfMedium() {
     _udev.change(sysPath(), all, {{"DISK_MEDIA_CHANGE", "1"}});
 }
 
+/// Called before each system call that needs the drive, with the first byte of a command.
+void EmulatedRecorder::waitWhileHanging(std::optional<std::uint8_t> operation) {
+    std::unique_lock lock(_mutex);
+    if (!_hangsAtOnce && !(operation && operation == _hangsAt))
+        return;
+    _hangsAtOnce = _isHanging = true;
+    _resumed.wait(lock, [&] { return !_hangsAtOnce; });
+    _isHanging = false;
+}
+
 std::optional<ScsiReply> EmulatedRecorder::execute(const ScsiCommand& command) {
+    waitWhileHanging(command.operation());
     std::unique_lock lock(_mutex);
     const auto hook = _hook;
     const auto delay = _delay;
@@ -189,6 +200,7 @@ int EmulatedRecorder::capabilities() {
 }
 
 bool EmulatedRecorder::takeMediaChange() {
+    waitWhileHanging();
     const std::lock_guard lock(_mutex);
     return _kernel.takeChange();
 }
@@ -199,6 +211,7 @@ std::uint64_t EmulatedRecorder::size() {
 }
 
 int EmulatedRecorder::driveStatus() {
+    waitWhileHanging();
     const std::lock_guard lock(_mutex);
     if (!_isPlugged || _unit.isUnplugged())
         return -1;
@@ -262,6 +275,28 @@ void EmulatedRecorder::setBusy(unsigned attempts) { refuseOpening(node(), EBUSY,
 void EmulatedRecorder::setCommandHook(std::function<void(std::uint8_t)> hook) {
     const std::lock_guard lock(_mutex);
     _hook = std::move(hook);
+}
+
+void EmulatedRecorder::hang() {
+    const std::lock_guard lock(_mutex);
+    _hangsAtOnce = true;
+}
+
+void EmulatedRecorder::hangAt(std::uint8_t operation) {
+    const std::lock_guard lock(_mutex);
+    _hangsAt = operation;
+}
+
+void EmulatedRecorder::resume() {
+    const std::lock_guard lock(_mutex);
+    _hangsAtOnce = false;
+    _hangsAt.reset();
+    _resumed.notify_all();
+}
+
+bool EmulatedRecorder::isHanging() const {
+    const std::lock_guard lock(_mutex);
+    return _isHanging;
 }
 
 unsigned EmulatedRecorder::ejections() const {

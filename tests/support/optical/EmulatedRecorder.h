@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -62,20 +63,31 @@ public:
     void setReadOffset(int samples);
     /// Sets the duration of each command.
     void setDelay(std::chrono::microseconds delay);
-    /// Makes the next `attempts` attempts of this process to open the node fail, as while another
+    /// Makes the next `attempts` attempts of any process to open the node fail, as while another
     /// program has the drive open exclusively. 0 ends it.
     void setBusy(unsigned attempts);
     /// Sets a function that is called with the first byte of each command before it is executed, on
-    /// the thread that executes the commands of all recorders. It must not send commands itself.
+    /// the thread that executes the commands of this recorder. It must not send commands itself.
     void setCommandHook(std::function<void(std::uint8_t)> hook);
+
+    /// Makes the next system call that needs the drive, and all calls on its node after it, wait
+    /// until `resume`. As in the kernel, unplugging does not end that, and a process that waits can
+    /// be killed. The other recorders are not affected.
+    void hang();
+    /// The same from the next command with this first byte on.
+    void hangAt(std::uint8_t operation);
+    /// Ends it: the waiting calls are executed. Called when the `OpticalBed` is destroyed.
+    void resume();
+    /// Whether a system call is waiting for `resume`.
+    bool isHanging() const;
 
     /// The number of times that a program has made the kernel open the tray.
     unsigned ejections() const;
     bool isTrayOpen() const;
     bool isTrayLocked() const;
-    /// The number of times that this process has the node open.
+    /// The number of times that all processes have the node open.
     int openCount() const;
-    /// Whether this process has released the drive: the node is not open, and the tray is not
+    /// Whether every process has released the drive: the node is not open, and the tray is not
     /// locked.
     bool isReleased() const;
     /// The last requested write speed in kB/s; 0xFFFF is the highest.
@@ -101,6 +113,7 @@ private:
     void afterCommand(bool hadMedium, bool wasWritten);
     bool isWritten() const;
     bool succeeds(std::span<const std::uint8_t> command);
+    void waitWhileHanging(std::optional<std::uint8_t> operation = {});
 
     UdevBed& _udev;
     const std::string _name;
@@ -115,6 +128,11 @@ private:
     std::chrono::microseconds _delay;
     std::function<void(std::uint8_t)> _hook;
     std::vector<std::uint8_t> _commands;
+
+    bool _hangsAtOnce = false;
+    std::optional<std::uint8_t> _hangsAt;
+    bool _isHanging = false;
+    std::condition_variable _resumed;
 };
 
 } // namespace quarner

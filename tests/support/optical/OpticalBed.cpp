@@ -4,8 +4,10 @@
 namespace quarner {
 
 OpticalBed::~OpticalBed() {
-    for (const auto& recorder : _recorders)
+    for (const auto& recorder : _recorders) {
         recorder->unplug();
+        recorder->resume();
+    }
 }
 
 std::shared_ptr<EmulatedRecorder> OpticalBed::plug(const RecorderDescription& description) {

@@ -13,9 +13,10 @@ namespace quarner {
 
 /// An emulated machine for this process: /sys, /dev and the events of udev show the recorders that
 /// a test plugs in, and no other device. One at a time, created before anything that listens to
-/// udev. A program started while it exists sees the same if it runs under umockdev-wrapper. A
-/// listener to udev may be ten events behind; one more ends the program. Every operation may be
-/// called on any thread.
+/// udev. A program started while it exists sees the same if it is linked with quarner_node_access,
+/// or runs under umockdev-wrapper, where opening exclusively takes no effect. A listener to udev
+/// may be ten events behind; one more ends the program. Every operation may be called on any
+/// thread.
 class OpticalBed {
 public:
     OpticalBed() = default;

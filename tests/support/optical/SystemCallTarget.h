@@ -8,7 +8,7 @@
 
 namespace quarner {
 
-/// The implementation of a node in /dev. Called on one thread that all nodes share.
+/// The implementation of a node in /dev. Called on one thread, which each node has of its own.
 class SystemCallTarget {
 public:
     virtual ~SystemCallTarget();

@@ -123,7 +123,7 @@ CallResult statusOf(SystemCallTarget& target) {
     return status < 0 ? resultOf(ENODEV) : CallResult{status};
 }
 
-CallResult handle(UMockdevIoctlClient* client, SystemCallTarget& target) {
+CallResult resultOf(UMockdevIoctlClient* client, SystemCallTarget& target) {
     switch (umockdev_ioctl_client_get_request(client)) {
     case SG_IO:
         return sendCommand(client, target);
@@ -151,52 +151,79 @@ CallResult handle(UMockdevIoctlClient* client, SystemCallTarget& target) {
     }
 }
 
-/// The target of each node. A global rather than the signal's data, because ThreadSanitizer does
+constexpr CallResult unplugged = {-1, ENODEV};
+
+/// The object of each node. A global rather than the signal's data, because ThreadSanitizer does
 /// not see GLib's locks, which would guard the data between the threads.
-class Targets {
+class AllCalls {
 public:
-    void set(const UMockdevIoctlBase* calls, const std::shared_ptr<SystemCallTarget>& target) {
+    void add(const UMockdevIoctlBase* calls, SystemCalls* object) {
         const std::lock_guard lock(_mutex);
-        _targets[calls] = target;
+        _objects[calls] = object;
     }
-    std::shared_ptr<SystemCallTarget> of(const UMockdevIoctlBase* calls) {
+    void remove(const UMockdevIoctlBase* calls) {
         const std::lock_guard lock(_mutex);
-        return _targets[calls].lock();
+        _objects.erase(calls);
     }
-    void forget(gpointer calls) {
+    /// Calls a function with the object of a node. Returns false if there is none.
+    template <class Function>
+    bool with(const UMockdevIoctlBase* calls, Function function) {
         const std::lock_guard lock(_mutex);
-        _targets.erase(static_cast<UMockdevIoctlBase*>(calls));
+        const auto found = _objects.find(calls);
+        if (found == _objects.end())
+            return false;
+        function(*found->second);
+        return true;
     }
 
 private:
     std::mutex _mutex;
-    std::map<const UMockdevIoctlBase*, std::weak_ptr<SystemCallTarget>> _targets;
+    std::map<const UMockdevIoctlBase*, SystemCalls*> _objects;
 };
-Targets& targets() {
-    static auto* const all = new Targets; // the other thread may outlive this one's objects
+AllCalls& allCalls() {
+    static auto* const all = new AllCalls; // the test bed's thread may outlive this one's objects
     return *all;
 }
 
-gboolean onCall(UMockdevIoctlBase* calls, UMockdevIoctlClient* client, gpointer) {
-    const std::shared_ptr<SystemCallTarget> target = targets().of(calls);
-    const CallResult result = target ? handle(client, *target) : CallResult{-1, ENODEV};
+void complete(UMockdevIoctlClient* client, const CallResult& result) {
     umockdev_ioctl_client_complete(client, result.value, result.error);
+}
+
+gboolean onCall(UMockdevIoctlBase* calls, UMockdevIoctlClient* client, gpointer) {
+    if (!allCalls().with(calls, [&](SystemCalls& object) { object.handle(client); }))
+        complete(client, unplugged);
     return TRUE;
 }
 
 void onOpening(UMockdevIoctlBase* calls, UMockdevIoctlClient*, gpointer) {
-    if (const std::shared_ptr<SystemCallTarget> target = targets().of(calls))
-        target->open();
+    allCalls().with(calls, [](SystemCalls& object) { object.open(); });
 }
 
 } // namespace
 
-void handleSystemCalls(UMockdevIoctlBase* calls, const std::shared_ptr<SystemCallTarget>& target) {
-    targets().set(calls, target);
-    const auto forget = [](gpointer of, GClosure*) { targets().forget(of); };
-    g_signal_connect_data(calls, "handle-ioctl", G_CALLBACK(onCall), calls, forget,
-                          GConnectFlags(0));
+SystemCalls::SystemCalls(UMockdevIoctlBase* calls, const std::shared_ptr<SystemCallTarget>& target)
+    : _calls(calls), _target(target) {
+    allCalls().add(calls, this);
+    g_signal_connect(calls, "handle-ioctl", G_CALLBACK(onCall), nullptr);
     g_signal_connect(calls, "client-connected", G_CALLBACK(onOpening), nullptr);
+}
+
+SystemCalls::~SystemCalls() { allCalls().remove(_calls); }
+
+void SystemCalls::handle(UMockdevIoctlClient* client) {
+    const std::shared_ptr<UMockdevIoctlClient> owned(UMOCKDEV_IOCTL_CLIENT(g_object_ref(client)),
+                                                     g_object_unref);
+    _thread.add([this, owned] {
+        const std::shared_ptr<SystemCallTarget> target = _target.lock();
+        complete(owned.get(), target ? resultOf(owned.get(), *target) : unplugged);
+    });
+}
+
+void SystemCalls::open() {
+    _thread.add([this] {
+        if (const std::shared_ptr<SystemCallTarget> target = _target.lock())
+            target->open();
+    });
 }
 
 } // namespace quarner

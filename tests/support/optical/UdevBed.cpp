@@ -3,18 +3,16 @@
 
 #include <umockdev.h>
 
-#include <condition_variable>
-#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <future>
 #include <map>
 #include <mutex>
-#include <set>
 #include <stdexcept>
-#include <thread>
 
 #include "tests/support/optical/SystemCalls.h"
+#include "tests/support/optical/TaskThread.h"
+#include "tests/support/optical/nodes/NodeTable.h"
 
 namespace quarner {
 namespace {
@@ -31,20 +29,11 @@ std::string nameAt(const std::string& sysPath) {
 
 class UdevBed::Bed {
 public:
-    Bed() { // a machine without devices has this folder too
+    Bed() {
+        NodeTable::make();
+        // A machine without devices has this folder too.
         umockdev_testbed_set_attribute(testbed.get(), "/sys/class", "quarner", "");
     }
-    ~Bed() {
-        {
-            const std::lock_guard lock(_waitingMutex);
-            _isEnding = true;
-        }
-        _changed.notify_all();
-        _hands.join();
-    }
-    Bed(const Bed&) = delete;
-    Bed& operator=(const Bed&) = delete;
-
     std::filesystem::path root() const {
         const std::unique_ptr<gchar, decltype(&g_free)> path(
             umockdev_testbed_get_root_dir(testbed.get()), g_free);
@@ -76,10 +65,10 @@ public:
 
     /// Once for each name: an open node without a handler ends the program.
     void handleCalls(const std::string& name, const std::shared_ptr<SystemCallTarget>& target) {
-        if (!_answered.insert(name).second)
+        if (_calls.contains(name))
             return;
         const std::unique_ptr<UMockdevIoctlBase, Unref> calls(umockdev_ioctl_base_new());
-        handleSystemCalls(calls.get(), target);
+        _calls[name] = std::make_unique<SystemCalls>(calls.get(), target);
         umockdev_testbed_attach_ioctl(testbed.get(), ("/dev/" + name).c_str(), calls.get(),
                                       nullptr);
     }
@@ -117,37 +106,17 @@ public:
         return std::filesystem::exists(root() / sysPath.substr(1));
     }
 
-    void later(std::function<void()> function) {
-        const std::lock_guard lock(_waitingMutex);
-        _waiting.push_back(std::move(function));
-        _changed.notify_all();
-    }
-
     std::mutex mutex; ///< the test bed supports one call at a time
     const std::unique_ptr<UMockdevTestbed, Unref> testbed{umockdev_testbed_new()};
 
 private:
-    void work() {
-        std::unique_lock lock(_waitingMutex);
-        for (;;) {
-            _changed.wait(lock, [&] { return _isEnding || !_waiting.empty(); });
-            if (_waiting.empty())
-                return;
-            const std::function<void()> function = std::move(_waiting.front());
-            _waiting.pop_front();
-            lock.unlock();
-            function();
-            lock.lock();
-        }
-    }
-
-    std::set<std::string> _answered;
     std::map<std::string, std::size_t> _minors; ///< of each name that was ever plugged in
-    std::mutex _waitingMutex;
-    std::condition_variable _changed;
-    std::deque<std::function<void()>> _waiting;
-    bool _isEnding = false;
-    std::thread _hands{[this] { work(); }};
+
+public:
+    TaskThread hands; ///< its tasks use the members above
+
+private:
+    std::map<std::string, std::unique_ptr<SystemCalls>> _calls; ///< of each name; they use `hands`
 };
 
 UdevBed::UdevBed() : _bed(std::make_unique<Bed>()) {}
@@ -223,10 +192,10 @@ void UdevBed::writeFile(const std::string& path, const std::string& text) const 
 
 void UdevBed::finish() {
     std::promise<void> done;
-    _bed->later([&] { done.set_value(); });
+    _bed->hands.add([&] { done.set_value(); });
     done.get_future().wait();
 }
 
-void UdevBed::later(std::function<void()> function) { _bed->later(std::move(function)); }
+void UdevBed::later(std::function<void()> function) { _bed->hands.add(std::move(function)); }
 
 } // namespace quarner

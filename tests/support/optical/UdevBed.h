@@ -12,8 +12,9 @@
 namespace quarner {
 
 /// An emulated machine whose /dev and /sys contain only the devices plugged in here, with udev's
-/// events. A device is named by its path in /sys. Every operation may be called on any thread; on
-/// the thread that handles system calls only `later`.
+/// events, for this process and those that it starts while it exists. A device is named by its path
+/// in /sys. Every operation may be called on any thread; on a thread that handles system calls only
+/// `later`.
 class UdevBed {
 public:
     using Properties = std::vector<std::pair<std::string, std::string>>;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 //
 // The functions below are interposed before the test bed's, which are interposed before libc's.
-#include "tests/support/optical/NodeAccess.h"
+#include "tests/support/optical/nodes/NodeAccess.h"
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -12,22 +12,16 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdarg>
-#include <map>
 #include <mutex>
 #include <string_view>
+
+#include "tests/support/optical/nodes/NodeTable.h"
 
 namespace quarner {
 namespace {
 
-struct Node {
-    bool isThere = false;
-    int error = 0;
-    unsigned refusals = 0;
-    std::map<int, bool> open; ///< the descriptors, and which of them are exclusive
-};
-
 // The functions of libc may be called at any moment, also before `main` and by a sanitizer in the
-// middle of a report. So calls that do not concern a node do not lock the mutex.
+// middle of a report. So calls that do not concern a node do not lock the table.
 
 bool mayBeNode(const char* path) {
     constexpr std::string_view folder = "/dev/";
@@ -42,16 +36,6 @@ constexpr int mostDescriptors = 4096;
 std::array<std::atomic<bool>, mostDescriptors> isOfNode;
 std::array<std::atomic<bool>, mostDescriptors> isReplaced; ///< was a node, and is another file now
 
-std::mutex mutex;
-std::map<std::string, Node>& nodes() {
-    static std::map<std::string, Node> all;
-    return all;
-}
-Node* nodeOf(const std::string& path) {
-    const auto found = nodes().find(path);
-    return found == nodes().end() ? nullptr : &found->second;
-}
-
 /// Removes repeated slashes.
 std::string plain(const char* path) {
     std::string name = path;
@@ -62,43 +46,46 @@ std::string plain(const char* path) {
 
 /// Returns the error of an attempt to open a node; 0 if it succeeds. The test bed must not be asked
 /// for a node that does not exist: it would count it as open for good.
-int refusalOf(Node& node, int flags) {
+int refusalOf(NodeTable& table, NodeTable::Node& node, int flags) {
     if (!node.isThere)
         return ENOENT;
     if (node.refusals > 0) {
         --node.refusals;
         return node.error;
     }
-    const bool isTaken = std::any_of(node.open.begin(), node.open.end(),
-                                     [](const auto& descriptor) { return descriptor.second; });
-    return isTaken && (flags & O_EXCL) != 0 ? EBUSY : 0;
+    return (flags & O_EXCL) != 0 && table.isOpenExclusively(node) ? EBUSY : 0;
 }
 
 bool isDenied(const char* path) {
-    if (!mayBeNode(path))
+    NodeTable* const table = mayBeNode(path) ? NodeTable::find() : nullptr;
+    if (table == nullptr)
         return false;
-    const std::lock_guard lock(mutex);
-    const Node* node = nodeOf(plain(path));
+    const std::lock_guard lock(*table);
+    const NodeTable::Node* node = table->nodeAt(plain(path));
     return node != nullptr && node->refusals > 0 && node->error == EACCES;
+}
+
+int fail(int error) {
+    errno = error;
+    return -1;
 }
 
 /// Opens a path with a function, unless it is a node that refuses.
 template <class Function>
 int openWatched(const char* path, int flags, Function function) {
-    if (!mayBeNode(path))
+    NodeTable* const table = mayBeNode(path) ? NodeTable::find() : nullptr;
+    if (table == nullptr)
         return function(path);
     const std::string name = plain(path);
-    const std::lock_guard lock(mutex);
-    Node* node = nodeOf(name);
+    const std::lock_guard lock(*table);
+    NodeTable::Node* node = table->nodeAt(name);
     if (node == nullptr)
         return function(path);
-    if (const int error = refusalOf(*node, flags); error != 0) {
-        errno = error;
-        return -1;
-    }
+    if (const int error = refusalOf(*table, *node, flags); error != 0)
+        return fail(error);
     const int descriptor = function(name.c_str());
     if (descriptor >= 0 && descriptor < mostDescriptors) {
-        node->open[descriptor] = (flags & O_EXCL) != 0;
+        table->addOpening(*node, descriptor, (flags & O_EXCL) != 0);
         isOfNode[static_cast<std::size_t>(descriptor)] = true;
     }
     return descriptor;
@@ -109,20 +96,20 @@ bool isOneOf(const std::array<std::atomic<bool>, mostDescriptors>& some, int des
            some[static_cast<std::size_t>(descriptor)];
 }
 
-void forget(int descriptor) {
+void forget(NodeTable& table, int descriptor) {
     isOfNode[static_cast<std::size_t>(descriptor)] = false;
-    for (auto& [path, node] : nodes())
-        node.open.erase(descriptor);
+    table.removeOpening(descriptor);
 }
 
-/// Closes a descriptor with a function. Locks the mutex, as opening does, because the test bed
+/// Closes a descriptor with a function. Locks the table, as opening does, because the test bed
 /// keeps the open nodes in a table without a lock.
 template <class Function>
 int closeWatched(int descriptor, Function function) {
     if (!isOneOf(isOfNode, descriptor) && !isOneOf(isReplaced, descriptor))
         return function();
-    const std::lock_guard lock(mutex);
-    forget(descriptor);
+    NodeTable& table = *NodeTable::find();
+    const std::lock_guard lock(table);
+    forget(table, descriptor);
     isReplaced[static_cast<std::size_t>(descriptor)] = false;
     return function();
 }
@@ -131,8 +118,9 @@ int closeWatched(int descriptor, Function function) {
 void replaceWatched(int descriptor) {
     if (!isOneOf(isOfNode, descriptor))
         return;
-    const std::lock_guard lock(mutex);
-    forget(descriptor);
+    NodeTable& table = *NodeTable::find();
+    const std::lock_guard lock(table);
+    forget(table, descriptor);
     isReplaced[static_cast<std::size_t>(descriptor)] = true;
 }
 
@@ -146,29 +134,33 @@ Function following(const char* name) {
 } // namespace
 
 void watchNode(const std::string& path) {
-    const std::lock_guard lock(mutex);
-    nodes()[path] = {};
+    NodeTable& table = *NodeTable::find();
+    const std::lock_guard lock(table);
+    table.reset(path);
 }
 
 void changeNode(const std::string& path, bool isThere, const std::function<void()>& change) {
-    const std::lock_guard lock(mutex);
-    Node& node = nodes().at(path);
-    for (auto& [descriptor, isExclusive] : node.open)
-        isExclusive = false;
+    NodeTable& table = *NodeTable::find();
+    const std::lock_guard lock(table);
+    NodeTable::Node& node = *table.nodeAt(path);
+    table.endExclusiveness(node);
     change();
     node.isThere = isThere;
 }
 
 int openCountOf(const std::string& path) {
-    const std::lock_guard lock(mutex);
-    const Node* node = nodeOf(path);
-    return node == nullptr ? 0 : static_cast<int>(node->open.size());
+    NodeTable& table = *NodeTable::find();
+    const std::lock_guard lock(table);
+    const NodeTable::Node* node = table.nodeAt(path);
+    return node == nullptr ? 0 : table.openCount(*node);
 }
 
 void refuseOpening(const std::string& path, int error, unsigned times) {
-    const std::lock_guard lock(mutex);
-    nodes().at(path).error = error;
-    nodes().at(path).refusals = times;
+    NodeTable& table = *NodeTable::find();
+    const std::lock_guard lock(table);
+    NodeTable::Node& node = *table.nodeAt(path);
+    node.error = error;
+    node.refusals = times;
 }
 
 } // namespace quarner
