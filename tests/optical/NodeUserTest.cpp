@@ -6,6 +6,7 @@
 #include <linux/cdrom.h>
 #include <sys/ioctl.h>
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <functional>
@@ -130,13 +131,13 @@ TEST_F(NodeUserTest, IsNotDelayedByTheCommandsOfAnotherDrive) {
     NodeUser other(second->node());
     std::promise<void> isExecuted;
     auto executed = isExecuted.get_future();
-    auto hasWaited = std::make_shared<std::future_status>(std::future_status::timeout);
-    recorder->setCommandHook([&](std::uint8_t) { *hasWaited = executed.wait_for(longTime); });
+    std::atomic<std::future_status> end = std::future_status::timeout;
+    recorder->setCommandHook([&](std::uint8_t) { end = executed.wait_for(longTime); });
     second->setCommandHook([&](std::uint8_t) { isExecuted.set_value(); });
     user.startCommand();
     EXPECT_EQ(other.sendCommand(), 0);
     EXPECT_EQ(user.answer(), 0);
-    EXPECT_EQ(*hasWaited, std::future_status::ready) << "both at the same time";
+    EXPECT_EQ(end, std::future_status::ready) << "both at the same time";
 }
 
 TEST_F(NodeUserTest, HangsWithItsDriveAlone) {
