@@ -67,8 +67,6 @@ VirtualDesktop::VirtualDesktop() {
                             "-nolisten", "tcp", "-displayfd", "{descriptor}"}));
     set("DBUS_SESSION_BUS_ADDRESS",
         startAndRead({"dbus-daemon", "--session", "--nofork", "--print-address={descriptor}"}));
-    // Quicker where there is no graphics card.
-    set("GSK_RENDERER", "cairo");
     set("GTK_THEME", "Adwaita");
     set("GSETTINGS_BACKEND", "memory");
     // A window has one button, as on most desktops that have GTK's programs.

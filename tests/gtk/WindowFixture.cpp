@@ -204,6 +204,7 @@ void WindowTest::dropFiles(const std::vector<std::string>& paths, const SeenWidg
     static constexpr char source[] = "Files to drag";
     HostSettings settings = here();
     settings.program = FILES_TO_DRAG;
+    settings.environment.emplace_back("GSK_RENDERER=cairo"); // quicker without a graphics card
     _manager.reset();
     waitUntil([] { return geometryOf(source).width == 0; }, "end of the one before");
     _manager = std::make_unique<HostProgram>(paths, settings);
@@ -231,17 +232,29 @@ void WindowTest::chooseImage(const std::string& path) const {
 
 void WindowTest::fillDialogue(const std::string& path) const {
     waitUntil([&] { return geometryOf(imageDialogue).width > 0; }, imageDialogue);
+    enterPath(imageDialogue, path);
+}
+
+void WindowTest::enterInDialogue(const std::string& dialogue, const std::string& path) const {
+    waitUntil([&] { return geometryOf(dialogue).width > 0; }, dialogue);
+    press("ctrl+l"); // shows the field for a path
+    enterPath(dialogue, path);
+}
+
+void WindowTest::enterPath(const std::string& dialogue, const std::string& path) const {
+    const auto isFocusedText = [](const SeenWidget& one) {
+        return one.role() == "text" && one.isFocused();
+    };
     waitUntil(
         [&] {
-            return program()
-                .find([](const SeenWidget& one) { return one.role() == "text" && one.isFocused(); })
-                .has_value();
+            const auto seen = seenProgram("quarner-gtk");
+            return seen && seen->find(isFocusedText);
         },
         "focused name");
     press("ctrl+a");
     type(path);
     press("Return");
-    waitUntil([&] { return geometryOf(imageDialogue).width == 0; }, "end of the dialogue");
+    waitUntil([&] { return geometryOf(dialogue).width == 0; }, "end of the dialogue");
 }
 
 } // namespace quarner::testing

@@ -50,6 +50,8 @@ protected:
     void chooseImage(const std::string& path) const;
     /// Types the path into the dialogue for an image, which is about to come.
     void fillDialogue(const std::string& path) const;
+    /// Types the path into a dialogue for files or folders, which is about to come.
+    void enterInDialogue(const std::string& dialogue, const std::string& path) const;
 
     std::string title = "Burn a Disc"; ///< of the window, in the language of the test
 
@@ -70,6 +72,8 @@ protected:
     std::unique_ptr<HostProgram> window;
 
 private:
+    void enterPath(const std::string& dialogue, const std::string& path) const;
+
     std::unique_ptr<HostProgram> _manager; // files are read from it after they were dropped
 };
 

@@ -4,7 +4,6 @@
 #include <giomm/file.h>
 #include <giomm/listmodel.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -17,10 +16,13 @@ inline std::string pathOf(const Glib::RefPtr<const Gio::File>& file) {
 }
 
 /// Those of a list of files.
-inline std::vector<std::string> pathsIn(const Gio::ListModel& files) {
+inline std::vector<std::string> pathsIn(Gio::ListModel& files) {
     std::vector<std::string> paths;
+    // The list's own way to an item, get_object, returns null for the files of GIO, whose classes
+    // have no counterpart in C++.
     for (guint i = 0; i < files.get_n_items(); ++i)
-        paths.push_back(pathOf(std::dynamic_pointer_cast<const Gio::File>(files.get_object(i))));
+        paths.push_back(
+            pathOf(Glib::wrap(static_cast<GFile*>(g_list_model_get_item(files.gobj(), i)))));
     return paths;
 }
 
