@@ -22,6 +22,7 @@
 #include "tools/quarner-gtk/Question.h"
 #include "tools/quarner-gtk/Renderer.h"
 #include "tools/quarner-gtk/Sentences.h"
+#include "tools/words/ImageExtension.h"
 #include "tools/words/Words.h"
 
 namespace quarner::window {
@@ -182,14 +183,10 @@ void Window::chooseFiles(Gtk::FileChooser::Action action) {
     _chooser->show();
 }
 
-std::string Window::extension() const {
-    return project().kind() == DiscProject::Kind::Audio ? ".cue" : ".iso";
-}
-
 void Window::chooseImage() {
     _chooser = Gtk::FileChooserNative::create(
         _("Burn to an Image"), *this, Gtk::FileChooser::Action::SAVE, _("_Choose"), _("_Cancel"));
-    _chooser->set_current_name(_("Disc") + extension());
+    _chooser->set_current_name(_("Disc") + words::extensionFor(project().kind()));
     _chooser->signal_response().connect([this](int response) {
         if (response == Gtk::ResponseType::ACCEPT)
             useImage(pathOf(_chooser->get_file()));
@@ -199,9 +196,10 @@ void Window::chooseImage() {
 
 void Window::useImage(const std::string& chosenPath) {
     std::string path = chosenPath;
-    const bool hasExtension = Glib::str_has_suffix(path, extension());
+    const char* const extension = words::extensionFor(project().kind());
+    const bool hasExtension = Glib::str_has_suffix(path, extension);
     if (!hasExtension)
-        path += extension();
+        path += extension;
     if (const auto problem = findImageProblem(path))
         return say(textFor(problemForCode(problem->code), problem->info));
     if (_image)

@@ -68,7 +68,6 @@ private:
     bool isBurning() const { return project().isBurning() || _burning.isStarting(); }
     bool isEditable() const { return !isBurning(); }
     bool isOnImage() const;
-    std::string extension() const;
 
     WindowLayout _layout;
     FileSearch _search;

@@ -2,15 +2,14 @@
 #pragma once
 
 #include "quarner/project/DiscProject.h"
+#include "tools/words/ImageExtension.h"
 
 namespace quarner::cli {
 
 using DiscKind = DiscProject::Kind;
+using words::extensionFor;
 
 /// The command that burns such discs.
 inline const char* commandFor(DiscKind kind) { return kind == DiscKind::Audio ? "audio" : "data"; }
-
-/// The extension of an image, in lower case.
-inline const char* extensionFor(DiscKind kind) { return kind == DiscKind::Audio ? ".cue" : ".iso"; }
 
 } // namespace quarner::cli
