@@ -37,8 +37,12 @@ void refuseClosedFolder(const std::string& folder) {
     const auto askAccess = [&] {
         return faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS);
     };
-    if (uninterrupted(askAccess) != 0)
-        throw writeFailure(errno, translatable("writing to the folder {path}: {error}"), folder);
+    if (uninterrupted(askAccess) == 0)
+        return;
+    if (errno == ENOENT)
+        throw BurnFailure(DRError::FolderMissing, text("{path} does not exist", {{"path", folder}}),
+                          folder);
+    throw writeFailure(errno, translatable("writing to the folder {path}: {error}"), folder);
 }
 
 } // namespace

@@ -45,6 +45,8 @@ std::string_view textFor(DRError error) {
         return "the written disc cannot be read back";
     case DRError::VerifyFailed:
         return "the written disc differs from what was sent to it";
+    case DRError::FolderMissing:
+        return "the folder for the image does not exist";
     case DRError::Internal:
         return "an internal error occurred";
     }

@@ -35,6 +35,7 @@ enum class DRError : std::uint32_t {
     WriteFailed = 0x8002F023,      ///< any other write error
     ReadBackFailed = 0x8002F024,   ///< what was written could not be read back
     VerifyFailed = 0x8002F025,     ///< what was read back differs from what was written
+    FolderMissing = 0x8002F026,    ///< the folder for the image does not exist
 
     Internal = 0x8002F0FF, ///< an internal error, for instance out of memory
 };

@@ -48,6 +48,8 @@ const char* messageFor(DRError code) {
         return translatable("The written disc cannot be read back.");
     case DRError::VerifyFailed:
         return translatable("The written disc differs from what was sent to it.");
+    case DRError::FolderMissing:
+        return translatable("The folder for the image does not exist.");
     case DRError::Internal:
         return translatable("An internal error occurred.");
     }
@@ -85,6 +87,8 @@ const char* adviceFor(DRError code) {
         return translatable(
             "Choose a folder that you may write to, or change the permissions of the file or "
             "folder.");
+    case DRError::FolderMissing:
+        return translatable("Create the folder, or choose another one.");
     case DRError::ReadBackFailed:
     case DRError::VerifyFailed:
         return translatable("Try again, preferably with a new disc.");

@@ -15,16 +15,14 @@ namespace {
 
 constexpr std::string_view unknown = "the drive reported an unknown error";
 
-constexpr DRError all[] = {DRError::UserCanceled,     DRError::DeviceBusy,
-                           DRError::DeviceVanished,   DRError::MediaNotPresent,
-                           DRError::MediaNotWritable, DRError::MediaTooSmall,
-                           DRError::WrongMedia,       DRError::EmptyLayout,
-                           DRError::TooManyTracks,    DRError::DeviceNotPermitted,
-                           DRError::SourceMissing,    DRError::SourceChanged,
-                           DRError::SourceUnreadable, DRError::NoSpace,
-                           DRError::PermissionDenied, DRError::WriteFailed,
-                           DRError::ReadBackFailed,   DRError::VerifyFailed,
-                           DRError::Internal};
+constexpr DRError all[] = {
+    DRError::UserCanceled,       DRError::DeviceBusy,       DRError::DeviceVanished,
+    DRError::MediaNotPresent,    DRError::MediaNotWritable, DRError::MediaTooSmall,
+    DRError::WrongMedia,         DRError::EmptyLayout,      DRError::TooManyTracks,
+    DRError::DeviceNotPermitted, DRError::SourceMissing,    DRError::SourceChanged,
+    DRError::SourceUnreadable,   DRError::NoSpace,          DRError::PermissionDenied,
+    DRError::WriteFailed,        DRError::ReadBackFailed,   DRError::VerifyFailed,
+    DRError::FolderMissing,      DRError::Internal};
 
 TEST(DRErrors, EveryCodeHasATextOfItsOwn) {
     std::set<std::string_view> texts = {"", unknown};

@@ -250,7 +250,8 @@ TEST_P(DiscProjectBurn, EachFailureEndsWithWhatItsCodeMeans) {
           DRError::EmptyLayout, DRError::TooManyTracks, DRError::DeviceNotPermitted,
           DRError::SourceMissing, DRError::SourceChanged, DRError::SourceUnreadable,
           DRError::NoSpace, DRError::PermissionDenied, DRError::WriteFailed,
-          DRError::ReadBackFailed, DRError::VerifyFailed, DRError::Internal}) {
+          DRError::ReadBackFailed, DRError::VerifyFailed, DRError::FolderMissing,
+          DRError::Internal}) {
         observer->burnEnds.clear();
         platform.playBurns({.failsAt = 0.4, .code = code});
         project->burn(driveId());

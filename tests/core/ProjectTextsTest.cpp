@@ -28,16 +28,14 @@ TEST(ProjectTexts, ACountChoosesItsMessage) {
 }
 
 /// Every code there is.
-constexpr DRError codes[] = {DRError::UserCanceled,     DRError::DeviceBusy,
-                             DRError::DeviceVanished,   DRError::MediaNotPresent,
-                             DRError::MediaNotWritable, DRError::MediaTooSmall,
-                             DRError::WrongMedia,       DRError::EmptyLayout,
-                             DRError::TooManyTracks,    DRError::DeviceNotPermitted,
-                             DRError::SourceMissing,    DRError::SourceChanged,
-                             DRError::SourceUnreadable, DRError::NoSpace,
-                             DRError::PermissionDenied, DRError::WriteFailed,
-                             DRError::ReadBackFailed,   DRError::VerifyFailed,
-                             DRError::Internal};
+constexpr DRError codes[] = {
+    DRError::UserCanceled,       DRError::DeviceBusy,       DRError::DeviceVanished,
+    DRError::MediaNotPresent,    DRError::MediaNotWritable, DRError::MediaTooSmall,
+    DRError::WrongMedia,         DRError::EmptyLayout,      DRError::TooManyTracks,
+    DRError::DeviceNotPermitted, DRError::SourceMissing,    DRError::SourceChanged,
+    DRError::SourceUnreadable,   DRError::NoSpace,          DRError::PermissionDenied,
+    DRError::WriteFailed,        DRError::ReadBackFailed,   DRError::VerifyFailed,
+    DRError::FolderMissing,      DRError::Internal};
 
 TEST(ProjectTexts, TheSentenceOfACodeSaysWhatItsShortTextSays) {
     for (const DRError code : codes) {

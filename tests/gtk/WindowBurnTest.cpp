@@ -197,6 +197,8 @@ TEST_F(WindowBurns, NothingThatDoesNotFit) {
                 .has_value();
         },
         "warning");
+    find("The file takes 763 MB, and the disc takes 702.8 MB.\n"
+         "Remove some files, or use a larger disc.");
     EXPECT_FALSE(find("Burn", "push button").isSensitive());
 }
 
@@ -223,6 +225,17 @@ TEST_F(WindowBurns, SayWhatFailedAndWhatCanBeDone) {
         return one.role() == "label" && one.name().find("\n") != std::string::npos &&
                one.isVisible();
     })) << treeOf(program());
+}
+
+TEST_F(WindowBurns, SayThatTheFolderOfTheImageHasGone) {
+    const std::string images = makeFolder("images");
+    start({song("a.mp3", 11)});
+    chooseImage(images + "/mix.cue");
+    find("Drive: mix.cue");
+    std::filesystem::remove(images);
+    clickWhenReady("Burn", "push button");
+    find("The folder for the image does not exist.\n" + images +
+         " does not exist\nCreate the folder, or choose another one.");
 }
 
 } // namespace

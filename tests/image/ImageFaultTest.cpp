@@ -276,7 +276,7 @@ TEST_P(ImageFault, OnlyASheetHasToBeReadableToBeReplaced) {
 TEST_P(ImageFault, AFolderThatIsNotThereFailsTheBurn) {
     const auto drive = stage->drives().add({.path = stage->imageNamed("no/mix")});
     const Outcome outcome = burn(makeLayout({1000}), drive);
-    EXPECT_EQ(outcome.code, codeOf(DRError::WriteFailed)) << outcome.info;
+    EXPECT_EQ(outcome.code, codeOf(DRError::FolderMissing)) << outcome.info;
 }
 
 TEST_P(ImageFault, WhatIsNoFileIsNotReplaced) {

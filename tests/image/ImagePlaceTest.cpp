@@ -64,6 +64,12 @@ TEST_P(ImagePlace, AFolderThatMayNotBeLookedIntoIsToldBeforeTheBurn) {
     EXPECT_EQ(problemAt(pathOf("mix")).error(), DRError::PermissionDenied);
 }
 
+TEST_P(ImagePlace, AFolderThatIsMissingIsToldBeforeTheBurn) {
+    const BurnFailure problem = problemAt(pathOf("no/mix"));
+    EXPECT_EQ(problem.error(), DRError::FolderMissing);
+    EXPECT_EQ(problem.info(), stage->folder.file("no") + " does not exist");
+}
+
 TEST_P(ImagePlace, ANameThatIsTooLongIsToldBeforeTheBurn) {
     const std::string name(300, 'x');
     EXPECT_THAT(problemAt(pathOf(name)).info(), HasSubstr("File name too long"));
@@ -77,7 +83,7 @@ TEST_P(ImagePlace, ALinkToItselfIsToldBeforeTheBurn) {
 
 TEST_P(ImagePlace, ALinkIntoAFolderThatIsNotThereIsToldBeforeTheBurn) {
     std::filesystem::create_symlink(pathOf("no/mix"), pathOf("mix"));
-    EXPECT_THAT(problemAt(pathOf("mix")).info(), HasSubstr("/no: No such file"));
+    EXPECT_THAT(problemAt(pathOf("mix")).info(), HasSubstr("/no does not exist"));
 }
 
 TEST_P(ImagePlace, AnyFileThereIsAWrittenDiscAndWhatCannotBeLookedAtIsNotBlankEither) {

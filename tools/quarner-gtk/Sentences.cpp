@@ -23,7 +23,8 @@ std::string textFor(const DiscProblem& problem, const std::string& detail) {
 }
 
 std::string textFor(const DiscBurnEnd& end) {
-    return onLines({end.text, end.info.path, end.info.message, end.advice});
+    const BurnErrorInfo& info = end.info; // its message names the file
+    return onLines({end.text, info.message.empty() ? info.path : info.message, end.advice});
 }
 
 } // namespace quarner::window

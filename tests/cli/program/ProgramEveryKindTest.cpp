@@ -99,6 +99,15 @@ TEST_P(ProgramEveryKind, AFolderWithoutPermissionIsNamedBeforeAnythingIsAdded) {
     EXPECT_THAT(names("closed"), IsEmpty());
 }
 
+TEST_P(ProgramEveryKind, AFolderThatIsMissingIsNamedBeforeAnythingIsAdded) {
+    song("a.mp3");
+    const HostEnd end = run(commandLine({"a.mp3"}, "none/"));
+    EXPECT_EQ(end.status, 2);
+    EXPECT_EQ(end.out, "");
+    EXPECT_THAT(end.err, HasSubstr("The folder for the image does not exist.\n" +
+                                   folder.file("none") + " does not exist\n"));
+}
+
 TEST_P(ProgramEveryKind, AMachineWithoutDrivesHasNothingToBurnOnAndNothingToShow) {
     song("a.mp3");
     EXPECT_EQ(run({cli::commandFor(GetParam()), "--title", "T", "a.mp3"}).status, 2);

@@ -102,11 +102,12 @@ TEST_F(ProgramLanguage, WhatIsWrongWithACommandLineIsSaidInGerman) {
 
 TEST_F(ProgramLanguage, WhatTheSystemRefusesIsSaidInGerman) {
     song("a.mp3");
-    const HostEnd end = runInGerman({"audio", "--image", "none/mix.cue", "a.mp3"});
+    const std::string tooLong = std::string(300, 'x') + ".cue";
+    const HostEnd end = runInGerman({"audio", "--image", tooLong, "a.mp3"});
     EXPECT_EQ(end.status, 2);
     // The reason is the system's, whose translations may not be installed.
     EXPECT_THAT(end.err, AllOf(StartsWith("quarner: Das Schreiben ist fehlgeschlagen.\n"),
-                               HasSubstr("\nSchreiben in den Ordner /")));
+                               HasSubstr("\nPrüfen von /")));
 }
 
 TEST_F(ProgramLanguage, ABurnIsInGermanFromStartToEnd) {

@@ -10,7 +10,6 @@
 namespace quarner::testing {
 namespace {
 
-using ::testing::AllOf;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -56,7 +55,7 @@ TEST_F(ProgramStatus, Is2ForWrongUsageAndNothingIsTouched) {
     EXPECT_EQ(run({"audio", "--image", "mix.iso", "a.mp3"}).status, 2);
     const HostEnd missing = run({"audio", "--image", "none/mix.cue", "a.mp3"});
     EXPECT_EQ(missing.status, 2);
-    EXPECT_THAT(missing.err, AllOf(HasSubstr("none"), HasSubstr("No such file or directory")));
+    EXPECT_THAT(missing.err, HasSubstr("none does not exist"));
     EXPECT_EQ(run({"data", "--title", "T", "--image", "/dev", "a.mp3"}).status, 2);
     EXPECT_EQ(run({"audio", "--drive", "none", "a.mp3"}).status, 2);
     EXPECT_EQ(run({"audio", "--image", "mix.cue"}).status, 2);
