@@ -1,11 +1,19 @@
 # What `cmake --install` puts where: libraries, headers, the program, a CMake package with one
 # component for each library, and a pkg-config file for each. `cmake --install --component NAME`
-# installs a part: runtime (shared libraries), development, tool (the program), window (the program
-# with a window) or doc.
+# installs a part: runtime (shared libraries and the programs that they start), development, tool (the
+# program), window (the program with a window) or doc.
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
+# The programs that the library starts. Their folder has the minor version in its name, as the
+# libraries have: two versions can be installed at the same time, and each starts its own programs.
+set(QUARNER_WORKER_NAME quarner-${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+set(QUARNER_WORKER_DIR ${CMAKE_INSTALL_FULL_LIBEXECDIR}/${QUARNER_WORKER_NAME})
+set(QUARNER_WORKER_FOLDER libexec/${QUARNER_WORKER_NAME}) # in the build tree, and in one that was moved
+if(NOT IS_ABSOLUTE ${CMAKE_INSTALL_LIBEXECDIR})
+  set(QUARNER_WORKER_FOLDER ${CMAKE_INSTALL_LIBEXECDIR}/${QUARNER_WORKER_NAME})
+endif()
 set(QUARNER_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/quarner)
 
 # Installed programs and libraries find the libraries beside them, unless the system looks there

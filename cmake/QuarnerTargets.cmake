@@ -153,6 +153,10 @@ function(quarner_test NAME)
   target_link_libraries(${NAME} PRIVATE quarner_options quarner_test_options ${objects} ${ARG_DEPENDS}
                         GTest::gmock GTest::gtest_main)
   quarner_precompile_test_headers(${NAME})
+  # The programs that the library starts.
+  if("worker" IN_LIST ARG_OBJECTS)
+    add_dependencies(${NAME} quarner-drive quarner-joliet)
+  endif()
   # By the names that a suite gives its parameters, not by their bytes.
   gtest_discover_tests(${NAME} NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
   # Properties that are lists do not get through gtest_discover_tests: set once the tests are known.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "adapters/isofs/JolietDirectory.h"
+#include "adapters/joliet/JolietDirectory.h"
 
 #include <vector>
 

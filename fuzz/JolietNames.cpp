@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "adapters/isofs/JolietNames.h"
+#include "adapters/joliet/JolietNames.h"
 
 #include <glib.h>
 

@@ -5,7 +5,7 @@
 #include "adapters/ffmpeg/FFmpegServices.h"
 #include "adapters/glib/GlibServices.h"
 #include "adapters/image/ImageDrives.h"
-#include "adapters/isofs/JolietDiscs.h"
+#include "adapters/joliet/JolietDiscs.h"
 #include "adapters/optical/OpticalDrives.h"
 
 namespace quarner {

@@ -30,4 +30,9 @@ void StopSignal::throwIfRequested() const {
         throw BurnFailure(*_reason, std::string(textForBurnErrorCode(signedCode(*_reason))));
 }
 
+std::optional<DRError> StopSignal::reason() const {
+    const std::lock_guard lock(_mutex);
+    return _reason;
+}
+
 } // namespace quarner

@@ -21,6 +21,9 @@ public:
     /// Throws `BurnFailure` with the reason if a stop was requested.
     void throwIfRequested() const;
 
+    /// The reason of the request; `std::nullopt` if there was none.
+    std::optional<DRError> reason() const;
+
     /// For waits: a request wakes every thread that waits with this token.
     std::stop_token token() const { return _source.get_token(); }
 

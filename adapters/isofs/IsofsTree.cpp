@@ -12,7 +12,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <mutex>
 #include <new>
 
 #include "quarner/platform/DiscFormat.h"
@@ -48,11 +47,6 @@ private:
 void check(int result, const std::string& subject) {
     if (result < 0)
         throw IsofsError(subject + ": " + iso_error_to_msg(result));
-}
-
-std::mutex& libraryMutex() {
-    static std::mutex mutex;
-    return mutex;
 }
 
 // The library's messages are returned as the result of each call.
@@ -114,7 +108,7 @@ StreamPointer streamOf(const FileStamp& stamp) {
         reinterpret_cast<IsoStream*>(new (memory) Stream{&methods, 1, copy.release()}));
 }
 
-void add(IsoImage* image, const IsofsTree::Entry& entry) {
+void add(IsoImage* image, const JolietFolder::Entry& entry) {
     StreamPointer stream = streamOf(entry.stamp);
     IsoFile* file = nullptr;
     check(iso_image_add_new_file(image, iso_image_get_root(image), entry.name.c_str(), stream.get(),
@@ -128,12 +122,12 @@ void add(IsoImage* image, const IsofsTree::Entry& entry) {
     iso_node_set_hidden(node, LIBISO_HIDE_ON_RR);
 }
 
-Image imageOf(const std::string& volumeName, const std::vector<IsofsTree::Entry>& entries) {
+Image imageOf(const JolietFolder& folder) {
     IsoImage* made = nullptr;
-    check(iso_image_new(volumeName.c_str(), &made), "image");
+    check(iso_image_new(folder.volumeName.c_str(), &made), "image");
     Image image(made);
     iso_tree_set_replace_mode(image.get(), ISO_REPLACE_NEVER);
-    for (const IsofsTree::Entry& entry : entries)
+    for (const JolietFolder::Entry& entry : folder.entries)
         add(image.get(), entry);
     return image;
 }
@@ -167,11 +161,10 @@ std::vector<std::byte> readHead(burn::burn_source& source, std::uint32_t blocks)
 
 } // namespace
 
-std::string IsofsTree::layOut(const std::string& volumeName, const std::vector<Entry>& entries) {
-    const std::lock_guard lock(libraryMutex());
+std::string IsofsTree::layOut(const JolietFolder& folder) {
     try {
         initialiseOnce();
-        const Image image = imageOf(volumeName, entries);
+        const Image image = imageOf(folder);
         const Options options = jolietOnly();
         struct ::burn_source* made = nullptr;
         check(iso_image_create_burn_source(image.get(), options.get(), &made), "layout");

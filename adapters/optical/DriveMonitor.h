@@ -5,7 +5,7 @@
 #include <string>
 #include <thread>
 
-#include "adapters/optical/DriveRecord.h"
+#include "adapters/worker/DriveRecord.h"
 
 namespace quarner {
 

@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/optical/OpticalDrive.h"
 
+#include <thread>
 #include <utility>
 
-#include "adapters/optical/AccessProblem.h"
-#include "adapters/optical/DriveNode.h"
-#include "adapters/optical/FailureCause.h"
-#include "adapters/optical/GrabbedDrive.h"
-#include "adapters/optical/OpticalWriter.h"
+#include "adapters/optical/WorkerWriter.h"
 #include "quarner/platform/DRKeys.h"
 #include "quarner/platform/Platform.h"
 #include "quarner/platform/Texts.h"
@@ -15,35 +12,15 @@
 namespace quarner {
 namespace {
 
-/// The timeout for a drive that another program has open. The system itself opens a drive for a
-/// moment after each event.
-constexpr std::chrono::milliseconds queryTimeout{500};
-constexpr std::chrono::milliseconds burnTimeout{3000};
+/// The time during which a burn tries to open a drive that gives no reason for its refusal.
+constexpr std::chrono::milliseconds takingTimeout{3000};
+constexpr std::chrono::milliseconds takingInterval{100};
 
-/// The time that a burn waits for a new disc to become ready.
-constexpr std::chrono::seconds loadingTimeout{30};
+std::string hangingProblem() {
+    return text("the drive does not respond; switch it off and on again");
+}
 
 DRMSF msf(std::uint64_t blocks) { return DRMSF::msfWithFrames(static_cast<std::uint32_t>(blocks)); }
-
-/// Returns why this disc cannot take this plan; `std::nullopt` if it can.
-std::optional<BurnFailure> refusal(const DiscFacts& disc, const DiscPlan& plan,
-                                   const BurnSettings& settings) {
-    using State = DiscFacts::State;
-    if (disc.state == State::None)
-        return BurnFailure(DRError::MediaNotPresent, text("no disc"));
-    if (disc.state == State::NotReady)
-        return BurnFailure(DRError::MediaNotPresent, text("the disc does not get ready"));
-    if (disc.type == DRDeviceMediaTypeCDROM) // many drives also report a closed CD-R as CD-ROM
-        return BurnFailure(DRError::MediaNotWritable, text("the disc cannot be recorded any more"));
-    if (disc.type != DRDeviceMediaTypeCDR && disc.type != DRDeviceMediaTypeCDRW)
-        return BurnFailure(DRError::WrongMedia,
-                           text("the disc is no CD: {kind}", {{"kind", disc.type}}));
-    if (disc.state != State::Blank && !(disc.isErasable && settings.overwrite))
-        return BurnFailure(DRError::MediaNotWritable, text("the disc is not blank"));
-    if (plan.sectors() > disc.freeBlocks)
-        return discTooSmall(plan, disc.freeBlocks);
-    return std::nullopt;
-}
 
 } // namespace
 
@@ -56,6 +33,7 @@ void OpticalDrive::mediaChanged() {
     {
         const std::lock_guard lock(mutex());
         ++_changes;
+        _hangsSince.reset();
         if (!isBurning())
             _cached.reset();
     }
@@ -69,6 +47,8 @@ std::optional<DiscFacts> OpticalDrive::cachedDisc() const {
         return DiscFacts();
     if (isBurning())
         return _cached ? _cached->disc : DiscFacts();
+    if (isHanging())
+        return DiscFacts();
     if (!_cached)
         return std::nullopt;
     const bool isKept = _receivesEvents && !_cached->isTransient;
@@ -91,13 +71,12 @@ DiscFacts OpticalDrive::query() const {
     DiscFacts disc;
     bool isTransient = true;
     try {
-        const GrabbedDrive drive(_record, {queryTimeout, {}}, nullptr);
-        disc = readDiscFacts(drive);
-        isTransient = disc.state == DiscFacts::State::NotReady;
-    } catch (const DiscIsLoading&) {
-        disc.state = DiscFacts::State::NotReady;
-    } catch (const std::exception& failure) {
-        currentPlatform()->log->log(displayName() + ": " + failure.what());
+        DriveWorker worker(_record, displayName());
+        const Dictionary reply = worker.ask(drive::facts, fieldsOf(_record), nullptr);
+        disc = discFactsOf(dictionaryFor(reply, "disc"));
+        isTransient = valueFor(reply, "isTransient").asBool();
+    } catch (const BurnFailure& failure) {
+        failed(failure);
     }
     updateCache(disc, isTransient, changes);
     return disc;
@@ -118,7 +97,27 @@ void OpticalDrive::updateCache(const DiscFacts& disc, bool isTransient,
 
 std::string OpticalDrive::accessProblem() const {
     const std::lock_guard asking(_querying); // a query has it open too
-    return mayQuery() ? quarner::accessProblem(_record.node).value_or("") : "";
+    if (!mayQuery())
+        return {};
+    if (const std::lock_guard lock(mutex()); isHanging())
+        return hangingProblem();
+    try {
+        DriveWorker worker(_record, displayName());
+        return textFor(worker.ask(drive::accessProblem, fieldsOf(_record), nullptr), "problem");
+    } catch (const BurnFailure& failure) {
+        failed(failure);
+        return failure.error() == DRError::DeviceHanging ? hangingProblem() : failure.info();
+    }
+}
+
+/// Called with the mutex locked.
+bool OpticalDrive::isHanging() const { return _hangsSince && _clock() - *_hangsSince < hangsFor; }
+
+void OpticalDrive::failed(const BurnFailure& failure) const {
+    currentPlatform()->log->log(displayName() + ": " + failure.what());
+    const std::lock_guard lock(mutex());
+    if (failure.error() == DRError::DeviceHanging)
+        _hangsSince = _clock();
 }
 
 Dictionary OpticalDrive::info() const { return {{DRDeviceCanWriteCDKey, _record.canWriteCD}}; }
@@ -184,9 +183,11 @@ bool OpticalDrive::mayQuery() const {
 
 bool OpticalDrive::eject() {
     try {
-        return DriveNode(_record.node, queryTimeout, nullptr).openTray();
-    } catch (const std::exception& failure) {
-        currentPlatform()->log->log(displayName() + ": " + failure.what());
+        DriveWorker worker(_record, displayName());
+        const Dictionary reply = worker.ask(drive::eject, fieldsOf(_record), nullptr);
+        return valueFor(reply, "isOut").asBool();
+    } catch (const BurnFailure& failure) {
+        failed(failure);
         return false;
     }
 }
@@ -200,6 +201,7 @@ std::unique_ptr<SectorWriter> OpticalDrive::claim(const DiscPlan& plan,
         const std::lock_guard asking(_querying); // waits for the end of a running query
         writer = open(plan, settings, stop);
     } catch (...) {
+        _worker.reset();
         const std::lock_guard lock(mutex());
         endBurn();
         _cached.reset(); // the disc may have been changed by the attempt
@@ -218,22 +220,31 @@ void OpticalDrive::reserve(const std::shared_ptr<StopSignal>& stop) {
 std::unique_ptr<SectorWriter> OpticalDrive::open(const DiscPlan& plan, const BurnSettings& settings,
                                                  const std::shared_ptr<StopSignal>& stop) {
     const std::uint64_t changes = changeCount();
-    auto drive = std::make_unique<GrabbedDrive>(_record, DriveTimeouts{burnTimeout, loadingTimeout},
-                                                stop.get());
-    const DiscFacts disc = readDiscFacts(*drive);
-    updateCache(disc, false, changes);
-    stop->throwIfRequested();
-    if (const std::optional<BurnFailure> failure = refusal(disc, plan, settings))
-        throw BurnFailure(causeBehind(failure->error(), *drive, _record, *stop),
-                          displayName() + ": " + failure->info());
-    _reload.emplace(_record, plan);
-    return std::make_unique<OpticalWriter>(std::move(drive), _record, settings,
-                                           disc.state != DiscFacts::State::Blank, stop);
+    const auto end = std::chrono::steady_clock::now() + takingTimeout;
+    const Dictionary fields = {{"drive", fieldsOf(_record)},
+                               {"name", displayName()},
+                               {"plan", fieldsOf(plan)},
+                               {"settings", fieldsOf(settings)}};
+    while (true) {
+        try {
+            _worker =
+                std::make_shared<DriveWorker>(_record, displayName(), [&](const DiscFacts& disc) {
+                    updateCache(disc, false, changes);
+                });
+            _worker->ask(drive::claim, fields, stop.get());
+            return std::make_unique<WorkerWriter>(_worker, stop);
+        } catch (const DriveNotTaken&) {
+            if (std::chrono::steady_clock::now() >= end)
+                throw;
+        }
+        std::this_thread::sleep_for(takingInterval);
+    }
 }
 
 void OpticalDrive::release(std::optional<std::uint64_t> writtenSectors) {
     if (writtenSectors)
         reload();
+    _worker.reset();
     {
         const std::lock_guard lock(mutex());
         endBurn();
@@ -246,9 +257,9 @@ void OpticalDrive::release(std::optional<std::uint64_t> writtenSectors) {
 /// end of the burn finds the new disc.
 void OpticalDrive::reload() {
     try {
-        if (_reload->perform() == DiscReload::Result::NotSupported)
+        if (!valueFor(_worker->ask(drive::reload, nullptr), "isSupported").asBool())
             logUnsupportedReload();
-    } catch (const std::exception& failure) {
+    } catch (const BurnFailure& failure) {
         currentPlatform()->log->log(displayName() +
                                     ": the written disc was not reloaded: " + failure.what());
     }

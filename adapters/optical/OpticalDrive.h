@@ -9,24 +9,27 @@
 
 #include "adapters/engine/EngineDrive.h"
 #include "adapters/engine/ProgressMeter.h"
-#include "adapters/optical/DiscFacts.h"
-#include "adapters/optical/DiscReload.h"
-#include "adapters/optical/DriveRecord.h"
+#include "adapters/optical/DriveWorker.h"
+#include "adapters/worker/DiscFacts.h"
+#include "adapters/worker/DriveRecord.h"
 
 namespace quarner {
 
-/// A real drive, opened with libburn. Every operation may be called on any thread.
+/// A real drive, opened by a process of its own for each question and each burn (`DriveWorker`).
+/// Every operation may be called on any thread.
 ///
 /// The disc's properties are read once and cached until `mediaChanged`. They are read again after
 /// `keptFor` if the drive's changes are not reported, if the disc was being loaded, and if the
-/// drive could not be opened. A query opens the drive, exclusively, only during the call. One drive
-/// is queried at a time, because libburn has one list of drives. While another program has the
-/// drive open, a query returns after half a second that there is no disc; while a disc is being
-/// loaded, it returns at once that the disc is in transition. While a burn runs, queries return
-/// what was known when it began.
+/// drive could not be opened. A query opens the drive, exclusively, only during the call.
+/// While another program has the drive open, a query returns after half a second that there is no
+/// disc; while a disc is being loaded, it returns at once that the disc is in transition. While a
+/// burn runs, queries return what was known when it began.
 ///
 /// After a successful burn the disc is reloaded if the kernel has not noticed its new content and
 /// if the drive can close its tray. The burn ends afterwards, successfully also if that fails.
+///
+/// A drive that does not respond has no disc and is not asked again for `hangsFor`, or until a
+/// change of its disc is reported.
 ///
 /// A status change may be reported twice: once by its cause and once by udev.
 ///
@@ -34,6 +37,7 @@ namespace quarner {
 class OpticalDrive : public EngineDrive {
 public:
     static constexpr std::chrono::milliseconds keptFor{2000};
+    static constexpr std::chrono::seconds hangsFor{60};
 
     /// `receivesEvents` says that `mediaChanged` will be called for every change of the disc.
     OpticalDrive(DriveRecord record, std::string displayName, std::weak_ptr<RunLoops> runLoops,
@@ -80,6 +84,8 @@ private:
     bool eject();
     std::uint64_t changeCount() const;
     void updateCache(const DiscFacts& disc, bool isTransient, std::uint64_t changes) const;
+    bool isHanging() const;
+    void failed(const BurnFailure& failure) const;
     void reserve(const std::shared_ptr<StopSignal>& stop);
     void reload();
     void logUnsupportedReload();
@@ -93,10 +99,11 @@ private:
     /// Held while the drive is open for a query. Locked before `mutex()`.
     mutable std::mutex _querying;
     mutable std::optional<Cached> _cached;
+    mutable std::optional<std::chrono::steady_clock::time_point> _hangsSince;
     std::uint64_t _changes = 0; ///< the number of reported changes of the disc
 
     // Used by the thread of the running burn alone.
-    std::optional<DiscReload> _reload; ///< of the disc that is being written
+    std::shared_ptr<DriveWorker> _worker; ///< has the drive open
     bool _hasLoggedUnsupportedReload = false;
 };
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "adapters/optical/DriveRecord.h"
+#include "adapters/worker/DriveRecord.h"
 
 struct udev_device;
 

@@ -51,6 +51,7 @@ private:
 void putTextSeeds(const SeedFolder& folder);
 void putDiscSeeds(const SeedFolder& folder);
 void putStatusSeeds(const SeedFolder& folder);
+void putWorkerSeeds(const SeedFolder& folder);
 void putMpegSeeds(const SeedFolder& folder);
 void putMp4Seeds(const SeedFolder& folder);
 

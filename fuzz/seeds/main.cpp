@@ -35,6 +35,7 @@ int main(int count, char** arguments) try {
     putTextSeeds(folder);
     putDiscSeeds(folder);
     putStatusSeeds(folder);
+    putWorkerSeeds(folder);
     putMpegSeeds(folder);
     putMp4Seeds(folder);
     return 0;

@@ -29,6 +29,8 @@ std::string_view textFor(DRError error) {
         return "a disc holds at most 99 tracks";
     case DRError::DeviceNotPermitted:
         return "the drive may not be opened";
+    case DRError::DeviceHanging:
+        return "the drive does not respond";
     case DRError::SourceMissing:
         return "a source file is gone or unreadable";
     case DRError::SourceChanged:

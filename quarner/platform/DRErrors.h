@@ -25,6 +25,7 @@ enum class DRError : std::uint32_t {
     EmptyLayout = 0x8002F007,        ///< nothing to write
     TooManyTracks = 0x8002F008,      ///< an audio disc has at most 99 tracks (Red Book)
     DeviceNotPermitted = 0x8002F009, ///< this user may not open the drive
+    DeviceHanging = 0x8002F00A,      ///< the drive does not respond any more
 
     SourceMissing = 0x8002F011,    ///< a source file is gone or may not be read
     SourceChanged = 0x8002F012,    ///< a source file was changed or replaced since it was added

@@ -32,6 +32,8 @@ const char* messageFor(DRError code) {
         return translatable("A disc holds at most 99 tracks.");
     case DRError::DeviceNotPermitted:
         return translatable("The drive may not be opened.");
+    case DRError::DeviceHanging:
+        return translatable("The drive does not respond.");
     case DRError::SourceMissing:
         return translatable("A source file is gone or unreadable.");
     case DRError::SourceChanged:
@@ -62,6 +64,8 @@ const char* adviceFor(DRError code) {
         return translatable("Wait until the other burn or program has ended.");
     case DRError::DeviceVanished:
         return translatable("Reconnect the drive and use a new disc.");
+    case DRError::DeviceHanging:
+        return translatable("Switch the drive off and on, and use a new disc.");
     case DRError::DeviceNotPermitted:
         return translatable("An administrator can change that; then log in again.");
     case DRError::MediaNotPresent:

@@ -131,7 +131,7 @@ TEST(ProgramWording, AnEndWithoutWaitingSaysThatADiscMayNotBeUsable) {
     Console console(out, err, {});
     reportForcedEnd(console, false);
     EXPECT_EQ(err.str(), "quarner: cancelled without waiting for a drive or a file that does not "
-                         "answer; a disc that was being written may not be usable\n");
+                         "respond; a disc that was being written may not be usable\n");
 }
 
 TEST(ProgramWording, AnOutputThatIsLostIsNamedWithTheCause) {

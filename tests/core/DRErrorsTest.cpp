@@ -22,7 +22,7 @@ constexpr DRError all[] = {
     DRError::DeviceNotPermitted, DRError::SourceMissing,    DRError::SourceChanged,
     DRError::SourceUnreadable,   DRError::NoSpace,          DRError::PermissionDenied,
     DRError::WriteFailed,        DRError::ReadBackFailed,   DRError::VerifyFailed,
-    DRError::FolderMissing,      DRError::Internal};
+    DRError::FolderMissing,      DRError::DeviceHanging,    DRError::Internal};
 
 TEST(DRErrors, EveryCodeHasATextOfItsOwn) {
     std::set<std::string_view> texts = {"", unknown};

@@ -245,13 +245,13 @@ TEST_P(DiscProjectBurn, ABurnThatStartsInCapacityChangedFollowsTheEndOfTheLast) 
 TEST_P(DiscProjectBurn, EachFailureEndsWithWhatItsCodeMeans) {
     compile({"a.mp3"});
     for (const DRError code :
-         {DRError::DeviceBusy, DRError::DeviceVanished, DRError::MediaNotPresent,
-          DRError::MediaNotWritable, DRError::MediaTooSmall, DRError::WrongMedia,
-          DRError::EmptyLayout, DRError::TooManyTracks, DRError::DeviceNotPermitted,
-          DRError::SourceMissing, DRError::SourceChanged, DRError::SourceUnreadable,
-          DRError::NoSpace, DRError::PermissionDenied, DRError::WriteFailed,
-          DRError::ReadBackFailed, DRError::VerifyFailed, DRError::FolderMissing,
-          DRError::Internal}) {
+         {DRError::DeviceBusy,       DRError::DeviceVanished, DRError::MediaNotPresent,
+          DRError::MediaNotWritable, DRError::MediaTooSmall,  DRError::WrongMedia,
+          DRError::EmptyLayout,      DRError::TooManyTracks,  DRError::DeviceNotPermitted,
+          DRError::DeviceHanging,    DRError::SourceMissing,  DRError::SourceChanged,
+          DRError::SourceUnreadable, DRError::NoSpace,        DRError::PermissionDenied,
+          DRError::WriteFailed,      DRError::ReadBackFailed, DRError::VerifyFailed,
+          DRError::FolderMissing,    DRError::Internal}) {
         observer->burnEnds.clear();
         platform.playBurns({.failsAt = 0.4, .code = code});
         project->burn(driveId());

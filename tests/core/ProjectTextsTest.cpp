@@ -35,7 +35,7 @@ constexpr DRError codes[] = {
     DRError::DeviceNotPermitted, DRError::SourceMissing,    DRError::SourceChanged,
     DRError::SourceUnreadable,   DRError::NoSpace,          DRError::PermissionDenied,
     DRError::WriteFailed,        DRError::ReadBackFailed,   DRError::VerifyFailed,
-    DRError::FolderMissing,      DRError::Internal};
+    DRError::FolderMissing,      DRError::DeviceHanging,    DRError::Internal};
 
 TEST(ProjectTexts, TheSentenceOfACodeSaysWhatItsShortTextSays) {
     for (const DRError code : codes) {

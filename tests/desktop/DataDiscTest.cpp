@@ -9,7 +9,7 @@
 #include <string_view>
 #include <utility>
 
-#include "adapters/isofs/JolietDiscs.h"
+#include "adapters/joliet/JolietDiscs.h"
 #include "adapters/posix/FileStamps.h"
 #include "quarner/data/DataCDBurner.h"
 #include "quarner/platform/DiscFormat.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "adapters/optical/AccessProblem.h"
+#include "adapters/drive/AccessProblem.h"
 
 #include <fcntl.h>
 #include <grp.h>

@@ -4,7 +4,7 @@
 #include <cerrno>
 #include <thread>
 
-#include "adapters/optical/AccessProblem.h"
+#include "adapters/drive/AccessProblem.h"
 #include "quarner/platform/DRKeys.h"
 #include "quarner/platform/Platform.h"
 #include "tests/optical/LibburnSession.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <gmock/gmock.h>
 
-#include "adapters/optical/Libburn.h"
+#include "adapters/drive/Libburn.h"
 #include "tests/optical/FactsOf.h"
 #include "tests/support/optical/OpticalStage.h"
 

@@ -7,9 +7,9 @@
 
 #include <atomic>
 
+#include "adapters/drive/DiscReload.h"
+#include "adapters/drive/SharedNode.h"
 #include "adapters/engine/BurnFailure.h"
-#include "adapters/optical/DiscReload.h"
-#include "adapters/optical/SharedNode.h"
 #include "quarner/platform/DRKeys.h"
 #include "quarner/platform/Platform.h"
 #include "tests/support/KeptLog.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <gmock/gmock.h>
 
-#include "adapters/isofs/JolietDirectory.h"
+#include "adapters/joliet/JolietDirectory.h"
 #include "quarner/platform/DRKeys.h"
 #include "tests/support/optical/OpticalStage.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "adapters/optical/FailureCause.h"
+#include "adapters/drive/FailureCause.h"
 
 #include <gtest/gtest.h>
 

@@ -15,7 +15,7 @@
 #include <span>
 #include <thread>
 
-#include "adapters/optical/WritingThread.h"
+#include "adapters/drive/WritingThread.h"
 #include "quarner/platform/DiscFormat.h"
 
 namespace quarner {

@@ -3,8 +3,7 @@
 
 #include <functional>
 
-#include "adapters/optical/GrabbedDrive.h"
-#include "adapters/optical/NodeDescriptors.h"
+#include "adapters/drive/GrabbedDrive.h"
 #include "tests/support/optical/OpticalStage.h"
 
 namespace quarner {
@@ -45,8 +44,6 @@ TEST_F(LostDrive, IsLetGoAtWhateverCommandOfAQuestionItWasPulled) {
     EXPECT_GT(pullInTheMidstOf([&] { isBlank = drive->mediaIsBlank(); }, 1), 10U);
     EXPECT_TRUE(isBlank);
     expectReleased();
-    for (int descriptor = 0; descriptor < 1024; ++descriptor)
-        EXPECT_EQ(NodeDescriptors::pathOf(descriptor).find("/memfd:quarner"), std::string::npos);
 }
 
 TEST_F(LostDrive, FailsTheBurnAndIsLetGoWhereverInABurnItWasPulled) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "adapters/optical/SampleOffset.h"
+#include "adapters/drive/SampleOffset.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "adapters/optical/SectorPipe.h"
+#include "adapters/drive/SectorPipe.h"
 
 #include <gtest/gtest.h>
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "adapters/isofs/JolietDirectory.h"
+#include "adapters/joliet/JolietDirectory.h"
 #include "quarner/platform/DiscFormat.h"
 #include "tests/recorder/SourceStage.h"
 #include "tests/support/Layouts.h"

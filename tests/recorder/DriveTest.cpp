@@ -112,11 +112,12 @@ TEST_P(RecorderDrive, RefusesToEjectAndASecondBurnWhileItBurns) {
         second = makeBurn();
         secondLog = observe(second);
         second->writeLayout(makeLayout({1000}));
-        stage->loops().setInStep(false);
+        stage->loops().holdSender();
     };
     burn->writeLayout(makeLayout({588 * 5000}));
+    ASSERT_TRUE(stage->loops().runUntil([&] { return secondLog && secondLog->isOver(); }));
+    stage->loops().setInStep(false);
     ASSERT_TRUE(runToEnd(*log));
-    ASSERT_TRUE(runToEnd(*secondLog));
     EXPECT_FALSE(isEjected);
     EXPECT_EQ(secondLog->code(), codeOf(DRError::DeviceBusy)) << secondLog->info();
     EXPECT_TRUE(log->isDone()) << log->info();

@@ -5,7 +5,7 @@
 #include <span>
 #include <utility>
 
-#include "adapters/isofs/JolietDiscs.h"
+#include "adapters/joliet/JolietDiscs.h"
 #include "quarner/platform/DiscFormat.h"
 #include "tests/recorder/DataStage.h"
 #include "tests/recorder/ImageStage.h"

@@ -18,6 +18,7 @@ public:
         : _platform(platform) {}
 
     void setInStep(bool /*isInStep*/) override {} // a scripted burn is always in step
+    void holdSender() override {}
     bool runUntil(const std::function<bool()>& condition) override {
         return _platform ? _platform->runUntil(condition, std::chrono::minutes(1)) : condition();
     }

@@ -39,7 +39,14 @@ public:
     void setInStep(bool isInStep) override {
         const std::lock_guard lock(_mutex);
         _isInStep = isInStep;
+        _isHeld = false;
         _changed.notify_all();
+    }
+
+    void holdSender() override {
+        std::unique_lock lock(_mutex);
+        _changed.wait(lock, [&] { return _waiting > 0; });
+        _isHeld = true;
     }
 
     bool runUntil(const std::function<bool()>& condition) override {
@@ -87,14 +94,23 @@ private:
         _woken = true;
         _idle = false;
         _changed.notify_all();
-        if (isOtherThread)
-            _changed.wait(lock, [&] { return !_isInStep || (_idle && !_woken); });
+        if (isOtherThread && _isInStep && !_isHeld)
+            waitForDelivery(lock);
+    }
+
+    void waitForDelivery(std::unique_lock<std::mutex>& lock) {
+        ++_waiting;
+        _changed.notify_all();
+        _changed.wait(lock, [&] { return !_isInStep || (_idle && !_woken && !_isHeld); });
+        --_waiting;
     }
 
     std::mutex _mutex;
     std::condition_variable _changed;
     std::map<std::thread::id, std::shared_ptr<RunLoopCenter>> _centers;
     bool _isInStep = false;
+    bool _isHeld = false;
+    std::size_t _waiting = 0;
     bool _woken = false;
     bool _idle = false;
     std::size_t _posts = 0; ///< by threads other than the loop's

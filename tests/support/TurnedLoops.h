@@ -17,6 +17,9 @@ public:
     /// In step, a burn waits until its last record was delivered, so that a handler acts exactly
     /// when the record is sent.
     virtual void setInStep(bool isInStep) = 0;
+    /// For a handler in step: the burn that has sent the record waits until `setInStep(false)`, and
+    /// no other one waits any more.
+    virtual void holdSender() = 0;
     /// Turns the loop of this thread until the condition is true, for at most a minute. Returns
     /// whether it is.
     virtual bool runUntil(const std::function<bool()>& condition) = 0;

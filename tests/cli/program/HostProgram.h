@@ -48,6 +48,7 @@ public:
     /// Types on its terminal.
     void type(const std::string& text) const;
     void signal(int number) const;
+    pid_t process() const { return _process; }
     /// Closes the reading end of its output.
     void stopReading();
 

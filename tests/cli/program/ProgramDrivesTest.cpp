@@ -3,8 +3,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
+#include <atomic>
+#include <chrono>
 #include <csignal>
 #include <future>
+#include <iterator>
+#include <thread>
 #include <utility>
 
 #include "tests/cli/program/HostFixture.h"
@@ -19,13 +24,30 @@ using ::testing::StartsWith;
 
 constexpr char name[] = "QUARNER DISC RECORDER";
 
+constexpr std::uint8_t writeCommand = 0x2A; // MMC-6
+
+bool waitUntil(const std::function<bool()>& condition) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
+
+/// The files that a process has in its memory.
+std::string mapsOf(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/maps");
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
 /// Makes a recorder keep its first write command until this object goes.
 class HangingRecorder {
 public:
     explicit HangingRecorder(EmulatedRecorder& recorder) : _recorder(recorder) {
         _recorder.setCommandHook([this](std::uint8_t operation) {
-            constexpr std::uint8_t write = 0x2A; // MMC-6
-            if (operation != write || std::exchange(_isWriting, true))
+            if (operation != writeCommand || std::exchange(_isWriting, true))
                 return;
             _writing.set_value();
             _end.get_future().wait();
@@ -148,6 +170,49 @@ TEST_F(ProgramDrives, TakeAnAudioCD) {
     ASSERT_EQ(recorder->writtenDisc()->tracks.size(), 1U);
     EXPECT_EQ(recorder->writtenDisc()->tracks[0].length, 750U);
     EXPECT_EQ(run({"audio", "--drive", name, "a.mp3"}).status, 1); // it is written now
+}
+
+TEST_F(ProgramDrives, AreLetGoWhereverInABurnTheProgramIsKilled) {
+    constexpr std::array<std::uint8_t, 6> operations = {
+        0x00, 0xA1, 0x5D, writeCommand, 0x35, 0xBE}; // MMC-6: from asking for the disc to reading
+    song("a.mp3");
+    Medium written = Medium::dataCD(1000);
+    written.kind = Medium::Kind::CDRW;
+    const auto recorder = machine.plug({});
+    const std::vector<std::string> command = {"audio", "--yes", "a.mp3"};
+    for (const std::uint8_t wanted : operations) {
+        SCOPED_TRACE(int(wanted));
+        recorder->insert(written);
+        HostProgram program(command, here());
+        std::atomic<bool> isKilled = false;
+        recorder->setCommandHook([&](std::uint8_t operation) {
+            if (operation == wanted && !isKilled.exchange(true))
+                program.signal(SIGKILL);
+        });
+        EXPECT_EQ(program.wait().status, 128 + SIGKILL);
+        recorder->setCommandHook({});
+        EXPECT_TRUE(waitUntil([&] { return recorder->isReleased(); }));
+    }
+    recorder->insert(written);
+    EXPECT_EQ(run(command).status, 0);
+}
+
+TEST_F(ProgramDrives, BringNoLibraryOfTheirsIntoTheProgram) {
+    song("a.mp3");
+    const auto recorder = machine.plug({});
+    HostProgram program({"data", "--title", "Mix", "--yes", "a.mp3"}, here());
+    std::promise<std::string> maps;
+    auto isRead = std::make_shared<std::atomic<bool>>(false);
+    recorder->setCommandHook([&](std::uint8_t operation) {
+        if (operation == writeCommand && !isRead->exchange(true))
+            maps.set_value(mapsOf(program.process()));
+    });
+    const HostEnd end = program.wait();
+    ASSERT_EQ(end.status, 0) << end.err;
+    const std::string found = maps.get_future().get();
+    EXPECT_THAT(found, HasSubstr("libquarner-desktop"));
+    EXPECT_THAT(found, Not(HasSubstr("libburn")));
+    EXPECT_THAT(found, Not(HasSubstr("libisofs")));
 }
 
 TEST_F(ProgramDrives, ThatHangDoNotKeepTheProgramFromEndingWithAMessage) {

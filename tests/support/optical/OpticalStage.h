@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "adapters/engine/EngineRecorder.h"
-#include "adapters/isofs/JolietDiscs.h"
+#include "adapters/joliet/JolietDiscs.h"
 #include "adapters/optical/OpticalDrives.h"
 #include "tests/support/BurnLog.h"
 #include "tests/support/Layouts.h"

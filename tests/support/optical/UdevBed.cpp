@@ -31,6 +31,7 @@ class UdevBed::Bed {
 public:
     Bed() {
         NodeTable::make();
+        setenv("QUARNER_WORKERS", EMULATED_WORKERS, 1); // they see these devices
         // A machine without devices has this folder too.
         umockdev_testbed_set_attribute(testbed.get(), "/sys/class", "quarner", "");
     }

@@ -59,7 +59,7 @@ ExitStatus runCommand(Host& host, const Command& command) {
 
 void reportForcedEnd(Console& console, bool json) {
     console.error("quarner: " +
-                  _("cancelled without waiting for a drive or a file that does not answer; a disc "
+                  _("cancelled without waiting for a drive or a file that does not respond; a disc "
                     "that was being written may not be usable"));
     endJson(console, json, ExitStatus::Canceled);
 }

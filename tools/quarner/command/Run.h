@@ -10,7 +10,7 @@ namespace quarner::cli {
 ExitStatus runCommand(Host& host, const Command& command);
 
 /// Reports that the program ends with `ExitStatus::Canceled` without waiting for a drive or a file
-/// that does not answer, the exit line of JSON included. Any thread.
+/// that does not respond, the exit line of JSON included. Any thread.
 void reportForcedEnd(Console& console, bool json);
 
 /// With what the program ends that would end with this status: a success of which not everything

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+
+#include "adapters/engine/StopSignal.h"
+#include "adapters/worker/DriveProtocol.h"
+#include "adapters/worker/WorkerProcess.h"
+
+namespace quarner {
+
+/// A process that has one drive open for a question or a burn, seen from the library. Nothing that
+/// the drive or the process does can hold the caller longer than the timeouts in DriveProtocol.h: a
+/// process that does not reply in time is killed, and another one unlocks the tray.
+///
+/// Every operation may be called on any thread, by one at a time. Those that wait throw
+/// `BurnFailure`: with the reason of `stop` (which may be null) once that was requested,
+/// `DRError::DeviceHanging` if the drive does not respond, `DRError::Internal` if the process has
+/// ended, and whatever the process reports.
+class DriveWorker {
+public:
+    /// Called with the disc that a claim has found.
+    using DiscHandler = std::function<void(const DiscFacts&)>;
+    /// Starts a process. Throws `BurnFailure`.
+    using Starter = std::function<std::unique_ptr<WorkerProcess>()>;
+
+    /// Starts the process. `name` is the drive's, for the log. Throws `BurnFailure`.
+    DriveWorker(DriveRecord record, std::string name, DiscHandler handleDisc = {},
+                Starter start = startDriveProgram);
+    /// Ends the process, and with it whatever it does.
+    ~DriveWorker();
+    DriveWorker(const DriveWorker&) = delete;
+    DriveWorker& operator=(const DriveWorker&) = delete;
+
+    /// Sends a request and returns the fields of its reply.
+    Dictionary ask(const DriveRequest& request, const Dictionary& fields, const StopSignal* stop);
+    Dictionary ask(const DriveRequest& request, const StopSignal* stop) {
+        return ask(request, {}, stop);
+    }
+    /// The two halves of `ask`. A request that is too large throws `DRError::Internal`.
+    void tell(const DriveRequest& request, const Dictionary& fields, const StopSignal* stop);
+    Dictionary await(const DriveRequest& request, const StopSignal* stop);
+
+    /// Sends bytes that belong to a request whose reply is still to come.
+    void give(std::span<const std::byte> bytes, const DriveRequest& request,
+              const StopSignal* stop);
+    /// Fills the buffer with bytes that follow a reply.
+    void take(std::span<std::byte> buffer, const DriveRequest& request, const StopSignal* stop);
+
+    /// Multiplies all timeouts from now on. For tests.
+    static void scaleTimeouts(double factor);
+
+    static std::unique_ptr<WorkerProcess> startDriveProgram();
+
+private:
+    class Deadline;
+
+    void settle(const StopSignal* stop);
+    bool check(Channel::Result result, const Message& message, Deadline& deadline,
+               const StopSignal* stop);
+    bool handle(const Message& message, Deadline& deadline);
+    [[noreturn]] void giveUpEnded(const StopSignal* stop);
+    [[noreturn]] void giveUpHanging(const StopSignal* stop);
+    [[noreturn]] void giveUp(DRError error, const std::string& problem, const StopSignal* stop);
+    void unlockTray() const;
+
+    const DriveRecord _record;
+    const std::string _name;
+    const DiscHandler _handleDisc;
+    const Starter _start;
+    const std::unique_ptr<WorkerProcess> _process;
+    std::optional<DriveRequest> _awaited; ///< the request whose reply is still to come
+    bool _isLost = false;                 ///< killed or ended
+    bool _isStopped = false;              ///< was told to stop
+};
+
+} // namespace quarner
