@@ -60,7 +60,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Message other = kind == 0 ? messageFrom(input) : Message{};
     const std::string bytes = input.rest();
     const std::size_t claimed = bytes.size() + (kind == 1 ? 1 : 0);
-    if (!pair.other.send(kind == 0 ? other : Message{joliet::layOut, {{"bytes", claimed}}}))
+    if (!pair.other.send(kind == 0 ? other : layOutRequest(claimed)))
         return 0; // too large a message
     pair.other.sendStream(std::as_bytes(std::span(bytes)));
     pair.other.endStream();

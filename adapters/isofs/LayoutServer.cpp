@@ -14,7 +14,8 @@ constexpr std::size_t mostProblemBytes = 4096; ///< it may name a file, whose na
 
 std::optional<JolietFolder> receiveFolder(const Channel& channel, Clock::time_point end) {
     Message request;
-    if (channel.receive(request, end) != Result::Done || request.name != joliet::layOut)
+    if (channel.receive(request, end) != Result::Done || request.name != joliet::layOut ||
+        valueFor(request.fields, "version").asInt64() != joliet::version)
         return std::nullopt;
     const std::uint64_t size = valueFor(request.fields, "bytes").asUInt64();
     if (size > joliet::mostBytes)

@@ -46,7 +46,7 @@ JolietTree layOut(const JolietFolder& folder) {
 
 JolietTree layOut(const Channel& channel, std::span<const std::byte> folder,
                   Channel::Clock::time_point end) {
-    channel.send({joliet::layOut, {{"bytes", folder.size()}}}, end);
+    channel.send(layOutRequest(folder.size()), end);
     give(channel, folder, end);
     const Message reply = receiveReply(channel, end);
     if (reply.name != drive::done)

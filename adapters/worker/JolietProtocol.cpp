@@ -51,6 +51,10 @@ std::optional<JolietFolder::Entry> takeEntry(std::span<const std::byte>& bytes) 
 
 } // namespace
 
+Message layOutRequest(std::uint64_t bytes) {
+    return {joliet::layOut, {{"version", joliet::version}, {"bytes", bytes}}};
+}
+
 std::vector<std::byte> encoded(const JolietFolder& folder) {
     std::vector<std::byte> bytes;
     append(bytes, folder.volumeName);

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "adapters/worker/Message.h"
 #include "quarner/platform/FileStamp.h"
 
 namespace quarner {
@@ -32,15 +33,19 @@ struct JolietFolder {
     bool operator==(const JolietFolder&) const = default;
 };
 
-/// What the library and the program say: `layOut` with the number of bytes of the folder, which
-/// follow in the stream; then `done` with the number of blocks of the disc and of bytes of its
-/// head, which follow in the stream; or `failed` with a text.
+/// What the library and the program say: `layOut` with the version of this protocol and the number
+/// of bytes of the folder, which follow in the stream; then `done` with the number of blocks of the
+/// disc and of bytes of its head, which follow in the stream; or `failed` with a text.
 namespace joliet {
 constexpr char layOut[] = "lay-out";
+constexpr std::int64_t version = 1;
 constexpr std::chrono::seconds timeout{60};
 /// The largest folder and head, in bytes: room for a million files.
 constexpr std::uint64_t mostBytes = std::uint64_t(512) * 1024 * 1024;
 } // namespace joliet
+
+/// The request to lay out a folder that has so many bytes.
+Message layOutRequest(std::uint64_t bytes);
 
 /// A folder as bytes, and from bytes that nobody has checked.
 std::vector<std::byte> encoded(const JolietFolder& folder);

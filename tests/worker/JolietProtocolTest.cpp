@@ -26,6 +26,17 @@ protected:
         other.closeMessages();
         other.closeStream();
     }
+    /// The name of the reply of the real program to a request and a folder.
+    std::string nameOfReplyTo(const Message& request, std::span<const std::byte> folder) {
+        other.send(request);
+        EXPECT_TRUE(other.sendStream(folder));
+        other.endStream();
+        serveLayout(channel);
+        Message message;
+        const Channel library = std::move(other).asChannel();
+        EXPECT_EQ(library.receive(message, inTime()), Channel::Result::Done);
+        return message.name;
+    }
     JolietTree layOutTwoFiles() { return layOut(channel, encoded(twoFiles), inTime()); }
 };
 
@@ -70,25 +81,25 @@ TEST_F(AProgramThatLaysOut, IsNotWaitedForWhenItHasEnded) {
 }
 
 TEST_F(AProgramThatLaysOut, RefusesAFolderThatDoesNotCome) {
-    other.send({joliet::layOut, {{"bytes", joliet::mostBytes}}});
-    other.endStream();
-    serveLayout(channel);
-    Message message;
-    const Channel library = std::move(other).asChannel();
-    EXPECT_EQ(library.receive(message, inTime()), Channel::Result::Done);
-    EXPECT_EQ(message.name, drive::failed);
+    EXPECT_EQ(nameOfReplyTo(layOutRequest(joliet::mostBytes), {}), drive::failed);
+}
+
+TEST_F(AProgramThatLaysOut, RefusesAnotherVersionOfTheRequest) {
+    const std::vector<std::byte> folder = encoded(JolietFolder{"Disc", {}});
+    Message request = layOutRequest(folder.size());
+    request.fields["version"] = joliet::version + 1;
+    EXPECT_EQ(nameOfReplyTo(request, folder), drive::failed);
+}
+
+TEST_F(AProgramThatLaysOut, LaysAnEmptyFolderOut) {
+    const std::vector<std::byte> folder = encoded(JolietFolder{"Disc", {}});
+    EXPECT_EQ(nameOfReplyTo(layOutRequest(folder.size()), folder), drive::done);
 }
 
 TEST_F(AProgramThatLaysOut, RepliesAlsoIfTheNameOfAFileIsLongerThanAMessage) {
     const std::vector<std::byte> folder =
         encoded(JolietFolder{"Disc", {{std::string(100'000, '/'), {1, 0, 0, 1, 1}}}});
-    other.send({joliet::layOut, {{"bytes", folder.size()}}});
-    ASSERT_TRUE(other.sendStream(folder));
-    serveLayout(channel);
-    Message message;
-    const Channel library = std::move(other).asChannel();
-    EXPECT_EQ(library.receive(message, inTime()), Channel::Result::Done);
-    EXPECT_EQ(message.name, drive::failed);
+    EXPECT_EQ(nameOfReplyTo(layOutRequest(folder.size()), folder), drive::failed);
 }
 
 } // namespace
