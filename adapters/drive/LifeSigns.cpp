@@ -11,6 +11,16 @@
 #include "adapters/worker/DriveProtocol.h"
 
 namespace quarner {
+namespace {
+
+/// Whether the drive replies. The node of one that was unplugged cannot be opened, whatever libburn
+/// still waits for.
+bool responds(const std::string& path) {
+    const SharedNode node(path);
+    return ioctl(node.descriptor(), CDROM_DRIVE_STATUS, CDSL_CURRENT) >= 0;
+}
+
+} // namespace
 
 LifeSigns::LifeSigns(const Channel& channel, std::string node)
     : _channel(channel), _node(std::move(node)), _thread([this] { tell(); }) {}
@@ -29,9 +39,8 @@ void LifeSigns::tell() {
     std::unique_lock lock(_mutex);
     while (!_changed.wait_for(lock, interval, [this] { return _isOver; })) {
         lock.unlock();
-        const SharedNode node(_node);
-        ioctl(node.descriptor(), CDROM_DRIVE_STATUS, CDSL_CURRENT);
-        _channel.send({drive::alive});
+        if (responds(_node))
+            _channel.send({drive::alive});
         lock.lock();
     }
 }

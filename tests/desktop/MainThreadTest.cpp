@@ -91,5 +91,62 @@ INSTANTIATE_TEST_SUITE_P(, DesktopMainThread,
                              return tested.param == DiscProject::Kind::Audio ? "Audio" : "Data";
                          });
 
+/// A host whose drive stops responding in the midst of writing. The time of each call counts here,
+/// whether the thread works or waits.
+class MainThreadOfADriveThatHangs : public ::testing::Test {
+protected:
+    MainThreadOfADriveThatHangs() {
+        installDesktopPlatform({.postToMain = [this](std::function<void()> work) {
+            loop.post([this, work = std::move(work)] { measure(work); });
+        }});
+    }
+    ~MainThreadOfADriveThatHangs() override {
+        recorder->resume();
+        uninstallDesktopPlatform();
+    }
+
+    template <typename Call>
+    void measure(const Call& call) {
+        const auto before = std::chrono::steady_clock::now();
+        call();
+        longest = std::max<Duration>(longest, std::chrono::steady_clock::now() - before);
+    }
+
+    /// Burns a song until the drive hangs, does something and expects the burn to end.
+    void burnAnd(const std::function<void(DiscProject&)>& act, DiscBurnEnd::Outcome outcome) {
+        constexpr std::uint8_t write = 0x2A; // MMC-6
+        DiscProject project(DiscProject::Kind::Audio);
+        const auto drive = [&] { return project.driveNamed("QUARNER DISC RECORDER").value_or(0); };
+        const auto observer = std::make_shared<ProjectObserver>();
+        project.addObserver(observer);
+        measure([&] { project.add({TEST_SONGS + std::string("five.mp3")}); });
+        ASSERT_TRUE(loop.turnUntil([&] { return !project.isAdding() && drive() != 0; }));
+        recorder->hangAt(write);
+        measure([&] { project.burn(drive()); });
+        ASSERT_TRUE(loop.turnUntil([&] { return recorder->isHanging(); }));
+        const auto begin = std::chrono::steady_clock::now();
+        measure([&] { act(project); });
+        ASSERT_TRUE(loop.turnUntil([&] { return !observer->burnEnds.empty(); }));
+        EXPECT_EQ(observer->burnEnds[0].outcome, outcome);
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+        // Usually a millisecond; the drive would hold it for ever, and its timeout for seconds.
+        EXPECT_LT(longest, std::chrono::seconds(1));
+        RecordProperty("microseconds", std::to_string(longest.count() / 1000));
+    }
+
+    OpticalBed machine; // before the platform, which lists its drives
+    HandMadeLoop loop;
+    Duration longest{};
+    std::shared_ptr<EmulatedRecorder> recorder = machine.plug();
+};
+
+TEST_F(MainThreadOfADriveThatHangs, IsNotHeldWhenTheBurnIsCancelled) {
+    burnAnd([](DiscProject& project) { project.cancelBurn(); }, DiscBurnEnd::Outcome::Canceled);
+}
+
+TEST_F(MainThreadOfADriveThatHangs, IsNotHeldWhenTheDriveIsUnplugged) {
+    burnAnd([this](DiscProject&) { recorder->unplug(); }, DiscBurnEnd::Outcome::Failed);
+}
+
 } // namespace
 } // namespace quarner::testing
