@@ -27,7 +27,6 @@ namespace quarner::testing {
 class DesktopTest : public ::testing::Test {
 protected:
     DesktopTest() {
-        setenv("LC_ALL", "C", 1);
         installDesktopPlatform();
         burner->setDelegate(&delegate);
     }
@@ -92,6 +91,8 @@ protected:
         return paths;
     }
 
+    // Before the machine, whose threads read the environment.
+    const int languageResult = setenv("LC_ALL", "C", 1);
     OpticalBed machine; // before the platform, which lists its drives
     const TemporaryFolder folder;
     RecordingDelegate delegate;

@@ -30,8 +30,6 @@ std::string nameAt(const std::string& sysPath) {
 class UdevBed::Bed {
 public:
     Bed() {
-        NodeTable::make();
-        setenv("QUARNER_WORKERS", EMULATED_WORKERS, 1); // they see these devices
         // A machine without devices has this folder too.
         umockdev_testbed_set_attribute(testbed.get(), "/sys/class", "quarner", "");
     }
@@ -108,9 +106,16 @@ public:
     }
 
     std::mutex mutex; ///< the test bed supports one call at a time
-    const std::unique_ptr<UMockdevTestbed, Unref> testbed{umockdev_testbed_new()};
+    const std::unique_ptr<UMockdevTestbed, Unref> testbed{makeTestbed()};
 
 private:
+    /// The environment is changed before the threads of the test bed read it.
+    static UMockdevTestbed* makeTestbed() {
+        NodeTable::make();
+        setenv("QUARNER_WORKERS", EMULATED_WORKERS, 1); // they see these devices
+        return umockdev_testbed_new();
+    }
+
     std::map<std::string, std::size_t> _minors; ///< of each name that was ever plugged in
 
 public:
