@@ -31,19 +31,32 @@ constexpr char interfaces[] = R"(<node>
     </method>
     <method name='Uninhibit'><arg type='u' direction='in'/></method>
   </interface>
+  <interface name='org.freedesktop.portal.Settings'>
+    <method name='Read'>
+      <arg type='s' direction='in'/><arg type='s' direction='in'/><arg type='v' direction='out'/>
+    </method>
+  </interface>
 </node>)";
 
 struct Service {
     const char* name;
     const char* path;
+    const char* interface;
 };
-constexpr Service services[] = {{"org.freedesktop.Notifications", "/org/freedesktop/Notifications"},
-                                {"org.gnome.SessionManager", "/org/gnome/SessionManager"}};
+constexpr Service services[] = {
+    {"org.freedesktop.Notifications", "/org/freedesktop/Notifications",
+     "org.freedesktop.Notifications"},
+    {"org.gnome.SessionManager", "/org/gnome/SessionManager", "org.gnome.SessionManager"},
+    {"org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop",
+     "org.freedesktop.portal.Settings"}};
+constexpr char appearance[] = "org.freedesktop.appearance";
+constexpr char colorScheme[] = "color-scheme";
 
 } // namespace
 
-DesktopServices::DesktopServices()
-    : _context(g_main_context_new()), _loop(g_main_loop_new(_context, FALSE)) {
+DesktopServices::DesktopServices(ColorScheme scheme)
+    : _colorScheme(scheme), _context(g_main_context_new()),
+      _loop(g_main_loop_new(_context, FALSE)) {
     std::promise<void> isServing;
     _thread = std::thread([this, &isServing] {
         g_main_context_push_thread_default(_context);
@@ -64,9 +77,9 @@ void DesktopServices::serve() {
     GDBusNodeInfo* const node = g_dbus_node_info_new_for_xml(interfaces, nullptr);
     static const GDBusInterfaceVTable table = {&DesktopServices::called, nullptr, nullptr, {}};
     for (const Service& service : services) {
-        g_dbus_connection_register_object(_bus, service.path,
-                                          g_dbus_node_info_lookup_interface(node, service.name),
-                                          &table, this, nullptr, nullptr);
+        g_dbus_connection_register_object(
+            _bus, service.path, g_dbus_node_info_lookup_interface(node, service.interface), &table,
+            this, nullptr, nullptr);
         GVariant* const reply = g_dbus_connection_call_sync(
             _bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
             "RequestName", g_variant_new("(su)", service.name, 4U), nullptr, G_DBUS_CALL_FLAGS_NONE,
@@ -112,7 +125,20 @@ GVariant* DesktopServices::replyTo(const std::string& method, GVariant* argument
     }
     if (method == "Uninhibit")
         --_inhibitors;
+    if (method == "Read")
+        return g_variant_new("(v)",
+                             g_variant_new_variant(g_variant_new_uint32(guint32(_colorScheme))));
     return nullptr;
+}
+
+void DesktopServices::setColorScheme(ColorScheme scheme) {
+    const std::lock_guard lock(_mutex);
+    _colorScheme = scheme;
+    g_dbus_connection_emit_signal(
+        _bus, nullptr, "/org/freedesktop/portal/desktop", "org.freedesktop.portal.Settings",
+        "SettingChanged",
+        g_variant_new("(ssv)", appearance, colorScheme, g_variant_new_uint32(guint32(scheme))),
+        nullptr);
 }
 
 std::vector<std::string> DesktopServices::notifications() const {

@@ -11,12 +11,14 @@
 
 namespace quarner::testing {
 
-/// What a desktop offers to programs on the message bus: it shows notifications, and keeps the
-/// machine awake. Keeps what it was asked for. Any thread.
+/// What a desktop offers to programs on the message bus: it shows notifications, keeps the machine
+/// awake, and says whether windows are to be dark. Keeps what it was asked for. Any thread.
 class DesktopServices {
 public:
+    enum class ColorScheme { NoPreference, Dark, Light };
+
     /// Returns once the services are on the bus of this process.
-    DesktopServices();
+    explicit DesktopServices(ColorScheme scheme = ColorScheme::NoPreference);
     ~DesktopServices();
     DesktopServices(const DesktopServices&) = delete;
     DesktopServices& operator=(const DesktopServices&) = delete;
@@ -25,6 +27,7 @@ public:
     std::vector<std::string> notifications() const;
     /// How many programs want the machine to stay awake.
     int inhibitors() const;
+    void setColorScheme(ColorScheme scheme);
 
 private:
     static void called(GDBusConnection* bus, const char* sender, const char* path,
@@ -36,6 +39,7 @@ private:
     mutable std::mutex _mutex;
     std::vector<std::string> _notifications;
     int _inhibitors = 0;
+    ColorScheme _colorScheme;
     GMainContext* const _context;
     GMainLoop* const _loop;
     GDBusConnection* _bus = nullptr;

@@ -8,6 +8,7 @@
 #include <thread>
 #include <utility>
 
+#include "tests/gtk/SeenPixels.h"
 #include "tests/support/Program.h"
 
 namespace quarner::testing {
@@ -17,7 +18,6 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds longest{30};
 constexpr std::chrono::milliseconds interval{10};
-constexpr char imageDialogue[] = "Burn to an Image";
 
 std::string input(std::vector<std::string> command) {
     command.insert(command.begin(), "xdotool");
@@ -122,6 +122,13 @@ WindowTest::Point WindowTest::pointIn(const SeenWidget& widget, const std::strin
             geometry.y + frameHeight + place.y + static_cast<int>(part * place.height)};
 }
 
+double WindowTest::brightnessOf(const SeenWidget& widget) const {
+    const Point middle = pointIn(widget, title);
+    const SeenWidget::Place place = widget.place();
+    return brightnessOfScreen(middle.x - place.width / 2, middle.y - place.height / 2, place.width,
+                              place.height);
+}
+
 void WindowTest::click(const SeenWidget& widget, const std::string& windowTitle) const {
     const Point point = pointIn(widget, windowTitle);
     input({"mousemove", "--sync", coordinate(point.x), coordinate(point.y), "click", "1"});
@@ -221,7 +228,7 @@ void WindowTest::chooseImage(const std::string& path) const {
         [&] {
             constexpr int pollsBeforeAnotherTry = 200;
             if (polls++ % pollsBeforeAnotherTry == 0) {
-                click("Title of the disc", "text"); // so that this window has the keyboard
+                click(titleField, "text"); // so that this window has the keyboard
                 press("ctrl+s");
             }
             return geometryOf(imageDialogue).width > 0;

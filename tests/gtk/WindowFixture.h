@@ -53,7 +53,10 @@ protected:
     /// Types the path into a dialogue for files or folders, which is about to come.
     void enterInDialogue(const std::string& dialogue, const std::string& path) const;
 
-    std::string title = "Burn a Disc"; ///< of the window, in the language of the test
+    // In the language of the test
+    std::string title = "Burn a Disc"; ///< of the window
+    std::string imageDialogue = "Burn to an Image";
+    std::string titleField = "Title of the disc";
 
     struct Point {
         int x = 0;
@@ -62,6 +65,8 @@ protected:
     /// On the screen.
     Point pointIn(const SeenWidget& widget, const std::string& windowTitle,
                   double part = 0.5) const;
+    /// See `brightnessOfScreen`.
+    double brightnessOf(const SeenWidget& widget) const;
     /// Drags something, and once more if the rows stay as they are for a while: a program that has
     /// just come does not notice the pointer at once.
     void drag(Point from, Point to) const;

@@ -95,7 +95,7 @@ TEST_F(WindowList, SaysInTheWindowWhichFilesWereNotAdded) {
         [&] {
             return program()
                 .find([](const SeenWidget& one) {
-                    return one.name().find("missing.mp3\" does not exist") != std::string::npos &&
+                    return one.text().find("missing.mp3\" does not exist") != std::string::npos &&
                            one.isVisible();
                 })
                 .has_value();
@@ -103,6 +103,23 @@ TEST_F(WindowList, SaysInTheWindowWhichFilesWereNotAdded) {
         "reason");
     click("Close the list of files that were not added");
     EXPECT_FALSE(program().find([](const SeenWidget& one) { return one.role() == "dialog"; }));
+}
+
+TEST_F(WindowList, SaysInOneTextWhichOfManyFilesWereNotAdded) {
+    constexpr int files = 500;
+    std::vector<std::string> names;
+    for (int i = 0; i < files; ++i) {
+        names.push_back(std::to_string(i) + ".mp3");
+        writeContent(folder.file(names.back()), "");
+    }
+    start(names);
+    click("500 files were not added");
+    const SeenWidget reasons = find("Files that were not added, and why", "text");
+    EXPECT_THAT(lines(reasons.text()), ::testing::SizeIs(files));
+    EXPECT_THAT(reasons.text(), ::testing::HasSubstr("/499.mp3"));
+    int widgets = 0;
+    program().visit([&](const SeenWidget&) { ++widgets; });
+    EXPECT_LT(widgets, files);
 }
 
 TEST_F(WindowList, IsKeptWhenTheKindOfDiscIsChanged) {

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include <libintl.h>
+
 #include <set>
 
+#include "tests/cli/InLanguage.h"
+#include "tests/gtk/DesktopServices.h"
 #include "tests/gtk/WindowFixture.h"
 #include "tests/support/Program.h"
 
@@ -18,6 +22,18 @@ protected:
     void startInGerman(const std::vector<std::string>& arguments) {
         title = "Disc brennen";
         startIn({"LC_ALL=C.UTF-8", "LANGUAGE=de"}, arguments);
+    }
+
+    /// As on a desktop: the theme follows the settings.
+    void startInThemeOfDesktop() {
+        HostSettings settings = here();
+        settings.environment.insert(settings.environment.begin(), "--unset=GTK_THEME");
+        start({}, settings);
+    }
+    void waitUntilDark(bool isDark) const {
+        constexpr double half = 0.5;
+        waitUntil([&] { return (brightnessOf(find("Drop music here")) < half) == isDark; },
+                  isDark ? "dark window" : "light window");
     }
 
     static SeenWidget partOf(const SeenWidget& row, const std::string& text) {
@@ -65,6 +81,68 @@ TEST_F(WindowLook, FitsInto360PixelsAlsoInALanguageOfLongerWords) {
     EXPECT_LE(resize(360, 640), 360);
 }
 
+/// With texts that are longer by half than the English ones.
+class WindowWithLongTexts : public WindowLook {
+protected:
+    void startWith(const std::vector<std::string>& arguments, const std::string& gate) {
+        HostSettings settings = here();
+        // The catalogue is in the tree of the tests: the name of a language may be a path.
+        settings.environment = {"LOCPATH=" TEST_LOCALES, "LC_ALL=de_DE.UTF-8",
+                                "LANGUAGE=../../tests/translations/long/de"};
+        settings.preloads.emplace_back(FAILING_CALLS);
+        settings.environment.emplace_back("QUARNER_FAULT=pwrite 1 held always a.long.name");
+        settings.environment.push_back("QUARNER_FAULT_GATE=" + gate);
+        title = text("Burn a Disc");
+        imageDialogue = text("Burn to an Image");
+        titleField = text("Title of the disc");
+        start(arguments, settings);
+    }
+    static std::string text(const char* message) { return dgettext("quarner", message); }
+    static std::string files(unsigned long count) {
+        std::string text = dngettext("quarner", "{count} file was not added",
+                                     "{count} files were not added", count);
+        return text.replace(text.find("{count}"), 7, std::to_string(count));
+    }
+    void expectToBeNarrow(const char* state) const {
+        EXPECT_LE(resize(360, 640), 360) << state << treeOf(program());
+    }
+
+private:
+    const cli::InLanguage _language{"de_DE.UTF-8", LONG_CATALOGUES};
+};
+
+TEST_F(WindowWithLongTexts, FitsInto360PixelsWhateverItShows) {
+    const std::string gate = folder.file("gate");
+    writeContent(gate, "");
+    const std::string image = folder.file("a.long.name of an image for the whole family and "
+                                          "all of their friends, summer 2024.cue");
+    startWith({song("a.mp3", 11), "missing.mp3", "missing too.mp3"}, gate);
+    expectToBeNarrow("a list");
+    click(files(2));
+    find(text("Files that were not added, and why"), "text");
+    expectToBeNarrow("refusals");
+    chooseImage(image);
+    clickWhenReady(text("Burn"), "push button");
+    find(text("Cancel"), "push button");
+    expectToBeNarrow("a burn");
+    std::filesystem::remove(gate);
+    find(text("Burn Another Copy"), "push button");
+    expectToBeNarrow("the end of the burn");
+}
+
+TEST_F(WindowLook, IsDarkOrLightAsTheDesktopPrefersAndFollowsIt) {
+    using ColorScheme = DesktopServices::ColorScheme;
+    DesktopServices desktop(ColorScheme::Dark);
+    startInThemeOfDesktop();
+    waitUntilDark(true);
+    desktop.setColorScheme(ColorScheme::Light);
+    waitUntilDark(false);
+    desktop.setColorScheme(ColorScheme::Dark);
+    waitUntilDark(true);
+    desktop.setColorScheme(ColorScheme::NoPreference);
+    waitUntilDark(false);
+}
+
 TEST_F(WindowLook, SpeaksGerman) {
     startInGerman({});
     EXPECT_FALSE(isThere("Burn", "push button"));
@@ -89,6 +167,23 @@ TEST_F(WindowLook, IsMirroredWhereTextsRunFromRightToLeft) {
     EXPECT_GT(partOf(row("a.mp3"), "a.mp3").place().x, partOf(row("a.mp3"), "00:00:10").place().x);
     dragRow("a.mp3", "c.mp3", true);
     waitForRows({"b.mp3", "c.mp3", "a.mp3"});
+}
+
+TEST_F(WindowLook, TheDesktopOffersTheProgramForEveryTypeOfItsFiles) {
+    const std::string entry =
+        contentOf(SOURCE_FOLDER "/tools/quarner-gtk/desktop/org.quarner.Quarner.desktop");
+    std::set<std::string> extensions;
+    for (const std::string& line : lines(contentOf("/usr/share/mime/globs2"))) {
+        // 50:audio/mpeg:*.mp3
+        const auto type = line.find(':') + 1;
+        const auto glob = line.find(":*.", type);
+        const std::string extension = glob == std::string::npos ? "" : line.substr(glob + 3);
+        if (!std::set<std::string>{"mp3", "m4a", "m3u", "m3u8", "pls", "xspf"}.contains(extension))
+            continue;
+        extensions.insert(extension);
+        EXPECT_THAT(entry, ::testing::HasSubstr(line.substr(type, glob - type) + ";"));
+    }
+    EXPECT_THAT(extensions, ::testing::SizeIs(6));
 }
 
 TEST_F(WindowLook, TheDesktopAcceptsWhatTheProgramTellsIt) {

@@ -32,6 +32,7 @@ headerbar .title { padding-left: 3px; padding-right: 3px; }
 .caption { font-size: smaller; }
 .title-2 { font-size: larger; font-weight: bold; }
 .message { padding: 9px 12px; }
+.message textview, .message textview text { background: none; }
 .message.warning { background-color: alpha(@warning_color, 0.2); }
 .message.error { background-color: alpha(@error_color, 0.2); }
 .message.success { background-color: alpha(@success_color, 0.2); }
@@ -51,6 +52,7 @@ Application::Application()
 void Application::on_startup() {
     Gtk::Application::on_startup();
     addStyle();
+    _colorScheme.emplace();
     add_action("about", [this] { showAbout(); });
 }
 

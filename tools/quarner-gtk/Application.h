@@ -5,7 +5,9 @@
 #include <gtkmm/application.h>
 
 #include <memory>
+#include <optional>
 
+#include "tools/quarner-gtk/ColorScheme.h"
 #include "tools/quarner-gtk/Window.h"
 
 namespace quarner::window {
@@ -25,7 +27,8 @@ private:
     void addStyle();
     void showAbout();
 
-    std::unique_ptr<Window> _window; ///< null once it was closed
+    std::optional<ColorScheme> _colorScheme; ///< empty until GTK is initialised
+    std::unique_ptr<Window> _window;         ///< null once it was closed
 };
 
 } // namespace quarner::window

@@ -39,6 +39,7 @@ CapacityBar::CapacityBar() : Gtk::Box(Gtk::Orientation::VERTICAL, 3) {
         label->add_css_class("numeric");
         label->add_css_class("caption");
         label->set_wrap(true);
+        label->set_wrap_mode(Pango::WrapMode::WORD_CHAR);
         _texts.append(*label);
     }
     _texts.set_spacing(12);

@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "tools/quarner-gtk/DriveChooser.h"
 
+#include <gtkmm/label.h>
+#include <gtkmm/listitem.h>
+#include <gtkmm/signallistitemfactory.h>
+
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 #include "quarner/display.h"
@@ -12,9 +17,32 @@ namespace quarner::window {
 
 using words::_;
 
+namespace {
+
+/// A row that is never wider than the place that it has.
+Glib::RefPtr<Gtk::ListItemFactory> shortRows() {
+    const auto factory = Gtk::SignalListItemFactory::create();
+    factory->signal_setup().connect([](const auto& item) {
+        auto* const label = Gtk::make_managed<Gtk::Label>();
+        label->set_xalign(0);
+        label->set_ellipsize(Pango::EllipsizeMode::MIDDLE); // the end says the kind of image
+        item->set_child(*label);
+    });
+    factory->signal_bind().connect([](const auto& item) {
+        const auto name = std::dynamic_pointer_cast<Gtk::StringObject>(item->get_item());
+        dynamic_cast<Gtk::Label&>(*item->get_child()).set_text(name->get_string());
+    });
+    return factory;
+}
+
+} // namespace
+
 DriveChooser::DriveChooser(Handlers handlers)
     : _handlers(std::move(handlers)), _names(Gtk::StringList::create({})) {
     set_model(_names);
+    // The list, which may be wider than the window, shows the whole names.
+    set_list_factory(get_factory());
+    set_factory(shortRows());
     set_hexpand(true);
     property_selected().signal_changed().connect([this] { selectionChanged(); });
     show({});
@@ -67,8 +95,9 @@ void DriveChooser::selectChosen() {
     set_selected(static_cast<guint>(entry));
     _isBeingFilled = false;
     // The focus goes to the button in it.
-    const std::string name =
-        _("Drive: {name}", {{"name", _names->get_string(static_cast<guint>(entry))}});
+    const Glib::ustring drive = _names->get_string(static_cast<guint>(entry));
+    const std::string name = _("Drive: {name}", {{"name", drive}});
+    set_tooltip_text(drive);
     setSpokenName(*this, name);
     setSpokenName(*get_first_child(), name);
 }

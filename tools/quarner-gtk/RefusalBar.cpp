@@ -11,18 +11,26 @@ using words::_;
 
 namespace {
 
-constexpr int lowestList = 96;
 constexpr int highestList = 160;
+constexpr int space = 6;
 
 } // namespace
 
 RefusalBar::RefusalBar() {
     _scroller.set_policy(Gtk::PolicyType::NEVER, Gtk::PolicyType::AUTOMATIC);
     _scroller.set_propagate_natural_height(true);
-    _scroller.set_min_content_height(lowestList);
     _scroller.set_max_content_height(highestList);
-    _texts.set_margin_top(6);
+    _texts.set_editable(false);
+    _texts.set_cursor_visible(false);
+    _texts.set_accepts_tab(false);
+    _texts.set_wrap_mode(Gtk::WrapMode::WORD_CHAR);
+    _texts.set_pixels_above_lines(space);
+    setSpokenName(_texts, _("Files that were not added, and why"));
+    _head.set_wrap(true);
+    _head.set_wrap_mode(Pango::WrapMode::WORD_CHAR);
+    _head.set_xalign(0);
     _scroller.set_child(_texts);
+    _expander.set_label_widget(_head);
     _expander.set_child(_scroller);
     _expander.set_hexpand(true);
     _expander.set_valign(Gtk::Align::CENTER);
@@ -39,16 +47,12 @@ RefusalBar::RefusalBar() {
 }
 
 void RefusalBar::add(const std::string& text) {
-    auto* const label = Gtk::make_managed<Gtk::Label>(safeText(text));
-    label->set_xalign(0);
-    label->set_wrap(true);
-    label->set_wrap_mode(Pango::WrapMode::WORD_CHAR);
-    label->set_selectable(true);
-    _texts.append(*label);
+    const auto buffer = _texts.get_buffer();
+    buffer->insert(buffer->end(), (_count == 0 ? "" : "\n") + safeText(text));
     ++_count;
     const std::string head =
         words::counted("{count} file was not added", "{count} files were not added", _count);
-    _expander.set_label(head);
+    _head.set_text(head);
     setSpokenName(_expander, head);
     set_reveal_child(true);
 }
@@ -57,8 +61,7 @@ void RefusalBar::clear() {
     set_reveal_child(false);
     _expander.set_expanded(false);
     _count = 0;
-    while (Gtk::Widget* const text = _texts.get_first_child())
-        _texts.remove(*text);
+    _texts.get_buffer()->set_text({});
 }
 
 } // namespace quarner::window

@@ -7,13 +7,15 @@
 #include <gtkmm/label.h>
 #include <gtkmm/revealer.h>
 #include <gtkmm/scrolledwindow.h>
+#include <gtkmm/textview.h>
 
 #include <cstddef>
 #include <string>
 
 namespace quarner::window {
 
-/// Says how many files were not added; when it is opened, which and why.
+/// Says how many files were not added; when it is opened, which and why, in one text, however many
+/// they are.
 class RefusalBar : public Gtk::Revealer {
 public:
     RefusalBar();
@@ -25,8 +27,9 @@ private:
     std::size_t _count = 0;
     Gtk::Box _bar;
     Gtk::Expander _expander;
+    Gtk::Label _head;
     Gtk::ScrolledWindow _scroller;
-    Gtk::Box _texts{Gtk::Orientation::VERTICAL, 6};
+    Gtk::TextView _texts;
     Gtk::Button _close;
 };
 

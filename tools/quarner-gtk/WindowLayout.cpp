@@ -111,6 +111,7 @@ void WindowLayout::layOutEmptyPage() {
     add->set_halign(Gtk::Align::CENTER);
     for (Gtk::Label* const label : {head, text}) {
         label->set_wrap(true);
+        label->set_wrap_mode(Pango::WrapMode::WORD_CHAR);
         label->set_justify(Gtk::Justification::CENTER);
     }
     _empty.set_valign(Gtk::Align::CENTER);
