@@ -163,7 +163,9 @@ function(quarner_test NAME)
   file(CONFIGURE OUTPUT ${NAME}_properties.cmake @ONLY CONTENT [[
 foreach(test IN LISTS @NAME@_TESTS)
   set_tests_properties("${test}" PROPERTIES
-    ENVIRONMENT "@QUARNER_TEST_ENVIRONMENT@" LABELS "@ARG_LABELS@")
+    ENVIRONMENT "@QUARNER_TEST_ENVIRONMENT@" LABELS "@ARG_LABELS@"
+    # Of the programs that a test starts, whose status it does not see.
+    FAIL_REGULAR_EXPRESSION "detected memory leaks|WARNING: ThreadSanitizer|runtime error: ")
 endforeach()
 ]])
   set_property(DIRECTORY APPEND PROPERTY

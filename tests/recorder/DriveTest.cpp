@@ -108,11 +108,11 @@ TEST_P(RecorderDrive, RefusesToEjectAndASecondBurnWhileItBurns) {
     log->onRecord = [&](const Dictionary& record) {
         if (BurnLog::stateOf(record) != DRStatusStateTrackOpen)
             return;
+        stage->loops().holdSender();
         isEjected = drive().ejectMedia();
         second = makeBurn();
         secondLog = observe(second);
         second->writeLayout(makeLayout({1000}));
-        stage->loops().holdSender();
     };
     burn->writeLayout(makeLayout({588 * 5000}));
     ASSERT_TRUE(stage->loops().runUntil([&] { return secondLog && secondLog->isOver(); }));

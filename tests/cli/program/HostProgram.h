@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <atomic>
 #include <functional>
 #include <string>
 #include <vector>
@@ -60,7 +61,7 @@ private:
     void readUntil(const std::function<bool()>& condition, int milliseconds);
     static void readSome(int& descriptor, std::string& text);
 
-    pid_t _process = -1;
+    std::atomic<pid_t> _process = -1; ///< a thread may send signals to it
     int _out = -1;
     int _err = -1;
     HostEnd _end;

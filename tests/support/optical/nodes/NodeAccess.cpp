@@ -34,7 +34,6 @@ bool mayBeNode(const char* path) {
 
 constexpr int mostDescriptors = 4096;
 std::array<std::atomic<bool>, mostDescriptors> isOfNode;
-std::array<std::atomic<bool>, mostDescriptors> isReplaced; ///< was a node, and is another file now
 
 /// Removes repeated slashes.
 std::string plain(const char* path) {
@@ -91,37 +90,22 @@ int openWatched(const char* path, int flags, Function function) {
     return descriptor;
 }
 
-bool isOneOf(const std::array<std::atomic<bool>, mostDescriptors>& some, int descriptor) {
+bool isOpenNode(int descriptor) {
     return descriptor >= 0 && descriptor < mostDescriptors &&
-           some[static_cast<std::size_t>(descriptor)];
-}
-
-void forget(NodeTable& table, int descriptor) {
-    isOfNode[static_cast<std::size_t>(descriptor)] = false;
-    table.removeOpening(descriptor);
+           isOfNode[static_cast<std::size_t>(descriptor)];
 }
 
 /// Closes a descriptor with a function. Locks the table, as opening does, because the test bed
 /// keeps the open nodes in a table without a lock.
 template <class Function>
 int closeWatched(int descriptor, Function function) {
-    if (!isOneOf(isOfNode, descriptor) && !isOneOf(isReplaced, descriptor))
+    if (!isOpenNode(descriptor))
         return function();
     NodeTable& table = *NodeTable::find();
     const std::lock_guard lock(table);
-    forget(table, descriptor);
-    isReplaced[static_cast<std::size_t>(descriptor)] = false;
+    isOfNode[static_cast<std::size_t>(descriptor)] = false;
+    table.removeOpening(descriptor);
     return function();
-}
-
-/// The test bed is not informed: it keeps handling the descriptor until that is closed.
-void replaceWatched(int descriptor) {
-    if (!isOneOf(isOfNode, descriptor))
-        return;
-    NodeTable& table = *NodeTable::find();
-    const std::lock_guard lock(table);
-    forget(table, descriptor);
-    isReplaced[static_cast<std::size_t>(descriptor)] = true;
 }
 
 using Open = int (*)(const char*, int, ...);
@@ -204,23 +188,6 @@ QUARNER_EXPORT int __open64_2(const char* path, int flags) {
 QUARNER_EXPORT int close(int descriptor) {
     return quarner::closeWatched(descriptor,
                                  [=] { return following<int (*)(int)>("close")(descriptor); });
-}
-
-QUARNER_EXPORT int dup3(int from, int to, int flags) {
-    quarner::replaceWatched(to);
-    return following<int (*)(int, int, int)>("dup3")(from, to, flags);
-}
-
-QUARNER_EXPORT int ioctl(int descriptor, unsigned long request, ...) {
-    va_list list;
-    va_start(list, request);
-    void* const argument = va_arg(list, void*);
-    va_end(list);
-    if (quarner::isOneOf(quarner::isReplaced, descriptor)) {
-        errno = ENOTTY;
-        return -1;
-    }
-    return following<int (*)(int, unsigned long, ...)>("ioctl")(descriptor, request, argument);
 }
 
 QUARNER_EXPORT int access(const char* path, int mode) {
