@@ -2,6 +2,7 @@
 #include "adapters/posix/OwnTree.h"
 
 #include <dlfcn.h>
+#include <link.h>
 
 #include <filesystem>
 #include <system_error>
@@ -13,13 +14,16 @@ namespace fs = std::filesystem;
 
 constexpr char here = 0;
 
+/// The name under which a program was started is its caller's choice: the kernel says which file it
+/// is. The linker's list names libraries only.
 fs::path ownFile() {
     Dl_info info = {};
-    const bool isFound = dladdr(&here, &info) != 0 && info.dli_fname != nullptr;
-    const fs::path named = isFound ? info.dli_fname : "";
+    link_map* map = nullptr;
+    const bool isLibrary =
+        dladdr1(&here, &info, reinterpret_cast<void**>(&map), RTLD_DL_LINKMAP) != 0 &&
+        map != nullptr && map->l_name[0] == '/';
     std::error_code error;
-    // A program is named as its user typed it.
-    return fs::canonical(named.is_absolute() ? named : "/proc/self/exe", error);
+    return fs::canonical(isLibrary ? map->l_name : "/proc/self/exe", error);
 }
 
 } // namespace

@@ -36,7 +36,8 @@ inline constexpr DriveRequest facts = {"facts", 20s}; ///< opens the drive, read
 inline constexpr DriveRequest accessProblem = {"access-problem",
                                                5s}; ///< why the drive cannot be opened
 inline constexpr DriveRequest eject = {"eject", 30s};
-inline constexpr DriveRequest unlock = {"unlock", 5s}; ///< the tray that a dead process has locked
+/// Unlocks the tray that a dead process has locked. The library hardly waits for it.
+inline constexpr DriveRequest unlock = {"unlock", 0s};
 
 /// Opens the drive for a burn and refuses a disc that cannot take it. Waits for a new disc.
 inline constexpr DriveRequest claim = {"claim", 60s};

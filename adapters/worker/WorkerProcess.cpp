@@ -5,6 +5,7 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/auxv.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -36,19 +37,25 @@ public:
         static auto* const leftovers = new Leftovers; // in use until the process ends
         return *leftovers;
     }
-    void add(pid_t process) {
+    void add(FileDescriptor process) {
         const std::lock_guard lock(_mutex);
-        _processes.push_back(process);
+        _processes.push_back(std::move(process));
     }
     void collect() {
         const std::lock_guard lock(_mutex);
-        std::erase_if(_processes,
-                      [](pid_t process) { return waitpid(process, nullptr, WNOHANG) != 0; });
+        std::erase_if(_processes, isCollected);
+    }
+    /// Frees the entry of a process that has ended. False if it still runs. By its descriptor: the
+    /// host may have freed the entry, and given the number to a process of its own.
+    static bool isCollected(const FileDescriptor& process) {
+        siginfo_t info = {};
+        return waitid(P_PIDFD, id_t(process.number()), &info, WEXITED | WNOHANG) != 0 ||
+               info.si_pid != 0;
     }
 
 private:
     std::mutex _mutex;
-    std::vector<pid_t> _processes;
+    std::vector<FileDescriptor> _processes;
 };
 
 struct Ends {
@@ -56,16 +63,23 @@ struct Ends {
     FileDescriptor theirs;
 };
 
-/// The numbers are above those that the worker's ends are given.
+/// A descriptor that has just been opened, with a number above those that the worker's ends are
+/// given, and above the standard streams, which a host may have closed.
+FileDescriptor moved(const FileDescriptor& descriptor) {
+    FileDescriptor result(
+        descriptor.isOpen() ? fcntl(descriptor.number(), F_DUPFD_CLOEXEC, freeDescriptor) : -1);
+    if (!result.isOpen())
+        throw std::system_error(errno, std::generic_category());
+    return result;
+}
+
 Ends connection(int type) {
     std::array<int, 2> ends = {-1, -1};
     if (socketpair(AF_UNIX, type | SOCK_CLOEXEC, 0, ends.data()) != 0)
         throw std::system_error(errno, std::generic_category());
-    Ends result{FileDescriptor(ends[0]), FileDescriptor(ends[1])};
-    result.theirs = FileDescriptor(fcntl(ends[1], F_DUPFD_CLOEXEC, freeDescriptor));
-    if (result.theirs.number() < 0)
-        throw std::system_error(errno, std::generic_category());
-    return result;
+    const FileDescriptor ours(ends[0]);
+    const FileDescriptor theirs(ends[1]);
+    return {moved(ours), moved(theirs)};
 }
 
 class SpawnOptions {
@@ -113,18 +127,23 @@ private:
 /// the host ignores SIGCHLD. A child that nothing could end later is ended at once.
 FileDescriptor descriptorOf(pid_t child) {
     FileDescriptor descriptor(int(syscall(SYS_pidfd_open, child, 0)));
-    const int error = errno;
-    if (descriptor.isOpen() || error == ESRCH)
+    if (!descriptor.isOpen() && errno == ESRCH)
         return descriptor;
-    kill(child, SIGKILL);
-    Leftovers::shared().add(child);
-    throw std::system_error(error, std::generic_category());
+    try {
+        return moved(descriptor);
+    } catch (const std::system_error&) {
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        throw;
+    }
 }
 
 } // namespace
 
 std::string workerFolder() {
-    const char* const named = secure_getenv("QUARNER_WORKERS");
+    if (getauxval(AT_SECURE) != 0)
+        return QUARNER_WORKER_DIR;
+    const char* const named = getenv("QUARNER_WORKERS");
     return named != nullptr
                ? named
                : folderOfOwnTree(QUARNER_WORKER_FOLDER, "quarner-drive", QUARNER_WORKER_DIR);
@@ -152,8 +171,8 @@ WorkerProcess::~WorkerProcess() {
         kill();
         waitForEnd(timeToEnd);
     }
-    if (_pid > 0 && waitpid(_pid, nullptr, WNOHANG) == 0)
-        Leftovers::shared().add(_pid);
+    if (_process.isOpen() && !Leftovers::isCollected(_process))
+        Leftovers::shared().add(std::move(_process));
 }
 
 void WorkerProcess::kill() const {

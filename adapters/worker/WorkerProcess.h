@@ -50,9 +50,9 @@ private:
     FileDescriptor _process; ///< a descriptor of the process: its number may be given away
 };
 
-/// The folder that the programs are in: that of the tree that this library is in, or else of the
-/// installation. The environment variable QUARNER_WORKERS may name another one, but not for a
-/// program with more rights than its user.
+/// The folder that the programs are in: that which the environment variable QUARNER_WORKERS names,
+/// or of the tree that this library is in, or else of the installation. In a program with more
+/// rights than its user only that of the installation.
 std::string workerFolder();
 
 } // namespace quarner

@@ -14,7 +14,7 @@ namespace {
 using Result = Channel::Result;
 using Sent = Channel::Sent;
 
-class AChannel : public testing::Test, public ChannelPair {
+class AChannel : public ::testing::Test, public ChannelPair {
 protected:
     static Channel::Clock::time_point after(std::chrono::milliseconds time) {
         return Channel::Clock::now() + time;

@@ -18,7 +18,7 @@ const JolietFolder twoFiles = {"Disc", {{"a.txt", {10, -1, 2, 3, 4}}, {"b\xFF", 
 Channel::Clock::time_point inTime() { return Channel::Clock::now() + std::chrono::seconds(10); }
 
 /// A program that sends this reply, and these bytes, and then ends.
-class AProgramThatLaysOut : public testing::Test, public ChannelPair {
+class AProgramThatLaysOut : public ::testing::Test, public ChannelPair {
 protected:
     void reply(const Dictionary& fields, std::size_t bytes) {
         other.send({drive::done, fields});

@@ -26,7 +26,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 /// The programs are scripts in a folder of the test's own.
-class AProcessOfTheLibrary : public testing::Test {
+class AProcessOfTheLibrary : public ::testing::Test {
 protected:
     AProcessOfTheLibrary() {
         if (const char* const named = getenv("QUARNER_WORKERS"))
@@ -100,7 +100,7 @@ TEST_F(AProcessOfTheLibrary, HasNoDescriptorOfTheHost) {
     ASSERT_TRUE(isSleeping(process.pid()));
     const std::set<std::string> own = {"0", "1", "2", "3", "4"};
     EXPECT_TRUE(waitFor([&] { return descriptors(process.pid()) == own; })) // after its libraries
-        << testing::PrintToString(descriptors(process.pid()));
+        << ::testing::PrintToString(descriptors(process.pid()));
     process.kill();
 }
 
@@ -127,7 +127,7 @@ TEST_F(AProcessOfTheLibrary, ThatCannotBeStartedIsNamedInTheFailure) {
         FAIL();
     } catch (const BurnFailure& failure) {
         EXPECT_EQ(failure.error(), DRError::Internal);
-        EXPECT_THAT(failure.info(), testing::HasSubstr(folder.file("none")));
+        EXPECT_THAT(failure.info(), ::testing::HasSubstr(folder.file("none")));
     }
 }
 
@@ -179,6 +179,25 @@ TEST_F(AProcessOfTheLibrary, ThatWasDetachedIsCollectedWhenItHasEnded) {
     ASSERT_TRUE(waitFor([&] { return status(number, "State").starts_with('Z'); }));
     const WorkerProcess next("ends");
     EXPECT_FALSE(exists(number));
+}
+
+TEST_F(AProcessOfTheLibrary, MayBeCollectedByTheHost) {
+    const WorkerProcess process("ends");
+    ASSERT_TRUE(process.waitForEnd(std::chrono::seconds(10)));
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), process.pid());
+}
+
+TEST_F(AProcessOfTheLibrary, TakesNoNumberOfAStandardStreamThatTheHostHasClosed) {
+    const pid_t host = fork();
+    if (host == 0) {
+        close(STDERR_FILENO);
+        const WorkerProcess process("sleeps");
+        process.kill();
+        _exit(fcntl(STDERR_FILENO, F_GETFD) < 0 ? 0 : 1);
+    }
+    int status = -1;
+    EXPECT_EQ(waitpid(host, &status, 0), host);
+    EXPECT_EQ(status, 0);
 }
 
 TEST_F(AProcessOfTheLibrary, OfAHostThatIgnoresItsChildrenStartsAndEnds) {
