@@ -35,7 +35,7 @@ void checkPlan(const Dictionary& fields) {
         require(!plan.tracks.empty() && plan.tracks.size() <= mostTracks, "1 to 99 tracks");
         require(plan.sectorSize == dataBlockSize || plan.sectorSize == audioSectorSize,
                 "a sector is data or audio");
-        require(plan.sectors() <= std::uint64_t(2'000'000) * mostTracks, "tracks are bounded");
+        require(plan.sectors() <= 2 * mostBlocks * mostTracks, "tracks are bounded");
         require(survives(fieldsOf(plan), [](auto& sent) { return fieldsOf(discPlanOf(sent)); }),
                 "a checked plan survives");
     } catch (const BurnFailure& failure) {

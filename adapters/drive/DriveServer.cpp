@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "adapters/drive/DriveServer.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <exception>
@@ -27,6 +28,19 @@ Message replyTo(DriveSession& session, const Message& request) {
     }
 }
 
+/// The drive that a request locks, or finds locked.
+std::string nodeThatIsLocked(const Message& request) {
+    if (request.name == drive::claim.name)
+        return textFor(dictionaryFor(request.fields, "drive"), "node");
+    return request.name == drive::unlock.name ? textFor(request.fields, "node") : "";
+}
+
+/// Nobody waits any longer for what the process might still print.
+void closeErrors() {
+    if (const int nothing = open("/dev/null", O_WRONLY | O_CLOEXEC); nothing >= 0)
+        dup2(nothing, STDERR_FILENO);
+}
+
 } // namespace
 
 int DriveServer::run() {
@@ -39,6 +53,11 @@ int DriveServer::run() {
             if (GrabbedDrive::isAnyAbandoned())
                 _exit(1); // a thread of libburn waits for ever
         }
+    }
+    {
+        const std::lock_guard lock(_mutex);
+        _isDone = true;
+        _changed.notify_all();
     }
     _channel.shutDown();
     receiver.join();
@@ -61,6 +80,7 @@ void DriveServer::receiveAll() {
             break;
     }
     libraryIsGone();
+    endUnlessDone();
 }
 
 /// Only once: the language must not change under the other thread.
@@ -77,6 +97,8 @@ bool DriveServer::receive(Message message) {
         return begin(message.fields);
     if (!_hasBegun)
         return false;
+    if (const std::string node = nodeThatIsLocked(message); !node.empty())
+        _lockedNode = node;
     if (message.name == drive::stop.name) {
         _stop->request(errorFor(valueFor(message.fields, "error").asUInt64()));
     } else {
@@ -89,11 +111,23 @@ bool DriveServer::receive(Message message) {
 }
 
 void DriveServer::libraryIsGone() {
-    _handleEnd();
     _stop->request(DRError::UserCanceled);
     const std::lock_guard lock(_mutex);
     _isClosed = true;
     _changed.notify_all();
+}
+
+/// On this thread, because the other one may wait for ever. Where the drive hangs, this one waits
+/// for the drive, and the tray is unlocked when that responds.
+void DriveServer::endUnlessDone() {
+    std::unique_lock lock(_mutex);
+    if (_changed.wait_for(lock, _timeToEnd, [this] { return _isDone; }))
+        return;
+    lock.unlock();
+    closeErrors();
+    if (!_lockedNode.empty())
+        unlockTray(_lockedNode);
+    _exit(1);
 }
 
 std::optional<Message> DriveServer::nextRequest() {

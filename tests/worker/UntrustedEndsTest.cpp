@@ -15,7 +15,7 @@ namespace quarner {
 namespace {
 
 /// A program that the library does not trust: the test is the program.
-class AnUntrustedProgram : public testing::Test, public ChannelPair {
+class AnUntrustedProgram : public ::testing::Test, public ChannelPair {
 protected:
     ~AnUntrustedProgram() override { DriveWorker::scaleTimeouts(1); }
 
@@ -79,14 +79,14 @@ TEST_F(AnUntrustedProgram, ThatSendsGarbageHasEnded) {
 }
 
 /// A library that the program does not trust: the test is the library.
-class AnUntrustedLibrary : public testing::Test, public ChannelPair {
+class AnUntrustedLibrary : public ::testing::Test, public ChannelPair {
 protected:
     ~AnUntrustedLibrary() override { installPlatform({}); }
 
     /// Executes what was sent, and returns the replies.
     std::vector<Message> replies() {
         other.endMessages();
-        EXPECT_EQ(DriveServer(std::move(channel), [] {}).run(), 0);
+        EXPECT_EQ(DriveServer(std::move(channel), std::chrono::minutes(1)).run(), 0);
         const Channel library = std::move(other).asChannel();
         std::vector<Message> found;
         Message message;

@@ -2,8 +2,8 @@
 //
 // The process that has a drive open for the library. Not to be started by hand.
 #include <sys/resource.h>
-#include <unistd.h>
 
+#include <chrono>
 #include <iostream>
 
 #include "adapters/drive/DriveServer.h"
@@ -11,16 +11,12 @@
 
 namespace {
 
-/// A busy machine must not let the drive wait for data. What the system does not permit is left.
+/// A busy machine must not let the drive wait for data. As far as the system permits it.
 void raisePriority() {
-    constexpr int niceness = -10;
-    setpriority(PRIO_PROCESS, 0, niceness);
-}
-
-/// Unless the drive lets go before.
-void endSoon() {
-    constexpr unsigned seconds = 10;
-    alarm(seconds);
+    constexpr int wanted = -10;
+    for (int niceness = wanted; niceness < 0; ++niceness)
+        if (setpriority(PRIO_PROCESS, 0, niceness) == 0)
+            return;
 }
 
 } // namespace
@@ -32,5 +28,6 @@ int main() {
         return 2;
     }
     raisePriority();
-    return quarner::DriveServer(std::move(*channel), endSoon).run();
+    return quarner::DriveServer(std::move(*channel), std::chrono::milliseconds(QUARNER_TIME_TO_END))
+        .run();
 }

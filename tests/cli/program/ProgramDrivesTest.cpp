@@ -197,6 +197,27 @@ TEST_F(ProgramDrives, AreLetGoWhereverInABurnTheProgramIsKilled) {
     EXPECT_EQ(run(command).status, 0);
 }
 
+TEST_F(ProgramDrives, AreLetGoAlsoIfTheProgramIsKilledWhileTheyBlankForLong) {
+    song("a.mp3");
+    Medium written = Medium::dataCD(1000);
+    written.kind = Medium::Kind::CDRW;
+    UnitFaults faults;
+    faults.blankingSteps = 1'000'000;
+    const auto recorder = machine.plug({.medium = written, .faults = faults});
+    HostProgram program({"audio", "--yes", "a.mp3"}, here());
+    bool isBlanking = false;
+    bool isKilled = false;
+    recorder->setCommandHook([&](std::uint8_t operation) {
+        constexpr std::uint8_t blank = 0xA1; // MMC-6
+        if (isBlanking && !std::exchange(isKilled, true))
+            program.signal(SIGKILL);
+        isBlanking = isBlanking || operation == blank;
+    });
+    EXPECT_EQ(program.wait().status, 128 + SIGKILL);
+    EXPECT_TRUE(waitUntil([&] { return recorder->isReleased(); }));
+    recorder->setCommandHook({});
+}
+
 TEST_F(ProgramDrives, BringNoLibraryOfTheirsIntoTheProgram) {
     song("a.mp3");
     const auto recorder = machine.plug({});

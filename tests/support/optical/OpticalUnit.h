@@ -21,6 +21,7 @@ struct UnitFaults {
     /// The number of commands that need the disc, and of status queries, that find the drive not
     /// ready.
     unsigned notReady = 0;
+    unsigned blankingSteps = 2; ///< the number of such commands until a disc is blank
     bool refusesCueSheet = false;
     unsigned observers = 0;   ///< the number of ejects that fail because the node has another user
     bool isTrayStuck = false; ///< the tray stays as it is, although no command fails

@@ -242,7 +242,7 @@ ScsiReply OpticalUnit::blank(const ScsiCommand& command) {
         return sense::invalidField;
     _medium->erase();
     forgetSession();
-    _blankingSteps = 2;
+    _blankingSteps = faults.blankingSteps;
     return {};
 }
 
