@@ -97,7 +97,6 @@ void DriveChooser::selectChosen() {
     // The focus goes to the button in it.
     const Glib::ustring drive = _names->get_string(static_cast<guint>(entry));
     const std::string name = _("Drive: {name}", {{"name", drive}});
-    set_tooltip_text(drive);
     setSpokenName(*this, name);
     setSpokenName(*get_first_child(), name);
 }
