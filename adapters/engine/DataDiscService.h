@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "adapters/engine/DiscContent.h"
+#include "adapters/engine/StopSignal.h"
 #include "quarner/platform/DRFolder.h"
 #include "quarner/platform/DRTrack.h"
 
@@ -23,8 +24,8 @@ public:
     virtual std::shared_ptr<DRTrack> trackForRootFolder(std::shared_ptr<const DRFolder> folder) = 0;
 
     /// Returns the file system of a track made by this service, block by block. Throws
-    /// `BurnFailure`.
-    virtual DiscContent contentOf(const DRTrack& track) = 0;
+    /// `BurnFailure`: with the reason of `stop` once that was requested.
+    virtual DiscContent contentOf(const DRTrack& track, const StopSignal& stop) = 0;
 };
 
 } // namespace quarner

@@ -20,12 +20,12 @@ DiscContent audioContent(const DRLayout& layout, const std::shared_ptr<PCMServic
 bool isData(const std::shared_ptr<const DRTrack>& track) { return track && track->rootFolder; }
 
 DiscContent contentOf(const DRLayout& layout, const std::shared_ptr<PCMService>& pcm,
-                      const std::shared_ptr<DataDiscService>& dataDiscs) {
+                      const std::shared_ptr<DataDiscService>& dataDiscs, const StopSignal& stop) {
     if (std::none_of(layout.begin(), layout.end(), isData))
         return audioContent(layout, pcm);
     if (layout.size() > 1 || !dataDiscs)
         throw BurnFailure(DRError::WrongMedia, "this recorder writes one data track or audio");
-    return dataDiscs->contentOf(*layout.front());
+    return dataDiscs->contentOf(*layout.front(), stop);
 }
 
 } // namespace
@@ -60,8 +60,8 @@ void EngineBurn::writeLayout(DRLayout layout) {
     const auto run = std::make_shared<BurnRun>(_target, _stop, report, _services.clock,
                                                burnSettings(properties()));
     const auto work = [run, layout = std::move(layout), pcm = _services.pcm,
-                       dataDiscs = _services.dataDiscs] {
-        run->perform([&] { return contentOf(layout, pcm, dataDiscs); });
+                       dataDiscs = _services.dataDiscs, stop = _stop] {
+        run->perform([&] { return contentOf(layout, pcm, dataDiscs, *stop); });
     };
     if (!_services.threads->run(work, _stop))
         report.failed(BurnFailure(DRError::Internal, "no thread for the burn"));

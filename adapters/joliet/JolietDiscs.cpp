@@ -12,7 +12,7 @@ namespace {
 
 std::uint64_t blocksOf(const DRFolder& folder) {
     try {
-        return JolietImage::ofFolder(folder)->blocks();
+        return JolietImage::ofFolder(folder, nullptr)->blocks();
     } catch (const BurnFailure&) {
         return 0; // the burn reports the reason
     }
@@ -39,8 +39,8 @@ public:
         return track;
     }
 
-    DiscContent contentOf(const DRTrack& track) override {
-        std::unique_ptr<const JolietImage> image = JolietImage::ofFolder(*track.rootFolder);
+    DiscContent contentOf(const DRTrack& track, const StopSignal& stop) override {
+        std::unique_ptr<const JolietImage> image = JolietImage::ofFolder(*track.rootFolder, &stop);
         DiscContent content;
         content.plan.sectorSize = dataBlockSize;
         content.plan.tracks = {

@@ -94,12 +94,13 @@ void checkFiles(const DRFolder& folder) {
     }
 }
 
-std::unique_ptr<const JolietImage> JolietImage::ofFolder(const DRFolder& folder) {
+std::unique_ptr<const JolietImage> JolietImage::ofFolder(const DRFolder& folder,
+                                                         const StopSignal* stop) {
     if (folder.explicitFilesystemMask() != DRFilesystemMaskJoliet)
         throw BurnFailure(DRError::WrongMedia, "only discs of a Joliet file system are written");
     checkFiles(folder);
     const JolietFolder laidOut{volumeName(folder.name()), entriesOf(folder)};
-    JolietTree tree = layOut(laidOut);
+    JolietTree tree = layOut(laidOut, stop);
     auto image = std::make_unique<JolietImage>();
     image->_blocks = tree.blocks;
     image->_head = std::move(tree.head);

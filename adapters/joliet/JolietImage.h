@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "adapters/engine/StopSignal.h"
 #include "quarner/platform/DRFolder.h"
 #include "quarner/platform/DiscFormat.h"
 #include "quarner/platform/FileStamp.h"
@@ -31,9 +32,10 @@ public:
     };
 
     /// Lays out a folder. Checks every file as `checkFiles` does, but opens none. Throws
-    /// `BurnFailure` if a check or the library fails, or if the folder's mask is not Joliet alone.
-    /// Any thread.
-    static std::unique_ptr<const JolietImage> ofFolder(const DRFolder& folder);
+    /// `BurnFailure` if a check or the library fails, if the folder's mask is not Joliet alone, or
+    /// if `stop` was requested (null: never). Any thread.
+    static std::unique_ptr<const JolietImage> ofFolder(const DRFolder& folder,
+                                                       const StopSignal* stop);
 
     /// The exact number of blocks of the whole disc.
     std::uint64_t blocks() const { return _blocks; }

@@ -2,6 +2,7 @@
 #include "adapters/joliet/JolietLayout.h"
 
 #include <optional>
+#include <stop_token>
 #include <utility>
 
 #include "adapters/engine/BurnFailure.h"
@@ -36,12 +37,21 @@ Message receiveReply(const Channel& channel, Clock::time_point end) {
 
 } // namespace
 
-JolietTree layOut(const JolietFolder& folder) {
+JolietTree layOut(const JolietFolder& folder, const StopSignal* stop) {
     const std::vector<std::byte> bytes = encoded(folder);
     if (bytes.size() > joliet::mostBytes)
         failLayout("too many files");
     WorkerProcess process(jolietProgram);
-    return layOut(process.channel(), bytes, Clock::now() + joliet::timeout);
+    const Channel& channel = process.channel();
+    const std::stop_callback endsWaiting(stop != nullptr ? stop->token() : std::stop_token(),
+                                         [&channel] { channel.shutDown(); });
+    try {
+        return layOut(channel, bytes, Clock::now() + joliet::timeout);
+    } catch (const BurnFailure&) {
+        if (stop != nullptr)
+            stop->throwIfRequested();
+        throw;
+    }
 }
 
 JolietTree layOut(const Channel& channel, std::span<const std::byte> folder,

@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "adapters/engine/StopSignal.h"
 #include "adapters/worker/Channel.h"
 #include "adapters/worker/JolietProtocol.h"
 
@@ -18,8 +19,9 @@ struct JolietTree {
 };
 
 /// Lays out a folder in a process of its own, Joliet only. Opens none of its files. Throws
-/// `BurnFailure`. Any thread, and several at once.
-JolietTree layOut(const JolietFolder& folder);
+/// `BurnFailure`: with the reason of `stop` (which may be null) once that was requested. Any
+/// thread, and several at once.
+JolietTree layOut(const JolietFolder& folder, const StopSignal* stop);
 
 /// The same by the program at the other end of a channel, until `end`. `folder` is encoded.
 JolietTree layOut(const Channel& channel, std::span<const std::byte> folder,

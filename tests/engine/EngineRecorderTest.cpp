@@ -30,7 +30,7 @@ public:
         track->setEstimateLength(track->rootFolder->children().size());
         return track;
     }
-    DiscContent contentOf(const DRTrack& track) override {
+    DiscContent contentOf(const DRTrack& track, const StopSignal&) override {
         DiscContent content;
         content.plan = {.sectorSize = dataBlockSize,
                         .tracks = {{.length = std::uint32_t(track.estimateLength())}}};

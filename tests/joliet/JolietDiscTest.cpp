@@ -2,7 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <future>
 #include <map>
+#include <optional>
+#include <thread>
 
 #include "adapters/engine/BurnFailure.h"
 #include "adapters/isofs/IsofsTree.h"
@@ -68,7 +74,7 @@ protected:
     /// Reads the disc in buffers of an odd size and returns the image's path.
     std::string burn() {
         track = discs->trackForRootFolder(root);
-        DiscContent content = discs->contentOf(*track);
+        DiscContent content = discs->contentOf(*track, stop);
         expectEstimate(content.plan.sectors());
         TrackSource& source = *content.sources.front();
         std::string image(std::size_t(content.plan.bytes()), '\xFF');
@@ -95,6 +101,7 @@ protected:
     std::shared_ptr<DataDiscService> discs = makeJolietDiscs();
     std::shared_ptr<DRFolder> root = rootNamed("My Mix");
     std::shared_ptr<DRTrack> track;
+    StopSignal stop;
 };
 
 /// A folder with names that are difficult for file systems and readers.
@@ -250,14 +257,40 @@ DRError errorOf(const std::function<void()>& work) {
 TEST_F(JolietDisc, AFileThatIsGoneOrChangedFailsTheDisc) {
     const std::string path = add("one.mp3", noise(5000, 1));
     track = discs->trackForRootFolder(root);
-    DiscContent content = discs->contentOf(*track);
+    DiscContent content = discs->contentOf(*track, stop);
     sources.write("one.mp3", noise(5001, 1));
-    EXPECT_EQ(errorOf([&] { discs->contentOf(*track); }), DRError::SourceChanged);
+    EXPECT_EQ(errorOf([&] { discs->contentOf(*track, stop); }), DRError::SourceChanged);
     EXPECT_EQ(errorOf([&] { content.sources.front()->check(); }), DRError::SourceChanged);
     std::filesystem::remove(path);
-    EXPECT_EQ(errorOf([&] { discs->contentOf(*track); }), DRError::SourceMissing);
+    EXPECT_EQ(errorOf([&] { discs->contentOf(*track, stop); }), DRError::SourceMissing);
     EXPECT_EQ(errorOf([&] { content.sources.front()->check(); }), DRError::SourceMissing);
     EXPECT_EQ(discs->trackForRootFolder(root)->estimateLength(), 0U);
+}
+
+TEST_F(JolietDisc, ABurnThatIsStoppedDoesNotWaitForAProgramThatDoesNotReply) {
+    add("one.mp3", noise(5000, 1));
+    track = discs->trackForRootFolder(root);
+    // It ends with its connection.
+    const std::string program =
+        sources.write("quarner-joliet", "#!/bin/sh\n: > \"$0.started\"\nexec cat <&3\n");
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    const char* const before = getenv("QUARNER_WORKERS");
+    const std::optional<std::string> named =
+        before != nullptr ? std::optional<std::string>(before) : std::nullopt;
+    setenv("QUARNER_WORKERS", sources.path().c_str(), 1);
+    const auto begin = std::chrono::steady_clock::now();
+    auto error = std::async(std::launch::async,
+                            [&] { return errorOf([&] { discs->contentOf(*track, stop); }); });
+    while (!std::filesystem::exists(program + ".started") &&
+           std::chrono::steady_clock::now() - begin < std::chrono::seconds(10))
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    stop.request(DRError::UserCanceled);
+    EXPECT_EQ(error.get(), DRError::UserCanceled);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+    if (named)
+        setenv("QUARNER_WORKERS", named->c_str(), 1);
+    else
+        unsetenv("QUARNER_WORKERS");
 }
 
 TEST_F(JolietDisc, AFolderForAnotherFileSystemIsNotWritten) {
@@ -266,14 +299,14 @@ TEST_F(JolietDisc, AFolderForAnotherFileSystemIsNotWritten) {
     for (const std::uint32_t mask : {0U, other, DRFilesystemMaskJoliet | other}) {
         root->setExplicitFilesystemMask(mask);
         track = discs->trackForRootFolder(root);
-        EXPECT_EQ(errorOf([&] { discs->contentOf(*track); }), DRError::WrongMedia) << mask;
+        EXPECT_EQ(errorOf([&] { discs->contentOf(*track, stop); }), DRError::WrongMedia) << mask;
     }
 }
 
 TEST_F(JolietDisc, AFileThatIsReplacedByOneOfItsSizeFailsTheRead) {
     const std::string path = add("one.mp3", noise(100000, 1));
     track = discs->trackForRootFolder(root);
-    DiscContent content = discs->contentOf(*track);
+    DiscContent content = discs->contentOf(*track, stop);
     std::filesystem::rename(sources.write("other.mp3", noise(100000, 2)), path);
     std::vector<std::byte> image(std::size_t(content.plan.bytes()));
     EXPECT_EQ(errorOf([&] { content.sources.front()->read(image); }), DRError::SourceChanged);
@@ -282,7 +315,7 @@ TEST_F(JolietDisc, AFileThatIsReplacedByOneOfItsSizeFailsTheRead) {
 TEST_F(JolietDisc, AFileThatShrinksWhileItIsReadFailsTheRead) {
     add("one.mp3", noise(100000, 1));
     track = discs->trackForRootFolder(root);
-    DiscContent content = discs->contentOf(*track);
+    DiscContent content = discs->contentOf(*track, stop);
     sources.write("one.mp3", noise(50000, 1));
     std::vector<std::byte> image(std::size_t(content.plan.bytes()));
     EXPECT_EQ(errorOf([&] { content.sources.front()->read(image); }), DRError::SourceChanged);

@@ -22,8 +22,8 @@ public:
     std::shared_ptr<DRTrack> trackForRootFolder(std::shared_ptr<const DRFolder> folder) override {
         return _discs->trackForRootFolder(std::move(folder));
     }
-    DiscContent contentOf(const DRTrack& track) override {
-        DiscContent content = _discs->contentOf(track);
+    DiscContent contentOf(const DRTrack& track, const StopSignal& stop) override {
+        DiscContent content = _discs->contentOf(track, stop);
         for (auto& source : content.sources)
             source = std::make_unique<Source>(std::move(source), content.plan.bytes(), _hook);
         return content;
