@@ -3,10 +3,11 @@
 
 #include <algorithm>
 #include <atomic>
+#include <string_view>
 #include <utility>
 
+#include "adapters/optical/DriveLog.h"
 #include "adapters/worker/WorkerProgram.h"
-#include "quarner/platform/Platform.h"
 #include "quarner/platform/Texts.h"
 
 namespace quarner {
@@ -24,8 +25,6 @@ Clock::duration scaled(Clock::duration time) {
     return std::chrono::duration_cast<Clock::duration>(time * timeoutScale.load());
 }
 
-void log(const std::string& line) { currentPlatform()->log->log(line); }
-
 bool hasReply(const DriveRequest& request) {
     return request.name != drive::hello.name && request.name != drive::stop.name;
 }
@@ -36,29 +35,27 @@ bool hasReply(const DriveRequest& request) {
 class DriveWorker::Deadline {
 public:
     Deadline(DriveWorker& worker, const DriveRequest& request, const StopSignal* stop)
-        : _worker(worker), _request(request), _stop(stop),
-          _last(Clock::now() + scaled(drive::longest)) {
+        : _worker(worker), _request(request), _stop(stop) {
         renew();
     }
 
     /// The end of the next wait.
     Clock::time_point next() {
-        if (_stop != nullptr && !_worker._isStopped)
+        if (!_worker._isStopped)
             passStopOn();
         return std::min(_end, Clock::now() + checkInterval);
     }
     bool isOver() const { return Clock::now() >= _end; }
     /// There was a sign of life.
-    void renew() { _end = std::min(_last, Clock::now() + timeout()); }
+    void renew() { _end = std::min(_worker._latest, Clock::now() + timeout()); }
 
 private:
     Clock::duration timeout() const {
         return scaled(_worker._isStopped ? Clock::duration(drive::stopTimeout) : _request.timeout);
     }
     void passStopOn() {
-        if (const std::optional<DRError> reason = _stop->reason()) {
-            _worker._isStopped = true;
-            _worker.tell(drive::stop, {{"error", static_cast<std::uint32_t>(*reason)}}, _stop);
+        if (const std::optional<DRError> reason = _worker.reasonToStop(_stop)) {
+            _worker.tellToStop(*reason, _stop);
             renew();
         }
     }
@@ -66,14 +63,13 @@ private:
     DriveWorker& _worker;
     const DriveRequest& _request;
     const StopSignal* const _stop;
-    const Clock::time_point _last; ///< whatever signs of life there are
     Clock::time_point _end;
 };
 
 DriveWorker::DriveWorker(DriveRecord record, std::string name, DiscHandler handleDisc,
-                         Starter start)
+                         Starter start, std::function<bool()> isGone)
     : _record(std::move(record)), _name(std::move(name)), _handleDisc(std::move(handleDisc)),
-      _start(std::move(start)), _process(_start()) {
+      _start(std::move(start)), _isGone(std::move(isGone)), _process(_start()) {
     tell(drive::hello, helloFields(), nullptr);
 }
 
@@ -87,17 +83,21 @@ void DriveWorker::scaleTimeouts(double factor) { timeoutScale = factor; }
 
 Dictionary DriveWorker::ask(const DriveRequest& request, const Dictionary& fields,
                             const StopSignal* stop) {
+    if (_isLost)
+        giveUpEnded(stop);
     settle(stop);
     tell(request, fields, stop);
     return await(request, stop);
 }
 
-/// Takes the reply to a request that was given up: it is not that to the next one.
+/// Stops a request that was given up, and takes its reply: it is not that to the next one.
 void DriveWorker::settle(const StopSignal* stop) {
     if (!_awaited)
         return;
     try {
         const DriveRequest request = *_awaited;
+        if (!_isStopped)
+            tellToStop(DRError::UserCanceled, stop);
         await(request, stop);
     } catch (const BurnFailure&) {
         if (_isLost)
@@ -105,9 +105,21 @@ void DriveWorker::settle(const StopSignal* stop) {
     }
 }
 
+std::optional<DRError> DriveWorker::reasonToStop(const StopSignal* stop) const {
+    const std::optional<DRError> reason = stop != nullptr ? stop->reason() : std::nullopt;
+    return !reason && _isGone && _isGone() ? DRError::DeviceVanished : reason;
+}
+
+void DriveWorker::tellToStop(DRError reason, const StopSignal* stop) {
+    _isStopped = true;
+    tell(drive::stop, {{"error", static_cast<std::uint32_t>(reason)}}, stop);
+}
+
 void DriveWorker::tell(const DriveRequest& request, const Dictionary& fields,
                        const StopSignal* stop) {
     const auto end = Clock::now() + scaled(drive::sendTimeout);
+    if (hasReply(request))
+        _latest = Clock::now() + scaled(drive::longest);
     switch (_process->channel().send({request.name, fields}, end)) {
     case Channel::Sent::Done:
         if (hasReply(request))
@@ -142,6 +154,10 @@ bool DriveWorker::check(Channel::Result result, const Message& message, Deadline
     return handle(message, deadline);
 }
 
+bool DriveWorker::isAwaited(const DriveRequest& request) const {
+    return _awaited && std::string_view(_awaited->name) == request.name;
+}
+
 /// Returns whether it is the reply. Throws the failure that is one.
 bool DriveWorker::handle(const Message& message, Deadline& deadline) {
     if (message.name == drive::done || message.name == drive::failed)
@@ -153,8 +169,8 @@ bool DriveWorker::handle(const Message& message, Deadline& deadline) {
     if (message.name == drive::alive)
         deadline.renew();
     else if (message.name == drive::log)
-        log(textFor(message.fields, "line").substr(0, drive::mostLogBytes));
-    else if (message.name == drive::disc && _handleDisc)
+        logLine({std::string_view(textFor(message.fields, "line")).substr(0, drive::mostLogBytes)});
+    else if (message.name == drive::disc && _handleDisc && isAwaited(drive::claim))
         _handleDisc(discFactsOf(message.fields));
     return false;
 }
@@ -166,15 +182,24 @@ void DriveWorker::give(std::span<const std::byte> bytes, const DriveRequest& req
         const Clock::time_point until = deadline.next();
         if (_isStopped)
             await(request, stop); // a failure
-        Message message;
-        if (_process->channel().give(bytes, until) == Result::Done)
+        const Result given = _process->channel().give(bytes, until);
+        if (given == Result::Done)
             deadline.renew();
-        else if (const Result result = _process->channel().receive(message, Clock::now());
-                 result != Result::TimedOut)
-            check(result, message, deadline, stop);
+        else if (!takeMessage(deadline, stop) && given == Result::Closed)
+            giveUpEnded(stop); // the stream alone was closed
         if (deadline.isOver())
             giveUpHanging(stop);
     }
+}
+
+/// Returns whether one had come.
+bool DriveWorker::takeMessage(Deadline& deadline, const StopSignal* stop) {
+    Message message;
+    const Result result = _process->channel().receive(message, Clock::now());
+    if (result == Result::TimedOut)
+        return false;
+    check(result, message, deadline, stop);
+    return true;
 }
 
 void DriveWorker::take(std::span<std::byte> buffer, const DriveRequest& request,
@@ -199,13 +224,16 @@ void DriveWorker::giveUpEnded(const StopSignal* stop) {
 }
 
 void DriveWorker::giveUpHanging(const StopSignal* stop) {
+    _hasHung = true;
     giveUp(DRError::DeviceHanging, text("the drive does not respond"), stop);
 }
 
 void DriveWorker::giveUp(DRError error, const std::string& problem, const StopSignal* stop) {
     if (!std::exchange(_isLost, true)) {
         _process->kill();
-        log(_name + ": " + problem);
+        _process->detach();             // nobody waits for a process that the kernel keeps,
+        _process->channel().shutDown(); // which also keeps its end of the connection open
+        logLine({_name, ": ", problem});
         unlockTray();
     }
     if (stop != nullptr)
@@ -224,8 +252,8 @@ void DriveWorker::unlockTray() const {
         process->channel().send({drive::unlock.name, fieldsOf(_record)}, end);
         Message reply;
         process->channel().receive(reply, end);
-    } catch (const BurnFailure& failure) {
-        log(_record.node + ": " + failure.info());
+    } catch (const std::exception& failure) {
+        logLine({_record.node, ": ", failure.what()});
     }
 }
 

@@ -4,9 +4,9 @@
 #include <thread>
 #include <utility>
 
+#include "adapters/optical/DriveLog.h"
 #include "adapters/optical/WorkerWriter.h"
 #include "quarner/platform/DRKeys.h"
-#include "quarner/platform/Platform.h"
 #include "quarner/platform/Texts.h"
 
 namespace quarner {
@@ -15,9 +15,17 @@ namespace {
 /// The time during which a burn tries to open a drive that gives no reason for its refusal.
 constexpr std::chrono::milliseconds takingTimeout{3000};
 constexpr std::chrono::milliseconds takingInterval{100};
+/// The interval at which a wait for another query looks for a burn that has begun, or was stopped.
+constexpr std::chrono::milliseconds checkInterval{20};
 
 std::string hangingProblem() {
     return text("the drive does not respond; switch it off and on again");
+}
+
+/// Whether the drive has not responded.
+bool isTimeout(const std::exception& failure) {
+    const auto* const known = dynamic_cast<const BurnFailure*>(&failure);
+    return known != nullptr && known->error() == DRError::DeviceHanging;
 }
 
 DRMSF msf(std::uint64_t blocks) { return DRMSF::msfWithFrames(static_cast<std::uint32_t>(blocks)); }
@@ -58,12 +66,25 @@ std::optional<DiscFacts> OpticalDrive::cachedDisc() const {
 }
 
 DiscFacts OpticalDrive::disc() const {
-    if (std::optional<DiscFacts> known = cachedDisc())
-        return std::move(*known);
-    const std::lock_guard asking(_querying);
-    if (std::optional<DiscFacts> known = cachedDisc()) // another thread has just queried it
-        return std::move(*known);
-    return query();
+    std::unique_lock asking(_querying, std::defer_lock);
+    while (true) { // another thread may query the drive, or begin a burn
+        if (std::optional<DiscFacts> known = cachedDisc())
+            return std::move(*known);
+        if (asking.owns_lock())
+            return query();
+        static_cast<void>(asking.try_lock_for(checkInterval));
+    }
+}
+
+std::unique_ptr<DriveWorker> OpticalDrive::startWorker(DriveWorker::DiscHandler handleDisc) const {
+    return std::make_unique<DriveWorker>(_record, displayName(), std::move(handleDisc),
+                                         DriveWorker::startDriveProgram,
+                                         [this] { return isGone(); });
+}
+
+bool OpticalDrive::isGone() const {
+    const std::lock_guard lock(mutex());
+    return !isAttached();
 }
 
 DiscFacts OpticalDrive::query() const {
@@ -71,11 +92,10 @@ DiscFacts OpticalDrive::query() const {
     DiscFacts disc;
     bool isTransient = true;
     try {
-        DriveWorker worker(_record, displayName());
-        const Dictionary reply = worker.ask(drive::facts, fieldsOf(_record), nullptr);
+        const Dictionary reply = startWorker()->ask(drive::facts, fieldsOf(_record), nullptr);
         disc = discFactsOf(dictionaryFor(reply, "disc"));
         isTransient = valueFor(reply, "isTransient").asBool();
-    } catch (const BurnFailure& failure) {
+    } catch (const std::exception& failure) {
         failed(failure);
     }
     updateCache(disc, isTransient, changes);
@@ -96,27 +116,28 @@ void OpticalDrive::updateCache(const DiscFacts& disc, bool isTransient,
 }
 
 std::string OpticalDrive::accessProblem() const {
-    const std::lock_guard asking(_querying); // a query has it open too
-    if (!mayQuery())
+    const QueryLock asking = lockForQuery();
+    if (!asking.owns_lock())
         return {};
     if (const std::lock_guard lock(mutex()); isHanging())
         return hangingProblem();
     try {
-        DriveWorker worker(_record, displayName());
-        return textFor(worker.ask(drive::accessProblem, fieldsOf(_record), nullptr), "problem");
-    } catch (const BurnFailure& failure) {
+        const Dictionary reply =
+            startWorker()->ask(drive::accessProblem, fieldsOf(_record), nullptr);
+        return textFor(reply, "problem");
+    } catch (const std::exception& failure) {
         failed(failure);
-        return failure.error() == DRError::DeviceHanging ? hangingProblem() : failure.info();
+        return isTimeout(failure) ? hangingProblem() : failure.what();
     }
 }
 
 /// Called with the mutex locked.
 bool OpticalDrive::isHanging() const { return _hangsSince && _clock() - *_hangsSince < hangsFor; }
 
-void OpticalDrive::failed(const BurnFailure& failure) const {
-    currentPlatform()->log->log(displayName() + ": " + failure.what());
+void OpticalDrive::failed(const std::exception& failure) const {
+    logLine({displayName(), ": ", failure.what()});
     const std::lock_guard lock(mutex());
-    if (failure.error() == DRError::DeviceHanging)
+    if (isTimeout(failure))
         _hangsSince = _clock();
 }
 
@@ -168,12 +189,33 @@ std::optional<DRMSF> OpticalDrive::mediaSpaceFree() const {
 bool OpticalDrive::ejectMedia() {
     bool isOut = false;
     {
-        const std::lock_guard asking(_querying);
-        isOut = mayQuery() && eject();
+        const QueryLock asking = lockForQuery();
+        isOut = asking.owns_lock() && eject();
     }
     if (isOut)
         mediaChanged();
     return isOut;
+}
+
+/// Waits for the end of another query. The lock is not held if the drive is gone or a burn has it.
+OpticalDrive::QueryLock OpticalDrive::lockForQuery() const {
+    QueryLock lock(_querying, std::defer_lock);
+    while (mayQuery()) {
+        if (lock.owns_lock())
+            return lock;
+        static_cast<void>(lock.try_lock_for(checkInterval));
+    }
+    return {};
+}
+
+/// The same for a burn, until it is stopped.
+OpticalDrive::QueryLock OpticalDrive::lockForBurn(const StopSignal& stop) const {
+    QueryLock lock(_querying, std::defer_lock);
+    while (!lock.owns_lock()) {
+        stop.throwIfRequested();
+        static_cast<void>(lock.try_lock_for(checkInterval));
+    }
+    return lock;
 }
 
 bool OpticalDrive::mayQuery() const {
@@ -183,10 +225,9 @@ bool OpticalDrive::mayQuery() const {
 
 bool OpticalDrive::eject() {
     try {
-        DriveWorker worker(_record, displayName());
-        const Dictionary reply = worker.ask(drive::eject, fieldsOf(_record), nullptr);
+        const Dictionary reply = startWorker()->ask(drive::eject, fieldsOf(_record), nullptr);
         return valueFor(reply, "isOut").asBool();
-    } catch (const BurnFailure& failure) {
+    } catch (const std::exception& failure) {
         failed(failure);
         return false;
     }
@@ -198,13 +239,10 @@ std::unique_ptr<SectorWriter> OpticalDrive::claim(const DiscPlan& plan,
     reserve(stop);
     std::unique_ptr<SectorWriter> writer;
     try {
-        const std::lock_guard asking(_querying); // waits for the end of a running query
+        const QueryLock asking = lockForBurn(*stop);
         writer = open(plan, settings, stop);
     } catch (...) {
-        _worker.reset();
-        const std::lock_guard lock(mutex());
-        endBurn();
-        _cached.reset(); // the disc may have been changed by the attempt
+        endClaim(); // the disc may have been changed by the attempt
         throw;
     }
     reportChange();
@@ -226,11 +264,10 @@ std::unique_ptr<SectorWriter> OpticalDrive::open(const DiscPlan& plan, const Bur
                                {"plan", fieldsOf(plan)},
                                {"settings", fieldsOf(settings)}};
     while (true) {
+        stop->throwIfRequested();
         try {
-            _worker =
-                std::make_shared<DriveWorker>(_record, displayName(), [&](const DiscFacts& disc) {
-                    updateCache(disc, false, changes);
-                });
+            _worker = startWorker(
+                [this, changes](const DiscFacts& disc) { updateCache(disc, false, changes); });
             _worker->ask(drive::claim, fields, stop.get());
             return std::make_unique<WorkerWriter>(_worker, stop);
         } catch (const DriveNotTaken&) {
@@ -244,13 +281,19 @@ std::unique_ptr<SectorWriter> OpticalDrive::open(const DiscPlan& plan, const Bur
 void OpticalDrive::release(std::optional<std::uint64_t> writtenSectors) {
     if (writtenSectors)
         reload();
-    _worker.reset();
-    {
-        const std::lock_guard lock(mutex());
-        endBurn();
-        _cached.reset();
-    }
+    endClaim();
     reportChange();
+}
+
+/// A drive that hung in the burn is not asked by the host that reacts to its end.
+void OpticalDrive::endClaim() {
+    const bool hasHung = _worker && _worker->hasHung();
+    _worker.reset();
+    const std::lock_guard lock(mutex());
+    endBurn();
+    _cached.reset();
+    if (hasHung)
+        _hangsSince = _clock();
 }
 
 /// Still part of the burn, so that no query opens the drive, and so that a host that reacts to the
@@ -259,18 +302,16 @@ void OpticalDrive::reload() {
     try {
         if (!valueFor(_worker->ask(drive::reload, nullptr), "isSupported").asBool())
             logUnsupportedReload();
-    } catch (const BurnFailure& failure) {
-        currentPlatform()->log->log(displayName() +
-                                    ": the written disc was not reloaded: " + failure.what());
+    } catch (const std::exception& failure) {
+        logLine({displayName(), ": the written disc was not reloaded: ", failure.what()});
     }
 }
 
 void OpticalDrive::logUnsupportedReload() {
     if (!_hasLoggedUnsupportedReload)
-        currentPlatform()->log->log(displayName() +
-                                    ": the drive cannot close its tray, so a written disc is not "
-                                    "reloaded. The system may see its content only after the disc "
-                                    "was taken out and inserted again.");
+        logLine({displayName(), ": the drive cannot close its tray, so a written disc is not "
+                                "reloaded. The system may see its content only after the disc "
+                                "was taken out and inserted again."});
     _hasLoggedUnsupportedReload = true;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <exception>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -28,8 +29,10 @@ namespace quarner {
 /// After a successful burn the disc is reloaded if the kernel has not noticed its new content and
 /// if the drive can close its tray. The burn ends afterwards, successfully also if that fails.
 ///
-/// A drive that does not respond has no disc and is not asked again for `hangsFor`, or until a
-/// change of its disc is reported.
+/// A drive that does not respond, in a query or in a burn, has no disc and is not asked again for
+/// `hangsFor`, or until a change of its disc is reported. A query waits for another one, but not
+/// for a burn. A burn waits for a query until it is stopped. Errors of the process and of the
+/// host's log are not thrown by a query or by `release`.
 ///
 /// A status change may be reported twice: once by its cause and once by udev.
 ///
@@ -71,6 +74,7 @@ public:
     void release(std::optional<std::uint64_t> writtenSectors) override;
 
 private:
+    using QueryLock = std::unique_lock<std::timed_mutex>;
     struct Cached {
         DiscFacts disc;
         std::chrono::steady_clock::time_point since;
@@ -80,13 +84,18 @@ private:
     DiscFacts disc() const;
     std::optional<DiscFacts> cachedDisc() const;
     DiscFacts query() const;
+    std::unique_ptr<DriveWorker> startWorker(DriveWorker::DiscHandler handleDisc = {}) const;
+    bool isGone() const;
+    QueryLock lockForQuery() const;
+    QueryLock lockForBurn(const StopSignal& stop) const;
     bool mayQuery() const;
     bool eject();
     std::uint64_t changeCount() const;
     void updateCache(const DiscFacts& disc, bool isTransient, std::uint64_t changes) const;
     bool isHanging() const;
-    void failed(const BurnFailure& failure) const;
+    void failed(const std::exception& failure) const;
     void reserve(const std::shared_ptr<StopSignal>& stop);
+    void endClaim();
     void reload();
     void logUnsupportedReload();
     std::unique_ptr<SectorWriter> open(const DiscPlan& plan, const BurnSettings& settings,
@@ -97,7 +106,7 @@ private:
     const Clock _clock;
 
     /// Held while the drive is open for a query. Locked before `mutex()`.
-    mutable std::mutex _querying;
+    mutable std::timed_mutex _querying;
     mutable std::optional<Cached> _cached;
     mutable std::optional<std::chrono::steady_clock::time_point> _hangsSince;
     std::uint64_t _changes = 0; ///< the number of reported changes of the disc

@@ -35,7 +35,8 @@ public:
     /// thread.
     void kill() const;
 
-    /// Lets the process live on until it has executed what it was sent.
+    /// Lets the process end by itself: the destructor neither waits for it nor kills it. What it
+    /// was sent it executes first.
     void detach() { _isDetached = true; }
 
     /// Waits until the process has ended, at most for this time. Returns whether it has.

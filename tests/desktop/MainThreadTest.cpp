@@ -91,6 +91,21 @@ INSTANTIATE_TEST_SUITE_P(, DesktopMainThread,
                              return tested.param == DiscProject::Kind::Audio ? "Audio" : "Data";
                          });
 
+/// A host that shows the disc: it asks for it whenever the drive reports a change.
+class DiscView : public QuarnerDeviceDelegate {
+public:
+    explicit DiscView(const char* drive) : _device(drive) { _device.setDelegate(this); }
+    void deviceStatusDidChanged() override {
+        _device.isDiscInDevice();
+        ++changes;
+    }
+
+    unsigned changes = 0;
+
+private:
+    QuarnerDevice _device;
+};
+
 /// A host whose drive stops responding in the midst of writing. The time of each call counts here,
 /// whether the thread works or waits.
 class MainThreadOfADriveThatHangs : public ::testing::Test {
@@ -115,20 +130,24 @@ protected:
     /// Burns a song until the drive hangs, does something and expects the burn to end.
     void burnAnd(const std::function<void(DiscProject&)>& act, DiscBurnEnd::Outcome outcome) {
         constexpr std::uint8_t write = 0x2A; // MMC-6
+        constexpr char name[] = "QUARNER DISC RECORDER";
         DiscProject project(DiscProject::Kind::Audio);
-        const auto drive = [&] { return project.driveNamed("QUARNER DISC RECORDER").value_or(0); };
+        const auto drive = [&] { return project.driveNamed(name).value_or(0); };
         const auto observer = std::make_shared<ProjectObserver>();
         project.addObserver(observer);
         measure([&] { project.add({TEST_SONGS + std::string("five.mp3")}); });
         ASSERT_TRUE(loop.turnUntil([&] { return !project.isAdding() && drive() != 0; }));
+        DiscView view(name);
         recorder->hangAt(write);
         measure([&] { project.burn(drive()); });
         ASSERT_TRUE(loop.turnUntil([&] { return recorder->isHanging(); }));
+        view.changes = 0;
         const auto begin = std::chrono::steady_clock::now();
         measure([&] { act(project); });
         ASSERT_TRUE(loop.turnUntil([&] { return !observer->burnEnds.empty(); }));
         EXPECT_EQ(observer->burnEnds[0].outcome, outcome);
         EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+        EXPECT_TRUE(loop.turnUntil([&] { return view.changes > 0; })) << "the end of the burn";
         // Usually a millisecond; the drive would hold it for ever, and its timeout for seconds.
         EXPECT_LT(longest, std::chrono::seconds(1));
         RecordProperty("microseconds", std::to_string(longest.count() / 1000));

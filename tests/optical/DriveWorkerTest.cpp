@@ -5,10 +5,13 @@
 #include <atomic>
 #include <functional>
 #include <future>
+#include <stdexcept>
 #include <string>
 
+#include "adapters/engine/BurnFailure.h"
 #include "adapters/optical/DriveWorker.h"
 #include "quarner/platform/DRKeys.h"
+#include "quarner/platform/Platform.h"
 #include "tests/optical/Workers.h"
 #include "tests/support/optical/OpticalStage.h"
 
@@ -22,6 +25,7 @@ namespace operation {
 using namespace quarner::operation;
 constexpr std::uint8_t synchronize = 0x35;
 constexpr std::uint8_t readContents = 0x43;
+constexpr std::uint8_t getConfiguration = 0x46;
 } // namespace operation
 
 /// A process that has a drive open and something that goes wrong with it.
@@ -150,6 +154,140 @@ TEST_F(TheProcessOfADrive, OfADriveThatHangsEndsTheBurnWithinFiveSeconds) {
     EXPECT_LT(Clock::now() - begin, std::chrono::seconds(5));
     EXPECT_EQ(log->code(), codeOf(DRError::UserCanceled));
     expectAsGoodAsNew();
+}
+
+TEST_F(TheProcessOfADrive, OfADriveThatHungInABurnIsNotAskedAgainAtOnce) {
+    DriveWorker::scaleTimeouts(0.05);
+    burnThatHangsAt(operation::write, audio({600}), [](DRBurn& burning) { burning.abort(); });
+    recorder->resume();
+    EXPECT_FALSE(drive->mediaIsPresent());
+    EXPECT_EQ(drive->accessProblem(), "the drive does not respond; switch it off and on again");
+    DriveWorker::scaleTimeouts(1);
+    drive->mediaChanged();
+    EXPECT_EQ(drive->accessProblem(), "");
+    expectAsGoodAsNew();
+}
+
+TEST_F(TheProcessOfADrive, OfADriveThatHungWhenItWasClaimedIsNotAskedAgainAtOnce) {
+    DriveWorker::scaleTimeouts(0.05);
+    burnThatHangsAt(operation::getConfiguration, audio({600}),
+                    [](DRBurn& burning) { burning.abort(); });
+    recorder->resume();
+    EXPECT_EQ(drive->accessProblem(), "the drive does not respond; switch it off and on again");
+    expectAsGoodAsNew();
+}
+
+TEST_F(TheProcessOfADrive, LetsNoQuestionWaitForABurnThatHangs) {
+    Clock::time_point begin;
+    DriveWorker::scaleTimeouts(1);
+    burnThatHangsAt(operation::getConfiguration, audio({600}), [&](DRBurn& burning) {
+        begin = Clock::now();
+        EXPECT_EQ(drive->accessProblem(), "");
+        EXPECT_FALSE(drive->ejectMedia());
+        EXPECT_FALSE(drive->mediaIsPresent());
+        EXPECT_LT(Clock::now() - begin, std::chrono::seconds(10));
+        signalWorkers(SIGKILL);
+        burning.abort();
+    });
+    expectAsGoodAsNew();
+}
+
+TEST_F(TheProcessOfADrive, LetsNoStoppedBurnWaitForAQuestionThatHangs) {
+    recorder->hang();
+    const auto asking = std::async(std::launch::async, [this] { return drive->mediaIsPresent(); });
+    EXPECT_TRUE(loops->runUntil([&] { return recorder->isHanging(); }));
+    const auto begin = Clock::now();
+    const auto burning = makeBurn();
+    const auto log = observe(burning);
+    burning->writeLayout(audio({300}));
+    EXPECT_EQ(drive->accessProblem(), ""); // as soon as the burn has the drive
+    burning->abort();
+    EXPECT_TRUE(loops->runUntil([&] { return log->isOver(); }));
+    EXPECT_LT(Clock::now() - begin, std::chrono::seconds(10));
+    EXPECT_EQ(log->code(), codeOf(DRError::UserCanceled));
+    EXPECT_EQ(workers().size(), 1U) << "none was started for the burn";
+    signalWorkers(SIGKILL);
+    asking.wait();
+    expectAsGoodAsNew();
+}
+
+TEST_F(TheProcessOfADrive, IsToldToStopWhenASourceFailsInTheMidstOfWriting) {
+    const DRLayout layout = audio({300, 300});
+    std::promise<void> written;
+    std::atomic<unsigned> writes = 0;
+    recorder->setCommandHook([&](std::uint8_t sent) {
+        if (sent == operation::write && ++writes == 1)
+            written.set_value();
+    });
+    Clock::time_point begin;
+    sound->setReadHook([&, second = layout[1]->path](const std::string& path, std::uint64_t) {
+        if (path != second)
+            return;
+        written.get_future().wait_for(std::chrono::seconds(10));
+        begin = Clock::now();
+        throw BurnFailure(DRError::SourceUnreadable, "the source is gone");
+    });
+    const auto log = burn(layout);
+    EXPECT_LT(Clock::now() - begin, std::chrono::seconds(10));
+    EXPECT_EQ(log->code(), codeOf(DRError::SourceUnreadable));
+    sound->setReadHook({});
+    expectAsGoodAsNew();
+}
+
+TEST_F(TheProcessOfADrive, ThatHangsInAQuestionEndsWhenTheDriveIsUnplugged) {
+    recorder->hang();
+    const auto asking = std::async(std::launch::async, [this] { return drive->mediaIsPresent(); });
+    EXPECT_TRUE(loops->runUntil([&] { return recorder->isHanging(); }));
+    const auto begin = Clock::now();
+    DriveWorker::scaleTimeouts(0.01); // from the stop on
+    drive->unplug();
+    asking.wait();
+    EXPECT_LT(Clock::now() - begin, std::chrono::seconds(10));
+    recorder->resume();
+    EXPECT_TRUE(waitForNoWorkers());
+}
+
+TEST_F(TheProcessOfADrive, ThatHangsAfterTheLastSectorEndsWhenTheDriveIsUnplugged) {
+    const DRLayout layout = audio({300});
+    EXPECT_TRUE(burn(layout)->isDone());
+    insert(Medium::blankCDR());
+    std::atomic<std::size_t> left = countOf(operation::readCD);
+    recorder->setCommandHook([&](std::uint8_t sent) {
+        if (sent == operation::readCD && --left == 0)
+            recorder->hang(); // from the next call on
+    });
+    const auto burning = makeBurn();
+    const auto log = observe(burning);
+    burning->writeLayout(layout);
+    EXPECT_TRUE(loops->runUntil([&] { return recorder->isHanging(); }));
+    const auto begin = Clock::now();
+    DriveWorker::scaleTimeouts(0.01); // from the stop on
+    drive->unplug();
+    EXPECT_TRUE(loops->runUntil([&] { return log->isOver(); }));
+    EXPECT_LT(Clock::now() - begin, std::chrono::seconds(10));
+    EXPECT_TRUE(log->isDone()) << log->info();
+    recorder->setCommandHook({});
+    recorder->resume();
+    EXPECT_TRUE(waitForNoWorkers());
+}
+
+/// A log of a host that throws.
+class FullLog : public LogSink {
+public:
+    void log(const std::string&) override { throw std::runtime_error("the disk is full"); }
+};
+
+TEST(ADriveOfAHostWhoseLogThrows, IsAskedAndBurnsAllTheSame) {
+    OpticalStage stage({.closesTray = false}); // which the log says
+    const std::shared_ptr<const Platform> before = currentPlatform();
+    Platform platform = *before;
+    platform.log = std::make_shared<FullLog>();
+    installPlatform(platform);
+    EXPECT_TRUE(stage.burn(stage.audio({300}))->isDone());
+    stage.recorder->setCommandHook([](std::uint8_t) { signalWorkers(SIGKILL); });
+    stage.drive->mediaChanged();
+    EXPECT_NO_THROW(stage.drive->mediaIsPresent());
+    installPlatform(*before);
 }
 
 TEST_F(TheProcessOfADrive, OfADriveThatHangsEndsWhenItIsUnplugged) {

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <atomic>
 #include <chrono>
 #include <future>
+#include <string>
+#include <string_view>
 #include <thread>
+#include <vector>
 
 #include "adapters/drive/DriveServer.h"
 #include "adapters/optical/DriveWorker.h"
@@ -13,6 +16,9 @@
 
 namespace quarner {
 namespace {
+
+using Clock = std::chrono::steady_clock;
+using testing::ElementsAre;
 
 /// A program that the library does not trust: the test is the program.
 class AnUntrustedProgram : public ::testing::Test, public ChannelPair {
@@ -28,13 +34,33 @@ protected:
         return {};
     }
 
+    /// The second process, which unlocks the tray, has ended at once.
+    std::unique_ptr<WorkerProcess> start() {
+        return std::make_unique<WorkerProcess>(
+            std::exchange(isStarted, true) ? std::move(ChannelPair().channel) : std::move(channel));
+    }
+    /// The messages that it has got.
+    std::vector<Message> messages() {
+        const Channel program = std::move(other).asChannel();
+        std::vector<Message> found;
+        Message message;
+        while (program.receive(message, Clock::now()) == Channel::Result::Done)
+            found.push_back(message);
+        return found;
+    }
+    std::vector<std::string> namesOfMessages() {
+        std::vector<std::string> names;
+        for (const Message& message : messages())
+            names.push_back(message.name);
+        return names;
+    }
+
     bool isStarted = false;
-    DriveWorker worker{DriveRecord{"/dev/sr-none", "", "", "", true}, "Recorder", {}, [this] {
-                           // The second one, which unlocks the tray, has ended at once.
-                           return std::make_unique<WorkerProcess>(
-                               std::exchange(isStarted, true) ? std::move(ChannelPair().channel)
-                                                              : std::move(channel));
-                       }};
+    bool isGone = false;
+    unsigned discs = 0;
+    DriveWorker worker{DriveRecord{"/dev/sr-none", "", "", "", true}, "Recorder",
+                       [this](const DiscFacts&) { ++discs; }, [this] { return start(); },
+                       [this] { return isGone; }};
 };
 
 TEST_F(AnUntrustedProgram, IsNotSentARequestThatIsTooLarge) {
@@ -47,6 +73,78 @@ TEST_F(AnUntrustedProgram, RepliesToARequestThatWasGivenUpBeforeItIsAskedForMore
     other.send({drive::failed, fieldsOf(BurnFailure(DRError::WriteFailed, "not written"))});
     other.send({drive::done, {{"of", "release"}}});
     EXPECT_EQ(worker.ask(drive::release, nullptr), Dictionary({{"of", "release"}}));
+}
+
+TEST_F(AnUntrustedProgram, IsToldToStopARequestThatWasGivenUp) {
+    worker.tell(drive::write, {}, nullptr);
+    other.send({drive::failed, fieldsOf(BurnFailure(DRError::UserCanceled, "stopped"))});
+    other.send({drive::done});
+    worker.ask(drive::release, nullptr);
+    EXPECT_THAT(namesOfMessages(), ElementsAre("hello", "write", "stop", "release"));
+}
+
+TEST_F(AnUntrustedProgram, ThatHungIsNotAskedAgainAlsoIfItLivesOn) {
+    DriveWorker::scaleTimeouts(0.001);
+    EXPECT_EQ(errorOf(drive::facts), DRError::DeviceHanging);
+    EXPECT_TRUE(worker.hasHung());
+    DriveWorker::scaleTimeouts(1);
+    const auto begin = Clock::now();
+    EXPECT_EQ(errorOf(drive::release), DRError::Internal);
+    EXPECT_LT(Clock::now() - begin, std::chrono::seconds(10));
+    EXPECT_THAT(namesOfMessages(), ElementsAre("hello", "facts"));
+}
+
+TEST_F(AnUntrustedProgram, ThatHungLosesItsConnectionAlsoIfItLivesOn) {
+    DriveWorker::scaleTimeouts(0.001);
+    EXPECT_EQ(errorOf(drive::facts), DRError::DeviceHanging);
+    EXPECT_FALSE(other.send({drive::done}));
+}
+
+TEST_F(AnUntrustedProgram, IsToldToStopWhenTheDriveIsGone) {
+    DriveWorker::scaleTimeouts(0.001);
+    isGone = true;
+    EXPECT_EQ(errorOf(drive::release), DRError::DeviceHanging);
+    const std::vector<Message> found = messages();
+    ASSERT_EQ(found.size(), 3U);
+    EXPECT_EQ(found[2].name, drive::stop.name);
+    EXPECT_EQ(errorFor(valueFor(found[2].fields, "error").asUInt64()), DRError::DeviceVanished);
+}
+
+TEST_F(AnUntrustedProgram, MayReportADiscOnlyWhenTheDriveIsClaimed) {
+    for (const DriveRequest& request : {drive::openSession, drive::claim}) {
+        other.send({drive::disc});
+        other.send({drive::done});
+        worker.ask(request, nullptr);
+        EXPECT_EQ(discs, request.name == std::string_view(drive::claim.name) ? 1U : 0U);
+    }
+}
+
+TEST_F(AnUntrustedProgram, ThatClosesTheStreamAloneHasEnded) {
+    DriveWorker::scaleTimeouts(0.01);
+    other.closeStream();
+    worker.tell(drive::write, {}, nullptr);
+    try {
+        worker.give(std::vector<std::byte>(10), drive::write, nullptr);
+        FAIL();
+    } catch (const BurnFailure& failure) {
+        EXPECT_EQ(failure.error(), DRError::Internal);
+    }
+}
+
+TEST_F(AnUntrustedProgram, CannotHoldTheLibraryByTakingBytes) {
+    constexpr DriveRequest slow = {drive::write.name, std::chrono::hours(2)};
+    DriveWorker::scaleTimeouts(1e-5);
+    worker.tell(slow, {}, nullptr);
+    const std::vector<std::byte> bytes(100);
+    const auto end = Clock::now() + std::chrono::seconds(10);
+    EXPECT_THROW(
+        {
+            while (Clock::now() < end) {
+                worker.give(bytes, slow, nullptr);
+                other.drainStream();
+            }
+        },
+        BurnFailure);
 }
 
 TEST_F(AnUntrustedProgram, ThatTakesNoMessageHangs) {
