@@ -117,6 +117,30 @@ void putProgram(const SeedFolder& folder) {
     folder.put("drive-program", "stopped", plainMessage(stopped, readBackName));
 }
 
+/// A disc, a plan, and what is done.
+void putBurns(const SeedFolder& folder) {
+    constexpr unsigned step = 7;
+    for (const unsigned disc : {0U, 1U})
+        for (const unsigned sectors : {0U, 1U}) {
+            const auto begun = [&] {
+                return Bytes().byte(disc).byte(sectors).byte(1).byte(0).byte(9).byte(2).byte(3);
+            };
+            const auto name = [&](const char* what) {
+                return what + std::to_string(disc) + std::to_string(sectors);
+            };
+            Bytes whole = begun().byte(step).byte(step).byte(1);
+            for (int i = 0; i < 3; ++i)
+                whole.byte(step);
+            whole.byte(1).byte(0).byte(12).byte(step).byte(step).byte(step);
+            folder.put("drive-burn", name("whole-").c_str(), whole);
+            folder.put("drive-burn", name("cut-off-").c_str(),
+                       begun().byte(step).byte(step).byte(0).byte(200));
+            folder.put(
+                "drive-burn", name("stopped-").c_str(),
+                begun().byte(step).byte(3).number(std::uint32_t(0x8002F007)).byte(step).byte(1));
+        }
+}
+
 void putHosts(const SeedFolder& folder) {
     constexpr unsigned send = 8;
     constexpr unsigned use = 12;
@@ -185,6 +209,7 @@ void putWorkerSeeds(const SeedFolder& folder) {
     putMessages(folder);
     putFolders(folder);
     putProgram(folder);
+    putBurns(folder);
     putHosts(folder);
 }
 
