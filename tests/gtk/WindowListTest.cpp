@@ -101,6 +101,9 @@ TEST_F(WindowList, SaysInTheWindowWhichFilesWereNotAdded) {
                 .has_value();
         },
         "reason");
+    // Higher than one reason of two lines, and no higher than it needs to be.
+    const SeenWidget bar = find("Files that were not added, and why", "text");
+    waitUntil([&] { return bar.place().height > 70 && bar.place().height < 100; }, "room");
     click("Close the list of files that were not added");
     EXPECT_FALSE(program().find([](const SeenWidget& one) { return one.role() == "dialog"; }));
 }

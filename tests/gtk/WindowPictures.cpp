@@ -89,14 +89,18 @@ TEST_F(WindowPictures, Burning) {
 }
 
 TEST_F(WindowPictures, Refusals) {
-    std::ofstream(folder.file("notes.txt")) << "words";
-    std::ofstream(folder.file("empty.mp3")) << "";
+    // The picture shows its path.
+    const std::filesystem::path music = "/tmp/Music";
+    ASSERT_TRUE(std::filesystem::create_directory(music));
     auto files = tunes();
-    files.push_back("notes.txt");
-    files.push_back("empty.mp3");
+    for (const char* const name : {"notes.txt", "empty.mp3"}) {
+        files.push_back(music / name);
+        writeContent(files.back(), "");
+    }
     startIn(files, "Adwaita");
     click("2 files were not added");
     take("window-refusals");
+    std::filesystem::remove_all(music);
 }
 
 TEST_F(WindowPictures, Narrow) {

@@ -9,6 +9,8 @@
 #include <gtkmm/scrolledwindow.h>
 #include <gtkmm/textview.h>
 
+#include <sigc++/connection.h>
+
 #include <cstddef>
 #include <string>
 
@@ -20,10 +22,18 @@ class RefusalBar : public Gtk::Revealer {
 public:
     RefusalBar();
 
+    /// Shown in the next turn of the loop, together with all that are added before it.
     void add(const std::string& text);
     void clear();
 
 private:
+    void showCount();
+    void showReasons();
+    void fitToText();
+
+    sigc::connection _showing;
+    sigc::connection _fitting;
+    std::string _reasons; ///< those that are not in the text yet
     std::size_t _count = 0;
     Gtk::Box _bar;
     Gtk::Expander _expander;
