@@ -14,10 +14,13 @@ namespace quarner {
 namespace {
 
 /// Whether the drive replies. The node of one that was unplugged cannot be opened, whatever libburn
-/// still waits for.
+/// still waits for. The kernel returns a status also if its own question timed out.
 bool responds(const std::string& path) {
+    constexpr std::chrono::seconds most{5};
+    const auto begin = std::chrono::steady_clock::now();
     const SharedNode node(path);
-    return ioctl(node.descriptor(), CDROM_DRIVE_STATUS, CDSL_CURRENT) >= 0;
+    return ioctl(node.descriptor(), CDROM_DRIVE_STATUS, CDSL_CURRENT) >= 0 &&
+           std::chrono::steady_clock::now() - begin < most;
 }
 
 } // namespace
