@@ -43,7 +43,7 @@ struct Service {
     const char* path;
     const char* interface;
 };
-constexpr Service services[] = {
+constexpr Service offered[] = {
     {"org.freedesktop.Notifications", "/org/freedesktop/Notifications",
      "org.freedesktop.Notifications"},
     {"org.gnome.SessionManager", "/org/gnome/SessionManager", "org.gnome.SessionManager"},
@@ -76,7 +76,7 @@ void DesktopServices::serve() {
         nullptr, nullptr, nullptr);
     GDBusNodeInfo* const node = g_dbus_node_info_new_for_xml(interfaces, nullptr);
     static const GDBusInterfaceVTable table = {&DesktopServices::called, nullptr, nullptr, {}};
-    for (const Service& service : services) {
+    for (const Service& service : offered) {
         g_dbus_connection_register_object(
             _bus, service.path, g_dbus_node_info_lookup_interface(node, service.interface), &table,
             this, nullptr, nullptr);

@@ -4,6 +4,7 @@
 #include <gtkmm/label.h>
 #include <gtkmm/listitem.h>
 #include <gtkmm/signallistitemfactory.h>
+#include <gtkmm/stringobject.h>
 
 #include <algorithm>
 #include <memory>
@@ -55,7 +56,7 @@ void DriveChooser::show(const std::vector<DiscDrive>& drives) {
     for (const DiscDrive& drive : drives) {
         if (drive.isExamined && !drive.canWrite)
             continue;
-        names.push_back(safeText(drive.name));
+        names.emplace_back(safeText(drive.name));
         _drives.push_back(drive.id);
         if (drive.name == _wantedName)
             wanted = drive.id;
@@ -79,7 +80,7 @@ void DriveChooser::show(const std::vector<DiscDrive>& drives) {
 void DriveChooser::setNames(const std::vector<Glib::ustring>& names) {
     bool isSame = _names->get_n_items() == names.size();
     for (guint i = 0; isSame && i < names.size(); ++i)
-        isSame = _names->get_string(i) == names[i];
+        isSame = _names->get_string(i).raw() == names[i].raw();
     if (isSame)
         return;
     _isBeingFilled = true;
