@@ -92,12 +92,12 @@ private:
         awaitAll();
     }
     void send(const Message& request) {
-        if (_channel.send(request, Channel::Clock::now() + patience) == Channel::Sent::Done)
+        if (_channel.send(request, Channel::Clock::now() + timeout) == Channel::Sent::Done)
             ++_awaited;
     }
     /// Where the program waits for bytes that do not come, this is given up once.
     void awaitAll() {
-        const auto end = Channel::Clock::now() + (_isStuck ? std::chrono::seconds(0) : patience);
+        const auto end = Channel::Clock::now() + (_isStuck ? std::chrono::seconds(0) : timeout);
         Message message;
         while (_awaited > 0 && _channel.receive(message, end) == Channel::Result::Done)
             _awaited -= message.name == drive::done || message.name == drive::failed ? 1 : 0;
@@ -116,7 +116,7 @@ private:
     }
 
     static constexpr std::chrono::milliseconds shortly{20};
-    static constexpr std::chrono::seconds patience{1};
+    static constexpr std::chrono::seconds timeout{1};
 
     const Channel _channel;
     const DiscPlan _plan;
