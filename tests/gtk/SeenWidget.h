@@ -20,6 +20,7 @@ public:
     std::string role() const; ///< "push button"
     std::string text() const; ///< what stands in a text field
     bool isSensitive() const { return hasState(ATSPI_STATE_SENSITIVE); }
+    bool isModal() const { return hasState(ATSPI_STATE_MODAL); }
     bool isFocused() const { return hasState(ATSPI_STATE_FOCUSED); }
     std::vector<SeenWidget> children() const;
 

@@ -18,16 +18,6 @@ protected:
                 song("d.mp3", 14)};
     }
 
-    /// With it, an image is not written to while the file `gate` exists.
-    HostSettings gated() const {
-        writeContent(gate, "");
-        HostSettings settings = here();
-        settings.preloads.emplace_back(FAILING_CALLS);
-        settings.environment.emplace_back("QUARNER_FAULT=pwrite 1 held always mix.");
-        settings.environment.push_back("QUARNER_FAULT_GATE=" + gate);
-        return settings;
-    }
-
     /// The whole seconds of the tracks of an image, as an independent program finds them.
     static std::vector<std::uint64_t> secondsIn(const std::string& cue) {
         std::vector<std::uint64_t> seconds;
@@ -45,7 +35,14 @@ protected:
     }
     void burnAndCancel() {
         clickWhenReady("Burn", "push button");
-        clickWhenReady("Cancel", "push button");
+        waitUntil(
+            [&] {
+                const auto bar = program().find(
+                    [](const SeenWidget& one) { return one.role() == "progress bar"; });
+                return bar && bar->isVisible() && !bar->name().starts_with("Adding");
+            },
+            "burn");
+        activateWhenReady("Cancel", "push button");
         waitUntil(
             [&] {
                 const auto cancel = program().find([](const SeenWidget& one) {
@@ -57,8 +54,6 @@ protected:
         std::filesystem::remove(gate);
         find("The burn was cancelled.");
     }
-
-    const std::string gate = folder.file("gate");
 };
 
 TEST_F(WindowBurns, AnImageAfterAnAttemptThatWasCancelled) {
@@ -67,7 +62,7 @@ TEST_F(WindowBurns, AnImageAfterAnAttemptThatWasCancelled) {
     chooseImage(cue);
     burnAndCancel();
     EXPECT_FALSE(std::filesystem::exists(cue));
-    clickWhenReady("Burn", "push button");
+    activateWhenReady("Burn", "push button");
     find("The disc is burnt and verified.");
     EXPECT_THAT(secondsIn(cue), ElementsAre(11, 12, 13, 14, 15));
 }
@@ -81,7 +76,7 @@ TEST_F(WindowBurns, ADiscAfterAnAttemptThatWasCancelled) {
     burnAndCancel();
     recorder->setDelay({});
     recorder->insert(Medium::blankCDR());
-    clickWhenReady("Burn", "push button");
+    activateWhenReady("Burn", "push button");
     find("The disc is burnt and verified.");
     const Medium disc = recorder->writtenDisc().value();
     EXPECT_EQ(disc.state, Medium::State::Closed);
@@ -96,12 +91,12 @@ TEST_F(WindowBurns, AnImageThatIsThereAgainOnlyIfItsUserAgrees) {
     clickWhenReady("Burn", "push button");
     find("The disc is burnt and verified.");
     const auto written = std::filesystem::last_write_time(cue);
-    clickWhenReady("Burn", "push button");
+    activateWhenReady("Burn", "push button");
     find("Replace “mix.cue”?");
     press("Escape");
     waitUntil([&] { return !isThere("Replace “mix.cue”?"); }, "end of the question");
     EXPECT_EQ(std::filesystem::last_write_time(cue), written);
-    clickWhenReady("Burn", "push button");
+    activateWhenReady("Burn", "push button");
     find("Replace “mix.cue”?");
     find("Replace", "push button").activate();
     waitUntil([&] { return std::filesystem::last_write_time(cue) != written; }, "new image");
@@ -130,6 +125,7 @@ TEST_F(WindowBurns, NoLongerWhenItsWindowIsClosedAndThatIsConfirmed) {
     find("Stop the burn?");
     find("Stop and Close", "push button").activate();
     waitUntil([&] { return !isThere("Stop the burn?"); }, "end of the question");
+    waitUntil([&] { return !find("Cancel", "push button").isSensitive(); }, "cancellation");
     std::filesystem::remove(gate);
     const HostEnd end = window->wait();
     EXPECT_EQ(end.status, 0) << end.err;
@@ -170,7 +166,7 @@ TEST_F(WindowBurns, AnotherCopyIntoAnotherImage) {
     find("Burn Another Copy", "push button").activate();
     fillDialogue(copy);
     find("Drive: copy.cue");
-    clickWhenReady("Burn", "push button");
+    activateWhenReady("Burn", "push button");
     waitUntil([&] { return std::filesystem::exists(copy); }, "copy");
     EXPECT_TRUE(std::filesystem::exists(cue));
 }

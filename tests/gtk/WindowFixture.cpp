@@ -134,6 +134,12 @@ void WindowTest::click(const SeenWidget& widget, const std::string& windowTitle)
     input({"mousemove", "--sync", coordinate(point.x), coordinate(point.y), "click", "1"});
 }
 
+void WindowTest::doubleClick(const SeenWidget& widget) const {
+    const Point point = pointIn(widget, title);
+    input({"mousemove", "--sync", coordinate(point.x), coordinate(point.y), "click", "--repeat",
+           "2", "--delay", "50", "1"});
+}
+
 void WindowTest::click(const std::string& name, const std::string& role) const {
     click(find(name, role), title);
 }
@@ -141,6 +147,11 @@ void WindowTest::click(const std::string& name, const std::string& role) const {
 void WindowTest::clickWhenReady(const std::string& name, const std::string& role) const {
     waitUntil([&] { return find(name, role).isSensitive(); }, name + " that can be used");
     click(name, role);
+}
+
+void WindowTest::activateWhenReady(const std::string& name, const std::string& role) const {
+    waitUntil([&] { return find(name, role).isSensitive(); }, name + " that can be used");
+    find(name, role).activate();
 }
 
 void WindowTest::press(const std::string& keys) { input({"key", "--clearmodifiers", keys}); }
@@ -221,7 +232,16 @@ void WindowTest::dropFiles(const std::vector<std::string>& paths, const SeenWidg
     drag({from.x + from.width / 2, from.y + from.height / 2}, pointIn(target, title));
 }
 
-void WindowTest::chooseImage(const std::string& path) const {
+HostSettings WindowTest::gated() const {
+    writeContent(gate, "");
+    HostSettings settings = here();
+    settings.preloads.emplace_back(FAILING_CALLS);
+    settings.environment.emplace_back("QUARNER_FAULT=pwrite 1 held always mix.");
+    settings.environment.push_back("QUARNER_FAULT_GATE=" + gate);
+    return settings;
+}
+
+void WindowTest::openImageDialogue() const {
     // The end of a drag may keep the keyboard from the window for a moment.
     int polls = 0;
     waitUntil(
@@ -234,6 +254,10 @@ void WindowTest::chooseImage(const std::string& path) const {
             return geometryOf(imageDialogue).width > 0;
         },
         imageDialogue);
+}
+
+void WindowTest::chooseImage(const std::string& path) const {
+    openImageDialogue();
     fillDialogue(path);
 }
 

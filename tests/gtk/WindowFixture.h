@@ -33,7 +33,10 @@ protected:
     void click(const std::string& name, const std::string& role = {}) const;
     /// Clicks once the widget can be used.
     void clickWhenReady(const std::string& name, const std::string& role = {}) const;
+    /// Does the same without the pointer: another click so soon may be taken for a double click.
+    void activateWhenReady(const std::string& name, const std::string& role) const;
     void click(const SeenWidget& widget, const std::string& windowTitle) const;
+    void doubleClick(const SeenWidget& widget) const;
     static void press(const std::string& keys); ///< "ctrl+z"
     static void type(const std::string& text);
 
@@ -46,6 +49,12 @@ protected:
     /// Drags files from another program to a widget of the window.
     void dropFiles(const std::vector<std::string>& paths, const SeenWidget& target);
 
+    /// With it, an image "mix" is not written to while the file `gate` exists.
+    HostSettings gated() const;
+    const std::string gate = folder.file("gate");
+
+    /// Opens the dialogue for an image.
+    void openImageDialogue() const;
     /// Chooses an image through the menu and the dialogue of the desktop.
     void chooseImage(const std::string& path) const;
     /// Types the path into the dialogue for an image, which is about to come.

@@ -84,7 +84,7 @@ TEST_F(WindowLook, FitsInto360PixelsAlsoInALanguageOfLongerWords) {
 /// With texts that are longer by half than the English ones.
 class WindowWithLongTexts : public WindowLook {
 protected:
-    void startWith(const std::vector<std::string>& arguments, const std::string& gate) {
+    void startWith(const std::vector<std::string>& arguments) {
         HostSettings settings = here();
         // The catalogue is in the tree of the tests: the name of a language may be a path.
         settings.environment = {"LOCPATH=" TEST_LOCALES, "LC_ALL=de_DE.UTF-8",
@@ -112,11 +112,10 @@ private:
 };
 
 TEST_F(WindowWithLongTexts, FitsInto360PixelsWhateverItShows) {
-    const std::string gate = folder.file("gate");
     writeContent(gate, "");
     const std::string image = folder.file("a.long.name of an image for the whole family and "
                                           "all of their friends, summer 2024.cue");
-    startWith({song("a.mp3", 11), "missing.mp3", "missing too.mp3"}, gate);
+    startWith({song("a.mp3", 11), "missing.mp3", "missing too.mp3"});
     expectToBeNarrow("a list");
     click(files(2));
     find(text("Files that were not added, and why"), "text");

@@ -61,13 +61,7 @@ int Application::on_command_line(const Glib::RefPtr<Gio::ApplicationCommandLine>
     const bool isData = options->contains("data");
     const auto kind = isData ? DiscProject::Kind::Data : DiscProject::Kind::Audio;
     if (!_window) {
-        _window = std::make_unique<Window>(kind);
-        add_window(*_window);
-        // A window that is closed is only hidden, and goes while GTK is still there. The program
-        // ends with its last window.
-        _window->set_hide_on_close(true);
-        _window->signal_hide().connect(
-            [this] { Glib::signal_idle().connect_once([this] { _window.reset(); }); });
+        openWindow(kind);
     } else if (isData || options->contains("audio")) {
         _window->setKind(kind);
     }
@@ -82,6 +76,21 @@ int Application::on_command_line(const Glib::RefPtr<Gio::ApplicationCommandLine>
         _window->open(paths);
     _window->present();
     return 0;
+}
+
+void Application::openWindow(DiscProject::Kind kind) {
+    _window = std::make_unique<Window>(kind);
+    add_window(*_window);
+    // A window that is closed is only hidden, and goes while GTK is still there. The program ends
+    // with its last window.
+    _window->set_hide_on_close(true);
+    _window->signal_hide().connect([this] { retireWindow(); });
+}
+
+/// A call of the program that comes before the window has gone gets a new one.
+void Application::retireWindow() {
+    _closed = std::move(_window);
+    Glib::signal_idle().connect_once([this] { _closed.reset(); });
 }
 
 void Application::addStyle() {

@@ -26,9 +26,12 @@ protected:
 private:
     void addStyle();
     void showAbout();
+    void openWindow(DiscProject::Kind kind);
+    void retireWindow();
 
     std::optional<ColorScheme> _colorScheme; ///< empty until GTK is initialised
     std::unique_ptr<Window> _window;         ///< null once it was closed
+    std::unique_ptr<Window> _closed;         ///< hidden; goes in the next turn of the main loop
 };
 
 } // namespace quarner::window

@@ -56,29 +56,30 @@ std::vector<DiscProblem> Burning::problems(const DiscProject& project, DiscDrive
 
 void Burning::start(Burn burn) {
     _burn = std::move(burn);
-    if (const auto mount = mountIn(*_burn.project, _burn.drive)) {
-        ask(_window,
-            {_("Unmount “{disc}”?", {{"disc", safeText(mount->get_name())}}),
-             _("The disc is mounted. Programs that read it have to be closed first."),
-             _("Unmount")},
-            call(&Burning::unmount));
-    } else if (!_burn.replaced.empty()) {
-        const std::string name = safeText(Glib::path_get_basename(_burn.replaced));
-        ask(_window,
-            {_("Replace “{image}”?", {{"image", name}}),
-             _("The image exists already. The burn replaces it once the new one is complete."),
-             _("Replace")},
-            call(&Burning::burn));
-    } else {
-        askBeforeErasing();
-    }
+    _askedChange.reset();
+    setStarting(true);
+    if (const auto mount = mountIn(*_burn.project, _burn.drive))
+        askBeforeUnmounting(mount->get_name());
+    else
+        examine();
+}
+
+void Burning::stop() {
+    _life = std::make_shared<char>();
+    setStarting(false);
+}
+
+void Burning::askBeforeUnmounting(const std::string& disc) {
+    ask(_window,
+        {_("Unmount “{disc}”?", {{"disc", safeText(disc)}}),
+         _("The disc is mounted. Programs that read it have to be closed first."), _("Unmount")},
+        call(&Burning::unmount), call(&Burning::stop));
 }
 
 void Burning::unmount() {
     const auto mount = mountIn(*_burn.project, _burn.drive);
     if (!mount)
-        return unmounted({});
-    setStarting(true);
+        return examine();
     window::unmount(mount, _window,
                     [this, life = std::weak_ptr(_life)](const std::string& problem) {
                         if (!life.expired())
@@ -87,33 +88,56 @@ void Burning::unmount() {
 }
 
 void Burning::unmounted(const std::string& problem) {
-    if (!problem.empty()) {
-        setStarting(false);
-        return _handlers.refused(
-            _("The disc could not be unmounted: {reason}", {{"reason", safeText(problem)}}));
-    }
-    setStarting(true);
-    _burn.project->examine(_burn.drive, call(&Burning::askBeforeErasing));
+    if (problem.empty())
+        examine();
+    else
+        refuse(_("The disc could not be unmounted: {reason}", {{"reason", safeText(problem)}}));
 }
 
-void Burning::askBeforeErasing() {
-    setStarting(false);
+void Burning::examine() { _burn.project->examine(_burn.drive, call(&Burning::examined)); }
+
+void Burning::examined() {
     const auto problems = _burn.project->problems(_burn.drive);
-    if (!problems.empty())
-        return _handlers.refused(textFor(problems.front()));
     const auto drive = _burn.project->drive(_burn.drive);
-    if (!drive || drive->isBlank)
-        return burn();
+    if (!problems.empty())
+        refuse(textFor(problems.front()));
+    else if (_burn.replacesImage)
+        askBeforeReplacing();
+    else if (drive && !drive->isBlank && drive->changeCount != _askedChange)
+        askBeforeErasing(*drive);
+    else
+        burn();
+}
+
+void Burning::askBeforeReplacing() {
+    const std::string name = safeText(Glib::path_get_basename(_burn.image));
     ask(_window,
-        {_("Erase the disc?"), _("The disc is not blank. Everything on it will be lost."),
-         _("Erase and Burn")},
-        call(&Burning::burn));
+        {_("Replace “{image}”?", {{"image", name}}),
+         _("The image exists already. The burn replaces it once the new one is complete."),
+         _("Replace")},
+        call(&Burning::burn), call(&Burning::stop));
+}
+
+/// The disc is examined again after the reply, because another one may be in the drive by then.
+void Burning::askBeforeErasing(const DiscDrive& drive) {
+    const bool isAnother = _askedChange.has_value();
+    _askedChange = drive.changeCount;
+    ask(_window,
+        {isAnother ? _("The disc may have been replaced. Erase this one?") : _("Erase the disc?"),
+         _("The disc is not blank. Everything on it will be lost."), _("Erase and Burn")},
+        call(&Burning::examine), call(&Burning::stop));
 }
 
 void Burning::burn() {
+    setStarting(false);
     keepAwake(true);
     if (!_burn.project->burn(_burn.drive, _burn.title))
         keepAwake(false);
+}
+
+void Burning::refuse(const std::string& text) {
+    setStarting(false);
+    _handlers.refused(text);
 }
 
 void Burning::end(const DiscBurnEnd& end) {

@@ -3,8 +3,10 @@
 
 #include <gtkmm/applicationwindow.h>
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,7 +22,8 @@ public:
         DiscProject* project = nullptr; ///< which must live until the burn has ended
         DiscDrive::Id drive = 0;
         std::string title;
-        std::string replaced; ///< the path of an image that is there already; otherwise empty
+        std::string image;          ///< its path; empty for a disc
+        bool replacesImage = false; ///< it is there already
     };
     struct Handlers {
         std::function<void()> changed;                        ///< `isStarting` has changed
@@ -36,18 +39,28 @@ public:
     static std::vector<DiscProblem> problems(const DiscProject& project, DiscDrive::Id drive);
     static bool isMounted(const DiscProject& project, DiscDrive::Id drive);
 
-    /// Asks, and begins the burn if the user agrees to everything.
+    /// Examines the disc, asks, and begins the burn if the user agrees to everything.
     void start(Burn burn);
-    /// True while a disc is being unmounted for the burn.
+    /// True from a call of `start` until the burn begins, is refused, or is not wanted any more.
+    /// What is burnt must not change while it is true.
     bool isStarting() const { return _isStarting; }
+    /// Gives the start up. A disc that is being unmounted stays unmounted.
+    void stop();
+    /// The one that was started last.
+    const Burn& lastBurn() const { return _burn; }
     /// To be called when the burn has ended.
     void end(const DiscBurnEnd& end);
 
 private:
+    void askBeforeUnmounting(const std::string& disc);
     void unmount();
     void unmounted(const std::string& problem);
-    void askBeforeErasing();
+    void examine();
+    void examined();
+    void askBeforeReplacing();
+    void askBeforeErasing(const DiscDrive& drive);
     void burn();
+    void refuse(const std::string& text);
     void setStarting(bool isStarting);
     void keepAwake(bool isAwake);
     template <typename... Arguments>
@@ -57,9 +70,10 @@ private:
     const Handlers _handlers;
     Burn _burn;
     bool _isStarting = false;
-    unsigned _awake = 0; ///< what GTK returned for keeping awake; 0 for none
-    /// Expires with this object, whatever is still under way.
-    const std::shared_ptr<char> _life = std::make_shared<char>();
+    std::optional<std::uint64_t> _askedChange; ///< `changeCount` of the disc that was asked about
+    unsigned _awake = 0;                       ///< what GTK returned for keeping awake; 0 for none
+    /// Expires with this object and with `stop`, whatever is still under way.
+    std::shared_ptr<char> _life = std::make_shared<char>();
 };
 
 } // namespace quarner::window

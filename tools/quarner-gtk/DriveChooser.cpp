@@ -90,6 +90,11 @@ void DriveChooser::setNames(const std::vector<Glib::ustring>& names) {
 
 void DriveChooser::choose(const std::string& name) { _wantedName = name; }
 
+void DriveChooser::startOver(const std::string& name) {
+    _chosen = 0;
+    _wantedName = name;
+}
+
 void DriveChooser::selectChosen() {
     const auto entry = std::find(_drives.begin(), _drives.end(), _chosen) - _drives.begin();
     _isBeingFilled = true;

@@ -26,6 +26,9 @@ public:
     void show(const std::vector<DiscDrive>& drives);
     /// Chooses the drive with this name, once it is shown.
     void choose(const std::string& name);
+    /// Chooses that drive, otherwise the first, of those that are shown next: of another project,
+    /// which has other identities for the same drives.
+    void startOver(const std::string& name);
     /// 0, which is no drive's, if there is none.
     DiscDrive::Id chosen() const { return _chosen; }
 

@@ -26,11 +26,11 @@ EndBar::EndBar(Handlers handlers) : _handlers(std::move(handlers)) {
     _head.append(_text);
     _head.append(_close);
     _openFolder.set_label(_("Open Folder"));
-    _openFolder.signal_clicked().connect([this] { _handlers.openFolder(); });
+    _openFolder.signal_clicked().connect([this] { _handlers.openFolder(_burnt); });
     _burnAnother.set_label(_("Burn Another Copy"));
     _burnAnother.signal_clicked().connect([this] {
         hideEnd();
-        _handlers.burnAnother();
+        _handlers.burnAnother(_burnt);
     });
     _offers.set_selection_mode(Gtk::SelectionMode::NONE);
     for (Gtk::Button* const offer : {&_openFolder, &_burnAnother}) {
@@ -45,11 +45,12 @@ EndBar::EndBar(Handlers handlers) : _handlers(std::move(handlers)) {
     set_child(_bar);
 }
 
-void EndBar::show(const DiscBurnEnd& end, bool isImage) {
+void EndBar::show(const DiscBurnEnd& end, Burnt burnt) {
+    _burnt = std::move(burnt);
     const bool isDone = end.outcome == DiscBurnEnd::Outcome::Done;
     _text.set_text(textFor(end));
     _offers.set_visible(isDone);
-    _openFolder.get_parent()->set_visible(isImage);
+    _openFolder.get_parent()->set_visible(!_burnt.image.empty());
     for (const char* const look : {"success", "error"})
         _bar.remove_css_class(look);
     if (end.outcome != DiscBurnEnd::Outcome::Canceled)

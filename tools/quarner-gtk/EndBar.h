@@ -11,25 +11,32 @@
 #include <string>
 
 #include "quarner/project/DiscBurn.h"
+#include "quarner/project/DiscDrive.h"
 
 namespace quarner::window {
 
 /// Says how a burn ended, and offers what may come next.
 class EndBar : public Gtk::Revealer {
 public:
+    /// What was burnt.
+    struct Burnt {
+        DiscDrive::Id drive = 0;
+        std::string image; ///< its path; empty for a disc
+    };
     struct Handlers {
-        std::function<void()> openFolder;
-        std::function<void()> burnAnother;
+        std::function<void(const Burnt&)> openFolder; ///< of an image
+        std::function<void(const Burnt&)> burnAnother;
     };
 
     explicit EndBar(Handlers handlers);
 
-    /// `isImage`: its folder can be opened.
-    void show(const DiscBurnEnd& end, bool isImage);
+    /// The handlers get `burnt`, whatever is chosen by then.
+    void show(const DiscBurnEnd& end, Burnt burnt);
     void hideEnd() { set_reveal_child(false); }
 
 private:
     const Handlers _handlers;
+    Burnt _burnt;
     Gtk::Box _bar{Gtk::Orientation::VERTICAL, 6};
     Gtk::Box _head;
     Gtk::Label _text;

@@ -24,16 +24,23 @@ void FileSearch::find(Paths paths, std::function<void(const Paths&)> done) {
 
 void FileSearch::work(const std::stop_token& stop) {
     const std::vector<std::string> extensions = DiscProject::fileExtensions();
-    std::unique_lock lock(_mutex);
-    while (_isWanted.wait(lock, stop, [this] { return !_wanted.empty(); })) {
-        const Paths paths = std::move(_wanted.front());
-        _wanted.pop_front();
-        lock.unlock();
-        Paths files = filesToAdd(paths, extensions, stop);
-        lock.lock();
+    while (const auto paths = nextWanted(stop)) {
+        Paths files = filesToAdd(*paths, extensions, stop);
+        std::unique_lock lock(_mutex);
         _found.push_back(std::move(files));
+        lock.unlock(); // emitting may wait for the main thread
         _isFound.emit();
     }
+}
+
+/// Waits for paths. `std::nullopt` once it is stopped.
+std::optional<FileSearch::Paths> FileSearch::nextWanted(const std::stop_token& stop) {
+    std::unique_lock lock(_mutex);
+    if (!_isWanted.wait(lock, stop, [this] { return !_wanted.empty(); }))
+        return std::nullopt;
+    Paths paths = std::move(_wanted.front());
+    _wanted.pop_front();
+    return paths;
 }
 
 void FileSearch::takeResults() {

@@ -7,6 +7,7 @@
 #include <deque>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -27,8 +28,11 @@ public:
 
     /// Calls `done` with the files in a later turn of the main loop; in the order of the calls.
     void find(Paths paths, std::function<void(const Paths& files)> done);
+    /// Whether there are calls to come.
+    bool isSearching() const { return !_calls.empty(); }
 
 private:
+    std::optional<Paths> nextWanted(const std::stop_token& stop);
     void work(const std::stop_token& stop);
     void takeResults();
 

@@ -12,7 +12,8 @@ namespace quarner::window {
 
 using words::_;
 
-void ask(Gtk::Window& parent, const Question& question, std::function<void()> yes) {
+void ask(Gtk::Window& parent, const Question& question, std::function<void()> yes,
+         std::function<void()> no) {
     auto* const dialog = new Gtk::MessageDialog(
         parent, question.text, false, Gtk::MessageType::QUESTION, Gtk::ButtonsType::NONE, true);
     dialog->set_secondary_text(question.detail);
@@ -25,15 +26,16 @@ void ask(Gtk::Window& parent, const Question& question, std::function<void()> ye
     addButton(question.yes, Gtk::ResponseType::YES)->add_css_class("destructive-action");
     dialog->set_default_response(Gtk::ResponseType::CANCEL);
     // The dialogue goes once its signal is through.
-    dialog->signal_response().connect([dialog, yes = std::move(yes)](int response) {
-        dialog->set_visible(false);
-        Glib::signal_idle().connect_once(
-            [dialog, call = yes, isYes = response == Gtk::ResponseType::YES] {
-                delete dialog;
-                if (isYes)
-                    call();
-            });
-    });
+    dialog->signal_response().connect(
+        [dialog, yes = std::move(yes), no = std::move(no)](int response) {
+            dialog->set_visible(false);
+            Glib::signal_idle().connect_once(
+                [dialog, call = response == Gtk::ResponseType::YES ? yes : no] {
+                    delete dialog;
+                    if (call)
+                        call();
+                });
+        });
     dialog->set_visible(true);
 }
 

@@ -53,7 +53,8 @@ Glib::RefPtr<Gtk::FileFilter> filterForMusic() {
 
 Window::Window(DiscProject::Kind kind)
     : _layout({{[this] { wantRefresh(); }, [this] { chooseImage(); }},
-               {[this] { openImageFolder(); }, [this] { burnAnother(); }}}),
+               {[this](const auto& burnt) { openFolderOf(burnt.image); },
+                [this](const auto& burnt) { burnAnother(burnt); }}}),
       _burning(*this, {[this] { wantRefresh(); }, [this](const auto& text) { say(text); }}) {
     set_title(_("Burn a Disc"));
     set_icon_name(QUARNER_APPLICATION_ID);
@@ -107,7 +108,7 @@ void Window::addActions() {
     addEdit("choose-image", [this] { chooseImage(); });
     _undo = add_action("undo", [this] { _compilation->history().undo(); });
     _redo = add_action("redo", [this] { _compilation->history().redo(); });
-    _eject = add_action("eject", [this] { eject(); });
+    _eject = add_action("eject", [this] { eject(_layout.drives.chosen()); });
 }
 
 /// Behind the focus, so that keys mean in the title what they mean in a text.
@@ -151,9 +152,12 @@ void Window::setKind(DiscProject::Kind kind) {
     if (kind == project().kind() || !isEditable() || project().isAdding())
         return wantRefresh();
     const std::vector<std::string> paths = _compilation->paths();
+    const auto drive = project().drive(_layout.drives.chosen());
+    _layout.drives.startOver(drive && !isOnImage() ? drive->name : "");
     if (const auto image = std::exchange(_image, std::nullopt)) // its format is that of the kind
         removeImageDrive(image->drive);
     _layout.refusals.clear();
+    _layout.end.hideEnd(); // it offers to use the drive of the project that goes
     startCompilation(kind);
     if (!paths.empty())
         project().add(paths);
@@ -161,11 +165,18 @@ void Window::setKind(DiscProject::Kind kind) {
 }
 
 void Window::open(const std::vector<std::string>& paths, std::optional<std::size_t> row) {
-    _search.find(paths, [this, row](const std::vector<std::string>& files) {
-        if (isEditable() && !files.empty())
-            _compilation->history().add(files, row);
-        wantRefresh();
-    });
+    if (!isEditable())
+        return addFound({}, row);
+    _search.find(paths,
+                 [this, row](const std::vector<std::string>& files) { addFound(files, row); });
+    wantRefresh();
+}
+
+void Window::addFound(const std::vector<std::string>& files, std::optional<std::size_t> row) {
+    if (!isEditable())
+        say(_("No files can be added while a disc is being burnt."));
+    else if (!files.empty())
+        _compilation->history().add(files, row);
     wantRefresh();
 }
 
@@ -180,6 +191,7 @@ void Window::chooseFiles(Gtk::FileChooser::Action action) {
         if (response == Gtk::ResponseType::ACCEPT)
             open(pathsIn(*_chooser->get_files()));
     });
+    _chooser->set_modal(true);
     _chooser->show();
 }
 
@@ -191,10 +203,13 @@ void Window::chooseImage() {
         if (response == Gtk::ResponseType::ACCEPT)
             useImage(pathOf(_chooser->get_file()));
     });
+    _chooser->set_modal(true);
     _chooser->show();
 }
 
 void Window::useImage(const std::string& chosenPath) {
+    if (!isEditable())
+        return;
     std::string path = chosenPath;
     const char* const extension = words::extensionFor(project().kind());
     const bool hasExtension = Glib::str_has_suffix(path, extension);
@@ -240,36 +255,44 @@ void Window::moveRows(const std::set<std::size_t>& rows, std::size_t to) {
         _compilation->history().move(rows, to);
 }
 
-void Window::eject() {
-    project().eject(_layout.drives.chosen(), [this](const std::string& problem) {
+void Window::eject(DiscDrive::Id drive) {
+    project().eject(drive, [this](const std::string& problem) {
         if (!problem.empty())
             say(problem);
     });
 }
 
 void Window::burnOrCancel() {
-    if (project().isBurning()) {
-        _isCanceling = true;
-        refreshNotice();
-        return project().cancelBurn();
-    }
+    if (project().isBurning())
+        return cancelBurn();
+    if (_burning.isStarting())
+        return _burning.stop();
     _layout.end.hideEnd();
-    std::string replaced;
-    if (isOnImage() && !_image->mayBeReplaced &&
-        Glib::file_test(_image->path, Glib::FileTest::EXISTS))
-        replaced = _image->path;
-    _burning.start({&project(), _layout.drives.chosen(), _layout.title.get_text(), replaced});
+    const std::string image = isOnImage() ? _image->path : "";
+    const bool isReplaced =
+        isOnImage() && !_image->mayBeReplaced && Glib::file_test(image, Glib::FileTest::EXISTS);
+    _burning.start({.project = &project(),
+                    .drive = _layout.drives.chosen(),
+                    .title = _layout.title.get_text(),
+                    .image = image,
+                    .replacesImage = isReplaced});
 }
 
-void Window::burnAnother() {
-    if (isOnImage())
-        chooseImage();
+void Window::cancelBurn() {
+    _isCanceling = true;
+    refreshNotice();
+    project().cancelBurn();
+}
+
+void Window::burnAnother(const EndBar::Burnt& burnt) {
+    if (burnt.image.empty())
+        eject(burnt.drive); // the notice then asks for a blank disc
     else
-        eject(); // the notice then asks for a blank disc
+        chooseImage();
 }
 
-void Window::openImageFolder() {
-    const std::string folder = Glib::path_get_dirname(_image->path);
+void Window::openFolderOf(const std::string& image) {
+    const std::string folder = Glib::path_get_dirname(image);
     const Glib::RefPtr<Gio::AppLaunchContext> context = get_display()->get_app_launch_context();
     forgetRenderer(*context);
     Gio::AppInfo::launch_default_for_uri_async(Gio::File::create_for_path(folder)->get_uri(),
@@ -286,7 +309,7 @@ bool Window::on_close_request() {
         [this] {
             _isClosing = true;
             if (project().isBurning())
-                project().cancelBurn();
+                cancelBurn();
             else
                 close();
         });
@@ -325,9 +348,10 @@ void Window::refreshActions() {
     _redo->set_enabled(isEditable() && _compilation->history().canRedo());
     const auto drive = project().drive(_layout.drives.chosen());
     _eject->set_enabled(isEditable() && drive && drive->hasDisc && !isOnImage());
-    for (Gtk::Widget* const part : std::initializer_list<Gtk::Widget*>{
-             &_layout.audio, &_layout.data, &_layout.drives, &_layout.title})
+    for (Gtk::Widget* const part :
+         std::initializer_list<Gtk::Widget*>{&_layout.audio, &_layout.data, &_layout.drives})
         part->set_sensitive(isStill);
+    _layout.title.set_sensitive(isEditable()); // somebody may be typing when files are added
 }
 
 void Window::refreshNotice() {
@@ -344,12 +368,13 @@ void Window::refreshNotice() {
     _layout.notice.set_text(notice);
     _layout.notice.set_visible(!notice.empty());
 
-    const bool isCancel = project().isBurning();
+    const bool isCancel = isBurning();
     _layout.burn.set_label(isCancel ? _("Cancel") : _("Burn"));
     for (const char* const look : {"suggested-action", "destructive-action"})
         _layout.burn.remove_css_class(look);
     _layout.burn.add_css_class(isCancel ? "destructive-action" : "suggested-action");
-    const bool isReady = drive && problems.empty() && !project().isAdding() && !isBurning();
+    const bool isAdding = _search.isSearching() || project().isAdding();
+    const bool isReady = drive && problems.empty() && !isAdding;
     _layout.burn.set_sensitive(isCancel ? !_isCanceling : isReady);
 }
 
@@ -373,21 +398,26 @@ void Window::burnEnded(const DiscBurnEnd& end) {
     _isCanceling = false;
     if (_isClosing)
         return close();
-    _layout.end.show(end, isOnImage());
-    if (isOnImage()) {
+    const Burning::Burn& burn = _burning.lastBurn();
+    _layout.end.show(end, {burn.drive, burn.image});
+    if (_image && !burn.image.empty()) {
         _image->mayBeReplaced = false;
-        // The drive takes a blank disc for the next burn.
         if (end.outcome == DiscBurnEnd::Outcome::Done)
-            project().eject(_layout.drives.chosen(), [this](const std::string&) {
-                if (_image)
-                    insertBlankDisc(_image->drive);
-            });
+            insertBlankImage(burn.drive);
     }
     wantRefresh();
 }
 
+/// For the next burn.
+void Window::insertBlankImage(DiscDrive::Id drive) {
+    project().eject(drive, [this](const std::string&) {
+        if (_image)
+            insertBlankDisc(_image->drive);
+    });
+}
+
 void Window::say(const std::string& text) {
-    _layout.end.show({.outcome = DiscBurnEnd::Outcome::Failed, .text = text}, false);
+    _layout.end.show({.outcome = DiscBurnEnd::Outcome::Failed, .text = text}, {});
 }
 
 } // namespace quarner::window

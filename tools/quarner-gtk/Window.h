@@ -27,7 +27,8 @@ public:
     /// Makes a compilation for the other kind of disc from the same files. Does nothing while files
     /// are being added or a disc is being burnt.
     void setKind(DiscProject::Kind kind);
-    /// Adds the files that a user means by paths of files, folders and playlists.
+    /// Adds the files that a user means by paths of files, folders and playlists. Says that they
+    /// are not added while a disc is being burnt.
     void open(const std::vector<std::string>& paths, std::optional<std::size_t> row = std::nullopt);
 
 private:
@@ -45,13 +46,15 @@ private:
     void chooseFiles(Gtk::FileChooser::Action action);
     void chooseImage();
     void useImage(const std::string& path);
+    void addFound(const std::vector<std::string>& files, std::optional<std::size_t> row);
     void removeSelected();
     void moveSelected(bool down);
     void moveRows(const std::set<std::size_t>& rows, std::size_t to);
-    void eject();
+    void eject(DiscDrive::Id drive);
     void burnOrCancel();
-    void burnAnother();
-    void openImageFolder();
+    void cancelBurn();
+    void burnAnother(const EndBar::Burnt& burnt);
+    void openFolderOf(const std::string& image);
     bool on_close_request() override;
 
     // What it shows
@@ -62,6 +65,7 @@ private:
     void showAdding(const std::string& name, std::size_t index, std::size_t of);
     void showProgress(const DiscBurnProgress& progress);
     void burnEnded(const DiscBurnEnd& end);
+    void insertBlankImage(DiscDrive::Id drive);
     void say(const std::string& text);
 
     DiscProject& project() const { return _compilation->project(); }

@@ -3,7 +3,9 @@
 
 #include <giomm/menu.h>
 #include <giomm/menuitem.h>
+#include <gtkmm/gestureclick.h>
 #include <gtkmm/image.h>
+#include <gtkmm/settings.h>
 
 #include <string>
 #include <utility>
@@ -35,6 +37,23 @@ void addItem(const Glib::RefPtr<Gio::Menu>& menu, const std::string& label, cons
     if (keys != nullptr)
         item->set_attribute_value("accel", Glib::Variant<Glib::ustring>::create(keys));
     menu->append_item(item);
+}
+
+/// Takes the second click of a double click away from the button in a box: it would cancel what the
+/// first one has begun. A gesture of the button itself would end when the button takes the first.
+/// The gesture's own count starts again if the first click keeps the main loop busy.
+void takeSecondClicks(Gtk::Box& place) {
+    const auto clicks = Gtk::GestureClick::create();
+    clicks->set_propagation_phase(Gtk::PropagationPhase::CAPTURE);
+    const auto longest =
+        static_cast<guint32>(place.get_settings()->property_gtk_double_click_time().get_value());
+    clicks->signal_pressed().connect(
+        [gesture = clicks.get(), longest, last = guint32{0}](int, double, double) mutable {
+            const guint32 before = std::exchange(last, gesture->get_current_event_time());
+            if (last - before <= longest)
+                gesture->set_state(Gtk::EventSequenceState::CLAIMED);
+        });
+    place.add_controller(clicks);
 }
 
 Glib::RefPtr<Gio::Menu> makeMenu() {
@@ -144,7 +163,9 @@ void WindowLayout::layOutBottom() {
     title.set_hexpand(true);
     setSpokenName(title, _("Title of the disc"));
     _lastRow.append(title);
-    _lastRow.append(burn);
+    _burnPlace.append(burn);
+    takeSecondClicks(_burnPlace);
+    _lastRow.append(_burnPlace);
     _bottom.set_margin(margin);
     for (Gtk::Widget* const part :
          std::initializer_list<Gtk::Widget*>{&capacity, &work, &drives, &notice, &_lastRow})

@@ -67,6 +67,7 @@ private:
     Gtk::Box _workColumn{Gtk::Orientation::VERTICAL, 3};
     Gtk::Box _bottom{Gtk::Orientation::VERTICAL, 9};
     Gtk::Box _lastRow{Gtk::Orientation::HORIZONTAL, 9};
+    Gtk::Box _burnPlace;
 };
 
 } // namespace quarner::window
