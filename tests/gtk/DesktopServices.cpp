@@ -111,8 +111,11 @@ GVariant* DesktopServices::replyTo(const std::string& method, GVariant* argument
         const char* headline = nullptr;
         g_variant_get_child(arguments, 3, "&s", &headline);
         _notifications.emplace_back(headline);
+        ++_shown;
         return g_variant_new("(u)", 1U);
     }
+    if (method == "CloseNotification")
+        --_shown;
     if (method == "GetCapabilities")
         return g_variant_new("(as)", nullptr);
     if (method == "GetServerInformation")
@@ -144,6 +147,17 @@ void DesktopServices::setColorScheme(ColorScheme scheme) {
 std::vector<std::string> DesktopServices::notifications() const {
     const std::lock_guard lock(_mutex);
     return _notifications;
+}
+
+int DesktopServices::shownNotifications() const {
+    const std::lock_guard lock(_mutex);
+    return _shown;
+}
+
+void DesktopServices::clickNotification() {
+    g_dbus_connection_emit_signal(_bus, nullptr, "/org/freedesktop/Notifications",
+                                  "org.freedesktop.Notifications", "ActionInvoked",
+                                  g_variant_new("(us)", 1U, "default"), nullptr);
 }
 
 int DesktopServices::inhibitors() const {

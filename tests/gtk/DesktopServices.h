@@ -25,6 +25,9 @@ public:
 
     /// The headlines of all notifications so far.
     std::vector<std::string> notifications() const;
+    /// How many of them are shown now.
+    int shownNotifications() const;
+    void clickNotification();
     /// How many programs want the machine to stay awake.
     int inhibitors() const;
     void setColorScheme(ColorScheme scheme);
@@ -38,6 +41,7 @@ private:
 
     mutable std::mutex _mutex;
     std::vector<std::string> _notifications;
+    int _shown = 0;
     int _inhibitors = 0;
     ColorScheme _colorScheme;
     GMainContext* const _context;

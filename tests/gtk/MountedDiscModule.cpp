@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 //
 // A module for GIO that makes it believe a disc is mounted: as long as the file exists that
-// QUARNER_MOUNT names, "Old mix" is mounted from /dev/sr0. To unmount it removes the file, or fails
-// if that cannot be done.
+// QUARNER_MOUNT names, "Old mix" is mounted from /dev/sr0, at the URI of QUARNER_MOUNT_ROOT if
+// there is one. To unmount it removes the file, or fails if that cannot be done.
 #include <gio/gio.h>
 #include <unistd.h>
 
@@ -41,6 +41,10 @@ struct TestMountClass {
     GObjectClass parent;
 };
 char* mountName(GMount*) { return g_strdup("Old mix"); }
+GFile* mountRoot(GMount*) {
+    const char* const uri = std::getenv("QUARNER_MOUNT_ROOT");
+    return g_file_new_for_uri(uri == nullptr ? "file:///media/mix" : uri);
+}
 GVolume* mountVolume(GMount*) { return G_VOLUME(g_object_new(test_volume_get_type(), nullptr)); }
 void unmountDisc(GMount* mount, GMountUnmountFlags, GMountOperation*, GCancellable* stop,
                  GAsyncReadyCallback done, gpointer data) {
@@ -56,6 +60,7 @@ gboolean finishUnmount(GMount*, GAsyncResult* result, GError** error) {
 }
 void test_mount_mount_init(GMountIface* iface) {
     iface->get_name = mountName;
+    iface->get_root = mountRoot;
     iface->get_volume = mountVolume;
     iface->unmount_with_operation = unmountDisc;
     iface->unmount_with_operation_finish = finishUnmount;

@@ -10,6 +10,7 @@ namespace {
 using ::testing::ElementsAre;
 
 constexpr std::uint64_t framesPerSecond = 75;
+constexpr std::uint8_t write10 = 0x2A;
 
 class WindowBurns : public WindowTest {
 protected:
@@ -155,6 +156,19 @@ TEST_F(WindowBurns, OnADriveThatWasAttachedLater) {
     find("Drive: No drive");
 }
 
+TEST_F(WindowBurns, OnNoOtherDriveThanTheChosenOneIfThatIsUnplugged) {
+    const auto chosen = machine.plug({.product = "FIRST"});
+    machine.plug({.product = "SECOND"});
+    start({song("a.mp3", 11)});
+    find("Drive: QUARNER FIRST");
+    chosen->unplug();
+    find("Drive: No drive");
+    find("The drive was unplugged. Choose another one, or an image file.");
+    EXPECT_FALSE(find("Burn", "push button").isSensitive());
+    chosen->replug();
+    find("Drive: QUARNER FIRST");
+}
+
 TEST_F(WindowBurns, AnotherCopyIntoAnotherImage) {
     const std::string cue = folder.file("mix.cue");
     const std::string copy = folder.file("copy.cue");
@@ -208,6 +222,23 @@ TEST_F(WindowBurns, KeepTheMachineAwakeAndEndWithANotification) {
     waitUntil([&] { return desktop.inhibitors() == 0; }, "end of the inhibitor");
     waitUntil([&] { return !desktop.notifications().empty(); }, "notification");
     EXPECT_THAT(desktop.notifications(), ElementsAre("The disc is ready"));
+}
+
+TEST_F(WindowBurns, WithANotificationThatShowsTheWindowAndGoesWithTheNextBurn) {
+    DesktopServices desktop;
+    const auto recorder = machine.plug({});
+    start({song("a.mp3", 11)});
+    clickWhenReady("Burn", "push button");
+    waitUntil([&] { return desktop.shownNotifications() == 1; }, "notification");
+    recorder->insert(Medium::blankCDR());
+    recorder->hangAt(write10);
+    activateWhenReady("Burn", "push button");
+    waitUntil([&] { return desktop.shownNotifications() == 0; }, "end of the notification");
+    recorder->resume();
+    waitUntil([&] { return desktop.shownNotifications() == 1; }, "second notification");
+    minimize();
+    desktop.clickNotification();
+    waitUntil([&] { return isOnScreen(); }, "window");
 }
 
 TEST_F(WindowBurns, SayWhatFailedAndWhatCanBeDone) {

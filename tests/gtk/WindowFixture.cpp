@@ -180,6 +180,13 @@ void WindowTest::drag(Point from, Point to) const {
     }
 }
 
+bool WindowTest::isOnScreen() const { return geometryOf(title).width > 0; }
+
+void WindowTest::minimize() const {
+    input({"search", "--onlyvisible", "--name", "^" + title + "$", "windowminimize"});
+    waitUntil([&] { return !isOnScreen(); }, "minimized window");
+}
+
 int WindowTest::resize(int width, int height) const {
     // The window manager keeps it as large as it had to be at the time of each request.
     waitFor([&] {

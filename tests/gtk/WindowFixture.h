@@ -80,6 +80,9 @@ protected:
     /// just come does not notice the pointer at once.
     void drag(Point from, Point to) const;
     static void dragOnce(Point from, Point to);
+    /// Takes the window off the screen until it is presented.
+    void minimize() const;
+    bool isOnScreen() const;
     /// Asks for a size of the window. Returns the width that it then has.
     int resize(int width, int height) const;
 

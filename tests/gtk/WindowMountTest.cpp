@@ -7,11 +7,14 @@ namespace {
 /// The disc in the drive is mounted as "Old mix" as long as the file exists.
 class WindowMounts : public WindowTest {
 protected:
-    void startWithMountedDisc() {
+    HostSettings mounting() const {
         HostSettings settings = here();
         settings.environment.emplace_back("GIO_EXTRA_MODULES=" MODULE_FOLDER);
         settings.environment.push_back("QUARNER_MOUNT=" + mount);
-        start({song("a.mp3", 11)}, settings);
+        return settings;
+    }
+    void startWithMountedDisc() {
+        start({song("a.mp3", 11)}, mounting());
         find("Drive: QUARNER DISC RECORDER");
         clickWhenReady("Burn", "push button");
         find("Unmount “Old mix”?");
@@ -56,6 +59,16 @@ TEST_F(WindowMounts, ADiscThatIsInUseIsNotBurnt) {
         },
         "reason");
     EXPECT_EQ(recorder->writtenDisc()->state, Medium::State::Blank);
+}
+
+TEST_F(WindowMounts, ABlankDiscThatTheDesktopShowsAsAPlaceForFilesIsNotUnmounted) {
+    writeContent(mount, "");
+    HostSettings settings = mounting();
+    settings.environment.emplace_back("QUARNER_MOUNT_ROOT=burn:///");
+    start({song("a.mp3", 11)}, settings);
+    clickWhenReady("Burn", "push button");
+    find("The disc is burnt and verified.");
+    EXPECT_TRUE(std::filesystem::exists(mount));
 }
 
 } // namespace

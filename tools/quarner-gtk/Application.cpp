@@ -56,6 +56,13 @@ void Application::on_startup() {
     add_action("about", [this] { showAbout(); });
 }
 
+/// By the desktop, and by a click on a notification.
+void Application::on_activate() {
+    if (!_window)
+        openWindow(DiscProject::Kind::Audio);
+    _window->present();
+}
+
 int Application::on_command_line(const Glib::RefPtr<Gio::ApplicationCommandLine>& call) {
     const auto options = call->get_options_dict();
     const bool isData = options->contains("data");

@@ -21,6 +21,7 @@ protected:
     Application();
 
     void on_startup() override;
+    void on_activate() override;
     int on_command_line(const Glib::RefPtr<Gio::ApplicationCommandLine>& call) override;
 
 private:

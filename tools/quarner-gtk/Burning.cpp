@@ -32,7 +32,10 @@ Glib::RefPtr<Gio::Mount> mountIn(const DiscProject& project, DiscDrive::Id id) {
 Burning::Burning(Gtk::ApplicationWindow& window, Handlers handlers)
     : _window(window), _handlers(std::move(handlers)) {}
 
-Burning::~Burning() { keepAwake(false); }
+Burning::~Burning() {
+    keepAwake(false);
+    withdrawNotification();
+}
 
 /// A step of this object as a function that does nothing once the object is gone.
 template <typename... Arguments>
@@ -130,6 +133,7 @@ void Burning::askBeforeErasing(const DiscDrive& drive) {
 
 void Burning::burn() {
     setStarting(false);
+    withdrawNotification();
     keepAwake(true);
     if (!_burn.project->burn(_burn.drive, _burn.title))
         keepAwake(false);
@@ -149,6 +153,11 @@ void Burning::end(const DiscBurnEnd& end) {
         Gio::Notification::create(isDone ? _("The disc is ready") : _("The burn has failed"));
     notification->set_body(textFor(end));
     _window.get_application()->send_notification(notificationId, notification);
+}
+
+void Burning::withdrawNotification() {
+    if (const auto application = _window.get_application())
+        application->withdraw_notification(notificationId);
 }
 
 void Burning::setStarting(bool isStarting) {

@@ -63,6 +63,7 @@ private:
     void refuse(const std::string& text);
     void setStarting(bool isStarting);
     void keepAwake(bool isAwake);
+    void withdrawNotification();
     template <typename... Arguments>
     std::function<void(Arguments...)> call(void (Burning::*step)(Arguments...));
 

@@ -50,6 +50,7 @@ DriveChooser::DriveChooser(Handlers handlers)
 }
 
 void DriveChooser::show(const std::vector<DiscDrive>& drives) {
+    waitForUnplugged(drives);
     std::vector<Glib::ustring> names;
     _drives.clear();
     DiscDrive::Id wanted = 0;
@@ -61,19 +62,31 @@ void DriveChooser::show(const std::vector<DiscDrive>& drives) {
         if (drive.name == _wantedName)
             wanted = drive.id;
     }
-    if (_drives.empty()) { // an entry that is selected cannot be chosen
-        names.emplace_back(_("No drive"));
-        _drives.push_back(0);
-    }
-    names.emplace_back(_("Image file..."));
-    setNames(names);
     if (wanted != 0) {
         _chosen = wanted;
         _wantedName.clear();
     }
-    if (std::find(_drives.begin(), _drives.end(), _chosen) == _drives.end())
+    const bool isShown = std::find(_drives.begin(), _drives.end(), _chosen) != _drives.end();
+    // An entry that is selected cannot be chosen.
+    if (_drives.empty() || (!isShown && !_wantedName.empty())) {
+        names.insert(names.begin(), _("No drive"));
+        _drives.insert(_drives.begin(), 0);
+    }
+    names.emplace_back(_("Image file..."));
+    setNames(names);
+    if (!isShown)
         _chosen = _drives.front();
+    const auto chosen = std::find_if(drives.begin(), drives.end(),
+                                     [this](const auto& drive) { return drive.id == _chosen; });
+    _chosenName = chosen == drives.end() ? "" : chosen->name;
     selectChosen();
+}
+
+void DriveChooser::waitForUnplugged(const std::vector<DiscDrive>& drives) {
+    const bool isThere = std::any_of(drives.begin(), drives.end(),
+                                     [this](const auto& drive) { return drive.id == _chosen; });
+    if (_wantedName.empty() && !isThere && !drives.empty())
+        _wantedName = _chosenName;
 }
 
 /// Leaves the list alone, which may be open, if nothing has changed.
@@ -92,6 +105,7 @@ void DriveChooser::choose(const std::string& name) { _wantedName = name; }
 
 void DriveChooser::startOver(const std::string& name) {
     _chosen = 0;
+    _chosenName.clear();
     _wantedName = name;
 }
 
@@ -115,6 +129,7 @@ void DriveChooser::selectionChanged() {
         return _handlers.imageWanted();
     }
     _chosen = _drives[get_selected()];
+    _wantedName.clear();
     _handlers.chosen();
 }
 

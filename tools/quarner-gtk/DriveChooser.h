@@ -22,7 +22,8 @@ public:
 
     explicit DriveChooser(Handlers handlers);
 
-    /// Shows these drives. Keeps the one that is chosen, otherwise chooses the first.
+    /// Shows these drives. Keeps the one that is chosen. If it was unplugged and there are others,
+    /// none is chosen until it is back or the user chooses one. Otherwise chooses the first.
     void show(const std::vector<DiscDrive>& drives);
     /// Chooses the drive with this name, once it is shown.
     void choose(const std::string& name);
@@ -31,8 +32,11 @@ public:
     void startOver(const std::string& name);
     /// 0, which is no drive's, if there is none.
     DiscDrive::Id chosen() const { return _chosen; }
+    /// Whether there is a drive to choose.
+    bool hasDrive() const { return _drives.back() != 0; }
 
 private:
+    void waitForUnplugged(const std::vector<DiscDrive>& drives);
     void setNames(const std::vector<Glib::ustring>& names);
     void selectionChanged();
     void selectChosen();
@@ -41,6 +45,7 @@ private:
     Glib::RefPtr<Gtk::StringList> _names;
     std::vector<DiscDrive::Id> _drives; ///< of the entries; the last entry is none of them
     DiscDrive::Id _chosen = 0;
+    std::string _chosenName;
     std::string _wantedName;
     bool _isBeingFilled = false;
 };

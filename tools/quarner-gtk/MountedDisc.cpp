@@ -39,8 +39,12 @@ std::string deviceOf(const Gio::Mount& mount) {
 Glib::RefPtr<Gio::Mount> mountOf(const std::string& node) {
     if (node.empty())
         return {};
+    // Desktops show a blank disc as a mounted one, as a place to collect files.
+    const auto isMounted = [&](const Glib::RefPtr<Gio::Mount>& mount) {
+        return !mount->get_root()->has_uri_scheme("burn") && deviceOf(*mount) == node;
+    };
     for (const auto& mount : Gio::VolumeMonitor::get()->get_mounts())
-        if (deviceOf(*mount) == node)
+        if (isMounted(mount))
             return mount;
     return {};
 }

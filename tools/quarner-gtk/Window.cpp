@@ -362,7 +362,9 @@ void Window::refreshNotice() {
         problems = Burning::problems(project(), id);
     std::string notice = drive && !isOnImage() ? textForDiscAndFreeTime(*drive) : "";
     if (!drive)
-        notice = _("Attach a drive that writes CDs, or choose an image file.");
+        notice = _layout.drives.hasDrive()
+                     ? _("The drive was unplugged. Choose another one, or an image file.")
+                     : _("Attach a drive that writes CDs, or choose an image file.");
     else if (!isBurning() && !project().items()->empty() && !problems.empty())
         notice = textFor(problems.front());
     _layout.notice.set_text(notice);

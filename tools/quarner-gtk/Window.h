@@ -2,6 +2,7 @@
 #pragma once
 
 #include <giomm/simpleaction.h>
+#include <giomm/volumemonitor.h>
 #include <gtkmm/applicationwindow.h>
 
 #include <functional>
@@ -80,6 +81,8 @@ private:
     std::optional<Image> _image;
     bool _isClosing = false;
     bool _isCanceling = false;
+    /// Kept, because making one takes long.
+    const Glib::RefPtr<Gio::VolumeMonitor> _mounts = Gio::VolumeMonitor::get();
     sigc::connection _refreshing;
     Glib::RefPtr<Gtk::FileChooserNative> _chooser;
     std::vector<Glib::RefPtr<Gio::SimpleAction>> _edits; ///< possible unless a disc is being burnt
