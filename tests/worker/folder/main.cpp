@@ -5,4 +5,4 @@
 
 #include "adapters/worker/WorkerProcess.h"
 
-int main() { std::cout << quarner::workerFolder(); }
+int main() { std::cout << quarner::workerFolder() << '\n'; }
