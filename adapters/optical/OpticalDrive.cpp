@@ -66,7 +66,7 @@ std::optional<DiscFacts> OpticalDrive::cachedDisc() const {
 }
 
 DiscFacts OpticalDrive::disc() const {
-    std::unique_lock asking(_querying, std::defer_lock);
+    QueryLock asking(_querying, std::defer_lock);
     while (true) { // another thread may query the drive, or begin a burn
         if (std::optional<DiscFacts> known = cachedDisc())
             return std::move(*known);

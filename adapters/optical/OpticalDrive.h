@@ -11,6 +11,7 @@
 #include "adapters/engine/EngineDrive.h"
 #include "adapters/engine/ProgressMeter.h"
 #include "adapters/optical/DriveWorker.h"
+#include "adapters/optical/TimedMutex.h"
 #include "adapters/worker/DiscFacts.h"
 #include "adapters/worker/DriveRecord.h"
 
@@ -74,7 +75,7 @@ public:
     void release(std::optional<std::uint64_t> writtenSectors) override;
 
 private:
-    using QueryLock = std::unique_lock<std::timed_mutex>;
+    using QueryLock = std::unique_lock<TimedMutex>;
     struct Cached {
         DiscFacts disc;
         std::chrono::steady_clock::time_point since;
@@ -106,7 +107,7 @@ private:
     const Clock _clock;
 
     /// Held while the drive is open for a query. Locked before `mutex()`.
-    mutable std::timed_mutex _querying;
+    mutable TimedMutex _querying;
     mutable std::optional<Cached> _cached;
     mutable std::optional<std::chrono::steady_clock::time_point> _hangsSince;
     std::uint64_t _changes = 0; ///< the number of reported changes of the disc
