@@ -78,7 +78,8 @@ TEST_F(WindowLook, EverythingThatIsUsedIsReachedByTheKeyboard) {
 
 TEST_F(WindowLook, FitsInto360PixelsAlsoInALanguageOfLongerWords) {
     startInGerman({song("a.mp3")});
-    EXPECT_LE(resize(360, 640), 360);
+    waitForRows({"a.mp3"});
+    EXPECT_LE(resize(360, 640), 360) << treeOf(program());
 }
 
 /// With texts that are longer by half than the English ones.
