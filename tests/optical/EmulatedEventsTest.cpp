@@ -2,7 +2,10 @@
 #include <gmock/gmock.h>
 #include <libudev.h>
 #include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
+#include <array>
 #include <filesystem>
 
 #include "tests/optical/LibburnSession.h"
@@ -107,6 +110,19 @@ TEST_F(EmulatedEventsTest, TellOfEveryChangeOfTheDisc) {
     EXPECT_THAT(events(1), ElementsAre("change sr0 medium"));
     recorder->pressEject();
     EXPECT_THAT(events(0), IsEmpty()) << "it is open already";
+}
+
+TEST_F(EmulatedEventsTest, MayBeSentToAProgramThatHasJustEnded) {
+    std::array<int, 2> ends = {-1, -1};
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0, ends.data()), 0);
+    close(ends[1]);
+    char text[] = "add";
+    iovec part = {text, sizeof text};
+    msghdr message = {};
+    message.msg_iov = &part;
+    message.msg_iovlen = 1;
+    EXPECT_EQ(sendmsg(ends[0], &message, 0), ssize_t(sizeof text));
+    close(ends[0]);
 }
 
 TEST_F(EmulatedEventsTest, TellOfATrayThatACommandOpens) {
