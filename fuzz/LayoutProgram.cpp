@@ -14,36 +14,36 @@
 namespace quarner::fuzz {
 namespace {
 
-struct Answer {
+struct Received {
     Message reply;
     std::size_t bytes = 0;
 };
 
 /// Both ends of the connection are channels here: the library's takes what comes until the end.
-Answer takeAnswer(const Channel& library) {
+Received receiveAll(const Channel& library) {
     const auto end = Channel::Clock::now() + std::chrono::seconds(60);
-    Answer answer;
-    if (library.receive(answer.reply, end) != Channel::Result::Done)
+    Received received;
+    if (library.receive(received.reply, end) != Channel::Result::Done)
         return {};
     std::vector<std::byte> buffer(65536);
     while (true) {
         std::span<std::byte> left = buffer;
         if (library.take(left, end) != Channel::Result::Done)
-            return answer;
-        answer.bytes += buffer.size() - left.size();
+            return received;
+        received.bytes += buffer.size() - left.size();
     }
 }
 
-void check(const Answer& answer) {
-    if (answer.reply.name != drive::done) {
-        require(answer.reply.name == drive::failed, "there is a reply");
-        require(answer.bytes == 0, "nothing follows a failure");
+void check(const Received& received) {
+    if (received.reply.name != drive::done) {
+        require(received.reply.name == drive::failed, "there is a reply");
+        require(received.bytes == 0, "nothing follows a failure");
         return;
     }
-    const std::uint64_t head = valueFor(answer.reply.fields, "headBytes").asUInt64();
-    require(head == answer.bytes, "the head follows");
+    const std::uint64_t head = valueFor(received.reply.fields, "headBytes").asUInt64();
+    require(head == received.bytes, "the head follows");
     require(head % dataBlockSize == 0, "the head has whole blocks");
-    require(valueFor(answer.reply.fields, "blocks").asUInt64() >= head / dataBlockSize,
+    require(valueFor(received.reply.fields, "blocks").asUInt64() >= head / dataBlockSize,
             "the head is on the disc");
 }
 
@@ -65,9 +65,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     pair.other.sendStream(std::as_bytes(std::span(bytes)));
     pair.other.endStream();
     const Channel library = std::move(pair.other).asChannel();
-    auto answer = std::async(std::launch::async, [&] { return takeAnswer(library); });
+    auto received = std::async(std::launch::async, [&] { return receiveAll(library); });
     serveLayout(pair.channel);
     pair.channel.shutDown();
-    check(answer.get());
+    check(received.get());
     return 0;
 }

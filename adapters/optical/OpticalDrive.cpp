@@ -66,14 +66,12 @@ std::optional<DiscFacts> OpticalDrive::cachedDisc() const {
 }
 
 DiscFacts OpticalDrive::disc() const {
-    QueryLock asking(_querying, std::defer_lock);
-    while (true) { // another thread may query the drive, or begin a burn
-        if (std::optional<DiscFacts> known = cachedDisc())
-            return std::move(*known);
-        if (asking.owns_lock())
-            return query();
-        static_cast<void>(asking.try_lock_for(checkInterval));
-    }
+    std::optional<DiscFacts> known; // also once another thread has queried the drive, or burns
+    const QueryLock asking = lockWhile([&] {
+        known = cachedDisc();
+        return !known;
+    });
+    return known ? std::move(*known) : query();
 }
 
 std::unique_ptr<DriveWorker> OpticalDrive::startWorker(DriveWorker::DiscHandler handleDisc) const {
@@ -116,7 +114,7 @@ void OpticalDrive::updateCache(const DiscFacts& disc, bool isTransient,
 }
 
 std::string OpticalDrive::accessProblem() const {
-    const QueryLock asking = lockForQuery();
+    const QueryLock asking = lockWhile([this] { return mayQuery(); });
     if (!asking.owns_lock())
         return {};
     if (const std::lock_guard lock(mutex()); isHanging())
@@ -189,7 +187,7 @@ std::optional<DRMSF> OpticalDrive::mediaSpaceFree() const {
 bool OpticalDrive::ejectMedia() {
     bool isOut = false;
     {
-        const QueryLock asking = lockForQuery();
+        const QueryLock asking = lockWhile([this] { return mayQuery(); });
         isOut = asking.owns_lock() && eject();
     }
     if (isOut)
@@ -197,25 +195,16 @@ bool OpticalDrive::ejectMedia() {
     return isOut;
 }
 
-/// Waits for the end of another query. The lock is not held if the drive is gone or a burn has it.
-OpticalDrive::QueryLock OpticalDrive::lockForQuery() const {
+/// Waits for the end of another query. Holds no lock if `mayGoOn` does not return true, which is
+/// called before and after each wait.
+OpticalDrive::QueryLock OpticalDrive::lockWhile(const std::function<bool()>& mayGoOn) const {
     QueryLock lock(_querying, std::defer_lock);
-    while (mayQuery()) {
+    while (mayGoOn()) {
         if (lock.owns_lock())
             return lock;
         static_cast<void>(lock.try_lock_for(checkInterval));
     }
     return {};
-}
-
-/// The same for a burn, until it is stopped.
-OpticalDrive::QueryLock OpticalDrive::lockForBurn(const StopSignal& stop) const {
-    QueryLock lock(_querying, std::defer_lock);
-    while (!lock.owns_lock()) {
-        stop.throwIfRequested();
-        static_cast<void>(lock.try_lock_for(checkInterval));
-    }
-    return lock;
 }
 
 bool OpticalDrive::mayQuery() const {
@@ -239,7 +228,10 @@ std::unique_ptr<SectorWriter> OpticalDrive::claim(const DiscPlan& plan,
     reserve(stop);
     std::unique_ptr<SectorWriter> writer;
     try {
-        const QueryLock asking = lockForBurn(*stop);
+        const QueryLock asking = lockWhile([&] {
+            stop->throwIfRequested();
+            return true;
+        });
         writer = open(plan, settings, stop);
     } catch (...) {
         endClaim(); // the disc may have been changed by the attempt

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <exception>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -87,8 +88,7 @@ private:
     DiscFacts query() const;
     std::unique_ptr<DriveWorker> startWorker(DriveWorker::DiscHandler handleDisc = {}) const;
     bool isGone() const;
-    QueryLock lockForQuery() const;
-    QueryLock lockForBurn(const StopSignal& stop) const;
+    QueryLock lockWhile(const std::function<bool()>& mayGoOn) const;
     bool mayQuery() const;
     bool eject();
     std::uint64_t changeCount() const;

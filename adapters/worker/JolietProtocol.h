@@ -40,11 +40,11 @@ namespace joliet {
 constexpr char layOut[] = "lay-out";
 constexpr std::int64_t version = 1;
 constexpr std::chrono::seconds timeout{60};
-/// The largest folder and head, in bytes: room for a million files.
+/// The largest folder and head, in bytes: enough for a million files.
 constexpr std::uint64_t mostBytes = std::uint64_t(512) * 1024 * 1024;
 } // namespace joliet
 
-/// The request to lay out a folder that has so many bytes.
+/// The request to lay out a folder of this number of bytes.
 Message layOutRequest(std::uint64_t bytes);
 
 /// A folder as bytes, and from bytes that nobody has checked.

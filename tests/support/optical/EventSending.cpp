@@ -20,7 +20,7 @@ ssize_t sizeOf(const msghdr& message) {
 
 } // namespace
 
-/// A program that listens to udev may end while an event is on its way to it. The test bed would
+/// A program that listens to udev may end while an event is sent to it. The test bed would
 /// end the test.
 extern "C" [[gnu::visibility("default")]] ssize_t sendmsg(int socket, const msghdr* message,
                                                           int flags) {
